@@ -1,0 +1,55 @@
+// From a maintenance transaction to the five cost tables.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "data/GenericDAO.h"
+
+namespace dw {
+
+/// A sum of a cost table and the column of `Maintenance Transactions` that it takes.
+struct CostColumn {
+  const char* accumulator;
+  const char* transaction;
+};
+/// The twelve sums of `Assets Period Costs`, `Assets Annual Costs` and `Assets Lifetime Costs`, in order.
+extern const std::array<CostColumn, 12> kAssetCostColumns;
+/// The four sums of `Fuel Period Costs` and `Fuel Annual Costs`, in order.
+extern const std::array<CostColumn, 4> kFuelCostColumns;
+
+/// The five cost tables, opened as tables on their indexes.
+struct Accumulators {
+  DaoRecordsetPtr assetPeriod;    ///< `Assets Period Costs`, `Assets by Period`
+  DaoRecordsetPtr assetAnnual;    ///< `Assets Annual Costs`, `Assets by Year`
+  DaoRecordsetPtr assetLifetime;  ///< `Assets Lifetime Costs`, `By Asset ID`
+  DaoRecordsetPtr fuelPeriod;     ///< `Fuel Period Costs`, `Fuel By Period`
+  DaoRecordsetPtr fuelAnnual;     ///< `Fuel Annual Costs`, `Fuel By Year`
+
+  static Accumulators Open(dao::Database& database);
+  void Close();
+};
+
+/// What a posting run tells while it goes on; each may be empty.
+struct PostingProgress {
+  std::function<void(const std::string&)> status;  ///< the stage: "Clearing Assets Period Costs..." …
+  std::function<void(int)> percent;                ///< 0 to 100, after each row, posted or not
+};
+
+/// What the run did; the program's own windows show none of it.
+struct PostingCounts {
+  std::int64_t seen = 0;
+  std::int64_t posted = 0;
+  std::int64_t added = 0;    ///< rows added to cost tables
+  std::int64_t changed = 0;  ///< rows changed in cost tables
+};
+
+/// Posts every transaction of the data file whose `When Posted` is Null, after emptying the cost tables and marking all
+/// transactions unposted where `clearFirst` says so. Ends with the box "Posting is Complete.". Engine errors outside the
+/// record operations (an empty table among them) leave as StoreError.
+PostingCounts RunPosting(bool clearFirst, const PostingProgress& progress);
+
+}  // namespace dw

@@ -1,0 +1,170 @@
+// Connections, recordsets and the catalogue: the object model of lists, look-ups and held transactions.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/runtime/Value.h"
+#include "platform/store/Connection.h"
+#include "platform/store/Cursor.h"
+
+namespace ado {
+
+/// Error numbers of the provider.
+constexpr std::int32_t kUnspecified = -2147467259;    // 80004005: locked, in use
+constexpr std::int32_t kErrorsOccurred = -2147217887;  // 80040E21
+constexpr std::int32_t kProviderFailure = -2147217888;  // 80040E20: the write-back of a locked record
+constexpr std::int32_t kTimeout = -2147217871;        // 80040E31
+constexpr std::int32_t kSyntax = -2147217900;         // 80040E14
+constexpr std::int32_t kNoTable = -2147217865;        // 80040E37
+constexpr std::int32_t kTooFewParameters = -2147217904;  // 80040E10
+/// Native number of a file that was not found.
+constexpr std::int32_t kNativeFileNotFound = -534578963;
+
+/// What an operation of this model throws.
+class Error : public std::runtime_error {
+ public:
+  Error(std::int32_t number, std::int32_t native, const std::string& text)
+      : std::runtime_error(text), number_(number), native_(native) {}
+  std::int32_t Number() const { return number_; }
+  std::int32_t Native() const { return native_; }
+
+ private:
+  std::int32_t number_;
+  std::int32_t native_;
+};
+
+struct ErrorEntry {
+  std::int32_t number = 0;
+  std::int32_t nativeError = 0;
+  std::string description;
+};
+
+enum CursorType : int { adOpenForwardOnly = 0, adOpenKeyset = 1, adOpenDynamic = 2, adOpenStatic = 3 };
+enum LockType : int { adLockReadOnly = 1, adLockPessimistic = 2, adLockOptimistic = 3 };
+
+/// The rows that OpenSchema gives.
+struct SchemaRow {
+  std::string computerName;  ///< "COMPUTER_NAME", arrives with a NUL at its end
+  std::string loginName;     ///< "LOGIN_NAME", likewise
+  bool connected = false;    ///< "CONNECTED"
+};
+
+class Connection {
+ public:
+  int CommandTimeout = 30;     ///< seconds
+  int ConnectionTimeout = 15;  ///< seconds
+
+  /// Reads "Data Source=", "Mode=Share Exclusive" and "Mode=Share Deny None" from the string. Throws Error; every error is
+  /// also added to Errors.
+  void Open(const std::string& connectionString);
+  bool IsOpen() const { return connection_ != nullptr; }
+  /// Records affected. 80004005 (native 3260) when a record that it touches is held elsewhere.
+  std::int64_t Execute(std::string_view sql);
+  void BeginTrans();
+  void CommitTrans();
+  void RollbackTrans();
+  /// The user roster: one row for each open of the file.
+  std::vector<SchemaRow> OpenUserRoster();
+  /// Rolls back an open transaction.
+  void Close();
+  std::vector<ErrorEntry> Errors;
+
+  const std::shared_ptr<store::Connection>& Store() const { return connection_; }
+
+ private:
+  std::shared_ptr<store::Connection> connection_;
+};
+
+/// A recordset; a change begins with the first Set, as this model has it.
+class Recordset {
+ public:
+  /// A SELECT or a table's name. Dynamic and keyset cursors are alike here.
+  void Open(std::string_view source, const std::shared_ptr<Connection>& connection, int cursor = adOpenForwardOnly,
+            int lock = adLockReadOnly);
+  bool IsOpen() const { return cursor_ != nullptr; }
+  const std::shared_ptr<Connection>& ActiveConnection() const { return connection_; }
+
+  bool AtBegin() const;
+  bool AtEnd() const;
+  std::int64_t RecordCount();
+  void MoveFirst();
+  void MoveLast();
+  void MoveNext();
+  void MovePrevious();
+  /// Relative to the place; 0 stays and stores nothing.
+  void Move(std::int64_t rows);
+
+  rt::Value Get(std::string_view column);
+  /// Begins an edit where there is none: a pessimistic cursor takes the record (80040E20 when it is held elsewhere).
+  void Set(std::string_view column, const rt::Value& value);
+  int FieldIndex(std::string_view column) const;
+  rt::Value Get(int field);
+  void Set(int field, const rt::Value& value);
+  const std::vector<store::FieldInfo>& Fields() const;
+
+  void AddNew();
+  /// 80004005 when the record is held elsewhere.
+  void Update();
+  void CancelUpdate();
+  /// The current row. 80004005 when the record is held elsewhere.
+  void Delete();
+  /// Looks forward from the place (from the first row when asked) for a condition such as "[ID] = 5"; at the end if none.
+  void Find(std::string_view condition, bool fromFirst = false);
+  store::Bookmark Bookmark();
+  void SetBookmark(const store::Bookmark& mark);
+  void Requery();
+  void Close();
+  store::Cursor& Cursor();
+
+ private:
+  std::shared_ptr<Connection> connection_;
+  std::unique_ptr<store::Cursor> cursor_;
+};
+
+/// One value of a recordset's current row, as the write-back probe wants it.
+class Field {
+ public:
+  Field(Recordset& recordset, int index) : recordset_(&recordset), index_(index) {}
+  rt::Value Value() const { return recordset_->Get(index_); }
+  void SetValue(const rt::Value& value) { recordset_->Set(index_, value); }
+
+ private:
+  Recordset* recordset_;
+  int index_;
+};
+
+/// Type codes of the catalogue: 2 small integer, 3 integer, 4 single, 5 double, 6 currency, 7 date, 11 Boolean,
+/// 202 text, 203 memo, 205 long binary.
+int TypeCode(store::ColumnType type);
+store::ColumnType TypeOfCode(int code);
+
+struct Column {
+  std::string name;
+  int type = 202;
+  int definedSize = 0;
+};
+
+/// Tables and columns of an open connection.
+class Catalog {
+ public:
+  explicit Catalog(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {}
+  std::vector<std::string> Tables();
+  std::vector<Column> Columns(std::string_view table);
+  /// `nullable` false makes a column that is never Null, with `defaultTrue` as the value of a Boolean's existing rows.
+  void AppendColumn(std::string_view table, const Column& column, bool nullable, bool defaultTrue);
+  void RenameColumn(std::string_view table, std::string_view column, std::string_view newName);
+
+ private:
+  std::shared_ptr<Connection> connection_;
+};
+
+/// Makes what other connections have written visible to this one.
+namespace JetEngine {
+void RefreshCache(Connection& connection);
+}
+
+}  // namespace ado

@@ -1,0 +1,185 @@
+// Workspaces, databases, recordsets and definitions: the object model with table recordsets and seeks.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/runtime/Value.h"
+#include "platform/store/Connection.h"
+#include "platform/store/Cursor.h"
+#include "platform/store/StoreError.h"
+
+namespace dao {
+
+using store::Commit;
+using store::StoreError;
+
+/// Type codes of columns.
+enum FieldType : int {
+  dbBoolean = 1, dbInteger = 3, dbLong = 4, dbCurrency = 5, dbSingle = 6, dbDouble = 7, dbDate = 8,
+  dbText = 10, dbLongBinary = 11, dbMemo = 12,
+};
+constexpr int dbAutoIncrField = 16;
+constexpr int dbUseJet = 2;
+
+enum class RecordsetType { Table = 1, Dynaset = 2, Snapshot = 4 };
+enum class Access { ReadWrite, ReadOnly };
+
+class Workspace;
+class Database;
+
+/// A set of records with a place in it, an edit buffer and locks. Everything throws StoreError.
+class Recordset {
+ public:
+  bool AtBegin() const;
+  bool AtEnd() const;
+  /// All rows of the set (the engine reads no further than it must to know).
+  std::int64_t RecordCount();
+  void MoveFirst();
+  void MoveLast();
+  void MoveNext();
+  void MovePrevious();
+
+  rt::Value Get(std::string_view column);
+  void Set(std::string_view column, const rt::Value& value);
+  /// The same by position, for loops; FieldIndex throws 3265 for a column that is not there.
+  int FieldIndex(std::string_view column) const;
+  rt::Value Get(int field) { return cursor_->Get(field); }
+  void Set(int field, const rt::Value& value) { cursor_->Set(field, value); }
+  const std::vector<store::FieldInfo>& Fields() const;
+
+  void AddNew();
+  void Edit();
+  void Update();
+  void CancelUpdate();
+  void Delete();
+  bool Editing() const;  ///< an edit or a new record is in hand
+
+  /// Table recordsets.
+  void SetIndex(std::string_view name);
+  /// "=" on the current index, with as many leading values as given.
+  void Seek(const std::vector<rt::Value>& key);
+  bool NoMatch() const;
+  void FindFirst(std::string_view condition);
+  void FindNext(std::string_view condition);
+
+  store::Bookmark Bookmark();
+  void SetBookmark(const store::Bookmark& mark);
+  store::Bookmark LastModified() const;
+  void Requery();
+  void Close();
+
+  explicit Recordset(std::unique_ptr<store::Cursor> cursor) : cursor_(std::move(cursor)) {}
+  store::Cursor& Cursor();
+
+ private:
+  std::unique_ptr<store::Cursor> cursor_;
+};
+
+struct Field {
+  std::string name;
+  int type = dbText;
+  int size = 0;
+  int attributes = 0;  ///< dbAutoIncrField
+  bool required = false;
+  bool allowZeroLength = false;
+};
+
+struct Index {
+  std::string name;
+  std::vector<std::string> fields;
+  bool primary = false;
+  bool required = false;
+  bool unique = false;
+};
+
+/// A table's definition: of a stored table (each change goes to the file at once), or of one that is still being built
+/// and is stored by Database::AppendTable.
+class TableDef {
+ public:
+  explicit TableDef(std::string name) : name_(std::move(name)) {}
+  const std::string& Name() const { return name_; }
+  std::vector<Field> Fields() const;
+  std::vector<Index> Indexes() const;
+  void AppendField(const Field& field);
+  void DeleteField(std::string_view name);
+  void RenameField(std::string_view name, std::string_view newName);
+  void AppendIndex(const Index& index);
+  void DeleteIndex(std::string_view name);
+
+ private:
+  friend class Database;
+  std::string name_;
+  std::shared_ptr<store::Connection> connection_;  ///< null while it is being built
+  store::TableInfo building_;
+};
+
+class Database {
+ public:
+  /// A table's name (with or without brackets) or a SELECT. Table type needs a table's name.
+  std::shared_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type = RecordsetType::Dynaset,
+                                           Access access = Access::ReadWrite);
+  /// Runs a statement; the number of records that it changed.
+  std::int64_t Execute(std::string_view sql);
+  std::vector<std::string> TableNames();
+  /// 3265 if there is none.
+  TableDef Table(std::string_view name);
+  void AppendTable(const TableDef& table);
+  void DeleteTable(std::string_view name);
+  std::vector<store::RelationInfo> Relations();
+  void AppendRelation(const store::RelationInfo& relation);
+  const std::string& Name() const;
+  /// The file format's version, "4.0".
+  std::string Version() const { return "4.0"; }
+  void Close();
+
+  explicit Database(std::shared_ptr<store::Connection> connection) : connection_(std::move(connection)) {}
+  store::Connection& Connection();
+
+ private:
+  std::shared_ptr<store::Connection> connection_;
+};
+
+/// Transactions of a workspace span all of its databases.
+class Workspace {
+ public:
+  Workspace(std::string name, std::string user) : name_(std::move(name)), user_(std::move(user)) {}
+  const std::string& Name() const { return name_; }
+  std::shared_ptr<Database> OpenDatabase(const std::string& path, bool exclusive = false, bool readOnly = false);
+  void BeginTrans();
+  void CommitTrans(Commit how = Commit::Now);
+  /// 3034 without a transaction.
+  void RollbackTrans();
+  /// See store::Connection; on every database of the workspace.
+  void EnterGroup();
+  void FinishGroup();
+  /// Rolls back what is open and closes its databases.
+  void Close();
+
+ private:
+  std::string name_;
+  std::string user_;
+  int depth_ = 0;
+  std::vector<std::weak_ptr<Database>> databases_;
+};
+
+/// The engine itself.
+namespace DBEngine {
+std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::string& user,
+                                           const std::string& password, int type = dbUseJet);
+/// Makes an empty file and opens it.
+std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string& path);
+/// See store::CompactFile.
+void CompactDatabase(const std::string& source, const std::string& target);
+/// Lets go of what is no longer needed (1: locks of reading). Reading holds no locks here.
+void Idle(int what);
+/// "4.0": this engine has no repair method of its own.
+std::string Version();
+}  // namespace DBEngine
+
+}  // namespace dao

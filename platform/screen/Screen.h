@@ -1,0 +1,66 @@
+// Everything that is said to the user outside a form: one small interface, reached by free functions.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace screen {
+
+enum class Icon { None, Critical, Question, Exclamation, Information };
+enum class Buttons { Ok, OkCancel, YesNo, RetryCancel };
+enum class Answer { Ok, Cancel, Yes, No, Retry };
+enum class Pointer { Normal = 0, Hourglass = 11 };
+
+/// A message box as it is asked for. CR, LF and CR LF in the text are all line breaks.
+struct Box {
+  std::string text;
+  Icon icon = Icon::None;
+  Buttons buttons = Buttons::Ok;
+  std::string title;
+};
+
+/// What stands for the user's screen: a desktop, a console, or a script in a test.
+class Screen {
+ public:
+  virtual ~Screen() = default;
+  virtual Answer ShowBox(const Box& box) = 0;
+  /// The text that was entered; empty when the user cancelled. `text` stands in the field at first.
+  virtual std::string AskText(const std::string& prompt, const std::string& title, const std::string& text) = 0;
+  virtual void SetPointer(Pointer pointer) = 0;
+  /// Lets pending events run.
+  virtual void DoEvents() = 0;
+  virtual void Sleep(int milliseconds) = 0;
+  /// The notice window that tells of a long step; it blocks nothing.
+  virtual void ShowNotice(const std::string& title, const std::string& text) = 0;
+  virtual void HideNotice() = 0;
+};
+
+/// Puts a screen in place and gives the earlier one. Without one, the console stands in.
+std::shared_ptr<Screen> Install(std::shared_ptr<Screen> screen);
+Screen& Current();
+
+/// The title of boxes that name none: "Drovewright".
+const std::string& ApplicationTitle();
+
+/// Shows a modal box and waits for its answer. Before it is shown the data files are given back to other users.
+Answer MessageBox(const std::string& text, Icon icon = Icon::None, Buttons buttons = Buttons::Ok,
+                  const std::string& title = {});
+std::string InputBox(const std::string& prompt, const std::string& title = {}, const std::string& text = {});
+void SetPointer(Pointer pointer);
+void DoEvents();
+/// Waits; before it the data files are given back to other users.
+void Sleep(int milliseconds);
+void ShowNotice(const std::string& title, const std::string& text);
+void HideNotice();
+
+/// The hourglass for as long as it lives, and the earlier pointer afterwards.
+class Hourglass {
+ public:
+  Hourglass() { SetPointer(Pointer::Hourglass); }
+  ~Hourglass() { SetPointer(Pointer::Normal); }
+  Hourglass(const Hourglass&) = delete;
+  Hourglass& operator=(const Hourglass&) = delete;
+};
+
+}  // namespace screen

@@ -1,0 +1,110 @@
+// One open of a data file: statements, transactions, definitions.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/runtime/Value.h"
+#include "platform/store/Dialect.h"
+#include "platform/store/Schema.h"
+#include "platform/store/SideFile.h"
+#include "platform/store/StoreError.h"
+
+namespace store {
+
+struct OpenRequest {
+  std::string path;
+  Share share = Share::Shared;
+  bool readOnly = false;
+};
+
+/// The computer and user that rosters and refusals name: at first the machine's name and "admin"; the sign-on sets the
+/// workstation's name and the user's.
+void SetIdentity(const std::string& computer, const std::string& user);
+const std::string& IdentityComputer();
+const std::string& IdentityUser();
+
+/// How a transaction is committed.
+enum class Commit {
+  Now,        ///< on the disk when the call returns
+  WithGroup,  ///< whole or not at all, and on the disk with the others of its group: within 1,000 commits or 50 ms, before
+              ///< the program waits for anything, and at FinishGroup at the latest
+};
+
+struct QueryPlan;
+
+/// A data file, opened. Everything throws StoreError. The object is one owner of record locks (see SideFile).
+///
+/// A transaction costs nothing until its first write, and it never keeps the file from others while the program waits
+/// for a person: before a message box or a sleep its writes are taken back and written again when it goes on. The
+/// records it touched stay held all the time.
+class Connection : public std::enable_shared_from_this<Connection> {
+ public:
+  /// 3024 no such file, 3044 no such directory or a directory under the file's name, 3343 not a data file (empty files,
+  /// texts and damaged headers), 3045 and 3356 as SideFile::Enter.
+  static std::shared_ptr<Connection> Open(const OpenRequest& request);
+  /// Makes an empty data file. 3204 when something of that name exists already.
+  static void Create(const std::string& path);
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  const std::string& Path() const;
+  bool ReadOnly() const;
+  SideFile& Side();
+
+  // --- statements
+  /// Runs a statement that gives no rows; the number of records that it changed. 3260 when it touches a record that
+  /// another holds: then nothing is changed.
+  std::int64_t Execute(std::string_view sql);
+  /// The translation of a query, kept for statements of the same shape.
+  std::shared_ptr<const QueryPlan> Plan(std::string_view sql, std::vector<rt::Value>* parameters);
+
+  // --- transactions
+  void BeginTrans();
+  void CommitTrans(Commit how = Commit::Now);
+  void RollbackTrans();
+  int TransactionDepth() const;
+  /// Commits what a group still keeps back.
+  void FinishGroup();
+  /// Starts writing now, so that what is read next cannot change before the group is committed. Only between BeginTrans
+  /// … CommitTrans(WithGroup) pairs; the group's limits hold from here.
+  void EnterGroup();
+
+  // --- definitions; each is refused (3009) while another holds a record of the table
+  const Schema& Tables();
+  void CreateTable(const TableInfo& table);
+  void DropTable(std::string_view table);
+  void RenameTable(std::string_view table, std::string_view newName);
+  void AddColumn(std::string_view table, const ColumnInfo& column);
+  void DropColumn(std::string_view table, std::string_view column);
+  void RenameColumn(std::string_view table, std::string_view column, std::string_view newName);
+  void CreateIndex(std::string_view table, const IndexInfo& index);
+  void DropIndex(std::string_view table, std::string_view index);
+  std::vector<RelationInfo> Relations();
+  void AddRelation(const RelationInfo& relation);
+
+  /// The engine's own test of the file's structure: one line for each fault, none for a sound file.
+  std::vector<std::string> CheckIntegrity();
+
+  class Impl;
+  Impl& Internals() { return *impl_; }
+
+ private:
+  Connection() = default;
+  std::unique_ptr<Impl> impl_;
+};
+
+/// Gives every file back to other users: commits the groups of all connections of this process and takes back what
+/// unfinished transactions have written, to be written again when they go on. Called before every wait.
+void YieldFiles();
+
+/// Copies a closed file to `target`, without the space of deleted records. 3196 while anyone has it open, 3026 or 3183
+/// for a full disk, 3343 for a file that cannot be read, 3204 when the target exists.
+void CompactFile(const std::string& source, const std::string& target);
+
+}  // namespace store

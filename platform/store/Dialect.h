@@ -1,0 +1,85 @@
+// The SQL that the system speaks, translated to the SQL of the file underneath.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/runtime/Value.h"
+#include "platform/store/Schema.h"
+
+namespace store {
+
+/// A statement with its literals taken out, so that statements which differ in their values alone share one
+/// translation. Text literals become '?', numbers '?' and dates '?'; a number behind TOP stays in the key.
+struct Normalized {
+  std::string key;
+  std::vector<rt::Value> parameters;  ///< text, Long, Double, Date; in order of appearance
+};
+
+/// Takes a statement apart. Throws StoreError 3075 for a character or literal that the dialect does not know: an open
+/// quote or bracket, a # literal that is no date.
+Normalized Normalize(std::string_view sql);
+
+enum class StatementKind { Select, Insert, Update, Delete, AddColumn, DropColumn, CreateTable, DropTable, CreateIndex, DropIndex };
+
+struct SourceTable {
+  std::string name;      ///< the table's own spelling
+  std::string alias;     ///< how the statement calls it; the name where it says nothing
+  bool optional = false;  ///< its row may be missing: the far side of an outer join
+};
+
+struct ResultColumn {
+  std::string name;        ///< as the caller finds it: "Description", or "Divisions.Description" where doubled
+  ColumnType type = ColumnType::Text;
+  int table = -1;          ///< index into `tables`; -1 for a computed column
+  std::string column;      ///< the table's column; empty for a computed one
+  std::string expression;  ///< in the file's SQL
+};
+
+/// A statement in the file's SQL. Parameters appear as ?1, ?2 … in the order of Normalized::parameters, so that a part
+/// of the statement can be used without the others.
+struct Translation {
+  StatementKind kind = StatementKind::Select;
+  std::vector<SourceTable> tables;  ///< of a Select in FROM order; of a write the target alone
+
+  // Select
+  std::vector<ResultColumn> columns;
+  bool distinct = false;
+  bool grouped = false;        ///< has an aggregate, GROUP BY or HAVING: its rows have no keys
+  std::optional<std::int64_t> top;
+  std::string from;            ///< behind FROM: tables and joins, quoted, aliased
+  std::string where;           ///< condition, or empty
+  std::string groupBy;         ///< list, or empty
+  std::string having;          ///< condition, or empty
+  std::string orderBy;         ///< list, or empty
+
+  // Insert, Update and Delete; for Update and Delete `where` is the condition
+  std::string target;          ///< the table's own spelling
+  std::vector<std::pair<std::string, std::string>> assignments;  ///< Update: column, expression
+  std::vector<std::string> insertColumns;                        ///< Insert: columns in order
+  std::vector<std::string> insertValues;                         ///< Insert … VALUES: expressions in order
+  std::string insertSelect;                                      ///< Insert … SELECT: the whole query, or empty
+
+  // Definitions
+  ColumnInfo column;                  ///< AddColumn; DropColumn uses the name
+  std::vector<ColumnInfo> newColumns;  ///< CreateTable
+  IndexInfo index;                    ///< CreateIndex, DropIndex; CreateTable with a PRIMARY KEY clause
+};
+
+/// Translates a normalized statement against the tables of a file.
+///
+/// Understood: SELECT [DISTINCT] [TOP n] list FROM tables with INNER, LEFT and RIGHT JOIN … ON, WHERE, GROUP BY, HAVING,
+/// ORDER BY; INSERT INTO t (columns) VALUES (…) or SELECT …; UPDATE t SET …  WHERE; DELETE [*] FROM t WHERE; ALTER TABLE
+/// ADD and DROP COLUMN; CREATE and DROP TABLE and INDEX. Names stand bare or in brackets; a bracket may hold
+/// "table.column" or end in blanks. TRUE, FALSE, NULL, IS [NOT] NULL / TRUE / FALSE, AND, OR, NOT, comparison,
+/// + - * / &, LIKE with * ? #, BETWEEN, IN, and the functions UCASE, LCASE, LEN, LEFT, RIGHT, MID, TRIM, IIF, ISNULL,
+/// NZ, ABS, INT, YEAR, MONTH, DAY, NOW, DATE, COUNT, SUM, AVG, MIN, MAX. A trailing semicolon is let through.
+///
+/// Throws StoreError 3075 for what is not understood (with the place), 3078 for an unknown table, 3061 for an unknown
+/// column, 3079 for a column name that two tables share.
+Translation Translate(const Normalized& statement, const Schema& schema);
+
+}  // namespace store

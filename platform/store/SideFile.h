@@ -1,0 +1,98 @@
+// The side file of a data file: who is in it, how it is shared, and which records are held.
+//
+// Beside DW.MDB stands DW.LDB while anyone has the data file open. It holds a roster of 255 slots of 64 bytes (computer
+// name, 32 bytes, and user name, 32 bytes, each ended by NULs). Everything else in it is advisory byte-range locks of
+// open file descriptions (F_OFD_SETLK), which the operating system drops when a process dies.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace store {
+
+enum class Share { Shared, Exclusive };
+
+/// Why a record is held: a window has it in edit, or a transaction that is still running has changed it.
+enum class Hold { Edit, Transaction };
+
+struct RosterEntry {
+  int slot = 0;
+  std::string computer;
+  std::string user;
+};
+
+struct Holder {
+  int slot = 0;
+  std::string computer;
+  std::string user;
+  Hold hold = Hold::Edit;
+  bool wholeTable = false;  ///< the lock covers the table's range, not this one record
+};
+
+struct HeldRecord {
+  int table = 0;
+  std::int64_t row = 0;  ///< 0 where a whole table is held
+  Holder holder;
+};
+
+/// One open of a data file, with a slot in the roster and the records that this open holds. An object of this class is
+/// one lock owner: two of them in one process conflict as two machines do. Not for use from several threads.
+class SideFile {
+ public:
+  /// Joins the users of `dataFile`. Throws StoreError 3045 when `share` is Exclusive and others are in, 3356 when
+  /// another has it exclusively, 3044 when the directory is gone, 3051 when the side file cannot be made or written
+  /// (3026 for a full disk), and 3045 when all 255 slots are taken.
+  static std::unique_ptr<SideFile> Enter(const std::string& dataFile, Share share, const std::string& computer,
+                                         const std::string& user);
+  /// The side file's path: the data file's with the ending ".LDB".
+  static std::string PathFor(const std::string& dataFile);
+  /// Leaves; the last one out removes the side file.
+  ~SideFile();
+  SideFile(const SideFile&) = delete;
+  SideFile& operator=(const SideFile&) = delete;
+
+  int Slot() const { return slot_; }
+  Share Sharing() const { return share_; }
+
+  /// Takes the record for this owner. False when another owner holds it in either way (an Edit conflicts with an Edit
+  /// and with a Transaction, and so on); `refused` then tells who. Taking a record twice needs two Releases. In
+  /// Exclusive sharing nothing can conflict and only the count is kept.
+  bool Take(Hold hold, int table, std::int64_t row, Holder* refused);
+  void Release(Hold hold, int table, std::int64_t row);
+  bool Holds(Hold hold, int table, std::int64_t row) const;
+
+  /// Who else holds the record, if anyone does.
+  std::optional<Holder> WhoHolds(int table, std::int64_t row) const;
+
+  /// Takes a Transaction hold on all of the table's records but those that others hold, and gives those others' rows
+  /// (in either way of holding). While this stands, nobody else can take a record of the table. A whole-table hold of
+  /// another owner is given back as an entry with row 0 and nothing is taken. Once for each table; ReleaseTable ends it
+  /// and also every single Transaction hold on that table.
+  std::vector<HeldRecord> TakeTable(int table);
+  bool HoldsTable(int table) const;
+  void ReleaseTable(int table);
+  /// Ends every Transaction hold of this owner.
+  void ReleaseTransaction();
+  /// Turns the whole-table holds into holds of just the named records, without a gap in which another could take them.
+  void Narrow(const std::map<int, std::vector<std::int64_t>>& rowsByTable);
+
+  /// The slots that are locked by a living process, in slot order.
+  std::vector<RosterEntry> Roster() const;
+  /// All records that others hold in tables 1 to `lastTable`.
+  std::vector<HeldRecord> HeldByOthers(int lastTable) const;
+
+ private:
+  SideFile() = default;
+  std::string path_;
+  int fd_ = -1;
+  int slot_ = -1;
+  Share share_ = Share::Shared;
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace store

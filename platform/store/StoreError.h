@@ -1,0 +1,56 @@
+// Errors of the store, with the numbers the field knows them by.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace store {
+
+/// What goes wrong in a data file. The numbers are the engine's own; above data/ they never travel as exceptions.
+enum Error : int {
+  kOverflow = 6,
+  kDuplicateKey = 3022,
+  kNoCurrentRecord = 3021,
+  kUpdateWithoutEdit = 3020,
+  kFileNotFound = 3024,
+  kDiskFull = 3026,
+  kReadOnly = 3027,
+  kTransactionMissing = 3034,
+  kPathNotFound = 3044,
+  kFileInUse = 3045,
+  kTableLocked = 3009,
+  kCannotStart = 3051,
+  kTooFewParameters = 3061,
+  kSyntax = 3075,
+  kTableNotFound = 3078,
+  kTableExists = 3010,
+  kRecordDeleted = 3167,
+  kFieldTooSmall = 3163,
+  kCannotCompactDiskFull = 3183,
+  kSaveLocked = 3186,
+  kSessionLocked = 3188,
+  kExclusiveNeeded = 3196,
+  kDataChanged = 3197,
+  kEditLocked = 3218,
+  kCannotUpdate = 3251,
+  kNotAnIndex = 3015,
+  kRecordLocked = 3260,
+  kItemNotFound = 3265,
+  kFieldRequired = 3314,
+  kZeroLength = 3315,
+  kTypeMismatch = 3421,
+  kBadFormat = 3343,
+  kOpenedExclusively = 3356,
+  kInternal = 3000,
+};
+
+class StoreError : public std::runtime_error {
+ public:
+  StoreError(int number, const std::string& text) : std::runtime_error(text), number_(number) {}
+  int Number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+}  // namespace store

@@ -1,0 +1,22 @@
+// The rules of signing on and off; the form and the console call the same ones.
+#pragma once
+
+#include <string>
+
+namespace dw {
+
+enum class SignOnResult {
+  Passed,
+  TryAgain,  ///< a wrong name or password: the form stays open
+  Refused,   ///< the sign-on is over
+};
+
+/// Checks user, password and WorkstationName against the users file, with the messages of each refusal. Passed sets
+/// CurrentUserName, CurrentUserID, IsAdministrator, WorkstationID and SignedOn, and the names that locks and rosters show.
+SignOnResult CheckSignOn(const std::string& userName, const std::string& password);
+/// Adds the row of this session to `Access Log`.
+void WriteAccessLogIn();
+/// Writes `Time Out` into the user's newest row of `Access Log`.
+void SignOff();
+
+}  // namespace dw
