@@ -16,9 +16,10 @@ struct CostDifference {
   std::string expected;
 };
 
-/// Compares the five cost tables of the main file with the sums of the posted transactions whose asset is on file. Amounts
-/// of money must be equal to the last ten-thousandth; units, being Singles added in one order or another, to within
-/// their rounding. A row that stands at zero without transactions is no difference (unposting leaves such rows).
+/// Compares the five cost tables of the main file with the sums of the posted transactions whose asset is on
+/// file. Amounts of money must be equal to the last ten-thousandth; units, being Singles added in one order
+/// or another, to within their rounding. A row that stands at zero without transactions is no difference
+/// (unposting leaves such rows).
 std::vector<CostDifference> CheckCosts(store::Connection& connection);
 
 }  // namespace dw

@@ -10,10 +10,11 @@
 
 namespace dw {
 
-/// Units of own fuel times `Fuel Price` of the row of `Internal Fuel Pricing Log` with the latest `Effective Date` on or
-/// before the date.
+/// Units of own fuel times `Fuel Price` of the row of `Internal Fuel Pricing Log` with the latest `Effective
+/// Date` on or before the date.
 rt::Currency GetInternalFuelCost(std::int32_t fuelType, float units, const std::string& date);
-/// Hours times `Hourly Rate` of the first row (by ID) of `Internal Pricing Log` effective on or after the date.
+/// Hours times `Hourly Rate` of the first row (by ID) of `Internal Pricing Log` effective on or after the
+/// date.
 rt::Currency GetLaborCost(float hours, const std::string& date);
 /// Units times `Oil Price`, looked up as labour is.
 rt::Currency GetOilCost(float units, const std::string& date);

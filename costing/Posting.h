@@ -36,7 +36,7 @@ struct Accumulators {
 /// What a posting run tells while it goes on; each may be empty.
 struct PostingProgress {
   std::function<void(const std::string&)> status;  ///< the stage: "Clearing Assets Period Costs..." …
-  std::function<void(int)> percent;                ///< 0 to 100, after each row, posted or not
+  std::function<void(int)> percent;                ///< 0 when the rows begin; to 100, after each, posted or not
 };
 
 /// What the run did; the program's own windows show none of it.
@@ -47,9 +47,9 @@ struct PostingCounts {
   std::int64_t changed = 0;  ///< rows changed in cost tables
 };
 
-/// Posts every transaction of the data file whose `When Posted` is Null, after emptying the cost tables and marking all
-/// transactions unposted where `clearFirst` says so. Ends with the box "Posting is Complete.". Engine errors outside the
-/// record operations (an empty table among them) leave as StoreError.
+/// Posts every transaction of the data file whose `When Posted` is Null, after emptying the cost tables and
+/// marking all transactions unposted where `clearFirst` says so. Ends with the box "Posting is Complete.".
+/// Engine errors outside the record operations (an empty table among them) leave as StoreError.
 PostingCounts RunPosting(bool clearFirst, const PostingProgress& progress);
 
 }  // namespace dw

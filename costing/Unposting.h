@@ -5,13 +5,13 @@
 
 namespace dw {
 
-/// Subtracts the transaction that the recordset stands on from the five cost tables, in a workspace of its own. False when
-/// its asset is not on file; true otherwise, whatever was found or not. Changes neither the transaction nor tests
-/// `When Posted`: that falls to the caller.
+/// Subtracts the transaction that the recordset stands on from the five cost tables, in a workspace of its
+/// own. False when its asset is not on file; true otherwise, whatever was found or not. Changes neither the
+/// transaction nor tests `When Posted`: that falls to the caller.
 bool UnpostTransaction(dao::Recordset& transaction);
 
-/// Unposts a transaction that the recordset holds in edit: subtraction, `When Posted` Null, audit columns, and the lock
-/// taken again. True when the record is held again at the end.
+/// Unposts a transaction that the recordset holds in edit: subtraction, `When Posted` Null, audit columns,
+/// and the lock taken again. True when the record is held again at the end.
 bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction);
 
 /// Unposts every posted transaction of every asset.

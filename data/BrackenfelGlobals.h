@@ -9,15 +9,15 @@ namespace dw {
 /// The application code: selects file names, settings keys and the data source kind.
 inline constexpr const char* kApplicationCode = "DW";
 
-inline std::string CurrentUserName;      ///< the signed-on user, as `Application User List` spells the name
+inline std::string CurrentUserName;  ///< the signed-on user, as `Application User List` spells the name
 inline std::int32_t CurrentUserID = 0;
-inline std::string WorkstationName;      ///< this machine's name in the application
+inline std::string WorkstationName;  ///< this machine's name in the application
 inline std::int32_t WorkstationID = 0;
 inline bool IsAdministrator = false;
 inline bool SignedOn = false;
 inline bool FirstRunPending = false;
 
-inline bool UseAccess = true;            ///< the main data is a file
+inline bool UseAccess = true;  ///< the main data is a file
 inline bool UseSQLServer = false;
 inline std::string DateDelimiter = "#";
 inline std::string DeletePrefix = "DELETE * ";
@@ -40,10 +40,16 @@ inline constexpr int kMajorVersion = 2;
 inline constexpr int kMinorVersion = 12;
 inline constexpr int kRevision = 4;
 
-/// Sets the data directory and from it the four files and their connection strings, as sign-on does once the directory
-/// is known. A missing separator at the end is added. The files need not exist.
+/// Sets the data directory and from it the four files and their connection strings, as sign-on does once the
+/// directory is known. A missing separator at the end is added. The files need not exist.
 void SetDataPath(const std::string& directory);
 /// The connection string of a data file other than the main one.
 std::string FileConnect(const std::string& path);
+/// The connection string of the main file, with DataUserID and DataPassword.
+std::string MainFileConnect(const std::string& path);
+/// The connection string of the main data on a server, trusted or by login.
+std::string ServerConnect(const std::string& server, const std::string& database);
+std::string ServerConnect(const std::string& server, const std::string& database, const std::string& id,
+                          const std::string& password);
 
 }  // namespace dw

@@ -23,9 +23,10 @@ std::int32_t AdoExecute(const AdoConnectionPtr& connection, const std::string& s
 AdoRecordsetPtr AdoOpenRecordset(const AdoConnectionPtr& connection, const std::string& sql,
                                  int cursor = ado::adOpenKeyset, int lock = ado::adLockReadOnly);
 bool AdoAutoAddRS(ado::Recordset& recordset);
-/// Adds a row with a chosen ID; with an ID below 1 the database makes it. False if the row cannot be read back.
-bool AdoAddRecordWithID(const std::string& databaseType, const AdoConnectionPtr& connection, ado::Recordset& recordset,
-                        const std::string& table, std::int32_t id);
+/// Adds a row with a chosen ID; with an ID below 1 the database makes it. False if the row cannot be read
+/// back.
+bool AdoAddRecordWithID(const std::string& databaseType, const AdoConnectionPtr& connection,
+                        ado::Recordset& recordset, const std::string& table, std::int32_t id);
 bool AdoUpdateRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh);
 bool AdoDeleteRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh);
 bool AdoCancelUpdateRS(ado::Recordset& recordset);
@@ -33,9 +34,10 @@ bool AdoCancelUpdateRS(ado::Recordset& recordset);
 int AdoTestRecordLock(ado::Field field, bool showMessage, const AdoConnectionPtr& connection = nullptr);
 bool AdoTableExists(const AdoConnectionPtr& connection, std::string_view table);
 bool AdoFieldExists(const AdoConnectionPtr& connection, const std::string& table, std::string_view column);
-/// The type code of a column, 0 if not found.
+/// The type code of a column, 0 if not found. Not `done` when the question itself failed, which is told.
 void AdoGetFieldType(const std::string& connectionString, const std::string& table, const std::string& column,
                      std::int16_t& fieldType, bool& done);
+/// A Boolean column is true in all rows, any other may be Null. A failure is told.
 void AdoAddColumn(ado::Catalog& catalog, const std::string& table, const std::string& name, int typeCode);
 /// True for the data control errors 3661 and 16389, whose boxes are not shown.
 bool AdoIgnoreDataError(std::int32_t error);

@@ -11,13 +11,15 @@ bool ValidDate(const std::string& text, bool required);
 std::string QuoteSQL(const std::string& text);
 /// Drops a leading "[" and a trailing "]", each on its own.
 std::string StripBrackets(const std::string& text);
+/// The file name at the end of a path, behind the last "/" or "\\".
+std::string BareFileName(const std::string& path);
 /// Whether a file (also a hidden or read-only one) stands at the path.
 bool FileExists(const std::string& path);
 /// Deletes a file; a failure is shown.
 void DeleteFileChecked(const std::string& path);
 /// Each word with an upper-case first letter, the rest as it stands.
 std::string ProperCase(const std::string& text);
-/// The roots of the machine's drives, each in four characters' worth of text as the drive search walks it.
+/// The roots of the machine's drives in one text, each with a NUL behind it; empty when there are none.
 std::string GetDrives();
 
 }  // namespace dw

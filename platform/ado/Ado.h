@@ -21,6 +21,7 @@ constexpr std::int32_t kTimeout = -2147217871;        // 80040E31
 constexpr std::int32_t kSyntax = -2147217900;         // 80040E14
 constexpr std::int32_t kNoTable = -2147217865;        // 80040E37
 constexpr std::int32_t kTooFewParameters = -2147217904;  // 80040E10
+constexpr std::int32_t kClosed = 3704;
 /// Native number of a file that was not found.
 constexpr std::int32_t kNativeFileNotFound = -534578963;
 
@@ -76,6 +77,12 @@ class Connection {
   const std::shared_ptr<store::Connection>& Store() const { return connection_; }
 
  private:
+  friend class Recordset;
+  enum class Work;
+  /// Adds what went wrong to Errors and throws it as Error.
+  [[noreturn]] void Fail(const store::StoreError& error, Work work);
+  store::Connection& Opened();
+  std::vector<std::weak_ptr<store::Cursor>> cursors_;
   std::shared_ptr<store::Connection> connection_;
 };
 
@@ -95,7 +102,7 @@ class Recordset {
   void MoveLast();
   void MoveNext();
   void MovePrevious();
-  /// Relative to the place; 0 stays and stores nothing.
+  /// Moving to another row stores an edit that is in hand, as this model has it. Relative to the place; 0 stays and stores nothing.
   void Move(std::int64_t rows);
 
   rt::Value Get(std::string_view column);
@@ -118,11 +125,15 @@ class Recordset {
   void SetBookmark(const store::Bookmark& mark);
   void Requery();
   void Close();
+  /// 3704 when it is closed.
   store::Cursor& Cursor();
 
  private:
+  template <class Action>
+  auto Guard(Connection::Work work, Action action);
+  void StoreBeforeMove();
   std::shared_ptr<Connection> connection_;
-  std::unique_ptr<store::Cursor> cursor_;
+  std::shared_ptr<store::Cursor> cursor_;
 };
 
 /// One value of a recordset's current row, as the write-back probe wants it.

@@ -136,13 +136,17 @@ class Database {
   const std::string& Name() const;
   /// The file format's version, "4.0".
   std::string Version() const { return "4.0"; }
+  /// Closes its recordsets too.
   void Close();
 
   explicit Database(std::shared_ptr<store::Connection> connection) : connection_(std::move(connection)) {}
+  /// 3265 when it is closed.
   store::Connection& Connection();
+  bool IsOpen() const { return connection_ != nullptr; }
 
  private:
   std::shared_ptr<store::Connection> connection_;
+  std::vector<std::weak_ptr<Recordset>> recordsets_;
 };
 
 /// Transactions of a workspace span all of its databases.
@@ -162,6 +166,9 @@ class Workspace {
   void Close();
 
  private:
+  template <class Work>
+  void OnEach(Work work);
+
   std::string name_;
   std::string user_;
   int depth_ = 0;
@@ -174,8 +181,8 @@ std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::s
                                            const std::string& password, int type = dbUseJet);
 /// Makes an empty file and opens it.
 std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string& path);
-/// See store::CompactFile.
-void CompactDatabase(const std::string& source, const std::string& target);
+/// See store::CompactFile: the source stays closed to everybody for as long as the result lives.
+[[nodiscard]] std::shared_ptr<void> CompactDatabase(const std::string& source, const std::string& target);
 /// Lets go of what is no longer needed (1: locks of reading). Reading holds no locks here.
 void Idle(int what);
 /// "4.0": this engine has no repair method of its own.

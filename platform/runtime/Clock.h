@@ -17,8 +17,7 @@ std::function<DateTime()> SetClock(std::function<DateTime()> clock);
 /// Fixes the present time for as long as it lives.
 class FixedClock {
  public:
-  explicit FixedClock(DateTime now)
-      : earlier_(SetClock([now] { return now; })) {}
+  explicit FixedClock(DateTime now) : earlier_(SetClock([now] { return now; })) {}
   ~FixedClock() { SetClock(earlier_); }
   FixedClock(const FixedClock&) = delete;
   FixedClock& operator=(const FixedClock&) = delete;

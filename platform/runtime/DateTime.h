@@ -29,7 +29,8 @@ class DateTime {
   DateTime DateOnly() const;
   std::chrono::local_seconds Time() const { return t_; }
 
-  /// "YYYY-MM-DD HH:MM:SS", the form that data files hold. FromIso also takes the date alone; empty for anything else.
+  /// "YYYY-MM-DD HH:MM:SS", the form that data files hold. FromIso also takes the date alone; empty for
+  /// anything else.
   std::string ToIso() const;
   static std::optional<DateTime> FromIso(std::string_view text);
 
@@ -41,27 +42,28 @@ class DateTime {
 
 /// The one short date form, M/d/yyyy: "3/1/2026".
 std::string ShortDate(const DateTime& d);
-/// The general form: the short date, and the time behind it where there is one: "3/1/2026 2:05:09 PM". A value on the
-/// day zero with a time shows the time alone.
+/// The general form: the short date, and the time behind it where there is one: "3/1/2026 2:05:09 PM". A
+/// value on the day zero with a time shows the time alone.
 std::string GeneralDate(const DateTime& d);
 /// "Medium Date": dd-MMM-yy, "01-Mar-26".
 std::string MediumDate(const DateTime& d);
 /// "MM/dd/yyyy": "03/01/2026".
 std::string PaddedDate(const DateTime& d);
 
-/// Reads a date as people type it: M/d/yyyy, M-d-yyyy, M/d/yy (00 to 29 are 2000s, 30 to 99 are 1900s), M/d (this year
-/// by the Clock), yyyy-M-d, d-MMM-yy, d MMM yyyy, MMM d, yyyy; each with an optional time h:mm[:ss] [AM|PM]; or a time
-/// alone. Where the first number cannot be a month and the second can, they are read as day and month. Empty when the
-/// text is no date.
+/// Reads a date as people type it: M/d/yyyy, M-d-yyyy, M/d/yy (00 to 29 are 2000s, 30 to 99 are 1900s), M/d
+/// (this year by the Clock), yyyy-M-d, d-MMM-yy, d MMM yyyy, MMM d, yyyy; each with an optional time
+/// h:mm[:ss] [AM|PM]; or a time alone. Where the first number cannot be a month and the second can, they are
+/// read as day and month. Empty when the text is no date.
 std::optional<DateTime> ParseDate(std::string_view text);
 
-/// "m": months, keeping the day and cutting it to the last day of a shorter month; "d": days; "yyyy": years; "h", "n",
-/// "s". Throws RuntimeError 5 for an unknown interval or a date beyond the calendar.
+/// "m": months, keeping the day and cutting it to the last day of a shorter month; "d": days; "yyyy": years;
+/// "h", "n", "s". Throws RuntimeError 5 for an unknown interval or a date beyond the calendar.
 DateTime DateAdd(std::string_view interval, int number, const DateTime& date);
-/// "d": days between, times of day ignored; "w": whole weeks between; "m": month boundaries; "yyyy": year boundaries.
-/// Negative when `b` is the earlier. Throws RuntimeError 5 for an unknown interval.
+/// "d": days between, times of day ignored; "w": whole weeks between; "m": month boundaries; "yyyy": year
+/// boundaries. Negative when `b` is the earlier. Throws RuntimeError 5 for an unknown interval.
 int DateDiff(std::string_view interval, const DateTime& a, const DateTime& b);
-/// "yyyy", "m", "d", "h", "n", "s", "w" (weekday, Sunday is 1). Throws RuntimeError 5 for an unknown interval.
+/// "yyyy", "m", "d", "h", "n", "s", "w" (weekday, Sunday is 1). Throws RuntimeError 5 for an unknown
+/// interval.
 int DatePart(std::string_view interval, const DateTime& date);
 
 }  // namespace rt

@@ -7,14 +7,14 @@
 
 namespace rt {
 
-/// A Single as plain text: a whole number without decimals, else as many digits as it needs, at most 7: "9500",
-/// "0.1", "12345.67", "1E+10".
+/// A Single as plain text: a whole number without decimals, else as many digits as it needs, at most 7:
+/// "9500", "0.1", "12345.67", "1E+10".
 std::string PlainText(float number);
 /// A Double likewise, with at most 15 digits.
 std::string PlainText(double number);
 
-/// Whether the text reads as a number: blanks around it, a sign, "$", thousands commas, parentheses for a negative,
-/// a decimal point and an exponent are let through. The empty text is no number.
+/// Whether the text reads as a number: blanks around it, a sign, "$", thousands commas, parentheses for a
+/// negative, a decimal point and an exponent are let through. The empty text is no number.
 bool IsNumeric(std::string_view text);
 /// The number that IsNumeric let through; empty otherwise.
 std::optional<double> ParseNumber(std::string_view text);

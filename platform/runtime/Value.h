@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -18,14 +19,14 @@ struct Null {
   friend bool operator==(Null, Null) = default;
 };
 
-using Binary = std::vector<std::uint8_t>;
-
 enum class ValueType { Null, Boolean, Integer, Long, Single, Double, Currency, Date, Text, Binary };
 
-/// A value with its type: Boolean, Integer (16 bits), Long (32 bits), Single, Double, Currency, Date, Text (UTF-8),
-/// Binary, or Null. The As... functions convert as the field's runtime does and throw RuntimeError: 94 on a Null,
-/// 13 where the value has no such form, 6 where it does not fit. Floating values become whole numbers with ties to
-/// even.
+using Binary = std::vector<std::uint8_t>;
+
+/// A value with its type: Boolean, Integer (16 bits), Long (32 bits), Single, Double, Currency, Date, Text
+/// (UTF-8), Binary, or Null. The As... functions convert as the field's runtime does and throw RuntimeError:
+/// 94 on a Null, 13 where the value has no such form, 6 where it does not fit. Floating values become whole
+/// numbers with ties to even.
 class Value {
  public:
   Value() = default;
@@ -54,7 +55,8 @@ class Value {
   Currency AsCurrency() const;
   DateTime AsDate() const;
   const Binary& AsBinary() const;
-  /// The plain text of the value: numbers as PlainText gives them, dates in the general form, "True" and "False".
+  /// The plain text of the value: numbers as PlainText gives them, dates in the general form, "True" and
+  /// "False".
   std::string AsText() const;
   /// AsText, with a Null as the empty text: what joining texts makes of a Null.
   std::string Shown() const;
@@ -65,7 +67,8 @@ class Value {
     return data_;
   }
 
-  /// The same type and the same content; 1 as Integer and 1 as Long are not identical, and Null is identical to Null.
+  /// The same type and the same content; 1 as Integer and 1 as Long are not identical, and Null is identical
+  /// to Null.
   friend bool operator==(const Value&, const Value&) = default;
 
  private:
@@ -73,10 +76,11 @@ class Value {
       data_;
 };
 
-/// Sum and difference as the field's runtime forms them: a Null on either side gives Null; Currency with a whole
-/// number or a Currency stays Currency; Single with Single, Integer or Boolean stays Single; Integer with Integer is
-/// Integer; everything wider is Long, then Double. Throws RuntimeError 6 on overflow and 13 for a text that is no
-/// number.
+/// Sum and difference as the field's runtime forms them: a Null on either side gives Null; Currency with a
+/// whole number or a Currency stays Currency; Single with Single, Integer or Boolean stays Single; Integer
+/// with Integer is Integer; everything wider is Long, then Double. A Date and a number of days give a Date,
+/// two Dates have a difference in days as Double. Throws RuntimeError 6 on overflow and 13 for a Binary or a
+/// text that is no number.
 Value Add(const Value& a, const Value& b);
 Value Subtract(const Value& a, const Value& b);
 

@@ -26,7 +26,8 @@ class Screen {
   virtual ~Screen() = default;
   virtual Answer ShowBox(const Box& box) = 0;
   /// The text that was entered; empty when the user cancelled. `text` stands in the field at first.
-  virtual std::string AskText(const std::string& prompt, const std::string& title, const std::string& text) = 0;
+  virtual std::string AskText(const std::string& prompt, const std::string& title,
+                              const std::string& text) = 0;
   virtual void SetPointer(Pointer pointer) = 0;
   /// Lets pending events run.
   virtual void DoEvents() = 0;
@@ -43,11 +44,13 @@ Screen& Current();
 /// The title of boxes that name none: "Drovewright".
 const std::string& ApplicationTitle();
 
-/// Shows a modal box and waits for its answer. Before it is shown the data files are given back to other users.
+/// Shows a modal box and waits for its answer. Before it is shown the data files are given back to other
+/// users.
 Answer MessageBox(const std::string& text, Icon icon = Icon::None, Buttons buttons = Buttons::Ok,
                   const std::string& title = {});
 std::string InputBox(const std::string& prompt, const std::string& title = {}, const std::string& text = {});
-void SetPointer(Pointer pointer);
+/// Shows a pointer and gives the earlier one.
+Pointer SetPointer(Pointer pointer);
 void DoEvents();
 /// Waits; before it the data files are given back to other users.
 void Sleep(int milliseconds);
@@ -57,10 +60,13 @@ void HideNotice();
 /// The hourglass for as long as it lives, and the earlier pointer afterwards.
 class Hourglass {
  public:
-  Hourglass() { SetPointer(Pointer::Hourglass); }
-  ~Hourglass() { SetPointer(Pointer::Normal); }
+  Hourglass() : earlier_(SetPointer(Pointer::Hourglass)) {}
+  ~Hourglass() { SetPointer(earlier_); }
   Hourglass(const Hourglass&) = delete;
   Hourglass& operator=(const Hourglass&) = delete;
+
+ private:
+  Pointer earlier_;
 };
 
 }  // namespace screen

@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,9 +11,10 @@
 
 namespace screen {
 
-/// Expect each box with its words and its answer, in order. A box that was not expected and an answer that was not used
-/// are both faults; Faults() lists them and a test asserts that there are none. Sleeps take no time; they are counted
-/// and may run a hook, so that a test can free a lock "while" the program waits.
+/// Expect each box with its words and its answer, in order. A box that was not expected and an answer that
+/// was not used are both faults; Faults() lists them and a test asserts that there are none. An unexpected
+/// box gets the safe answer (No, Cancel); after 200 of them a std::logic_error ends the test. Sleeps take no
+/// time; they are counted and may run a hook, so that a test can free a lock "while" the program waits.
 class ScriptedScreen : public Screen {
  public:
   /// The text must be equal to the letter; icon and buttons as well.
@@ -32,6 +34,7 @@ class ScriptedScreen : public Screen {
   int SleptMilliseconds() const { return slept_; }
   const std::vector<Box>& Shown() const { return shown_; }
   Pointer CurrentPointer() const { return pointer_; }
+  /// Each notice as its title, ": " and its text.
   const std::vector<std::string>& Notices() const { return notices_; }
 
   Answer ShowBox(const Box& box) override;
@@ -50,6 +53,10 @@ class ScriptedScreen : public Screen {
     Answer answer = Answer::Ok;
     std::string reply;
   };
+  static bool Matches(const Expected& expected, const Box& box, bool input);
+  static std::string NotShown(const Expected& expected);
+  std::optional<Expected> Take(const Box& box, bool input);
+
   std::deque<Expected> expected_;
   std::vector<std::string> faults_;
   std::vector<Box> shown_;

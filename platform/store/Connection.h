@@ -44,7 +44,7 @@ struct QueryPlan;
 /// records it touched stay held all the time.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  /// 3024 no such file, 3044 no such directory or a directory under the file's name, 3343 not a data file (empty files,
+  /// 3024 no such file, 3044 no such directory, 3051 a directory under the file's name or no permission, 3343 not a data file (empty files,
   /// texts and damaged headers), 3045 and 3356 as SideFile::Enter.
   static std::shared_ptr<Connection> Open(const OpenRequest& request);
   /// Makes an empty data file. 3204 when something of that name exists already.
@@ -76,10 +76,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void EnterGroup();
 
   // --- definitions; each is refused (3009) while another holds a record of the table
-  const Schema& Tables();
+  std::shared_ptr<const Schema> Tables();
   void CreateTable(const TableInfo& table);
   void DropTable(std::string_view table);
-  void RenameTable(std::string_view table, std::string_view newName);
   void AddColumn(std::string_view table, const ColumnInfo& column);
   void DropColumn(std::string_view table, std::string_view column);
   void RenameColumn(std::string_view table, std::string_view column, std::string_view newName);
@@ -103,8 +102,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
 /// unfinished transactions have written, to be written again when they go on. Called before every wait.
 void YieldFiles();
 
-/// Copies a closed file to `target`, without the space of deleted records. 3196 while anyone has it open, 3026 or 3183
-/// for a full disk, 3343 for a file that cannot be read, 3204 when the target exists.
-void CompactFile(const std::string& source, const std::string& target);
+/// Copies a closed file to `target`, without the space of deleted records. 3196 while anyone has it open, 3183 for a full
+/// disk, 3343 for a file that cannot be read, 3204 when the target exists. The source stays closed to everybody for as long
+/// as the result lives, so that the copy can take its place before anything is written to it.
+[[nodiscard]] std::shared_ptr<void> CompactFile(const std::string& source, const std::string& target);
 
 }  // namespace store

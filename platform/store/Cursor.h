@@ -89,6 +89,8 @@ class Cursor {
 
   /// Runs the query again and stands on the first row.
   virtual void Requery() = 0;
+  /// Lets go of its record and of the file; only destruction is left.
+  virtual void Detach() = 0;
 };
 
 }  // namespace store

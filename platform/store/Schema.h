@@ -31,6 +31,7 @@ struct ColumnInfo {
   int size = 0;  ///< characters of a Text column, otherwise 0
   bool required = false;
   bool allowZeroLength = true;
+  bool defaultTrue = false;  ///< the value of a Boolean in the rows that are there when it is added
 };
 
 struct IndexInfo {
@@ -55,9 +56,9 @@ struct TableInfo {
 /// A relation is recorded so that a rebuild carries it; it is not enforced.
 struct RelationInfo {
   std::string name;
-  std::string table;         ///< the table referred to
-  std::string foreignTable;  ///< the table that refers
-  int attributes = 2;        ///< 2: not enforced
+  std::string table;                                         ///< the table referred to
+  std::string foreignTable;                                  ///< the table that refers
+  int attributes = 2;                                        ///< 2: not enforced
   std::vector<std::pair<std::string, std::string>> columns;  ///< column of `table`, column of `foreignTable`
 };
 

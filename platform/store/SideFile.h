@@ -1,8 +1,9 @@
 // The side file of a data file: who is in it, how it is shared, and which records are held.
 //
-// Beside DW.MDB stands DW.LDB while anyone has the data file open. It holds a roster of 255 slots of 64 bytes (computer
-// name, 32 bytes, and user name, 32 bytes, each ended by NULs). Everything else in it is advisory byte-range locks of
-// open file descriptions (F_OFD_SETLK), which the operating system drops when a process dies.
+// Beside DW.MDB stands DW.LDB while anyone has the data file open. It holds a roster of 255 slots of 64 bytes
+// (computer name, 32 bytes, and user name, 32 bytes, each ended by NULs). Everything else in it is advisory
+// byte-range locks of open file descriptions (F_OFD_SETLK), which the operating system drops when a process
+// dies.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +14,8 @@
 #include <vector>
 
 namespace store {
+
+struct Conflict;
 
 enum class Share { Shared, Exclusive };
 
@@ -26,7 +29,7 @@ struct RosterEntry {
 };
 
 struct Holder {
-  int slot = 0;
+  int slot = 0;  ///< -1, with empty names, where the holder let go before it could be told
   std::string computer;
   std::string user;
   Hold hold = Hold::Edit;
@@ -39,16 +42,17 @@ struct HeldRecord {
   Holder holder;
 };
 
-/// One open of a data file, with a slot in the roster and the records that this open holds. An object of this class is
-/// one lock owner: two of them in one process conflict as two machines do. Not for use from several threads.
+/// One open of a data file, with a slot in the roster and the records that this open holds. An object of this
+/// class is one lock owner: two of them in one process conflict as two machines do. Not for use from several
+/// threads.
 class SideFile {
  public:
-  /// Joins the users of `dataFile`. Throws StoreError 3045 when `share` is Exclusive and others are in, 3356 when
-  /// another has it exclusively, 3044 when the directory is gone, 3051 when the side file cannot be made or written
-  /// (3026 for a full disk), and 3045 when all 255 slots are taken.
-  static std::unique_ptr<SideFile> Enter(const std::string& dataFile, Share share, const std::string& computer,
-                                         const std::string& user);
-  /// The side file's path: the data file's with the ending ".LDB".
+  /// Joins the users of `dataFile`. Throws StoreError 3045 when `share` is Exclusive and others are in, 3356
+  /// when another has it exclusively, 3044 when the directory is gone, 3051 when the side file cannot be made
+  /// or written (3026 for a full disk), and 3045 when all 255 slots are taken.
+  static std::unique_ptr<SideFile> Enter(const std::string& dataFile, Share share,
+                                         const std::string& computer, const std::string& user);
+  /// The side file's path: the data file's with the ending ".LDB" instead of its own.
   static std::string PathFor(const std::string& dataFile);
   /// Leaves; the last one out removes the side file.
   ~SideFile();
@@ -58,26 +62,32 @@ class SideFile {
   int Slot() const { return slot_; }
   Share Sharing() const { return share_; }
 
-  /// Takes the record for this owner. False when another owner holds it in either way (an Edit conflicts with an Edit
-  /// and with a Transaction, and so on); `refused` then tells who. Taking a record twice needs two Releases. In
-  /// Exclusive sharing nothing can conflict and only the count is kept.
+  /// Takes the record for this owner. False when another owner holds it in either way (an Edit conflicts with
+  /// an Edit and with a Transaction, and so on); `refused` then tells who. Taking a record twice needs two
+  /// Releases. In Exclusive sharing nothing can conflict and only the count is kept. Tables run from 1 to
+  /// 2^20 - 1 and rows from 0 to 2^32 - 2; 3000 for others.
   bool Take(Hold hold, int table, std::int64_t row, Holder* refused);
+  /// Undoes one Take; without effect on a record that is not held.
   void Release(Hold hold, int table, std::int64_t row);
+  /// A Transaction hold on the whole table holds its records too, but those that were others' when it was
+  /// taken.
   bool Holds(Hold hold, int table, std::int64_t row) const;
 
   /// Who else holds the record, if anyone does.
   std::optional<Holder> WhoHolds(int table, std::int64_t row) const;
 
-  /// Takes a Transaction hold on all of the table's records but those that others hold, and gives those others' rows
-  /// (in either way of holding). While this stands, nobody else can take a record of the table. A whole-table hold of
-  /// another owner is given back as an entry with row 0 and nothing is taken. Once for each table; ReleaseTable ends it
-  /// and also every single Transaction hold on that table.
+  /// Takes a Transaction hold on all of the table's records but those that others hold, and gives those
+  /// others' rows (in either way of holding). While this stands, nobody else can take a record of the table.
+  /// A whole-table hold of another owner is given back as an entry with row 0 and nothing is taken. Once for
+  /// each table; ReleaseTable ends it and also every single Transaction hold on that table.
   std::vector<HeldRecord> TakeTable(int table);
   bool HoldsTable(int table) const;
   void ReleaseTable(int table);
   /// Ends every Transaction hold of this owner.
   void ReleaseTransaction();
-  /// Turns the whole-table holds into holds of just the named records, without a gap in which another could take them.
+  /// Turns the whole-table holds into holds of just the named records, without a gap in which another could
+  /// take them. Records that were taken singly stay held. A named record that no whole-table hold includes is
+  /// passed over.
   void Narrow(const std::map<int, std::vector<std::int64_t>>& rowsByTable);
 
   /// The slots that are locked by a living process, in slot order.
@@ -87,6 +97,14 @@ class SideFile {
 
  private:
   SideFile() = default;
+  bool TryShare() const;
+  bool IsCurrent() const;
+  void TakeSlot(const std::string& dataFile, const std::string& computer, const std::string& user);
+  /// 0, or the system's error number.
+  int WriteSlot(const RosterEntry& names) const;
+  RosterEntry ReadSlot(int slot) const;
+  Holder HolderOf(const Conflict& conflict) const;
+
   std::string path_;
   int fd_ = -1;
   int slot_ = -1;

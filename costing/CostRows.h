@@ -1,0 +1,94 @@
+// Rows of the five cost tables: their keys, their sums, and how a transaction goes into them and out again.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "costing/Posting.h"
+#include "platform/runtime/Value.h"
+
+namespace dw {
+
+/// What one transaction brings to the cost tables.
+struct CostFigures {
+  rt::Value assetID;
+  rt::Value year;
+  rt::Value period;
+  rt::Value fuelType;  ///< of the asset, as it is now
+  std::array<rt::Value, 12> asset;
+  std::array<rt::Value, 4> fuel;
+};
+
+/// Where the columns of `Maintenance Transactions` stand in a recordset, found once so that loops need no
+/// names.
+struct TransactionFields {
+  explicit TransactionFields(const dao::Recordset& transactions);
+  /// Reads the row that the recordset stands on, or its edit buffer.
+  CostFigures Read(dao::Recordset& transactions, const rt::Value& fuelType) const;
+
+  int assetID;
+  int year;
+  int period;
+  int whenPosted;
+  int totalInternalCost;
+  int totalOutsideCost;
+  std::array<int, 12> asset;
+  std::array<int, 4> fuel;
+};
+
+enum class CostOwner { Asset, FuelType };
+enum class CostSpan { Period, Year, Life };
+
+/// One of the five cost tables: what a row is, and the words for what can fail there.
+struct CostTableKind {
+  const char* table;
+  const char* index;
+  CostOwner owner;
+  CostSpan span;
+  const char* lockedWhenAdding;
+  const char* lockedWhenSubtracting;
+  const char* notFound;
+};
+/// In the order in which a transaction goes through them.
+extern const std::array<CostTableKind, 5> kCostTables;
+/// "Asset ID" or "Fuel Type ID".
+const char* OwnerColumn(CostOwner owner);
+
+/// A cost table that is open on its index.
+class CostTable {
+ public:
+  CostTable(const CostTableKind& kind, DaoRecordsetPtr rows);
+
+  /// Adds the figures to their row, which is made where there is none. A row held elsewhere is told and left
+  /// as it is.
+  void Post(const CostFigures& figures, PostingCounts& counts);
+  /// Subtracts the figures from their row. A row that is missing or held elsewhere is told; none is ever made
+  /// or removed.
+  void Unpost(const CostFigures& figures);
+
+ private:
+  enum class Direction { Add, Subtract };
+  bool Find(const CostFigures& figures);
+  bool AddRow(const CostFigures& figures);
+  bool ChangeRow(const CostFigures& figures, Direction direction);
+  const rt::Value& Figure(const CostFigures& figures, std::size_t sum) const;
+
+  const CostTableKind* kind_;
+  DaoRecordsetPtr rows_;
+  std::vector<int> keyFields_;
+  std::vector<int> sumFields_;
+  std::vector<rt::Value> key_;
+};
+
+/// The five tables in the order of kCostTables.
+std::vector<CostTable> CostTablesOf(const Accumulators& accumulators);
+
+/// A value of the row that the recordset stands on; empty where another user has deleted the row meanwhile.
+std::optional<rt::Value> GetUnlessDeleted(dao::Recordset& rows, int field);
+
+/// The query for the asset of a transaction.
+std::string AssetQuery(const rt::Value& assetID);
+
+}  // namespace dw

@@ -1,0 +1,132 @@
+#include "costing/Lookups.h"
+
+#include <optional>
+
+#include "costing/MainFile.h"
+#include "data/GenericTools.h"
+#include "platform/runtime/DateTime.h"
+#include "platform/screen/Screen.h"
+
+namespace dw {
+namespace {
+
+constexpr const char* kParametersQuery = "SELECT * FROM [Parameters] WHERE [ID] = 1";
+
+/// The date of a price look-up in the short form, or empty where there is nothing to look up: an empty text
+/// is passed over in silence, a text that is no date is told.
+std::optional<std::string> EffectiveDate(const std::string& date) {
+  if (date.empty()) return std::nullopt;
+  const auto parsed = rt::ParseDate(date);
+  if (!parsed) {
+    screen::MessageBox("That is not a valid effective date. Please recheck.", screen::Icon::Critical);
+    return std::nullopt;
+  }
+  return rt::ShortDate(*parsed);
+}
+
+/// Units times the price of the query's first row. A price that was left empty costs nothing.
+rt::Currency PricedBy(const std::string& query, const char* priceColumn, float units, const char* noPrice) {
+  MainFile file;
+  if (!file.IsOpen()) return {};
+  dao::Recordset& prices = file.Read(query);
+  if (prices.AtEnd()) {
+    screen::MessageBox(noPrice, screen::Icon::Critical);
+    return {};
+  }
+  const rt::Value price = prices.Get(priceColumn);
+  return price.IsNull() ? rt::Currency{} : Multiply(units, price.AsCurrency());
+}
+
+/// Labour and oil take the first row effective on or after the date: a row of this log applies to the dates
+/// up to its own. Fuel runs the other way.
+std::string LaborAndOilQuery(const std::string& date) {
+  return "SELECT * FROM [Internal Pricing Log] WHERE [Effective Date] >= #" + date + "#";
+}
+
+}  // namespace
+
+rt::Currency GetInternalFuelCost(std::int32_t fuelType, float units, const std::string& date) {
+  const auto effective = EffectiveDate(date);
+  if (!effective) return {};
+  return PricedBy(
+      "SELECT * FROM [Internal Fuel Pricing Log] WHERE [Fuel Type] = " + std::to_string(fuelType) +
+          " AND [Effective Date] <= #" + *effective + "# ORDER BY [Effective Date] DESC",
+      "Fuel Price", units,
+      "You have no internal pricing set up for that type yet.\r"
+      "Go to Options and click Internal Pricing button to set up.");
+}
+
+rt::Currency GetLaborCost(float hours, const std::string& date) {
+  const auto effective = EffectiveDate(date);
+  if (!effective) return {};
+  return PricedBy(LaborAndOilQuery(*effective), "Hourly Rate", hours,
+                  "You have no internal pricing set up for labor yet.\r\n"
+                  "Go to Options and click Internal Pricing button to set up.");
+}
+
+rt::Currency GetOilCost(float units, const std::string& date) {
+  const auto effective = EffectiveDate(date);
+  if (!effective) return {};
+  return PricedBy(LaborAndOilQuery(*effective), "Oil Price", units,
+                  "You have no internal pricing set up for labor yet.\r"
+                  "Go to Options and click Internal Pricing button to set up.");
+}
+
+void GetFiscalPeriod(const rt::DateTime& date, std::int16_t& year, std::int16_t& period) {
+  year = 0;
+  period = 0;
+  MainFile file;
+  if (!file.IsOpen()) return;
+  const std::string day = rt::ShortDate(date);
+  dao::Recordset& periods = file.Read("SELECT * FROM [Fiscal Periods] WHERE #" + day +
+                                      "# >= [Start Date] AND #" + day + "# <= [End Date]");
+  if (periods.AtEnd()) return;
+  // A period may have been saved without its numbers; 0 says that the date lies outside the calendar.
+  const rt::Value yearFound = periods.Get("Fiscal Year");
+  const rt::Value periodFound = periods.Get("Period");
+  if (!yearFound.IsNull()) year = yearFound.AsInteger();
+  if (!periodFound.IsNull()) period = periodFound.AsInteger();
+}
+
+rt::DateTime GetCloseOutDate() {
+  const rt::DateTime none(1800, 1, 1);
+  MainFile file;
+  if (!file.IsOpen()) return none;
+  dao::Recordset& parameters = file.Read("Parameters");
+  if (parameters.AtEnd()) return none;
+  const rt::Value date = parameters.Get("Transaction Close Out Date");
+  return date.Type() == rt::ValueType::Date ? date.AsDate() : none;
+}
+
+std::int32_t GetDeletedInventoryID() {
+  MainFile file;
+  if (!file.IsOpen()) return 0;
+  dao::Recordset& parameters = file.Read(kParametersQuery);
+  if (parameters.AtEnd()) return 0;
+  const rt::Value id = parameters.Get("Deleted Inventory ID");
+  return id.IsNull() ? 0 : id.AsLong();
+}
+
+std::int32_t GetAssetFuelType(const std::string& assetID) {
+  MainFile file;
+  if (!file.IsOpen()) return 0;
+  dao::Recordset& asset =
+      file.Read("SELECT * FROM [Vehicles] WHERE [Asset ID] = '" + QuoteSQL(assetID) + "'");
+  if (asset.AtEnd()) {
+    screen::MessageBox("Asset ID '" + assetID + "' is not on file.", screen::Icon::Critical);
+    return 0;
+  }
+  const rt::Value fuelType = asset.Get("Fuel Type");
+  return fuelType.IsNull() ? 0 : fuelType.AsLong();
+}
+
+bool InternalFuelAvailable() {
+  MainFile file;
+  if (!file.IsOpen()) return false;
+  dao::Recordset& parameters = file.Read(kParametersQuery);
+  if (parameters.AtEnd()) return false;
+  const rt::Value available = parameters.Get("Internal_Fuel_Available");
+  return !available.IsNull() && available.AsBoolean();
+}
+
+}  // namespace dw

@@ -1,0 +1,104 @@
+#include "costing/PostTransaction.h"
+
+#include <exception>
+
+#include "platform/runtime/Clock.h"
+#include "platform/runtime/Text.h"
+#include "platform/screen/Screen.h"
+
+namespace dw {
+namespace {
+
+/// An engine transaction that an error ends without a trace.
+class RowTransaction {
+ public:
+  explicit RowTransaction(dao::Workspace& workspace) : workspace_(workspace) { workspace_.BeginTrans(); }
+  ~RowTransaction() {
+    if (committed_) return;
+    try {
+      workspace_.RollbackTrans();
+    } catch (const std::exception&) {
+      // The error that brought us here is the one to tell.
+    }
+  }
+  RowTransaction(const RowTransaction&) = delete;
+  RowTransaction& operator=(const RowTransaction&) = delete;
+
+  void Commit() {
+    workspace_.CommitTrans(dao::Commit::WithGroup);
+    committed_ = true;
+  }
+
+ private:
+  dao::Workspace& workspace_;
+  bool committed_ = false;
+};
+
+}  // namespace
+
+TransactionPoster::TransactionPoster(dao::Workspace& workspace, dao::Database& database,
+                                     dao::Recordset& transactions, const Accumulators& accumulators)
+    : workspace_(workspace),
+      database_(database),
+      transactions_(transactions),
+      fields_(transactions),
+      tables_(CostTablesOf(accumulators)) {
+  for (const char* column : {"Internal Fuel Cost", "Oil Cost", "Internal Time Cost", "Parts Cost"}) {
+    internalCosts_.push_back(transactions.FieldIndex(column));
+  }
+  for (const char* column : {"Outside Oil Cost", "Outside Fuel Cost", "Outside Cost"}) {
+    outsideCosts_.push_back(transactions.FieldIndex(column));
+  }
+}
+
+bool TransactionPoster::Waiting() {
+  const auto whenPosted = GetUnlessDeleted(transactions_, fields_.whenPosted);
+  return whenPosted && whenPosted->IsNull();
+}
+
+bool TransactionPoster::PostTransaction(PostingCounts& counts) {
+  const rt::Value assetID = transactions_.Get(fields_.assetID);
+  const DaoRecordsetPtr asset =
+      database_.OpenRecordset(AssetQuery(assetID), dao::RecordsetType::Dynaset, dao::Access::ReadOnly);
+  if (asset->AtEnd()) return false;
+
+  RowTransaction row(workspace_);
+  std::int16_t error = 0;
+  DaoEditRecord(transactions_, error);
+  if (error != 0) {
+    screen::MessageBox("Unable to lock transaction for updating.", screen::Icon::Critical);
+    row.Commit();
+    return false;
+  }
+  // The wait for the record may have been a wait for another posting run, which then has counted the row. Nor
+  // do the sums go to an asset that the row no longer names; the next run takes it up.
+  if (!transactions_.Get(fields_.whenPosted).IsNull() ||
+      !rt::EqualNoCase(transactions_.Get(fields_.assetID).Shown(), assetID.Shown())) {
+    transactions_.CancelUpdate();
+    row.Commit();
+    return false;
+  }
+
+  transactions_.Set(fields_.whenPosted, rt::Now());
+  WriteTotals();
+  const CostFigures figures = fields_.Read(transactions_, asset->Get("Fuel Type"));
+  for (CostTable& table : tables_) table.Post(figures, counts);
+  DaoUpdateRecord(transactions_);
+  const bool stored = !transactions_.Editing();
+  if (!stored) transactions_.CancelUpdate();
+  row.Commit();
+  return stored;
+}
+
+void TransactionPoster::WriteTotals() {
+  transactions_.Set(fields_.totalInternalCost, SumOf(internalCosts_));
+  transactions_.Set(fields_.totalOutsideCost, SumOf(outsideCosts_));
+}
+
+rt::Value TransactionPoster::SumOf(const std::vector<int>& columns) {
+  rt::Value sum = transactions_.Get(columns.front());
+  for (std::size_t i = 1; i < columns.size(); ++i) sum = rt::Add(sum, transactions_.Get(columns[i]));
+  return sum;
+}
+
+}  // namespace dw

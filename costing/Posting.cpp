@@ -1,0 +1,123 @@
+#include "costing/Posting.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "costing/CostRows.h"
+#include "costing/MainFile.h"
+#include "costing/PostTransaction.h"
+#include "platform/runtime/RuntimeError.h"
+#include "platform/screen/Screen.h"
+
+namespace dw {
+namespace {
+
+constexpr std::pair<const char*, const char*> kClearing[] = {
+    {"Clearing Assets Period Costs...", "DELETE * FROM [Assets Period Costs]"},
+    {"Clearing Assets Annual Costs...", "DELETE * FROM [Assets Annual Costs]"},
+    {"Clearing Assets Lifetime Costs...", "DELETE * FROM [Assets Lifetime Costs]"},
+    {"Clearing Fuel Period Costs...", "DELETE * FROM [Fuel Period Costs]"},
+    {"Clearing Fuel Annual Costs...", "DELETE * FROM [Fuel Annual Costs]"},
+    {"Clearing When Posted...",
+     "UPDATE [Maintenance Transactions] SET [When Posted] = Null WHERE [When Posted] IS NOT Null"},
+};
+
+void TellStatus(const PostingProgress& progress, const char* text) {
+  if (progress.status) progress.status(text);
+}
+
+void TellPercent(const PostingProgress& progress, int percent) {
+  if (progress.percent) progress.percent(percent);
+}
+
+/// The rows that share commits. What is committed stays so when an error ends the run.
+class Group {
+ public:
+  explicit Group(dao::Workspace& workspace) : workspace_(workspace) {}
+  ~Group() {
+    try {
+      Finish();
+    } catch (const std::exception&) {
+      // The error that brought us here is the one to tell.
+    }
+  }
+  Group(const Group&) = delete;
+  Group& operator=(const Group&) = delete;
+
+  void Enter() { workspace_.EnterGroup(); }
+  void Finish() { workspace_.FinishGroup(); }
+
+ private:
+  dao::Workspace& workspace_;
+};
+
+/// Posts the row unless it is posted already. The row as it was read may be old, and another run may be at
+/// work: only once nothing can change any more does a second look decide, so that no row is counted twice.
+bool PostIfWaiting(TransactionPoster& poster, Group& group, PostingCounts& counts) {
+  if (!poster.Waiting()) return false;
+  group.Enter();
+  return poster.Waiting() && poster.PostTransaction(counts);
+}
+
+void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& accumulators,
+              const PostingProgress& progress, PostingCounts& counts) {
+  TransactionPoster poster(file.Workspace(), file.Database(), transactions, accumulators);
+  // The asset of the first row is asked for without need; it is here that a run on an empty table ends.
+  file.Read(AssetQuery(transactions.Get("Asset ID")));
+  TellPercent(progress, 0);
+  std::int64_t rows = 0;
+  if (!transactions.AtEnd()) {
+    transactions.MoveLast();
+    transactions.MoveFirst();
+    rows = transactions.RecordCount();
+  }
+  Group group(file.Workspace());
+  while (!transactions.AtEnd()) {
+    ++counts.seen;
+    if (PostIfWaiting(poster, group, counts)) ++counts.posted;
+    // Rows that others add meanwhile are walked too, so the count can outgrow what was there at the start.
+    TellPercent(progress,
+                rows == 0 ? 100 : static_cast<int>(std::min<std::int64_t>(counts.seen * 100 / rows, 100)));
+    screen::DoEvents();
+    transactions.MoveNext();
+  }
+  group.Finish();
+}
+
+PostingCounts Run(bool clearFirst, const PostingProgress& progress) {
+  const screen::Hourglass hourglass;
+  PostingCounts counts;
+  MainFile file;
+  if (!file.IsOpen()) return counts;
+  if (clearFirst) {
+    for (const auto& [text, statement] : kClearing) {
+      TellStatus(progress, text);
+      file.Database().Execute(statement);
+    }
+  }
+  TellStatus(progress, "Posting. Please stand by...");
+  DaoRecordsetPtr transactions =
+      file.Database().OpenRecordset("Maintenance Transactions", dao::RecordsetType::Table);
+  transactions->SetIndex("PrimaryKey");
+  Accumulators accumulators = Accumulators::Open(file.Database());
+  PostRows(file, *transactions, accumulators, progress, counts);
+  TellPercent(progress, 100);
+  screen::DoEvents();
+  screen::MessageBox("Posting is Complete.", screen::Icon::Information);
+  accumulators.Close();
+  CloseObject(transactions);
+  return counts;
+}
+
+}  // namespace
+
+PostingCounts RunPosting(bool clearFirst, const PostingProgress& progress) {
+  try {
+    return Run(clearFirst, progress);
+  } catch (const rt::RuntimeError& error) {
+    throw dao::StoreError(error.Number(), error.what());
+  }
+}
+
+}  // namespace dw

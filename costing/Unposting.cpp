@@ -1,0 +1,88 @@
+#include "costing/Unposting.h"
+
+#include <string>
+
+#include "costing/CostRows.h"
+#include "costing/MainFile.h"
+#include "data/BrackenfelGlobals.h"
+#include "platform/runtime/Clock.h"
+#include "platform/screen/Screen.h"
+
+namespace dw {
+namespace {
+
+void MarkUnposted(dao::Recordset& transaction) {
+  transaction.Set("When Posted", rt::Null{});
+  transaction.Set("Last Updated", rt::Now());
+  transaction.Set("Updated By", CurrentUserName);
+}
+
+void UnpostRow(dao::Recordset& transactions) {
+  if (!UnpostTransaction(transactions)) {
+    screen::MessageBox("Unable to unpost transaction.", screen::Icon::Critical);
+    return;
+  }
+  std::int16_t error = 0;
+  DaoEditRecord(transactions, error);
+  if (error != 0) {
+    screen::MessageBox("Unable to mark transaction as unposted.", screen::Icon::Critical);
+    return;
+  }
+  MarkUnposted(transactions);
+  DaoUpdateRecord(transactions);
+  if (transactions.Editing()) transactions.CancelUpdate();
+}
+
+}  // namespace
+
+bool UnpostTransaction(dao::Recordset& transaction) {
+  MainFile file;
+  if (!file.IsOpen()) return false;
+  Accumulators accumulators = Accumulators::Open(file.Database());
+  const TransactionFields fields(transaction);
+  dao::Recordset& asset = file.Read(AssetQuery(transaction.Get(fields.assetID)));
+  if (asset.AtEnd()) return false;
+
+  // A row that is missing or held keeps nobody else's figures: whatever was found is committed. Should the
+  // engine itself fail, closing the workspace takes the whole subtraction back.
+  file.Workspace().BeginTrans();
+  const CostFigures figures = fields.Read(transaction, asset.Get("Fuel Type"));
+  for (CostTable& table : CostTablesOf(accumulators)) table.Unpost(figures);
+  file.Workspace().CommitTrans();
+  accumulators.Close();
+  return true;
+}
+
+bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction) {
+  const bool subtracted = UnpostTransaction(*transaction);
+  const screen::Hourglass hourglass;
+  if (!subtracted) {
+    screen::MessageBox("Unable to unpost transaction.", screen::Icon::Critical);
+    return false;
+  }
+  MarkUnposted(*transaction);
+  const std::int32_t id = transaction->Get("ID").AsLong();
+  DaoUpdateRecord(*transaction);
+  transaction->FindFirst("[ID]=" + std::to_string(id));
+  std::int16_t error = 0;
+  DaoEditRecord(*transaction, error);
+  if (error != 0) {
+    screen::MessageBox("Unable to retrieve transaction after unposting.", screen::Icon::Critical);
+    return false;
+  }
+  return true;
+}
+
+void UnpostAll() {
+  MainFile file;
+  if (!file.IsOpen()) return;
+  const DaoRecordsetPtr transactions =
+      file.Database().OpenRecordset("Maintenance Transactions", dao::RecordsetType::Table);
+  const int whenPosted = transactions->FieldIndex("When Posted");
+  for (; !transactions->AtEnd(); transactions->MoveNext()) {
+    const auto posted = GetUnlessDeleted(*transactions, whenPosted);
+    if (posted && !posted->IsNull()) UnpostRow(*transactions);
+  }
+}
+
+}  // namespace dw

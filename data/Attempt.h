@@ -1,0 +1,66 @@
+// What came of trying something on a data file, and the pause before it is tried again.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "data/Application.h"
+#include "platform/ado/Ado.h"
+#include "platform/runtime/RuntimeError.h"
+#include "platform/screen/Screen.h"
+#include "platform/store/StoreError.h"
+
+namespace dw {
+
+/// The number and text that messages and waits go by. Number 0 is success.
+struct Failure {
+  std::int32_t number = 0;
+  std::string description;
+  explicit operator bool() const { return number != 0; }
+};
+
+/// Runs a step and turns what it throws into a Failure. Only the end of the program passes through.
+template <class Step>
+Failure Try(Step&& step) {
+  try {
+    std::forward<Step>(step)();
+    return {};
+  } catch (const ApplicationEnd&) {
+    throw;
+  } catch (const ado::Error& e) {
+    return {e.Number(), e.what()};
+  } catch (const store::StoreError& e) {
+    return {e.Number(), e.what()};
+  } catch (const rt::RuntimeError& e) {
+    return {e.Number(), e.what()};
+  } catch (const std::exception& e) {
+    return {store::kInternal, e.what()};
+  }
+}
+
+/// The wait of an operation that another user's lock keeps out: a second for each failed try, and a box at
+/// every eleventh, so that somebody goes and looks who holds the record. It never gives up by itself.
+class LockWait {
+ public:
+  enum class Events { Hold, LetRun };
+
+  /// Called after a failed try; `advice` is the text of the box.
+  void Pause(const std::string& advice, Events events = Events::Hold) {
+    screen::SetPointer(screen::Pointer::Hourglass);
+    screen::Sleep(1000);
+    if (events == Events::LetRun) screen::DoEvents();
+    if (count_ == 10) {
+      count_ = 0;
+      screen::MessageBox(advice, screen::Icon::Information);
+    } else {
+      ++count_;
+    }
+    screen::SetPointer(screen::Pointer::Normal);
+  }
+
+ private:
+  int count_ = 0;
+};
+
+}  // namespace dw

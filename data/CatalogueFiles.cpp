@@ -1,0 +1,103 @@
+// Data files made from the list of tables, and compared with it.
+#include <filesystem>
+#include <system_error>
+
+#include "data/Catalogue.h"
+#include "platform/runtime/Text.h"
+
+namespace dw {
+namespace {
+
+using store::ColumnInfo;
+using store::IndexInfo;
+using store::RelationInfo;
+using store::TableInfo;
+
+std::string Joined(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+/// The type without the rule of comparison that every text has.
+std::string TypeName(const ColumnInfo& column) {
+  const std::string declared = store::DeclaredType(column);
+  return declared.substr(0, declared.find(" COLLATE"));
+}
+
+/// A text column may be wider than the list asks for: nothing is lost in it.
+bool Serves(const ColumnInfo& stored, const ColumnInfo& wanted) {
+  return stored.type == wanted.type && stored.size >= wanted.size;
+}
+
+bool SameColumns(const IndexInfo& a, const IndexInfo& b) {
+  if (a.columns.size() != b.columns.size()) return false;
+  for (std::size_t i = 0; i < a.columns.size(); ++i)
+    if (!rt::EqualNoCase(a.columns[i], b.columns[i])) return false;
+  return true;
+}
+
+void CompareTable(const TableInfo& stored, const TableInfo& wanted, std::vector<std::string>& differences) {
+  for (const ColumnInfo& column : wanted.columns) {
+    const std::string name = "[" + wanted.name + "].[" + column.name + "]";
+    const int position = stored.Find(column.name);
+    if (position < 0) {
+      differences.push_back("column " + name + " is missing");
+      continue;
+    }
+    const ColumnInfo& found = stored.columns[static_cast<std::size_t>(position)];
+    if (!Serves(found, column))
+      differences.push_back("column " + name + " is " + TypeName(found) + " instead of " + TypeName(column));
+  }
+  for (const IndexInfo& index : wanted.indexes) {
+    const std::string name = "[" + index.name + "] of [" + wanted.name + "]";
+    const IndexInfo* found = stored.FindIndex(index.name);
+    if (!found) {
+      differences.push_back("index " + name + " is missing");
+    } else if (!SameColumns(*found, index)) {
+      differences.push_back("index " + name + " is on " + Joined(found->columns) + " instead of " +
+                            Joined(index.columns));
+    } else if (found->unique != index.unique) {
+      differences.push_back("index " + name + (index.unique ? " is not unique" : " is unique"));
+    } else if (found->primary != index.primary) {
+      differences.push_back("index " + name +
+                            (index.primary ? " is not the primary key" : " is the primary key"));
+    }
+  }
+}
+
+}  // namespace
+
+void CreateDataFile(const std::string& directory, std::string_view file) {
+  const CatalogueFile& catalogue = CatalogueOf(file);
+  const std::string path = (std::filesystem::path(directory) / catalogue.name).string();
+  store::Connection::Create(path);
+  try {
+    const auto connection = store::Connection::Open({.path = path, .share = store::Share::Exclusive});
+    // In one transaction: a hundred definitions stored one by one would keep the disk busy for a second.
+    connection->BeginTrans();
+    for (const TableInfo& table : catalogue.tables) connection->CreateTable(table);
+    for (const RelationInfo& relation : catalogue.relations) connection->AddRelation(relation);
+    connection->CommitTrans();
+  } catch (...) {
+    // Half a data file would be taken for a whole one at the next start.
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+    throw;
+  }
+}
+
+std::vector<std::string> CompareWithCatalogue(store::Connection& connection, const CatalogueFile& file) {
+  std::vector<std::string> differences;
+  const auto schema = connection.Tables();
+  for (const TableInfo& wanted : file.tables) {
+    if (const TableInfo* stored = schema->Find(wanted.name)) {
+      CompareTable(*stored, wanted, differences);
+    } else {
+      differences.push_back("table [" + wanted.name + "] is missing");
+    }
+  }
+  return differences;
+}
+
+}  // namespace dw

@@ -1,0 +1,108 @@
+#include "data/GenericTools.h"
+
+#include "data/Attempt.h"
+#include "data/GenericDAO.h"
+#include "platform/runtime/DateTime.h"
+#include "platform/runtime/Text.h"
+#include "platform/screen/Screen.h"
+#include "platform/store/Connection.h"
+#include "platform/store/SideFile.h"
+#include "platform/system/Files.h"
+#include "platform/system/Machine.h"
+
+namespace dw {
+
+using screen::Icon;
+
+namespace {
+
+/// The runtime's number for a file that is in use or belongs to others.
+constexpr int kPermissionDenied = 70;
+
+/// Whether somebody has a data file open. The system would let it be deleted under them, and what they write
+/// from then on would be lost.
+bool IsInUse(const std::string& path) {
+  if (!FileExists(store::SideFile::PathFor(path))) return false;
+  const Failure failure = Try([&] {
+    store::SideFile::Enter(path, store::Share::Exclusive, store::IdentityComputer(), store::IdentityUser());
+  });
+  return failure.number == store::kFileInUse || failure.number == store::kOpenedExclusively;
+}
+
+}  // namespace
+
+bool ValidDate(const std::string& text, bool required) {
+  if (text.empty()) {
+    if (required) screen::MessageBox("A date is required for this field.", Icon::Critical);
+    return !required;
+  }
+  const auto date = rt::ParseDate(text);
+  if (!date) {
+    screen::MessageBox("That is not a valid date. Please try again.", Icon::Exclamation);
+    return false;
+  }
+  if (rt::DatePart("yyyy", *date) < 1800) {
+    screen::MessageBox("Year cannot be less than 1800. Please try again.", Icon::Exclamation);
+    return false;
+  }
+  return true;
+}
+
+std::string QuoteSQL(const std::string& text) {
+  std::string quoted;
+  quoted.reserve(text.size());
+  for (const char c : text) {
+    if (c == '\'')
+      quoted += "''";
+    else
+      quoted += c;
+  }
+  return quoted;
+}
+
+std::string StripBrackets(const std::string& text) {
+  std::string bare = text;
+  if (bare.starts_with('[')) bare.erase(0, 1);
+  if (bare.ends_with(']')) bare.pop_back();
+  return bare;
+}
+
+std::string BareFileName(const std::string& path) {
+  const auto separator = path.find_last_of("/\\");
+  return separator == std::string::npos ? path : path.substr(separator + 1);
+}
+
+bool FileExists(const std::string& path) { return sys::FileExists(path); }
+
+void DeleteFileChecked(const std::string& path) {
+  sys::FileResult result{kPermissionDenied, {}};
+  if (!IsInUse(path)) result = sys::DeleteFile(path);
+  if (result.Done()) return;
+  if (result.number == kPermissionDenied)
+    screen::MessageBox("The file is in use by another person and cannot be deleted.");
+  else
+    screen::MessageBox("Could not delete file.\r" + result.text);
+}
+
+std::string ProperCase(const std::string& text) {
+  std::string proper = text;
+  const auto length = static_cast<int>(rt::Length(text));
+  bool wordBegins = true;
+  int position = 0;
+  for (const char c : text) {
+    // The later bytes of a character (their bits begin with 10) are no characters of their own.
+    if ((static_cast<unsigned char>(c) & 0xC0U) == 0x80U) continue;
+    ++position;
+    if (wordBegins) UppercaseCharAt(position, proper, length);
+    wordBegins = c == ' ';
+  }
+  return proper;
+}
+
+std::string GetDrives() {
+  std::string roots;
+  for (const sys::Drive& drive : sys::Drives()) roots += drive.root + '\0';
+  return roots;
+}
+
+}  // namespace dw

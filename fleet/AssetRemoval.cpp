@@ -1,0 +1,123 @@
+#include "fleet/AssetRemoval.h"
+
+#include <array>
+
+#include "costing/Lookups.h"
+#include "data/Attempt.h"
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericADO.h"
+#include "data/GenericDAO.h"
+#include "platform/screen/Screen.h"
+
+namespace dw {
+
+namespace {
+
+struct RemovalStep {
+  const char* statement;  ///< up to the asset's code
+  const char* refusal;
+};
+
+// The words of the second and third step speak of each other's tables; users know them so.
+constexpr std::array<RemovalStep, 3> kSteps = {{
+    {"DELETE * FROM [Odometer Entries] WHERE [Asset ID] = '",
+     "Unable to remove asset's odometer readings. Removal cancelled."},
+    {"DELETE * FROM [Maintenance Schedule] WHERE [Asset ID] = '",
+     "Unable to remove asset's maintenance entries. Removal cancelled."},
+    {"DELETE * FROM [Performed Scheduled Maintenance] WHERE [Asset ID] = '",
+     "Unable to remove asset's scheduled maintenance. Removal cancelled."},
+}};
+
+bool Agreed(const std::string& question, screen::Icon icon) {
+  return screen::MessageBox(question, icon, screen::Buttons::YesNo) == screen::Answer::Yes;
+}
+
+/// Asks only where the table has rows of the asset. False for a No, and after the message of a query that
+/// cannot be read. The code goes in as it stands, as it does in the statements of the removal.
+bool AgreedToRows(const AdoConnectionPtr& connection, const std::string& table, const std::string& assetID,
+                  const std::string& question) {
+  AdoRecordsetPtr rows =
+      AdoOpenRecordset(connection, "SELECT * FROM [" + table + "] WHERE [Asset ID] = '" + assetID + "'");
+  if (!rows) return false;
+  const bool agreed = rows->AtEnd() || Agreed(question, screen::Icon::Question);
+  CloseObject(rows);
+  return agreed;
+}
+
+/// The statements between the beginning of the transaction and its commit; false when it is to be taken back.
+bool RemoveRows(const AdoConnectionPtr& connection, ado::Recordset& asset, const std::string& assetID) {
+  for (const RemovalStep& step : kSteps) {
+    if (AdoExecute(connection, step.statement + assetID + "'") != 0) {
+      screen::MessageBox(step.refusal, screen::Icon::Information);
+      return false;
+    }
+  }
+  screen::MessageBox(
+      "WARNING: Accumulating rermoved Asset costs into the Deleted Asset in not yet functional. "
+      "This data will be permanently lost.",
+      screen::Icon::Information);
+  // The costs stay under the removed code: the asset that stands for removed ones is looked up, and nothing
+  // is moved to it.
+  GetDeletedInventoryID();
+  if (!AdoDeleteRS(asset, false, false)) return false;
+  AdoRefreshCache(connection, true);
+  return true;
+}
+
+RemovalResult RemoveInTransaction(const AdoConnectionPtr& connection, ado::Recordset& asset,
+                                  const std::string& assetID) {
+  bool removed = false;
+  const Failure failure = Try([&] {
+    connection->BeginTrans();
+    removed = RemoveRows(connection, asset, assetID);
+    if (removed) connection->CommitTrans();
+  });
+  if (failure) {
+    screen::MessageBox("Error #" + std::to_string(failure.number) + "\r\r" + failure.description +
+                           "\r\rThe asset was not removed.",
+                       screen::Icon::Critical);
+  }
+  if (removed && !failure) return RemovalResult::Removed;
+  // Closing the connection takes back what a failed rollback leaves.
+  Try([&] { connection->RollbackTrans(); });
+  return RemovalResult::RolledBack;
+}
+
+}  // namespace
+
+RemovalResult RemoveAsset(std::int32_t id, const std::string& assetID, std::int64_t recordCount) {
+  if (id == GetDeletedInventoryID()) {
+    screen::MessageBox("This ID is reserved for deleted assets.\rIt cannot be removed.",
+                       screen::Icon::Information);
+    return RemovalResult::Refused;
+  }
+  const screen::Hourglass hourglass;
+  if (recordCount < 1) {
+    screen::MessageBox("There are no records for which to display detail.");
+    return RemovalResult::Refused;
+  }
+
+  AdoConnectionPtr connection;
+  if (!AdoOpenConnection(connection, DataConnect, false)) return RemovalResult::Refused;
+  // Opening a connection leaves the pointer normal.
+  screen::SetPointer(screen::Pointer::Hourglass);
+  RemovalResult result = RemovalResult::Refused;
+  if (AgreedToRows(connection, "Odometer Entries", assetID, "The item has odometer entries. Continue?") &&
+      AgreedToRows(connection, "Maintenance Transactions", assetID,
+                   "The item has maintenance entries. Continue?") &&
+      Agreed("Are you sure you want to delete this record?", screen::Icon::None)) {
+    AdoRecordsetPtr asset =
+        AdoOpenRecordset(connection, "SELECT * FROM [Vehicles] WHERE [ID] = " + std::to_string(id),
+                         ado::adOpenKeyset, ado::adLockPessimistic);
+    if (asset && asset->AtEnd()) {
+      screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
+    } else if (asset) {
+      result = RemoveInTransaction(connection, *asset, assetID);
+    }
+    CloseObject(asset);
+  }
+  CloseObject(connection);
+  return result;
+}
+
+}  // namespace dw

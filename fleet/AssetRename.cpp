@@ -1,0 +1,88 @@
+#include "fleet/AssetRename.h"
+
+#include <array>
+
+#include "data/Attempt.h"
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericADO.h"
+#include "data/GenericDAO.h"
+#include "data/GenericTools.h"
+#include "platform/screen/Screen.h"
+
+namespace dw {
+
+namespace {
+
+// Every table that carries the code, the asset's own last.
+constexpr std::array<const char*, 10> kTables = {
+    "Assets Annual Costs",
+    "Assets Lifetime Costs",
+    "Assets Period Costs",
+    "Maintenance Schedule",
+    "Maintenance Transactions",
+    "Odometer Entries",
+    "Odometer Entry Work Table",
+    "Performed Maintenance Work Table",
+    "Performed Scheduled Maintenance",
+    "Vehicles",
+};
+
+bool RenameRows(const AdoConnectionPtr& connection, const std::string& oldID, const std::string& newID) {
+  for (const char* table : kTables) {
+    const std::string statement = "UPDATE [" + std::string(table) + "] " + " SET [Asset ID] = '" + newID +
+                                  "'" + " WHERE [Asset ID] = '" + oldID + "'";
+    if (AdoExecute(connection, statement) != 0) return false;
+  }
+  return true;
+}
+
+/// All ten tables or none. What fails is taken back without a word: the user sees the old code again.
+bool RenameInTransaction(const AdoConnectionPtr& connection, const std::string& oldID,
+                         const std::string& newID) {
+  bool renamed = false;
+  const Failure failure = Try([&] {
+    connection->BeginTrans();
+    renamed = RenameRows(connection, oldID, newID);
+    if (renamed) connection->CommitTrans();
+  });
+  if (renamed && !failure) return true;
+  // Closing the connection takes back what a failed rollback leaves.
+  Try([&] { connection->RollbackTrans(); });
+  return false;
+}
+
+}  // namespace
+
+RenameResult RenameAsset(const std::string& assetID) {
+  return RenameAssetTo(assetID, screen::InputBox("Enter New Asset ID:"));
+}
+
+RenameResult RenameAssetTo(const std::string& assetID, const std::string& newID) {
+  const std::string oldText = QuoteSQL(assetID);
+  if (newID.empty()) {
+    screen::MessageBox("Rename cancelled. No new ID given.", screen::Icon::Information);
+    return RenameResult::Cancelled;
+  }
+
+  AdoConnectionPtr connection;
+  if (!AdoOpenConnection(connection, DataConnect, false)) return RenameResult::RolledBack;
+  const std::string newText = QuoteSQL(newID);
+  AdoRecordsetPtr taken =
+      AdoOpenRecordset(connection, "SELECT * FROM Vehicles WHERE [Asset ID] = '" + newText + "'");
+  const bool known = taken != nullptr;
+  const bool inUse = known && !taken->AtEnd();
+  if (inUse) screen::MessageBox("The new Asset ID is already in use.", screen::Icon::Information);
+  CloseObject(taken);
+  CloseObject(connection);
+  if (inUse) return RenameResult::InUse;
+  // Whether the code is free could not be read; its message has been shown.
+  if (!known) return RenameResult::RolledBack;
+
+  if (!AdoOpenConnection(connection, DataConnect, false)) return RenameResult::RolledBack;
+  const screen::Hourglass hourglass;
+  const bool renamed = RenameInTransaction(connection, oldText, newText);
+  CloseObject(connection);
+  return renamed ? RenameResult::Renamed : RenameResult::RolledBack;
+}
+
+}  // namespace dw

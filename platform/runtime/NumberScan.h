@@ -1,0 +1,22 @@
+// A number text taken apart exactly, before it becomes a floating number or an amount.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace rt {
+
+/// The number is digits * 10^exponent, with the sign.
+struct ScannedNumber {
+  std::string digits;  // without leading zeros; empty for zero
+  int exponent = 0;    // within +-200,000
+  bool negative = false;
+};
+
+/// Reads one number: blanks around it, a sign and "$" in either order, or parentheses for a negative;
+/// thousands commas in groups of three; a decimal point; an exponent. Empty when anything else stands in the
+/// text or no digit does.
+std::optional<ScannedNumber> ScanNumber(std::string_view text);
+
+}  // namespace rt

@@ -1,0 +1,115 @@
+#include "platform/store/Connection.h"
+
+#include <unistd.h>
+
+#include <array>
+
+#include "platform/runtime/Text.h"
+#include "platform/store/ConnectionImpl.h"
+#include "platform/store/FileFormat.h"
+
+namespace store {
+namespace {
+
+struct Identity {
+  std::string computer;
+  std::string user = "admin";
+};
+
+Identity& Own() {
+  static Identity identity = [] {
+    std::array<char, 256> name{};
+    gethostname(name.data(), name.size() - 1);
+    return Identity{name.data(), "admin"};
+  }();
+  return identity;
+}
+
+}  // namespace
+
+void SetIdentity(const std::string& computer, const std::string& user) { Own() = {computer, user}; }
+const std::string& IdentityComputer() { return Own().computer; }
+const std::string& IdentityUser() { return Own().user; }
+
+std::shared_ptr<Connection> Connection::Open(const OpenRequest& request) {
+  CheckFile(request.path);
+  auto side = SideFile::Enter(request.path, request.share, IdentityComputer(), IdentityUser());
+  // Who can only read the file must not be refused for it before anything is written.
+  OpenRequest made = request;
+  if (access(request.path.c_str(), W_OK) != 0) made.readOnly = true;
+  auto handle = Handle::Acquire(request.path, made.readOnly);
+  std::shared_ptr<Connection> connection(new Connection);
+  connection->impl_ = std::make_unique<Impl>(std::move(handle), std::move(side), std::move(made));
+  return connection;
+}
+
+Connection::~Connection() = default;
+
+const std::string& Connection::Path() const { return impl_->Request().path; }
+bool Connection::ReadOnly() const { return impl_->Request().readOnly; }
+SideFile& Connection::Side() { return impl_->Side(); }
+
+std::shared_ptr<const QueryPlan> Connection::Plan(std::string_view sql, std::vector<rt::Value>* parameters) {
+  Normalized statement = Normalize(sql);
+  auto plan = impl_->Db().Plan(statement);
+  *parameters = std::move(statement.parameters);
+  return plan;
+}
+
+std::int64_t Connection::Execute(std::string_view sql) {
+  std::vector<rt::Value> parameters;
+  const auto plan = Plan(sql, &parameters);
+  const Translation& t = plan->translation;
+  switch (t.kind) {
+    case StatementKind::Select:
+      throw StoreError(kSelectNotExecuted, "A SELECT cannot be executed; it opens a recordset.");
+    case StatementKind::Insert:
+      return impl_->ExecuteInsert(*plan, parameters);
+    case StatementKind::Update:
+    case StatementKind::Delete:
+      return impl_->ExecuteBulk(*plan, parameters);
+    case StatementKind::AddColumn:
+      AddColumn(t.target, t.column);
+      return 0;
+    case StatementKind::DropColumn:
+      DropColumn(t.target, t.column.name);
+      return 0;
+    case StatementKind::CreateTable: {
+      TableInfo table;
+      table.name = t.target;
+      table.columns = t.newColumns;
+      if (!t.index.columns.empty()) table.indexes.push_back(t.index);
+      CreateTable(table);
+      return 0;
+    }
+    case StatementKind::DropTable:
+      DropTable(t.target);
+      return 0;
+    case StatementKind::CreateIndex:
+      CreateIndex(t.target, t.index);
+      return 0;
+    case StatementKind::DropIndex:
+      DropIndex(t.target, t.index.name);
+      return 0;
+  }
+  return 0;
+}
+
+void Connection::BeginTrans() { impl_->Begin(); }
+void Connection::CommitTrans(Commit how) { impl_->Commit(how); }
+void Connection::RollbackTrans() { impl_->Rollback(); }
+int Connection::TransactionDepth() const { return impl_->Depth(); }
+void Connection::FinishGroup() { impl_->FinishGroup(); }
+void Connection::EnterGroup() { impl_->EnterGroup(); }
+
+std::shared_ptr<const Schema> Connection::Tables() { return impl_->Db().Tables(true); }
+
+std::vector<std::string> Connection::CheckIntegrity() {
+  std::vector<std::string> faults;
+  Use check(impl_->Db(), "PRAGMA integrity_check");
+  while (check.Step())
+    if (check.Text(0) != "ok") faults.push_back(check.Text(0));
+  return faults;
+}
+
+}  // namespace store

@@ -1,0 +1,187 @@
+#include "platform/store/DialectFragment.h"
+
+#include <algorithm>
+
+#include "platform/store/StoreError.h"
+
+namespace store::dialect {
+namespace {
+
+// The engine's parser gives up at 100; what stands around an expression takes a dozen.
+constexpr int kMostWeight = 75;
+constexpr std::size_t kLongest = 200000;
+
+// Never fewer than the tokens of a plain piece, with one more for the empty rules that the grammar puts
+// between.
+int Tokens(std::string_view sql) {
+  int count = 1;
+  bool inWord = false;
+  for (const char c : sql) {
+    const bool sign = c == '(' || c == ')' || c == ',';
+    if (sign || (c != ' ' && !inWord)) ++count;
+    inWord = c != ' ' && !sign;
+  }
+  return count;
+}
+
+void CheckSize(const Fragment& fragment) {
+  if (fragment.weight > kMostWeight || fragment.text.size() > kLongest)
+    throw StoreError(kSyntax, "The statement is nested too deeply or is too long.");
+}
+
+}  // namespace
+
+ValueKind KindOf(ColumnType type) {
+  switch (type) {
+    case ColumnType::Counter:
+    case ColumnType::Short:
+    case ColumnType::Long:
+      return ValueKind::Whole;
+    case ColumnType::Boolean:
+      return ValueKind::Boolean;
+    case ColumnType::Single:
+    case ColumnType::Double:
+      return ValueKind::Real;
+    case ColumnType::Currency:
+      return ValueKind::Currency;
+    case ColumnType::DateTime:
+      return ValueKind::Date;
+    case ColumnType::Text:
+    case ColumnType::Memo:
+      return ValueKind::Text;
+    case ColumnType::LongBinary:
+      return ValueKind::Binary;
+  }
+  return ValueKind::Unknown;
+}
+
+void NotPossible(std::string_view reason, const Fragment& fragment) {
+  throw StoreError(kSyntax,
+                   std::string(reason) + ": " +
+                       (fragment.column ? "the column '" + fragment.column->name + "'." : fragment.text));
+}
+
+Fragment Build(Level level, ValueKind kind, std::initializer_list<Piece> pieces) {
+  Fragment result;
+  result.level = level;
+  result.kind = kind;
+  int before = 0;
+  for (const Piece& piece : pieces) {
+    if (!piece.fragment) {
+      result.text += piece.plain;
+      before += Tokens(piece.plain);
+      result.weight = std::max(result.weight, before);
+      continue;
+    }
+    const Fragment& part = *piece.fragment;
+    result.text += part.text;
+    result.weight = std::max(result.weight, before + part.weight);
+    ++before;
+    result.hasColumn = result.hasColumn || part.hasColumn;
+    result.hasAggregate = result.hasAggregate || part.hasAggregate;
+  }
+  CheckSize(result);
+  return result;
+}
+
+void AppendToList(Fragment& list, const Fragment& element) {
+  if (!list.text.empty()) list.text += ", ";
+  list.text += element.text;
+  list.weight = std::max(list.weight, element.weight + 3);
+  list.hasColumn = list.hasColumn || element.hasColumn;
+  list.hasAggregate = list.hasAggregate || element.hasAggregate;
+  CheckSize(list);
+}
+
+Fragment AtLeast(Level level, const Fragment& fragment) {
+  if (fragment.level >= level) return fragment;
+  Fragment wrapped = fragment;
+  wrapped.text = "(" + fragment.text + ")";
+  wrapped.level = Level::Atom;
+  wrapped.weight = fragment.weight + 1;
+  CheckSize(wrapped);
+  return wrapped;
+}
+
+Fragment Plain(const Fragment& fragment) {
+  if (!fragment.units) return fragment;
+  Fragment amount = Build(Level::Atom, ValueKind::Real, {"(", fragment, " / 10000.0)"});
+  amount.floating = true;
+  amount.neverNull = fragment.neverNull;
+  return amount;
+}
+
+Fragment AsText(const Fragment& fragment) {
+  if (fragment.kind == ValueKind::Date || fragment.kind == ValueKind::Binary)
+    NotPossible("This cannot be used as a text", fragment);
+  const Fragment value = Plain(fragment);
+  if (value.kind != ValueKind::Real) return value;
+  const bool single = fragment.column && fragment.column->type == ColumnType::Single;
+  const char* format =
+      single ? " IS NULL THEN NULL ELSE printf('%.7g', " : " IS NULL THEN NULL ELSE printf('%.15g', ";
+  return Build(Level::Atom, ValueKind::Text,
+               {"CASE WHEN ", AtLeast(Level::Add, value), format, value, ") END"});
+}
+
+Fragment AsNumber(const Fragment& fragment) {
+  if (fragment.kind == ValueKind::Date || fragment.kind == ValueKind::Binary)
+    NotPossible("This cannot be calculated with", fragment);
+  return Plain(fragment);
+}
+
+Fragment AsCondition(const Fragment& fragment) {
+  if (fragment.kind == ValueKind::Date || fragment.kind == ValueKind::Binary ||
+      fragment.kind == ValueKind::Text)
+    NotPossible("This is no condition", fragment);
+  return Plain(fragment);
+}
+
+void CheckComparable(const Fragment& a, const Fragment& b) {
+  const auto open = [](const Fragment& f) {
+    return f.kind == ValueKind::Date || f.kind == ValueKind::Unknown || f.kind == ValueKind::Null;
+  };
+  if (a.kind == ValueKind::Date && !open(b)) NotPossible("A date cannot be compared with this", b);
+  if (b.kind == ValueKind::Date && !open(a)) NotPossible("A date cannot be compared with this", a);
+}
+
+Fragment WithoutCase(const Fragment& fragment) {
+  if (!fragment.MayBeText() || fragment.column) return fragment;
+  Fragment result = Build(Level::Atom, fragment.kind, {AtLeast(Level::Atom, fragment), " COLLATE NOCASE"});
+  result.neverNull = fragment.neverNull;
+  return result;
+}
+
+std::string Stored(const Fragment& value, const ColumnInfo& column) {
+  const bool alone = value.column != nullptr;
+  switch (column.type) {
+    case ColumnType::Currency:
+      if (value.units || value.kind == ValueKind::Null) return value.text;
+      return Build(Level::Atom, ValueKind::Currency,
+                   {"CAST(ROUND((", AsNumber(value), ") * 10000) AS INTEGER)"})
+          .text;
+    case ColumnType::Counter:
+    case ColumnType::Short:
+    case ColumnType::Long:
+      if (value.kind == ValueKind::Whole || value.kind == ValueKind::Boolean || value.kind == ValueKind::Null)
+        return value.text;
+      return Build(Level::Atom, ValueKind::Whole, {"CAST(ROUND(", AsNumber(value), ") AS INTEGER)"}).text;
+    case ColumnType::Boolean: {
+      if (value.kind == ValueKind::Null) return "0";
+      if (value.kind == ValueKind::Boolean && (alone || value.neverNull)) return value.text;
+      const Fragment flag = Build(Level::Compare, ValueKind::Boolean, {"(", AsCondition(value), ") <> 0"});
+      return Build(Level::Atom, ValueKind::Boolean, {"COALESCE(", flag, ", 0)"}).text;
+    }
+    case ColumnType::Text:
+    case ColumnType::Memo:
+      return AsText(value).text;
+    case ColumnType::Single:
+    case ColumnType::Double:
+      return AsNumber(value).text;
+    case ColumnType::DateTime:
+    case ColumnType::LongBinary:
+      return Plain(value).text;
+  }
+  return value.text;
+}
+
+}  // namespace store::dialect

@@ -1,0 +1,26 @@
+// What makes a file one of ours.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace store {
+
+class Handle;
+
+/// Stands in SQLite's header field "application id": "DWRT".
+constexpr std::int64_t kApplicationId = 0x44575254;
+/// The version of the way in which tables are laid down in the file.
+constexpr std::int64_t kFormatVersion = 1;
+
+/// The key of a row that is not there: the far side of an outer join.
+constexpr std::int64_t kNoKey = std::numeric_limits<std::int64_t>::min();
+
+/// Throws StoreError 3343 where the opened database is not of this system, or of a later version of it.
+void CheckFormat(Handle& handle);
+/// Throws StoreError 3024, 3044, 3051 or 3343 for what can be told without opening: nothing there, no such directory, a
+/// directory under the file's name, an empty file.
+void CheckFile(const std::string& path);
+
+}  // namespace store

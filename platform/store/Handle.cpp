@@ -1,0 +1,321 @@
+#include "platform/store/Handle.h"
+
+#include <sys/stat.h>
+#include <time.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+#include "platform/runtime/Clock.h"
+#include "platform/runtime/Text.h"
+#include "platform/store/FileFormat.h"
+#include "platform/store/StoreError.h"
+
+namespace store {
+namespace {
+
+constexpr std::size_t kMostStatements = 256;
+constexpr std::size_t kMostPlans = 512;
+constexpr std::size_t kMostParked = 8;
+// As long as a command may take before it counts as timed out.
+constexpr int kBusyMilliseconds = 15000;
+
+std::vector<std::unique_ptr<Handle>>& Parked() {
+  static std::vector<std::unique_ptr<Handle>> parked;
+  return parked;
+}
+
+std::string ArgumentText(sqlite3_value* value) {
+  const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return bytes ? std::string(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))) : std::string();
+}
+
+void ResultText(sqlite3_context* context, const std::string& text) {
+  sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+void UpperFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+  if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) return sqlite3_result_null(context);
+  ResultText(context, rt::UpperCase(ArgumentText(arguments[0])));
+}
+
+void LowerFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+  if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) return sqlite3_result_null(context);
+  ResultText(context, rt::LowerCase(ArgumentText(arguments[0])));
+}
+
+void LikeFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+  if (sqlite3_value_type(arguments[0]) == SQLITE_NULL || sqlite3_value_type(arguments[1]) == SQLITE_NULL)
+    return sqlite3_result_null(context);
+  sqlite3_result_int(context, LikeMatch(ArgumentText(arguments[0]), ArgumentText(arguments[1])) ? 1 : 0);
+}
+
+void NowFunction(sqlite3_context* context, int, sqlite3_value**) { ResultText(context, rt::Now().ToIso()); }
+void DateFunction(sqlite3_context* context, int, sqlite3_value**) { ResultText(context, rt::Today().ToIso()); }
+
+// Writers wait for each other in short naps; the library's own handler grows its naps and starves the one who waits.
+int Nap(void*, int tries) {
+  if (tries > kBusyMilliseconds * 2) return 0;
+  const timespec halfMillisecond{0, 500000};
+  nanosleep(&halfMillisecond, nullptr);
+  return 1;
+}
+
+}  // namespace
+
+std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) {
+  struct stat now {};
+  const bool there = stat(path.c_str(), &now) == 0;
+  auto& parked = Parked();
+  for (auto it = parked.begin(); it != parked.end();) {
+    Handle& waiting = **it;
+    const bool same = there && waiting.device_ == now.st_dev && waiting.inode_ == now.st_ino;
+    if (waiting.path_ == path && !same) {
+      it = parked.erase(it);  // the file was replaced since
+    } else if (waiting.path_ == path && waiting.readOnly_ == readOnly) {
+      auto found = std::move(*it);
+      parked.erase(it);
+      found->schemaChecked_ = {};
+      return found;
+    } else {
+      ++it;
+    }
+  }
+
+  std::unique_ptr<Handle> handle(new Handle);
+  handle->path_ = path;
+  handle->readOnly_ = readOnly;
+  handle->device_ = now.st_dev;
+  handle->inode_ = now.st_ino;
+  const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int code = sqlite3_open_v2(path.c_str(), &handle->db_, flags, nullptr);
+  if (code != SQLITE_OK) handle->Fail(code);
+  sqlite3* db = handle->db_;
+  sqlite3_busy_handler(db, Nap, nullptr);
+  const int plain = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
+  sqlite3_create_function(db, "ucase", 1, plain, nullptr, UpperFunction, nullptr, nullptr);
+  sqlite3_create_function(db, "lcase", 1, plain, nullptr, LowerFunction, nullptr, nullptr);
+  sqlite3_create_function(db, "dw_like", 2, plain, nullptr, LikeFunction, nullptr, nullptr);
+  sqlite3_create_function(db, "dw_now", 0, SQLITE_UTF8, nullptr, NowFunction, nullptr, nullptr);
+  sqlite3_create_function(db, "dw_date", 0, SQLITE_UTF8, nullptr, DateFunction, nullptr, nullptr);
+  handle->Run("PRAGMA temp_store = MEMORY");
+  handle->Run("PRAGMA cache_size = -16000");
+  CheckFormat(*handle);
+  if (!readOnly) {
+    handle->Run("PRAGMA journal_mode = TRUNCATE");
+    handle->Run("PRAGMA synchronous = FULL");
+  }
+  return handle;
+}
+
+void Handle::Park(std::unique_ptr<Handle> handle) {
+  auto& parked = Parked();
+  if (parked.size() >= kMostParked) parked.erase(parked.begin());
+  parked.push_back(std::move(handle));
+}
+
+void Handle::DropParked(const std::string& path) {
+  std::erase_if(Parked(), [&](const auto& waiting) { return waiting->path_ == path; });
+}
+
+Handle::~Handle() {
+  for (auto& [sql, slot] : statements_) sqlite3_finalize(slot.statement);
+  sqlite3_close(db_);
+}
+
+void Handle::Run(std::string_view sql) {
+  const int code = sqlite3_exec(db_, std::string(sql).c_str(), nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) Fail(code, sql);
+}
+
+std::int64_t Handle::Number(std::string_view sql) {
+  Use use(*this, sql);
+  return use.Step() ? use.Int64(0) : 0;
+}
+
+const std::shared_ptr<const Schema>& Handle::Tables(bool checkNow) {
+  const auto now = std::chrono::steady_clock::now();
+  if (!checkNow && schemaVersion_ >= 0 && now - schemaChecked_ < std::chrono::milliseconds(200)) return schema_;
+  schemaChecked_ = now;
+  const std::int64_t version = Number("PRAGMA schema_version");
+  if (version != schemaVersion_) {
+    schema_ = std::make_shared<const Schema>(ReadSchema(*this));
+    schemaVersion_ = version;
+    plans_.clear();
+  }
+  return schema_;
+}
+
+void Handle::ForgetTables() { schemaVersion_ = -1; }
+
+std::shared_ptr<const QueryPlan> Handle::Plan(const Normalized& statement) {
+  Tables();
+  const auto found = plans_.find(statement.key);
+  if (found != plans_.end()) return found->second;
+  if (plans_.size() >= kMostPlans) plans_.clear();
+  const auto schema = Tables(true);
+  auto plan = MakePlan(Translate(statement, *schema), schema);
+  plans_[statement.key] = plan;
+  return plan;
+}
+
+void Handle::Fail(int code, std::string_view sql) {
+  const std::string what = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(code);
+  const std::string file = "'" + path_ + "'";
+  switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      throw StoreError(kSessionLocked, "Could not update; " + file + " is being written by another session.");
+    case SQLITE_FULL:
+      throw StoreError(kDiskFull, "Not enough space on the disk for " + file + ".");
+    case SQLITE_READONLY:
+      throw StoreError(kReadOnly, "Cannot update. The data base " + file + " is read-only.");
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+      throw StoreError(kCannotStart, "Access to " + file + " is not permitted.");
+    case SQLITE_CANTOPEN:
+      throw StoreError(kCannotStart, "Cannot open " + file + ": " + std::strerror(db_ ? sqlite3_system_errno(db_) : ENOENT) + ".");
+    case SQLITE_NOTADB:
+      throw StoreError(kBadFormat, "Unrecognized data base format " + file + ": it is not a data file.");
+    case SQLITE_CORRUPT:
+      throw StoreError(kBadFormat, "Unrecognized data base format " + file + ": it is damaged (" + what + ").");
+    case SQLITE_IOERR: {
+      const int system = db_ ? sqlite3_system_errno(db_) : 0;
+      if (system == ENOSPC || system == EDQUOT || system == EFBIG)
+        throw StoreError(kDiskFull, "Not enough space on the disk for " + file + ".");
+      throw StoreError(kPathNotFound, "Disk or network error during access to " + file +
+                                          (system ? std::string(": ") + std::strerror(system) : std::string()) + ".");
+    }
+    case SQLITE_CONSTRAINT:
+      if (code == SQLITE_CONSTRAINT_NOTNULL)
+        throw StoreError(kFieldRequired, "A value is required: " + what + ".");
+      if (code == SQLITE_CONSTRAINT_CHECK && what.find("length(") != std::string::npos)
+        throw StoreError(kFieldTooSmall, "The field is too small for the text that was to be stored in it: " + what + ".");
+      if (code == SQLITE_CONSTRAINT_CHECK) throw StoreError(kZeroLength, "A field cannot be an empty text: " + what + ".");
+      throw StoreError(kDuplicateKey, "The changes would create duplicate values in the index or primary key: " + what + ".");
+    case SQLITE_TOOBIG:
+      throw StoreError(kFieldTooSmall, "The value is too large to be stored.");
+    case SQLITE_NOMEM:
+      throw StoreError(kInternal, "Not enough memory.");
+    default:
+      throw StoreError(kInternal, "Data base error " + std::to_string(code) + ": " + what +
+                                      (sql.empty() ? "" : " in: " + std::string(sql)) + ".");
+  }
+}
+
+Use::Use(Handle& handle, std::string_view sql) : handle_(handle), sql_(sql) {
+  auto& statements = handle.statements_;
+  auto found = statements.find(sql_);
+  if (found == statements.end()) {
+    if (statements.size() >= kMostStatements) {
+      std::erase_if(statements, [](auto& entry) {
+        if (entry.second.busy) return false;
+        sqlite3_finalize(entry.second.statement);
+        return true;
+      });
+    }
+    sqlite3_stmt* made = nullptr;
+    const int code = sqlite3_prepare_v3(handle.db_, sql_.data(), static_cast<int>(sql_.size()), SQLITE_PREPARE_PERSISTENT,
+                                        &made, nullptr);
+    if (code != SQLITE_OK) handle.Fail(code, sql_);
+    found = statements.emplace(sql_, Handle::Slot{made, false}).first;
+  }
+  if (found->second.busy) {  // the same statement is being stepped further up: a copy of its own serves
+    const int code = sqlite3_prepare_v2(handle.db_, sql_.data(), static_cast<int>(sql_.size()), &statement_, nullptr);
+    if (code != SQLITE_OK) handle.Fail(code, sql_);
+    sql_.clear();
+    return;
+  }
+  found->second.busy = true;
+  statement_ = found->second.statement;
+}
+
+Use::~Use() {
+  if (sql_.empty()) {
+    sqlite3_finalize(statement_);
+    return;
+  }
+  sqlite3_reset(statement_);
+  sqlite3_clear_bindings(statement_);
+  const auto found = handle_.statements_.find(sql_);
+  if (found != handle_.statements_.end()) found->second.busy = false;
+}
+
+void Use::Bind(int index, std::int64_t value) {
+  if (index > 0) sqlite3_bind_int64(statement_, index, value);
+}
+
+void Use::BindKey(int key, std::int64_t value) {
+  static const char* const kNames[] = {":k0", ":k1", ":k2", ":k3", ":k4", ":k5", ":k6", ":k7"};
+  if (key >= 8) throw StoreError(kSyntax, "A query can join eight tables at most.");
+  const int index = sqlite3_bind_parameter_index(statement_, kNames[key]);
+  if (index == 0) return;
+  if (value == kNoKey)
+    sqlite3_bind_null(statement_, index);
+  else
+    sqlite3_bind_int64(statement_, index, value);
+}
+
+void Use::Bind(int index, const rt::Value& value) {
+  if (index > sqlite3_bind_parameter_count(statement_)) return;
+  switch (value.Type()) {
+    case rt::ValueType::Null:
+      sqlite3_bind_null(statement_, index);
+      break;
+    case rt::ValueType::Boolean:
+      sqlite3_bind_int(statement_, index, std::get<bool>(value.Data()) ? 1 : 0);
+      break;
+    case rt::ValueType::Integer:
+      sqlite3_bind_int(statement_, index, std::get<std::int16_t>(value.Data()));
+      break;
+    case rt::ValueType::Long:
+      sqlite3_bind_int(statement_, index, std::get<std::int32_t>(value.Data()));
+      break;
+    case rt::ValueType::Single:
+      sqlite3_bind_double(statement_, index, static_cast<double>(std::get<float>(value.Data())));
+      break;
+    case rt::ValueType::Double:
+      sqlite3_bind_double(statement_, index, std::get<double>(value.Data()));
+      break;
+    case rt::ValueType::Currency:
+      sqlite3_bind_int64(statement_, index, std::get<rt::Currency>(value.Data()).Units());
+      break;
+    case rt::ValueType::Date: {
+      const std::string iso = std::get<rt::DateTime>(value.Data()).ToIso();
+      sqlite3_bind_text64(statement_, index, iso.data(), iso.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+      break;
+    }
+    case rt::ValueType::Text: {
+      const auto& text = std::get<std::string>(value.Data());
+      sqlite3_bind_text64(statement_, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+      break;
+    }
+    case rt::ValueType::Binary: {
+      const auto& bytes = std::get<rt::Binary>(value.Data());
+      sqlite3_bind_blob64(statement_, index, bytes.empty() ? reinterpret_cast<const std::uint8_t*>("") : bytes.data(),
+                          bytes.size(), SQLITE_TRANSIENT);
+      break;
+    }
+  }
+}
+
+void Use::BindAll(const std::vector<rt::Value>& values) {
+  for (std::size_t i = 0; i < values.size(); ++i) Bind(static_cast<int>(i) + 1, values[i]);
+}
+
+bool Use::Step() {
+  const int code = sqlite3_step(statement_);
+  if (code == SQLITE_ROW) return true;
+  if (code == SQLITE_DONE) return false;
+  // The reset fetches the extended code; the text stays.
+  handle_.Fail(sqlite3_extended_errcode(handle_.db_), sql_);
+}
+
+std::string Use::Text(int column) const {
+  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  return bytes ? std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))) : std::string();
+}
+
+}  // namespace store

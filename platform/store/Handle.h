@@ -1,0 +1,143 @@
+// The SQLite database underneath a connection, with its prepared statements. Nothing outside this folder sees it.
+#pragma once
+
+#include <sqlite3.h>
+#include <sys/types.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/runtime/Value.h"
+#include "platform/store/Cursor.h"
+#include "platform/store/Dialect.h"
+#include "platform/store/Schema.h"
+
+namespace store {
+
+/// Values of one row as the file holds them; each is decoded when it is asked for.
+class RawRow {
+ public:
+  /// Copies `count` columns of the statement's current row, from column `first` on.
+  void Read(sqlite3_stmt* statement, int first, int count);
+  /// The value of a cell of a column of this type. What another program stored in the wrong form comes back as it is.
+  rt::Value Decode(int cell, ColumnType type) const;
+  bool Empty() const { return cells_.empty(); }
+  void Clear() {
+    cells_.clear();
+    bytes_.clear();
+  }
+
+ private:
+  struct Cell {
+    int kind = SQLITE_NULL;
+    std::uint32_t length = 0;
+    union {
+      std::int64_t whole = 0;
+      double real;
+      std::size_t offset;
+    };
+  };
+  std::vector<Cell> cells_;
+  std::string bytes_;
+};
+
+/// A query translated and cut into the statements that a cursor needs.
+struct QueryPlan {
+  Translation translation;
+  std::shared_ptr<const Schema> schema;
+  std::vector<FieldInfo> fields;
+  const TableInfo* leading = nullptr;  ///< the first table: the one whose fields can be changed
+  std::vector<int> leadingColumn;      ///< of each field: its column in `leading`, or -1
+  std::vector<ColumnType> types;   ///< of the result columns
+  bool keyed = false;              ///< its rows can be found again by the keys of their tables
+  std::string keys;                ///< the keys of all rows, in order
+  std::string row;                 ///< one row by its keys :k0, :k1 …
+  std::string whole;               ///< all rows, where they have no keys
+};
+
+class Handle;
+
+/// A prepared statement in use; resetting it at the end lets go of the file.
+class Use {
+ public:
+  Use(Handle& handle, std::string_view sql);
+  ~Use();
+  Use(const Use&) = delete;
+  Use& operator=(const Use&) = delete;
+
+  /// Binds ?index; an index that the statement does not have is passed over.
+  void Bind(int index, const rt::Value& value);
+  void Bind(int index, std::int64_t value);
+  void BindKey(int key, std::int64_t value);
+  void BindAll(const std::vector<rt::Value>& values);
+  /// True while there is a row. Throws StoreError.
+  bool Step();
+  /// Makes ready for another round with other bindings.
+  void Reset() { sqlite3_reset(statement_); }
+  sqlite3_stmt* Raw() const { return statement_; }
+  std::int64_t Int64(int column) const { return sqlite3_column_int64(statement_, column); }
+  std::string Text(int column) const;
+
+ private:
+  Handle& handle_;
+  sqlite3_stmt* statement_ = nullptr;
+  std::string sql_;
+};
+
+/// One SQLite database. Handles outlive connections: they wait, without any lock, for the next open of the same file.
+class Handle {
+ public:
+  static std::unique_ptr<Handle> Acquire(const std::string& path, bool readOnly);
+  static void Park(std::unique_ptr<Handle> handle);
+  /// Closes the handles that wait, so that a file can be replaced.
+  static void DropParked(const std::string& path);
+  ~Handle();
+
+  sqlite3* Db() const { return db_; }
+  const std::string& Path() const { return path_; }
+  bool ReadOnly() const { return readOnly_; }
+
+  void Run(std::string_view sql);
+  /// The first column of the first row of a statement without parameters; 0 for none.
+  std::int64_t Number(std::string_view sql);
+
+  /// The tables as they are. Other users' changes are noticed within a fifth of a second, or at once when asked.
+  const std::shared_ptr<const Schema>& Tables(bool checkNow = false);
+  void ForgetTables();
+  std::shared_ptr<const QueryPlan> Plan(const Normalized& statement);
+  [[noreturn]] void Fail(int code, std::string_view sql = {});
+
+ private:
+  friend class Use;
+  Handle() = default;
+  std::string path_;
+  bool readOnly_ = false;
+  dev_t device_ = 0;
+  ino_t inode_ = 0;
+  sqlite3* db_ = nullptr;
+  struct Slot {
+    sqlite3_stmt* statement = nullptr;
+    bool busy = false;
+  };
+  std::unordered_map<std::string, Slot> statements_;
+  std::unordered_map<std::string, std::shared_ptr<const QueryPlan>> plans_;
+  std::shared_ptr<const Schema> schema_;
+  std::int64_t schemaVersion_ = -1;
+  std::chrono::steady_clock::time_point schemaChecked_;
+};
+
+/// Reads the tables, columns and indexes of a file.
+Schema ReadSchema(Handle& handle);
+std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_ptr<const Schema> schema);
+
+/// The value as a column takes it: converted to the column's type, its size and range checked. Throws StoreError 3163, 3315,
+/// 3421 or 6.
+rt::Value FitToColumn(const ColumnInfo& column, const rt::Value& value);
+/// The text of an error about one column.
+std::string InColumn(const ColumnInfo& column, const std::string& text);
+
+}  // namespace store

@@ -1,0 +1,332 @@
+#include "platform/store/RecordCursor.h"
+
+#include "platform/runtime/Text.h"
+#include "platform/store/FileFormat.h"
+
+namespace store {
+
+RecordCursor::RecordCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan,
+                           std::vector<rt::Value> parameters, Locking locking)
+    : connection_(std::move(connection)),
+      impl_(&connection_->Internals()),
+      plan_(std::move(plan)),
+      parameters_(std::move(parameters)),
+      locking_(locking) {}
+
+RecordCursor::~RecordCursor() { ReleaseEdit(); }
+
+void RecordCursor::Detach() {
+  LeaveEdit();
+  connection_.reset();
+}
+
+int RecordCursor::FieldIndex(std::string_view name) const {
+  const auto& fields = plan_->fields;
+  for (std::size_t i = 0; i < fields.size(); ++i)
+    if (rt::EqualNoCase(fields[i].name, name)) return static_cast<int>(i);
+  // "table.column" finds the column also where its bare name was enough.
+  for (std::size_t i = 0; i < fields.size(); ++i)
+    if (!fields[i].table.empty() && name.size() == fields[i].table.size() + 1 + fields[i].column.size() &&
+        rt::EqualNoCase(fields[i].table + "." + fields[i].column, name))
+      return static_cast<int>(i);
+  throw StoreError(kItemNotFound, "There is no field '" + std::string(name) + "' in this recordset.");
+}
+
+void RecordCursor::NeedRow() const {
+  if (!OnRow()) throw StoreError(kNoCurrentRecord, "No current record.");
+}
+
+void RecordCursor::LeaveRetiredCache() {
+  if (!cachedRow_ || !cache_->Retired()) return;
+  const std::int64_t key = cachedRow_->id;
+  cachedRow_ = nullptr;
+  cache_ = nullptr;
+  StandInFile(key);
+}
+
+bool RecordCursor::FetchByKeys(const std::int64_t* keys, RawRow& row) {
+  const int width = static_cast<int>(plan_->translation.tables.size());
+  Use use(impl_->Db(), plan_->row);
+  use.BindAll(parameters_);
+  for (int i = 0; i < width; ++i) use.BindKey(i, keys[i]);
+  if (!use.Step()) return false;
+  if (keys[0] != kNoKey && sqlite3_column_type(use.Raw(), 0) == SQLITE_NULL) return false;
+  row.Read(use.Raw(), width, static_cast<int>(plan_->fields.size()));
+  return true;
+}
+
+rt::Value RecordCursor::Get(int field) {
+  const auto at = static_cast<std::size_t>(field);
+  const int column = plan_->leadingColumn[at];
+  if (state_ != State::Viewing && column >= 0) {
+    const auto place = static_cast<std::size_t>(column);
+    if (buffer_[place]) return *buffer_[place];
+    if (state_ == State::Adding) {
+      const ColumnInfo& info = plan_->leading->columns[place];
+      if (info.type == ColumnType::Boolean) return false;
+      if (info.type != ColumnType::Counter) return rt::Null{};
+      // Asked for before the record is stored: the number is taken for it now.
+      buffer_[place] = static_cast<std::int32_t>(impl_->ReserveId(*plan_->leading));
+      return *buffer_[place];
+    }
+  }
+  if (state_ == State::Adding) return rt::Null{};
+  NeedRow();
+  LeaveRetiredCache();
+  if (cachedRow_) return cachedRow_->values[static_cast<std::size_t>(column)];
+  ReadRow();
+  return row_.Decode(field, plan_->types[at]);
+}
+
+void RecordCursor::Set(int field, const rt::Value& value) {
+  if (state_ == State::Viewing) throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  const int column = plan_->leadingColumn[static_cast<std::size_t>(field)];
+  if (column < 0)
+    throw StoreError(kCannotUpdate, "The field '" + plan_->fields[static_cast<std::size_t>(field)].name + "' cannot be updated.");
+  const auto place = static_cast<std::size_t>(column);
+  const ColumnInfo& info = plan_->leading->columns[place];
+  rt::Value fitted = FitToColumn(info, value);
+  if (info.type == ColumnType::Counter && state_ == State::Editing) {
+    if (fitted == Get(field)) return;  // written back unchanged, as a probe does
+    throw StoreError(kCannotUpdate, "The field '" + info.name + "' numbers itself and cannot be updated.");
+  }
+  buffer_[place] = std::move(fitted);
+  changed_ = true;
+}
+
+// --- taking and letting go
+
+void RecordCursor::HoldForEdit() {
+  const std::int64_t row = RowKey();
+  if (row == 0) return;  // a row of this group, not in the file yet
+  const bool transaction = impl_->Depth() > 0 || impl_->InGroup();
+  const auto refused = transaction ? impl_->HoldForTransaction(Table(), row) : impl_->HoldForEdit(Table(), row);
+  if (refused) throw Refusal(refused->hold == Hold::Edit ? kEditLocked : kRecordLocked, *refused);
+  if (transaction) return;
+  holding_ = true;
+  heldTable_ = Table();
+  heldRow_ = row;
+}
+
+void RecordCursor::ReleaseEdit() {
+  if (!holding_) return;
+  holding_ = false;
+  impl_->ReleaseEdit(heldTable_, heldRow_);
+}
+
+void RecordCursor::LeaveEdit() {
+  state_ = State::Viewing;
+  ReleaseEdit();
+}
+
+void RecordCursor::Edit() {
+  if (locking_ == Locking::ReadOnly || !plan_->keyed || impl_->Request().readOnly)
+    throw StoreError(kReadOnly, "Cannot update. The data base or the recordset is read-only.");
+  LeaveEdit();
+  NeedRow();
+  LeaveRetiredCache();
+  if (locking_ == Locking::Pessimistic) HoldForEdit();
+  if (!cachedRow_) {
+    try {
+      // Inside a group nobody can have changed what was read inside it.
+      if (impl_->InGroup())
+        ReadRow();
+      else
+        ReadRowAgain();
+    } catch (...) {
+      ReleaseEdit();
+      throw;
+    }
+  }
+  buffer_.assign(plan_->leading->columns.size(), std::nullopt);
+  changed_ = false;
+  state_ = State::Editing;
+}
+
+void RecordCursor::AddNew() {
+  if (locking_ == Locking::ReadOnly || !plan_->keyed || impl_->Request().readOnly)
+    throw StoreError(kReadOnly, "Cannot update. The data base or the recordset is read-only.");
+  LeaveEdit();
+  buffer_.assign(plan_->leading->columns.size(), std::nullopt);
+  changed_ = false;
+  state_ = State::Adding;
+}
+
+void RecordCursor::CancelUpdate() {
+  if (state_ == State::Viewing) throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  LeaveEdit();
+}
+
+// --- storing
+
+void RecordCursor::CheckRequired(const std::vector<std::optional<rt::Value>>& buffer, bool adding) const {
+  for (std::size_t i = 0; i < buffer.size(); ++i) {
+    const ColumnInfo& column = plan_->leading->columns[i];
+    if (!column.required || column.type == ColumnType::Counter) continue;
+    if (buffer[i] ? buffer[i]->IsNull() : adding)
+      throw StoreError(kFieldRequired, InColumn(column, "The field cannot be Null: a value is required."));
+  }
+}
+
+void RecordCursor::Update() {
+  if (state_ == State::Viewing) throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  CheckRequired(buffer_, state_ == State::Adding);
+  if (state_ == State::Adding)
+    StoreNew();
+  else
+    StoreEdit();
+  LeaveEdit();
+}
+
+void RecordCursor::StoreEdit() {
+  NeedRow();
+  LeaveRetiredCache();
+  const std::int64_t key = cachedRow_ ? 0 : RowKey();
+  if (!cachedRow_) lastModified_ = Mark();
+  if (!changed_) return;
+  if (cachedRow_) {
+    impl_->KeepForUndo(*cache_, cachedRow_, cacheKey_, true);
+    for (std::size_t i = 0; i < buffer_.size(); ++i)
+      if (buffer_[i]) cachedRow_->values[i] = std::move(*buffer_[i]);
+    impl_->MarkDirty(*cache_, cacheKey_, cachedRow_);
+    return;
+  }
+  if (locking_ == Locking::Optimistic) {
+    const auto refused = impl_->HoldForTransaction(Table(), key);
+    if (refused) throw Refusal(kSaveLocked, *refused);
+  }
+  std::string sql = "UPDATE " + QuoteName(plan_->leading->name) + " SET ";
+  std::vector<rt::Value> values;
+  for (std::size_t i = 0; i < buffer_.size(); ++i) {
+    if (!buffer_[i]) continue;
+    if (!values.empty()) sql += ", ";
+    values.push_back(*buffer_[i]);
+    sql += QuoteName(plan_->leading->columns[i].name) + " = ?" + std::to_string(values.size());
+  }
+  values.push_back(static_cast<std::int32_t>(key));
+  sql += " WHERE _rowid_ = ?" + std::to_string(values.size());
+  try {
+    Writing writing(*impl_);
+    impl_->BeforeRead(*plan_->leading);
+    if (impl_->Write(sql, std::move(values)) == 0) throw StoreError(kRecordDeleted, "Record is deleted.");
+    impl_->NoteChange(Table());
+    writing.Done();
+  } catch (...) {
+    impl_->ReleaseAfterWrite();
+    throw;
+  }
+  impl_->ReleaseAfterWrite();
+  RowStored(key);
+}
+
+bool RecordCursor::StoreNewInCache(const std::vector<rt::Value>& values) {
+  // Only where a Seek of this group has just found that there is no such row.
+  if (!cache_ || cache_->Retired() || !impl_->InGroup() || !noMatch_ || cacheKey_.empty()) return false;
+  if (cache_->KeyOfRow(values) != cacheKey_) return false;
+  const auto absent = cache_->Rows().find(cacheKey_);
+  if (absent == cache_->Rows().end() || absent->second) return false;
+  for (const auto& column : plan_->leading->columns)
+    if (column.type == ColumnType::Counter && buffer_[static_cast<std::size_t>(plan_->leading->Find(column.name))]) return false;
+  auto row = std::make_shared<CachedRow>();
+  row->values = values;
+  impl_->KeepForUndo(*cache_, row, cacheKey_, false);
+  impl_->MarkDirty(*cache_, cacheKey_, row);
+  return true;
+}
+
+void RecordCursor::StoreNew() {
+  const TableInfo& table = *plan_->leading;
+  std::vector<rt::Value> values;
+  std::string names;
+  std::string marks;
+  int idParameter = 0;
+  for (std::size_t i = 0; i < buffer_.size(); ++i) {
+    const ColumnInfo& column = table.columns[i];
+    if (buffer_[i])
+      values.push_back(*buffer_[i]);
+    else if (column.type == ColumnType::Boolean)
+      values.push_back(false);
+    else
+      values.push_back(rt::Null{});
+    if (column.type == ColumnType::Counter) idParameter = static_cast<int>(values.size());
+    names += (names.empty() ? "" : ", ") + QuoteName(column.name);
+    marks += (marks.empty() ? "?" : ", ?") + std::to_string(values.size());
+  }
+  if (StoreNewInCache(values)) return;
+  std::int64_t id = 0;
+  {
+    Writing writing(*impl_);
+    impl_->BeforeRead(table);
+    impl_->Write("INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")", std::move(values), &id, idParameter);
+    impl_->NoteChange(Table());
+    writing.Done();
+  }
+  lastModified_.assign(plan_->translation.tables.size(), kNoKey);
+  lastModified_[0] = id;
+  cache_ = nullptr;
+  RowAdded(id);
+}
+
+void RecordCursor::Delete() {
+  if (locking_ == Locking::ReadOnly || !plan_->keyed || impl_->Request().readOnly)
+    throw StoreError(kReadOnly, "Cannot delete. The data base or the recordset is read-only.");
+  LeaveEdit();
+  NeedRow();
+  // A row that a group keeps in memory must be in the file before it can be deleted there.
+  if (cachedRow_) impl_->BeforeRead(*plan_->leading);
+  LeaveRetiredCache();
+  const std::int64_t key = RowKey();
+  if (const auto refused = impl_->HoldForTransaction(Table(), key)) throw Refusal(kRecordLocked, *refused);
+  try {
+    Writing writing(*impl_);
+    impl_->BeforeRead(*plan_->leading);
+    if (impl_->Write("DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1", {static_cast<std::int32_t>(key)}) == 0)
+      throw StoreError(kRecordDeleted, "Record is deleted.");
+    impl_->NoteChange(Table());
+    writing.Done();
+  } catch (...) {
+    impl_->ReleaseAfterWrite();
+    throw;
+  }
+  impl_->ReleaseAfterWrite();
+  RowDeleted();
+}
+
+// --- looking for rows
+
+void RecordCursor::SetIndex(std::string_view) { throw StoreError(kCannotUpdate, "Only a table recordset has an index."); }
+void RecordCursor::Seek(const std::vector<rt::Value>&) { throw StoreError(kCannotUpdate, "Only a table recordset can seek."); }
+void RecordCursor::FindFirst(std::string_view condition) { Find(condition, true); }
+void RecordCursor::FindNext(std::string_view condition) { Find(condition, false); }
+
+void RecordCursor::Find(std::string_view condition, bool first) {
+  LeaveEdit();
+  noMatch_ = true;
+  if (!plan_->keyed) throw StoreError(kCannotUpdate, "This recordset cannot be searched.");
+  // The keys that satisfy the condition, asked of the file in one query; then the first of them in this set's order.
+  const Translation& t = plan_->translation;
+  std::vector<rt::Value> found;
+  const auto probe = connection_->Plan("SELECT * FROM [" + t.tables[0].name + "] WHERE " + std::string(condition), &found);
+  const Bookmark place = OnRow() ? Mark() : Bookmark{};
+  const auto matches = [&](std::int64_t key) {
+    impl_->BeforeRead(probe->translation);
+    Use use(impl_->Db(), "SELECT 1 FROM " + probe->translation.from + " WHERE " + QuoteName(probe->translation.tables[0].alias) +
+                             "._rowid_ = :k0 AND (" + probe->translation.where + ")");
+    use.BindAll(found);
+    use.BindKey(0, key);
+    return use.Step();
+  };
+  if (first) {
+    MoveFirst();
+  } else if (!AtEnd()) {
+    MoveNext();
+  }
+  for (; !AtEnd(); MoveNext()) {
+    if (!matches(RowKey())) continue;
+    noMatch_ = false;
+    return;
+  }
+  if (!place.empty()) GoTo(place);
+}
+
+}  // namespace store

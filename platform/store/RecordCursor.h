@@ -1,0 +1,98 @@
+// What query and table cursors have in common: the current row, the edit buffer, and the records held for it.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/store/ConnectionImpl.h"
+#include "platform/store/Cursor.h"
+
+namespace store {
+
+class RecordCursor : public Cursor {
+ public:
+  RecordCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan, std::vector<rt::Value> parameters,
+               Locking locking);
+  ~RecordCursor() override;
+  RecordCursor(const RecordCursor&) = delete;
+  RecordCursor& operator=(const RecordCursor&) = delete;
+
+  const std::vector<FieldInfo>& Fields() const override { return plan_->fields; }
+  int FieldIndex(std::string_view name) const override;
+  rt::Value Get(int field) override;
+  void Set(int field, const rt::Value& value) override;
+  bool Editing() const override { return state_ != State::Viewing; }
+  bool Adding() const override { return state_ == State::Adding; }
+  void Edit() override;
+  void AddNew() override;
+  void Update() override;
+  void CancelUpdate() override;
+  void Delete() override;
+  Bookmark LastModified() const override { return lastModified_; }
+  bool NoMatch() const override { return noMatch_; }
+  void FindFirst(std::string_view condition) override;
+  void FindNext(std::string_view condition) override;
+  void SetIndex(std::string_view name) override;
+  void Seek(const std::vector<rt::Value>& key) override;
+  void Detach() override;
+
+ protected:
+  enum class State { Viewing, Editing, Adding };
+
+  /// Whether there is a row at the place; NeedRow throws 3021 otherwise.
+  virtual bool OnRow() const = 0;
+  /// The key of the leading table's record at the place.
+  virtual std::int64_t RowKey() const = 0;
+  /// Makes row_ the row at the place, as it is now where others or this connection may have changed it. 3167 when it is gone.
+  virtual void ReadRow() = 0;
+  /// Reads the row at the place from the file again.
+  virtual void ReadRowAgain() = 0;
+  /// Told after a change, so that the cursor's own windows follow it.
+  virtual void RowStored(std::int64_t key) = 0;
+  virtual void RowAdded(std::int64_t key) = 0;
+  virtual void RowDeleted() = 0;
+
+  /// Goes on in the file where the cache of the row is no longer kept.
+  void LeaveRetiredCache();
+  /// Told that the row at the place is in the file under this key.
+  virtual void StandInFile(std::int64_t key) = 0;
+  void NeedRow() const;
+  void LeaveEdit();
+  Connection::Impl& Impl() const { return *impl_; }
+  int Table() const { return plan_->leading ? plan_->leading->number : 0; }
+  /// Reads one row by its keys; false when the leading record is gone.
+  bool FetchByKeys(const std::int64_t* keys, RawRow& row);
+
+  std::shared_ptr<Connection> connection_;
+  Connection::Impl* impl_;
+  std::shared_ptr<const QueryPlan> plan_;
+  std::vector<rt::Value> parameters_;
+  Locking locking_;
+  RawRow row_;
+  std::shared_ptr<CachedRow> cachedRow_;  ///< where the row at the place lives in a group's cache
+  std::shared_ptr<RowCache> cache_;       ///< the cache that the last Seek asked
+  std::string cacheKey_;
+  bool noMatch_ = false;
+  Bookmark lastModified_;
+
+ private:
+  void Find(std::string_view condition, bool first);
+  void HoldForEdit();
+  void ReleaseEdit();
+  void StoreEdit();
+  void StoreNew();
+  bool StoreNewInCache(const std::vector<rt::Value>& values);
+  void CheckRequired(const std::vector<std::optional<rt::Value>>& buffer, bool adding) const;
+
+  State state_ = State::Viewing;
+  std::vector<std::optional<rt::Value>> buffer_;  ///< by column of the leading table
+  bool changed_ = false;
+  bool holding_ = false;
+  int heldTable_ = 0;
+  std::int64_t heldRow_ = 0;
+};
+
+}  // namespace store

@@ -1,0 +1,203 @@
+// Entering and leaving a data file, and the roster of those who are in.
+#include "platform/store/SideFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <string_view>
+#include <thread>
+
+#include "platform/store/SideFileState.h"
+#include "platform/store/StoreError.h"
+
+namespace store {
+namespace {
+
+constexpr std::size_t kNameBytes = 32;
+constexpr std::size_t kEntryBytes = 2 * kNameBytes;
+// For a second at most, while somebody is between the share byte and the roster.
+constexpr int kEntryTries = 1000;
+constexpr std::chrono::milliseconds kEntryNap{1};
+
+StoreError CannotMake(const std::string& dataFile, int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return {kPathNotFound, "Could not find the directory of '" + dataFile + "'."};
+    case ENOSPC:
+    case EDQUOT:
+      return {kDiskFull,
+              "Could not use '" + dataFile + "'; there is no space left on the disk for its side file."};
+    default:
+      return {kCannotStart, "Could not use '" + dataFile + "'; its side file cannot be written (" +
+                                std::strerror(error) + ")."};
+  }
+}
+
+StoreError Refusal(const std::string& dataFile, Share wanted, const std::vector<RosterEntry>& inside) {
+  const bool wantedShared = wanted == Share::Shared;
+  std::string text =
+      "Could not use '" + dataFile + "'; it is " + (wantedShared ? "opened exclusively by " : "in use by ");
+  if (inside.empty() || inside.front().user.empty()) {
+    text += "another user";
+  } else {
+    text += "user '" + inside.front().user + "' on machine '" + inside.front().computer + "'";
+  }
+  if (inside.size() > 1) text += " and " + std::to_string(inside.size() - 1) + " more";
+  return {wantedShared ? kOpenedExclusively : kFileInUse, text + "."};
+}
+
+int OpenSideFile(const std::string& path, const std::string& dataFile) {
+  // In a directory with the sticky bit the kernel may refuse to "create" a file of another user that is there
+  // already.
+  int fd = open(path.c_str(), O_RDWR | O_CLOEXEC);
+  if (fd < 0 && errno == ENOENT) fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (fd < 0) throw CannotMake(dataFile, errno);
+  // Whoever may write the data file must be able to write its side file, whatever this process's mask says.
+  struct stat data {};
+  struct stat side {};
+  if (stat(dataFile.c_str(), &data) == 0 && fstat(fd, &side) == 0 && side.st_uid == geteuid()) {
+    const mode_t mode = (side.st_mode | data.st_mode) & 0666;
+    if (mode != (side.st_mode & 07777)) fchmod(fd, mode);
+  }
+  return fd;
+}
+
+/// As much of the name as fits, without half a character at the end.
+std::string_view Fitting(std::string_view name) {
+  if (name.size() < kNameBytes) return name;
+  std::size_t length = kNameBytes - 1;
+  while (length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80) --length;
+  return name.substr(0, length);
+}
+
+std::string NameAt(const char* bytes) { return {bytes, strnlen(bytes, kNameBytes)}; }
+
+}  // namespace
+
+std::string SideFile::PathFor(const std::string& dataFile) {
+  return std::filesystem::path(dataFile).replace_extension(".LDB").string();
+}
+
+std::unique_ptr<SideFile> SideFile::Enter(const std::string& dataFile, Share share,
+                                          const std::string& computer, const std::string& user) {
+  const std::string path = std::filesystem::absolute(PathFor(dataFile)).string();
+  std::vector<RosterEntry> inside;
+  for (int attempt = 0; attempt < kEntryTries; ++attempt) {
+    std::unique_ptr<SideFile> side(new SideFile);
+    side->path_ = path;
+    side->share_ = share;
+    side->fd_ = OpenSideFile(path, dataFile);
+    side->state_ = std::make_unique<State>(side->fd_);
+    if (!side->TryShare()) {
+      inside = side->Roster();
+      if (inside.empty() || (inside.front().computer + inside.front().user).empty()) {
+        // The other one is either leaving, and then gone in a moment, or entering, and then to be named in a
+        // moment.
+        std::this_thread::sleep_for(kEntryNap);
+        continue;
+      }
+      if (!side->TryShare()) throw Refusal(dataFile, share, inside);
+    }
+    // The last one out may have removed the file after it was opened here; others would then meet in a new
+    // one.
+    if (!side->IsCurrent()) continue;
+    side->TakeSlot(dataFile, computer, user);
+    return side;
+  }
+  throw Refusal(dataFile, share, inside);
+}
+
+SideFile::~SideFile() {
+  if (fd_ < 0) return;
+  if (state_) {
+    const LockSpace& locks = state_->locks;
+    // Until the next one in this slot has written its names, these would be taken for them.
+    if (slot_ >= 0) WriteSlot({slot_, {}, {}});
+    // Unlocked although closing would do: a child that was forked may have the file open still. The share
+    // byte comes last, for a newcomer takes whoever refuses it and is in the roster for one who stays.
+    locks.Unlock({kShareByte.start + 1, 0});
+    locks.Unlock(kShareByte);
+    try {
+      if (locks.TryLock(kShareByte) && IsCurrent()) unlink(path_.c_str());
+    } catch (const StoreError&) {
+      // The file stays and is used again by the next one.
+    }
+    locks.Unlock(kShareByte);
+  }
+  close(fd_);
+}
+
+bool SideFile::TryShare() const {
+  return share_ == Share::Exclusive ? state_->locks.TryLock(kShareByte)
+                                    : state_->locks.TryLockForReading(kShareByte);
+}
+
+bool SideFile::IsCurrent() const {
+  struct stat open {};
+  struct stat named {};
+  return fstat(fd_, &open) == 0 && stat(path_.c_str(), &named) == 0 && open.st_dev == named.st_dev &&
+         open.st_ino == named.st_ino;
+}
+
+void SideFile::TakeSlot(const std::string& dataFile, const std::string& computer, const std::string& user) {
+  int slot = 0;
+  while (slot < kSlotCount && !state_->locks.TryLock(SlotByte(slot))) ++slot;
+  if (slot == kSlotCount) {
+    throw StoreError(kFileInUse, "Could not use '" + dataFile + "'; all " + std::to_string(kSlotCount) +
+                                     " places in it are taken.");
+  }
+  slot_ = slot;
+  state_->locks.SetSlot(slot);
+  if (const int error = WriteSlot({slot, computer, user})) throw CannotMake(dataFile, error);
+}
+
+int SideFile::WriteSlot(const RosterEntry& names) const {
+  std::array<char, kEntryBytes> entry{};
+  std::ranges::copy(Fitting(names.computer), entry.begin());
+  std::ranges::copy(Fitting(names.user), entry.begin() + kNameBytes);
+  const std::size_t start = static_cast<std::size_t>(names.slot) * kEntryBytes;
+  std::size_t done = 0;
+  while (done < entry.size()) {
+    const ssize_t written =
+        pwrite(fd_, entry.data() + done, entry.size() - done, static_cast<off_t>(start + done));
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return written < 0 ? errno : ENOSPC;
+    done += static_cast<std::size_t>(written);
+  }
+  return 0;
+}
+
+RosterEntry SideFile::ReadSlot(int slot) const {
+  std::array<char, kEntryBytes> entry{};
+  RosterEntry read{slot, {}, {}};
+  if (slot < 0) return read;
+  const ssize_t got =
+      pread(fd_, entry.data(), entry.size(), static_cast<off_t>(slot) * static_cast<off_t>(kEntryBytes));
+  if (got <= 0) return read;
+  read.computer = NameAt(entry.data());
+  read.user = NameAt(entry.data() + kNameBytes);
+  return read;
+}
+
+Holder SideFile::HolderOf(const Conflict& conflict) const {
+  const RosterEntry entry = ReadSlot(conflict.slot);
+  return {conflict.slot, entry.computer, entry.user, conflict.hold, conflict.wholeTable};
+}
+
+std::vector<RosterEntry> SideFile::Roster() const {
+  std::vector<RosterEntry> inside;
+  for (int slot = 0; slot < kSlotCount; ++slot) {
+    if (slot == slot_ || state_->locks.OthersIn(SlotByte(slot))) inside.push_back(ReadSlot(slot));
+  }
+  return inside;
+}
+
+}  // namespace store

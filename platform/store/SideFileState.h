@@ -1,0 +1,48 @@
+// What an open side file remembers of its own locks; the kernel cannot be asked for them.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "platform/store/LockSpace.h"
+#include "platform/store/SideFile.h"
+
+namespace store {
+
+struct SideFile::State {
+  /// Table and row, so that a table's rows stand together.
+  using Record = std::pair<int, std::int64_t>;
+  using Counts = std::map<Record, int>;
+
+  explicit State(int fd) : locks(fd) {}
+
+  Counts& CountsOf(Hold hold) { return hold == Hold::Edit ? edits : transactions; }
+  const Counts& CountsOf(Hold hold) const { return hold == Hold::Edit ? edits : transactions; }
+  /// Whether this owner's hold on the whole table includes the row.
+  bool Covers(const Record& record) const;
+  /// The rows of the table that are held one by one for the transaction.
+  std::set<std::int64_t> SingleRows(int table) const;
+  /// Unlocks all of the table's transaction range but these rows, without touching the locks on them.
+  void KeepOnly(int table, const std::set<std::int64_t>& rows) const;
+
+  /// Locks a row that nobody is known to hold; gives who holds it otherwise.
+  std::optional<Conflict> LockFree(Hold hold, const Record& record) const;
+  /// Locks a row that nobody else can come to hold.
+  std::optional<Conflict> LockOwn(Hold hold, const Record& record) const;
+  /// Locks the rows of the range but those that others hold, which are added to `foreign`; gives the holder
+  /// of the whole table if there is one and leaves the rest as it is then.
+  std::optional<Conflict> LockAround(RowRange rows, std::map<std::int64_t, Conflict>* foreign) const;
+  /// The records of the table that windows of others have in edit.
+  std::map<std::int64_t, Conflict> ForeignEdits(int table) const;
+
+  LockSpace locks;
+  Counts edits;
+  Counts transactions;
+  /// The tables held as a whole, each with the rows that were left out for others.
+  std::map<int, std::set<std::int64_t>> tables;
+};
+
+}  // namespace store

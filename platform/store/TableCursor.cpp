@@ -1,0 +1,351 @@
+// A cursor over a whole table: in the order of its key or of an index, with Seek.
+#include <algorithm>
+
+#include "platform/runtime/Text.h"
+#include "platform/store/FileFormat.h"
+#include "platform/store/RecordCursor.h"
+
+namespace store {
+namespace {
+
+constexpr int kAhead = 64;
+
+class TableCursor : public RecordCursor {
+ public:
+  TableCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan, Locking locking)
+      : RecordCursor(std::move(connection), std::move(plan), {}, locking) {
+    const Translation& t = plan_->translation;
+    const std::string source = " FROM " + QuoteName(t.tables[0].name) + " AS " + QuoteName(t.tables[0].alias);
+    list_ = "SELECT _rowid_";
+    for (const auto& column : t.columns) list_ += ", " + column.expression;
+    list_ += source;
+    MoveFirst();
+  }
+
+  bool AtBegin() const override { return place_ == Place::Begin || (place_ == Place::End && empty_); }
+  bool AtEnd() const override { return place_ == Place::End; }
+  std::int64_t Count() override {
+    Impl().BeforeRead(*plan_->leading);
+    Use use(Impl().Db(), "SELECT COUNT(*) FROM " + QuoteName(plan_->leading->name));
+    return use.Step() ? use.Int64(0) : 0;
+  }
+  std::int64_t Position() override { return -1; }
+  void MoveTo(std::int64_t position) override {
+    MoveFirst();
+    for (std::int64_t i = 0; i < position && !AtEnd(); ++i) MoveNext();
+  }
+
+  void MoveFirst() override {
+    Leave();
+    if (byIndex_) {
+      ReadOrder();
+      return StandAt(0);
+    }
+    Walk(" WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT 1", kNoKey, true);
+    empty_ = AtEnd();
+  }
+  void MoveLast() override {
+    Leave();
+    if (byIndex_) {
+      ReadOrder();
+      return StandAt(static_cast<std::int64_t>(order_.size()) - 1);
+    }
+    Walk(" WHERE _rowid_ < ?1 ORDER BY _rowid_ DESC LIMIT 1", INT64_MAX, true);
+    empty_ = AtEnd();
+  }
+  void MoveNext() override {
+    if (AtEnd()) throw StoreError(kNoCurrentRecord, "No current record.");
+    if (place_ == Place::Begin) return MoveFirst();
+    Leave();
+    if (byIndex_) return StandAt(orderPlace_ + (onDeleted_ ? 0 : 1));
+    onDeleted_ = false;
+    Impl().GroupTick();
+    if (windowEpoch_ == Impl().EpochOf(Table()) && windowPlace_ + 1 < windowKeys_.size()) {
+      ++windowPlace_;
+      key_ = windowKeys_[windowPlace_];
+      return;
+    }
+    FetchAhead();
+  }
+  void MovePrevious() override {
+    if (AtBegin()) throw StoreError(kNoCurrentRecord, "No current record.");
+    if (place_ == Place::End) return MoveLast();
+    Leave();
+    if (byIndex_) return StandAt(orderPlace_ - 1);
+    onDeleted_ = false;
+    Walk(" WHERE _rowid_ < ?1 ORDER BY _rowid_ DESC LIMIT 1", key_, false);
+  }
+
+  Bookmark Mark() override {
+    NeedRow();
+    return {key_};
+  }
+  void GoTo(const Bookmark& mark) override {
+    Leave();
+    onDeleted_ = false;
+    const std::int64_t key = mark.empty() ? kNoKey : mark[0];
+    Use use(Impl().Db(), "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1");
+    use.Bind(1, key);
+    if (!use.Step()) throw StoreError(kRecordDeleted, "Record is deleted.");
+    place_ = Place::Row;
+    key_ = key;
+    windowEpoch_ = 0;
+    if (byIndex_) FindInOrder();
+  }
+  void Requery() override { MoveFirst(); }
+
+  void SetIndex(std::string_view name) override {
+    Leave();
+    const IndexInfo* index = plan_->leading->FindIndex(name);
+    if (!index) throw StoreError(kNotAnIndex, "'" + std::string(name) + "' is not an index in table '" + plan_->leading->name + "'.");
+    index_ = index;
+    byIndex_ = !index->primary;
+    orderRead_ = false;
+    if (!byIndex_) return MoveFirst();
+    // Standing on the first row would need the whole order read, which who only seeks never wants.
+    place_ = Place::Begin;
+    Use any(Impl().Db(), "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " LIMIT 1");
+    empty_ = !any.Step();
+    if (empty_) place_ = Place::End;
+  }
+
+  void Seek(const std::vector<rt::Value>& key) override {
+    Leave();
+    onDeleted_ = false;
+    if (!index_) throw StoreError(kNotAnIndex, "Seek needs an index.");
+    if (key.empty() || key.size() > index_->columns.size())
+      throw StoreError(kTypeMismatch, "The index '" + index_->name + "' has " + std::to_string(index_->columns.size()) + " fields.");
+    noMatch_ = true;
+    if (key.size() == index_->columns.size() && locking_ == Locking::Pessimistic) {
+      cache_ = Impl().CacheFor(plan_->schema, *plan_->leading, *index_);
+      if (cache_) {
+        SeekInCache(key);
+        return;
+      }
+    }
+    Impl().BeforeRead(*plan_->leading);
+    SeekInFile(key);
+  }
+
+ protected:
+  bool OnRow() const override { return place_ == Place::Row && !onDeleted_; }
+  std::int64_t RowKey() const override { return cachedRow_ ? cachedRow_->id : key_; }
+
+  void StandInFile(std::int64_t key) override {
+    key_ = key;
+    windowEpoch_ = 0;
+  }
+  void ReadRow() override {
+    if (windowEpoch_ == Impl().EpochOf(Table()) && windowPlace_ < windowKeys_.size() && windowKeys_[windowPlace_] == key_) {
+      if (window_[windowPlace_].Empty() && !FetchByKeys(&key_, window_[windowPlace_]))
+        throw StoreError(kRecordDeleted, "Record is deleted.");
+      if (current_ != windowPlace_) {
+        row_ = window_[windowPlace_];
+        current_ = windowPlace_;
+      }
+      return;
+    }
+    ReadRowAgain();
+  }
+  void ReadRowAgain() override {
+    Impl().BeforeRead(*plan_->leading);
+    KeepWindow(1);
+    if (!FetchByKeys(&key_, window_[0])) {
+      windowEpoch_ = 0;
+      throw StoreError(kRecordDeleted, "Record is deleted.");
+    }
+    windowKeys_[0] = key_;
+    row_ = window_[0];
+    current_ = 0;
+  }
+  void RowStored(std::int64_t) override {
+    // The rows read ahead are still good; only the one at the place has changed.
+    if (windowEpoch_ + 1 != Impl().EpochOf(Table()) || windowPlace_ >= windowKeys_.size()) return;
+    windowEpoch_ += 1;
+    window_[windowPlace_].Clear();
+    current_ = kNothing;
+  }
+  void RowAdded(std::int64_t) override {
+    orderRead_ = false;
+    empty_ = false;
+  }
+  void RowDeleted() override {
+    onDeleted_ = true;
+    if (byIndex_ && orderRead_ && orderPlace_ < static_cast<std::int64_t>(order_.size()))
+      order_.erase(order_.begin() + orderPlace_);
+  }
+
+ private:
+  enum class Place { Begin, Row, End };
+  static constexpr std::size_t kNothing = static_cast<std::size_t>(-1);
+
+  void Leave() {
+    LeaveEdit();
+    cachedRow_ = nullptr;
+    cache_ = nullptr;
+    cacheKey_.clear();
+  }
+
+  void KeepWindow(std::size_t count) {
+    window_.resize(count);
+    windowKeys_.assign(count, kNoKey);
+    windowPlace_ = 0;
+    windowEpoch_ = Impl().EpochOf(Table());
+    current_ = kNothing;
+  }
+
+  // One step by comparing keys; `edge` says that there is nothing to stand on when there is none.
+  void Walk(const std::string& condition, std::int64_t from, bool edge) {
+    Impl().BeforeRead(*plan_->leading);
+    Use use(Impl().Db(), list_ + condition);
+    use.Bind(1, from);
+    if (!use.Step()) {
+      place_ = edge || from == INT64_MAX ? Place::End : Place::Begin;
+      return;
+    }
+    onDeleted_ = false;
+    place_ = Place::Row;
+    KeepWindow(1);
+    key_ = windowKeys_[0] = use.Int64(0);
+    window_[0].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+  }
+
+  void FetchAhead() {
+    Impl().BeforeRead(*plan_->leading);
+    Use use(Impl().Db(), list_ + " WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT " + std::to_string(kAhead));
+    use.Bind(1, key_);
+    KeepWindow(kAhead);
+    std::size_t count = 0;
+    while (use.Step()) {
+      windowKeys_[count] = use.Int64(0);
+      window_[count].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+      ++count;
+    }
+    windowKeys_.resize(count);
+    if (count == 0) {
+      place_ = Place::End;
+      return;
+    }
+    place_ = Place::Row;
+    key_ = windowKeys_[0];
+  }
+
+  void ReadOrder() {
+    if (orderRead_ && orderEpoch_ == Impl().EpochOf(Table())) return;
+    Impl().BeforeRead(*plan_->leading);
+    std::string columns;
+    for (const auto& column : index_->columns) columns += QuoteName(column) + ", ";
+    Use use(Impl().Db(), "SELECT _rowid_ FROM " + QuoteName(plan_->leading->name) + " ORDER BY " + columns + "_rowid_");
+    order_.clear();
+    while (use.Step()) order_.push_back(use.Int64(0));
+    orderRead_ = true;
+    orderEpoch_ = Impl().EpochOf(Table());
+  }
+  void StandAt(std::int64_t place) {
+    if (!orderRead_) {
+      ReadOrder();
+      FindInOrder();
+    }
+    empty_ = order_.empty();
+    onDeleted_ = false;
+    orderPlace_ = place;
+    if (place < 0 || place >= static_cast<std::int64_t>(order_.size())) {
+      place_ = place < 0 && !order_.empty() ? Place::Begin : Place::End;
+      return;
+    }
+    place_ = Place::Row;
+    key_ = order_[static_cast<std::size_t>(place)];
+    windowEpoch_ = 0;
+  }
+  void FindInOrder() {
+    ReadOrder();
+    orderPlace_ = std::find(order_.begin(), order_.end(), key_) - order_.begin();
+  }
+
+  // Finds the row and reads it in one query; true where there is one.
+  bool SeekInFile(const std::vector<rt::Value>& key) {
+    std::string condition;
+    std::string order;
+    std::vector<rt::Value> values;
+    for (std::size_t i = 0; i < index_->columns.size(); ++i) {
+      const auto column = static_cast<std::size_t>(plan_->leading->Find(index_->columns[i]));
+      const std::string name = QuoteName(index_->columns[i]);
+      if (i < key.size()) {
+        if (key[i].IsNull()) {
+          place_ = Place::End;
+          return false;
+        }
+        values.push_back(FitToColumn(plan_->leading->columns[column], key[i]));
+        condition += (condition.empty() ? " WHERE " : " AND ") + name + " = ?" + std::to_string(values.size());
+      } else {
+        order += name + ", ";
+      }
+    }
+    Use use(Impl().Db(), list_ + condition + " ORDER BY " + order + "_rowid_ LIMIT 1");
+    use.BindAll(values);
+    if (!use.Step()) {
+      place_ = Place::End;
+      return false;
+    }
+    noMatch_ = false;
+    place_ = Place::Row;
+    KeepWindow(1);
+    key_ = windowKeys_[0] = use.Int64(0);
+    window_[0].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+    orderRead_ = false;
+    return true;
+  }
+
+  void SeekInCache(const std::vector<rt::Value>& key) {
+    cacheKey_ = RowCache::KeyOf(key);
+    if (cacheKey_.empty()) {
+      place_ = Place::End;
+      return;
+    }
+    auto& rows = cache_->Rows();
+    auto found = rows.find(cacheKey_);
+    if (found == rows.end()) {
+      std::shared_ptr<CachedRow> row;
+      if (SeekInFile(key)) {
+        row = std::make_shared<CachedRow>();
+        row->id = key_;
+        const auto count = plan_->fields.size();
+        row->values.reserve(count);
+        for (std::size_t i = 0; i < count; ++i) row->values.push_back(window_[0].Decode(static_cast<int>(i), plan_->types[i]));
+      }
+      found = rows.emplace(cacheKey_, std::move(row)).first;
+    }
+    cachedRow_ = found->second;
+    noMatch_ = !cachedRow_;
+    place_ = cachedRow_ ? Place::Row : Place::End;
+    if (cachedRow_) key_ = cachedRow_->id;
+  }
+
+  std::string list_;
+  Place place_ = Place::Begin;
+  bool empty_ = false;
+  bool onDeleted_ = false;
+  std::int64_t key_ = kNoKey;
+  std::vector<RawRow> window_;
+  std::vector<std::int64_t> windowKeys_;
+  std::size_t windowPlace_ = 0;
+  std::uint64_t windowEpoch_ = 0;
+  std::size_t current_ = kNothing;  ///< the place in the window whose row row_ is
+
+  const IndexInfo* index_ = nullptr;
+  bool byIndex_ = false;
+  std::vector<std::int64_t> order_;
+  bool orderRead_ = false;
+  std::uint64_t orderEpoch_ = 0;
+  std::int64_t orderPlace_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Cursor> Cursor::OpenTable(std::shared_ptr<Connection> connection, std::string_view table, Locking locking) {
+  std::vector<rt::Value> parameters;
+  auto plan = connection->Plan("SELECT * FROM [" + std::string(table) + "]", &parameters);
+  return std::make_unique<TableCursor>(std::move(connection), std::move(plan), locking);
+}
+
+}  // namespace store

@@ -1,0 +1,38 @@
+// The machine that the program runs on: its name, its drives, the programs that it can start.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sys {
+
+/// The folder that holds the running program, without a separator at its end.
+std::string ProgramDirectory();
+/// The machine's name in the network; empty when it has none.
+std::string HostName();
+
+enum class DriveKind { Fixed, Remote, RemovableDisc };
+
+/// A place where a tree of files begins.
+struct Drive {
+  std::string root;
+  DriveKind kind = DriveKind::Fixed;
+};
+
+/// The drives that can be read now: the system's own root first, the others by their path. File systems that
+/// hold no files of people are left out.
+std::vector<Drive> Drives();
+/// What kind of drive a mounted file system is; empty for those that Drives leaves out.
+std::optional<DriveKind> KindOfDrive(const std::string& root, const std::string& device,
+                                     const std::string& fileSystem);
+
+/// Starts a program and does not wait for it. The program is looked for along the search path. False when it
+/// could not be started.
+bool StartProgram(const std::string& program, const std::vector<std::string>& arguments);
+/// Shows a file in the user's viewer and does not wait: the program that the environment variable
+/// DROVEWRIGHT_VIEWER names, else the desktop's own choice for the file. False when the viewer could not be
+/// started.
+bool StartViewer(const std::string& path);
+
+}  // namespace sys

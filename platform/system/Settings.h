@@ -1,0 +1,25 @@
+// The user's own settings: text values under application, section and key.
+#pragma once
+
+#include <string>
+
+namespace sys {
+
+/// The value that is kept under application, section and key; `otherwise` where nothing is kept. An empty
+/// text that was saved is a value and comes back as such. Letters are taken as they stand.
+std::string GetSetting(const std::string& application, const std::string& section, const std::string& key,
+                       const std::string& otherwise = {});
+/// Keeps the value for this user, at once on disk. False when the file of settings cannot be written; nothing
+/// is kept then.
+bool SaveSetting(const std::string& application, const std::string& section, const std::string& key,
+                 const std::string& value);
+/// Forgets the value; a missing one is no fault. False when the file of settings cannot be written.
+bool DeleteSetting(const std::string& application, const std::string& section, const std::string& key);
+
+/// Keeps the settings in this file from now on; an empty path brings the usual place back: the file that the
+/// environment variable DROVEWRIGHT_SETTINGS names, else Drovewright.ini among the user's settings.
+void UseSettingsFile(const std::string& path);
+/// Where the settings are kept at present.
+std::string SettingsFile();
+
+}  // namespace sys

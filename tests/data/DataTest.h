@@ -1,0 +1,120 @@
+// What the tests of the access layers share: a scripted screen, a directory of their own, a small file of
+// vehicles.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "data/Application.h"
+#include "data/BrackenfelGlobals.h"
+#include "platform/store/Connection.h"
+#include "platform/store/Cursor.h"
+#include "support/ScreenScript.h"
+#include "support/SecondProcess.h"
+#include "support/TempDirectory.h"
+
+namespace dwtest {
+
+/// A user who expects certain boxes, a data directory of its own, and nothing installed by the shell.
+class DataTest : public ::testing::Test {
+ protected:
+  DataTest() {
+    store::SetIdentity("FRONT DESK", "Anna");
+    dw::SetDataPath(directory_.Path());
+  }
+  ~DataTest() override {
+    dw::InstallFileLocator({});
+    dw::InstallFileRepair({});
+    dw::InstallEndApplication({});
+  }
+
+  /// Three vehicles, numbered 1 to 3.
+  static void MakeVehicles(const std::string& path) {
+    store::Connection::Create(path);
+    const auto connection = store::Connection::Open({path});
+    store::TableInfo table;
+    table.name = "Vehicles";
+    table.columns = {{.name = "ID", .type = store::ColumnType::Counter},
+                     {.name = "Asset ID", .type = store::ColumnType::Text, .size = 20},
+                     {.name = "Odometer", .type = store::ColumnType::Long}};
+    table.indexes = {
+        {.name = "PrimaryKey", .columns = {"ID"}, .primary = true, .unique = true, .required = true}};
+    connection->CreateTable(table);
+    for (const char* asset : {"TRUCK 1", "TRUCK 2", "TRUCK 3"})
+      connection->Execute("INSERT INTO [Vehicles] ([Asset ID], [Odometer]) VALUES ('" + std::string(asset) +
+                          "', 100)");
+  }
+  std::string MakeVehicles() const {
+    const std::string path = directory_.Path("DW.MDB");
+    MakeVehicles(path);
+    return path;
+  }
+  /// What the file says of a vehicle; empty for one that it does not hold.
+  static std::string AssetOf(const std::string& path, int id) {
+    const auto cursor = store::Cursor::OpenQuery(
+        store::Connection::Open({path}), "SELECT * FROM [Vehicles] WHERE [ID] = " + std::to_string(id),
+        store::Locking::ReadOnly);
+    return cursor->AtEnd() ? "" : cursor->Get(cursor->FieldIndex("Asset ID")).AsText();
+  }
+  static std::string BytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  /// Puts a new file in the place of what stands there.
+  static void WriteBytes(const std::string& path, const std::string& bytes) {
+    std::filesystem::remove(path);
+    std::ofstream(path, std::ios::binary) << bytes;
+  }
+
+  test::TempDirectory directory_;
+  test::ScreenScript user_;
+};
+
+/// Another workstation, "OFFICE" with the user "Bert", that keeps vehicle 1 until it is told to let go of it.
+class OtherWorkstation {
+ public:
+  enum class Keeps { Record, RecordInTransaction, FileShared, FileExclusively };
+
+  OtherWorkstation(const std::string& path, Keeps what)
+      : process_([path, what](test::SecondProcess::Channel& channel) {
+          store::SetIdentity("OFFICE", "Bert");
+          auto connection = store::Connection::Open(
+              {path, what == Keeps::FileExclusively ? store::Share::Exclusive : store::Share::Shared});
+          std::unique_ptr<store::Cursor> cursor;
+          if (what == Keeps::Record) {
+            cursor = store::Cursor::OpenQuery(connection, "SELECT * FROM [Vehicles] WHERE [ID] = 1",
+                                              store::Locking::Pessimistic);
+            cursor->Edit();
+          } else if (what == Keeps::RecordInTransaction) {
+            connection->BeginTrans();
+            connection->Execute("UPDATE [Vehicles] SET [Odometer] = 200 WHERE [ID] = 1");
+          }
+          // What a transaction has written stands in the way of other writers; only the record is to be kept.
+          store::YieldFiles();
+          channel.Say("kept");
+          channel.Hear();
+          if (cursor) cursor->CancelUpdate();
+          if (what == Keeps::RecordInTransaction) connection->RollbackTrans();
+          cursor.reset();
+          connection.reset();
+          channel.Say("free");
+        }) {
+    process_.Talk().Hear();
+  }
+
+  void LetGo() {
+    process_.Talk().Say("let go");
+    process_.Talk().Hear();
+  }
+
+ private:
+  test::SecondProcess process_;
+};
+
+}  // namespace dwtest

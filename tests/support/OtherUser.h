@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "support/SecondProcess.h"
+
+namespace test {
+
+/// Another user who keeps one record in an edit. Make it before the data files, so that it shares nothing
+/// with them.
+class OtherUser {
+ public:
+  OtherUser();
+  /// Returns once the first record of the query is held.
+  void Hold(const std::string& path, const std::string& sql);
+  /// Gives the record back and ends.
+  void Leave();
+
+ private:
+  SecondProcess process_;
+};
+
+}  // namespace test
