@@ -194,6 +194,7 @@ void Connection::Impl::Commit(store::Commit how) {
     marks_.clear();
     undoMarks_.clear();
     undo_.clear();
+    reserved_.clear();
     if (!groupMode_) return ReleaseGroupHolds();
     transactionRows_.clear();
     ++groupCommits_;
@@ -209,6 +210,7 @@ void Connection::Impl::Commit(store::Commit how) {
   undoMarks_.clear();
   undo_.clear();
   log_.clear();
+  reserved_.clear();
   groupLog_.clear();
   groupCommits_ = 0;
   ReleaseGroupHolds();
@@ -239,6 +241,7 @@ void Connection::Impl::Rollback() {
     if (physical_) RollbackPhysical();
   }
   if (!marks_.empty()) return;
+  reserved_.clear();
   if (groupMode_) {
     transactionRows_.clear();
     return;
@@ -292,7 +295,10 @@ void Connection::Impl::Yield() {
     return false;
   };
   const bool committedWork = !groupLog_.empty() || committedDirty();
-  if (!log_.empty() || !committedWork) RollbackPhysical();
+  if (!log_.empty() || !committedWork) {
+    RollbackPhysical();
+    KeepReservedIds();
+  }
   if (committedWork) {
     std::vector<Change> mine;
     mine.swap(log_);
@@ -325,6 +331,34 @@ void Connection::Impl::Yield() {
     side_->Narrow(rows);
     std::erase_if(tableHolds_, [this](const auto& hold) { return !bulkTables_.contains(hold.first); });
   }
+}
+
+// The numbers that the open transaction has given to its new records must not be given to others while it waits.
+void Connection::Impl::KeepReservedIds() {
+  if (reserved_.empty()) return;
+  {
+    Use begin(*handle_, "BEGIN IMMEDIATE");
+    begin.Step();
+  }
+  try {
+    for (const auto& [table, id] : reserved_) {
+      Change keep{"UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1", {rt::Value(table), static_cast<std::int32_t>(id)}, 0};
+      if (Run(keep, nullptr) > 0) continue;
+      keep.sql = "INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)";
+      Run(keep, nullptr);
+    }
+    Use commit(*handle_, "COMMIT");
+    commit.Step();
+  } catch (...) {
+    RollbackPhysical();
+    throw;
+  }
+}
+
+void Connection::Impl::NoteReserved(const std::string& table, std::int64_t id) {
+  if (Depth() == 0) return;
+  auto& highest = reserved_[table];
+  highest = std::max(highest, id);
 }
 
 // --- record holds
@@ -425,6 +459,7 @@ std::int64_t Connection::Impl::ReserveId(const TableInfo& table) {
     if (next.Step()) id = next.Int64(0);
   }
   Write("UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1", {rt::Value(table.name), static_cast<std::int32_t>(id)});
+  NoteReserved(table.name, id);
   writing.Done();
   return id;
 }
@@ -457,7 +492,7 @@ std::int64_t Connection::Impl::ExecuteBulk(const QueryPlan& plan, const std::vec
   const int table = info->number;
   const std::string name = QuoteName(t.target);
   const std::string condition = t.where.empty() ? "" : " WHERE " + t.where;
-  const std::string narrowed = t.where.empty() ? "" : " AND (" + t.where + ")";
+  const std::string narrowed = t.where.empty() ? " WHERE " : " WHERE (" + t.where + ") AND ";
 
   struct Release {
     Impl& impl;
@@ -486,7 +521,7 @@ std::int64_t Connection::Impl::ExecuteBulk(const QueryPlan& plan, const std::vec
     for (const std::int64_t row : tableHolds_[table]) {
       const auto holder = side_->WhoHolds(table, row);
       if (!holder) continue;
-      Use touched(*handle_, "SELECT 1 FROM " + name + " WHERE _rowid_ = :k0" + narrowed);
+      Use touched(*handle_, "SELECT 1 FROM " + name + narrowed + "_rowid_ = :k0");
       touched.BindAll(parameters);
       touched.BindKey(0, row);
       if (touched.Step()) throw Refusal(kRecordLocked, *holder);

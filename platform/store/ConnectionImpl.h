@@ -83,6 +83,8 @@ class Connection::Impl {
   void MarkDirty(RowCache& cache, const std::string& key, const std::shared_ptr<CachedRow>& row);
 
   std::int64_t ReserveId(const TableInfo& table);
+  /// Remembers that the open transaction has given this number to a new record.
+  void NoteReserved(const std::string& table, std::int64_t id);
   std::int64_t ExecuteBulk(const QueryPlan& plan, const std::vector<rt::Value>& parameters);
   std::int64_t ExecuteInsert(const QueryPlan& plan, const std::vector<rt::Value>& parameters);
 
@@ -107,6 +109,7 @@ class Connection::Impl {
   void RetireCaches();
   void FlushGroup(bool pause);
   void ReleaseGroupHolds();
+  void KeepReservedIds();
   bool TakePatiently(Hold hold, int table, std::int64_t row, Holder* refused);
   /// Holds the whole table but for what others hold; see SideFile::TakeTable.
   std::optional<Holder> HoldTable(int table);
@@ -119,6 +122,7 @@ class Connection::Impl {
   std::vector<std::size_t> marks_;      ///< for each open transaction: where its writes begin in log_
   std::vector<std::size_t> undoMarks_;  ///< and where its undo entries begin
   std::vector<Change> log_;       ///< writes of the open transactions
+  std::map<std::string, std::int64_t> reserved_;  ///< the highest number given to a new record, by table
   std::vector<Change> groupLog_;  ///< writes of transactions that are committed with the group
   bool groupMode_ = false;
   int groupCommits_ = 0;

@@ -98,7 +98,8 @@ void QueryTranslator::Items(const Query& query, Translation& result) {
   }
   // Doubles are found without regard to case, as everywhere.
   if (query.distinct)
-    for (std::size_t i = 0; i < values_.size(); ++i) result.columns[i].expression = WithoutCase(values_[i]).text;
+    for (std::size_t i = 0; i < values_.size(); ++i)
+      result.columns[i].expression = WithoutCase(values_[i]).text;
   NameDoubles(result);
 }
 
@@ -158,17 +159,17 @@ void QueryTranslator::Groups(const Query& query, Translation& result) {
     groups.push_back(group.text);
     result.groupBy += (result.groupBy.empty() ? "" : ", ") + WithoutCase(group).text;
   }
+  bool totalled = totals_ || !groups.empty();
   if (query.having) {
     const Fragment having = emitter_.EmitCondition(*query.having, Totals::Allowed);
-    if (!totals_ && !having.hasAggregate && groups.empty())
-      NotUnderstood(key_, query.having->place, "HAVING needs groups or totals");
+    totalled = totalled || having.hasAggregate;
+    if (!totalled) NotUnderstood(key_, query.having->place, "HAVING needs groups or totals");
     result.having = having.text;
   }
-  for (const auto& term : query.orderBy) {
-    const Expr* aliased = Aliased(query, *term.value);
-    totals_ = totals_ || emitter_.Emit(aliased ? *aliased : *term.value, Totals::Allowed).hasAggregate;
-  }
-  result.grouped = totals_ || query.having || !groups.empty();
+  for (const auto& term : query.orderBy)
+    if (!totalled && !Aliased(query, *term.value) && emitter_.Emit(*term.value, Totals::Allowed).hasAggregate)
+      NotUnderstood(key_, term.value->place, "Rows without totals cannot be sorted by one");
+  result.grouped = totalled;
   if (!result.grouped) return;
   for (const auto& item : query.items) {
     if (item.star) NotUnderstood(key_, item.place, "All columns cannot stand beside totals");

@@ -15,8 +15,8 @@
 
 namespace store {
 
-inline constexpr int kSlotCount =
-    255;  ///< a 256th would lock a whole row's bytes and melt into the next row's lock
+/// A 256th slot would lock all bytes of a row and melt into the next row's lock.
+inline constexpr int kSlotCount = 255;
 inline constexpr int kLastTable = (1 << 20) - 1;
 /// The last row that a lock on a whole table covers.
 inline constexpr std::int64_t kLastRow = (std::int64_t{1} << 32) - 2;

@@ -259,6 +259,7 @@ void RecordCursor::StoreNew() {
     impl_->BeforeRead(table);
     impl_->Write("INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")", std::move(values), &id, idParameter);
     impl_->NoteChange(Table());
+    if (idParameter > 0) impl_->NoteReserved(table.name, id);
     writing.Done();
   }
   lastModified_.assign(plan_->translation.tables.size(), kNoKey);
@@ -310,8 +311,8 @@ void RecordCursor::Find(std::string_view condition, bool first) {
   const Bookmark place = OnRow() ? Mark() : Bookmark{};
   const auto matches = [&](std::int64_t key) {
     impl_->BeforeRead(probe->translation);
-    Use use(impl_->Db(), "SELECT 1 FROM " + probe->translation.from + " WHERE " + QuoteName(probe->translation.tables[0].alias) +
-                             "._rowid_ = :k0 AND (" + probe->translation.where + ")");
+    Use use(impl_->Db(), "SELECT 1 FROM " + probe->translation.from + " WHERE (" + probe->translation.where + ") AND " +
+                             QuoteName(probe->translation.tables[0].alias) + "._rowid_ = :k0");
     use.BindAll(found);
     use.BindKey(0, key);
     return use.Step();

@@ -35,8 +35,8 @@ struct SideFile::State {
   /// Locks the rows of the range but those that others hold, which are added to `foreign`; gives the holder
   /// of the whole table if there is one and leaves the rest as it is then.
   std::optional<Conflict> LockAround(RowRange rows, std::map<std::int64_t, Conflict>* foreign) const;
-  /// The records of the table that windows of others have in edit.
-  std::map<std::int64_t, Conflict> ForeignEdits(int table) const;
+  /// What others hold of the table in this way, by its first row.
+  std::map<std::int64_t, Conflict> Foreign(Hold hold, int table) const;
 
   LockSpace locks;
   Counts edits;

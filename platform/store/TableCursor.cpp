@@ -57,7 +57,10 @@ class TableCursor : public RecordCursor {
     if (AtEnd()) throw StoreError(kNoCurrentRecord, "No current record.");
     if (place_ == Place::Begin) return MoveFirst();
     Leave();
-    if (byIndex_) return StandAt(orderPlace_ + (onDeleted_ ? 0 : 1));
+    if (byIndex_) {
+      if (!orderRead_) FindInOrder();
+      return StandAt(orderPlace_ + (onDeleted_ ? 0 : 1));
+    }
     onDeleted_ = false;
     Impl().GroupTick();
     if (windowEpoch_ == Impl().EpochOf(Table()) && windowPlace_ + 1 < windowKeys_.size()) {
@@ -71,7 +74,10 @@ class TableCursor : public RecordCursor {
     if (AtBegin()) throw StoreError(kNoCurrentRecord, "No current record.");
     if (place_ == Place::End) return MoveLast();
     Leave();
-    if (byIndex_) return StandAt(orderPlace_ - 1);
+    if (byIndex_) {
+      if (!orderRead_) FindInOrder();
+      return StandAt(orderPlace_ - 1);
+    }
     onDeleted_ = false;
     Walk(" WHERE _rowid_ < ?1 ORDER BY _rowid_ DESC LIMIT 1", key_, false);
   }
@@ -242,10 +248,6 @@ class TableCursor : public RecordCursor {
     orderEpoch_ = Impl().EpochOf(Table());
   }
   void StandAt(std::int64_t place) {
-    if (!orderRead_) {
-      ReadOrder();
-      FindInOrder();
-    }
     empty_ = order_.empty();
     onDeleted_ = false;
     orderPlace_ = place;

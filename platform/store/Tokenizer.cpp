@@ -71,7 +71,8 @@ class Normalizer {
           TakeNumber();
           break;
         case Class::Sign:
-          if (c == '.' && at_ + 1 < sql_.size() && ClassOf(sql_[at_ + 1]) == Class::Digit && !afterName_) {
+          if (c == '.' && at_ + 1 < sql_.size() && ClassOf(sql_[at_ + 1]) == Class::Digit &&
+              (blank_ || !afterName_)) {
             TakeNumber();
           } else {
             TakeSign();
@@ -209,7 +210,7 @@ class Normalizer {
   std::string_view sql_;
   std::size_t at_ = 0;
   bool blank_ = false;
-  bool afterName_ = false;  // a dot that follows joins two names
+  bool afterName_ = false;  // a dot that follows at once joins two names
   bool afterTop_ = false;
   bool definition_ = false;  // CREATE and ALTER hold sizes and no values
   Normalized result_;

@@ -59,10 +59,10 @@ TEST_F(CompactTest, AFileInUseStaysAsItIs) {
   const std::string bytes = BytesOf(path);
   const test::TempDirectory folder;
   {
-    OtherWorkstation other(path, OtherWorkstation::Keeps::FileShared);
+    other_.Keep(path, OtherWorkstation::Keeps::FileShared);
     user_->Expect("Cannot compact at this time. Currently in use.", Icon::Information);
     CompactDatabase(path, folder.Path());
-    other.LetGo();
+    other_.LetGo();
   }
   {
     const auto own = store::Connection::Open({path});

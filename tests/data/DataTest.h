@@ -21,6 +21,57 @@
 
 namespace dwtest {
 
+/// Another workstation, "OFFICE" with the user "Bert", that keeps something of a data file until it is told
+/// to let go. It is a process of its own, started before this one has opened anything that the two could
+/// share.
+class OtherWorkstation {
+ public:
+  enum class Keeps { Record, RecordInTransaction, FileShared, FileExclusively };
+
+  OtherWorkstation() : process_(Work) {}
+  /// Returns once vehicle 1, or the file, is kept.
+  void Keep(const std::string& path, Keeps what) {
+    process_.Talk().Say(std::to_string(static_cast<int>(what)) + path);
+    process_.Talk().Hear();
+  }
+  void LetGo() {
+    process_.Talk().Say("let go");
+    process_.Talk().Hear();
+  }
+  void Die() { process_.Kill(); }
+
+ private:
+  static void Work(test::SecondProcess::Channel& channel) {
+    store::SetIdentity("OFFICE", "Bert");
+    for (;;) {
+      const std::string order = channel.Hear();
+      const auto what = static_cast<Keeps>(order.front() - '0');
+      auto connection = store::Connection::Open(
+          {order.substr(1), what == Keeps::FileExclusively ? store::Share::Exclusive : store::Share::Shared});
+      auto cursor = what == Keeps::Record
+                        ? store::Cursor::OpenQuery(connection, "SELECT * FROM [Vehicles] WHERE [ID] = 1",
+                                                   store::Locking::Pessimistic)
+                        : nullptr;
+      if (cursor) cursor->Edit();
+      if (what == Keeps::RecordInTransaction) {
+        connection->BeginTrans();
+        connection->Execute("UPDATE [Vehicles] SET [Odometer] = 200 WHERE [ID] = 1");
+      }
+      // What a transaction has written stands in the way of other writers; only the record is to be kept.
+      store::YieldFiles();
+      channel.Say("kept");
+      channel.Hear();
+      if (cursor) cursor->CancelUpdate();
+      if (what == Keeps::RecordInTransaction) connection->RollbackTrans();
+      cursor.reset();
+      connection.reset();
+      channel.Say("free");
+    }
+  }
+
+  test::SecondProcess process_;
+};
+
 /// A user who expects certain boxes, a data directory of its own, and nothing installed by the shell.
 class DataTest : public ::testing::Test {
  protected:
@@ -72,49 +123,9 @@ class DataTest : public ::testing::Test {
     std::ofstream(path, std::ios::binary) << bytes;
   }
 
+  OtherWorkstation other_;
   test::TempDirectory directory_;
   test::ScreenScript user_;
-};
-
-/// Another workstation, "OFFICE" with the user "Bert", that keeps vehicle 1 until it is told to let go of it.
-class OtherWorkstation {
- public:
-  enum class Keeps { Record, RecordInTransaction, FileShared, FileExclusively };
-
-  OtherWorkstation(const std::string& path, Keeps what)
-      : process_([path, what](test::SecondProcess::Channel& channel) {
-          store::SetIdentity("OFFICE", "Bert");
-          auto connection = store::Connection::Open(
-              {path, what == Keeps::FileExclusively ? store::Share::Exclusive : store::Share::Shared});
-          std::unique_ptr<store::Cursor> cursor;
-          if (what == Keeps::Record) {
-            cursor = store::Cursor::OpenQuery(connection, "SELECT * FROM [Vehicles] WHERE [ID] = 1",
-                                              store::Locking::Pessimistic);
-            cursor->Edit();
-          } else if (what == Keeps::RecordInTransaction) {
-            connection->BeginTrans();
-            connection->Execute("UPDATE [Vehicles] SET [Odometer] = 200 WHERE [ID] = 1");
-          }
-          // What a transaction has written stands in the way of other writers; only the record is to be kept.
-          store::YieldFiles();
-          channel.Say("kept");
-          channel.Hear();
-          if (cursor) cursor->CancelUpdate();
-          if (what == Keeps::RecordInTransaction) connection->RollbackTrans();
-          cursor.reset();
-          connection.reset();
-          channel.Say("free");
-        }) {
-    process_.Talk().Hear();
-  }
-
-  void LetGo() {
-    process_.Talk().Say("let go");
-    process_.Talk().Hear();
-  }
-
- private:
-  test::SecondProcess process_;
 };
 
 }  // namespace dwtest

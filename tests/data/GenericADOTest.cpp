@@ -94,7 +94,7 @@ TEST_F(GenericADOTest, StatementsGiveTheirErrorNumber) {
 
 TEST_F(GenericADOTest, AStatementThatMeetsALockChangesNothing) {
   const std::string path = MakeVehicles();
-  OtherWorkstation other(path, OtherWorkstation::Keeps::Record);
+  other_.Keep(path, OtherWorkstation::Keeps::Record);
   const AdoConnectionPtr connection = Opened(path);
   EXPECT_EQ(AdoExecute(connection, "UPDATE [Vehicles] SET [Asset ID] = 'X'"), ado::kUnspecified);
   EXPECT_EQ(AdoLastNativeError(connection), store::kRecordLocked);
@@ -157,7 +157,7 @@ TEST_F(GenericADOTest, FailuresOfAddAndCancelAreTold) {
 
 TEST_F(GenericADOTest, ALockedUpdateIsAskedAbout) {
   const std::string path = MakeVehicles();
-  OtherWorkstation other(path, OtherWorkstation::Keeps::Record);
+  other_.Keep(path, OtherWorkstation::Keeps::Record);
   const AdoConnectionPtr connection = Opened(path);
   const AdoRecordsetPtr vehicle =
       AdoOpenRecordset(connection, kFirstVehicle, ado::adOpenKeyset, ado::adLockOptimistic);
@@ -175,7 +175,7 @@ TEST_F(GenericADOTest, ALockedUpdateIsAskedAbout) {
   user_->ExpectPart(question, Icon::Information, Buttons::OkCancel, Answer::Ok);
   user_->ExpectPart(question, Icon::Information, Buttons::OkCancel, Answer::Ok);
   user_->onBox = [&](const screen::Box&) {
-    if (user_->Shown().size() == 3) other.LetGo();
+    if (user_->Shown().size() == 3) other_.LetGo();
   };
   EXPECT_TRUE(AdoUpdateRS(*vehicle, true, true));
   EXPECT_EQ(user_->CurrentPointer(), Pointer::Normal);
@@ -185,7 +185,7 @@ TEST_F(GenericADOTest, ALockedUpdateIsAskedAbout) {
 
 TEST_F(GenericADOTest, ALockedDeleteWaits) {
   const std::string path = MakeVehicles();
-  OtherWorkstation other(path, OtherWorkstation::Keeps::Record);
+  other_.Keep(path, OtherWorkstation::Keeps::Record);
   const AdoConnectionPtr connection = Opened(path);
   const AdoRecordsetPtr vehicle =
       AdoOpenRecordset(connection, kFirstVehicle, ado::adOpenKeyset, ado::adLockPessimistic);
@@ -196,7 +196,7 @@ TEST_F(GenericADOTest, ALockedDeleteWaits) {
   user_->onBox = [&](const screen::Box&) { EXPECT_EQ(user_->SleepCount() % 11, 0); };
   user_->onSleep = [&](int milliseconds) {
     EXPECT_EQ(milliseconds, 1000);
-    if (user_->SleepCount() == 22) other.LetGo();
+    if (user_->SleepCount() == 22) other_.LetGo();
   };
   EXPECT_TRUE(AdoDeleteRS(*vehicle, true, true));
   EXPECT_EQ(user_->SleepCount(), 22);
@@ -206,7 +206,7 @@ TEST_F(GenericADOTest, ALockedDeleteWaits) {
 
 TEST_F(GenericADOTest, TheProbeTellsFreeLockedAndFailed) {
   const std::string path = MakeVehicles();
-  OtherWorkstation other(path, OtherWorkstation::Keeps::Record);
+  other_.Keep(path, OtherWorkstation::Keeps::Record);
   const AdoConnectionPtr connection = Opened(path);
   const AdoConnectionPtr second = Opened(path);
   AdoRecordsetPtr vehicle =
@@ -222,7 +222,7 @@ TEST_F(GenericADOTest, TheProbeTellsFreeLockedAndFailed) {
   EXPECT_EQ(AdoTestRecordLock(field(), true, connection), 1);
   EXPECT_EQ(AdoTestRecordLock(field(), false), 1) << "and nothing is shown where nothing is asked for";
 
-  other.LetGo();
+  other_.LetGo();
   EXPECT_EQ(AdoTestRecordLock(field(), true, connection), 0);
   EXPECT_TRUE(AdoCancelUpdateRS(*vehicle));
 

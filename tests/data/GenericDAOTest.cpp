@@ -28,13 +28,13 @@ class GenericDAOTest : public dwtest::DataTest {
     return *recordset_;
   }
   /// The other lets go during the `last` wait; until then a box comes at every eleventh failed try.
-  void LetGoAfter(OtherWorkstation& other, int last) {
+  void LetGoAfter(int last) {
     for (int boxes = last / 11; boxes > 0; --boxes) user_->ExpectPart(kAdvice, Icon::Information);
     user_->onBox = [this](const screen::Box&) { EXPECT_EQ(user_->SleepCount() % 11, 0); };
-    user_->onSleep = [this, &other, last](int milliseconds) {
+    user_->onSleep = [this, last](int milliseconds) {
       EXPECT_EQ(milliseconds, 1000);
       EXPECT_EQ(user_->CurrentPointer(), screen::Pointer::Hourglass);
-      if (user_->SleepCount() == last) other.LetGo();
+      if (user_->SleepCount() == last) other_.LetGo();
     };
   }
   /// Each box names who is in the way.
@@ -56,9 +56,9 @@ class GenericDAOTest : public dwtest::DataTest {
 
 TEST_F(GenericDAOTest, EditWaitsForATransaction) {
   const std::string path = MakeVehicles();
-  OtherWorkstation other(path, OtherWorkstation::Keeps::RecordInTransaction);
+  other_.Keep(path, OtherWorkstation::Keeps::RecordInTransaction);
   dao::Recordset& vehicle = OpenVehicle(path);
-  LetGoAfter(other, 23);
+  LetGoAfter(23);
   int events = 0;
   user_->onEvents = [&] { ++events; };
   std::int16_t error = -1;
@@ -71,7 +71,7 @@ TEST_F(GenericDAOTest, EditWaitsForATransaction) {
 
 TEST_F(GenericDAOTest, EditDoesNotWaitForAWindow) {
   const std::string path = MakeVehicles();
-  const OtherWorkstation other(path, OtherWorkstation::Keeps::Record);
+  other_.Keep(path, OtherWorkstation::Keeps::Record);
   dao::Recordset& vehicle = OpenVehicle(path);
   user_->ExpectPart("Unknown error #3218 during record edit.", Icon::Critical);
   std::int16_t error = 0;
@@ -85,11 +85,11 @@ TEST_F(GenericDAOTest, EditDoesNotWaitForAWindow) {
 
 TEST_F(GenericDAOTest, UpdateWaits) {
   const std::string path = MakeVehicles();
-  OtherWorkstation other(path, OtherWorkstation::Keeps::Record);
+  other_.Keep(path, OtherWorkstation::Keeps::Record);
   dao::Recordset& vehicle = OpenVehicleOptimistically(path);
   vehicle.Edit();
   vehicle.Set("Asset ID", "VAN 1");
-  LetGoAfter(other, 12);
+  LetGoAfter(12);
   DaoUpdateRecord(vehicle);
   CheckWaited(12);
   CloseAll(recordset_, database_, workspace_);
@@ -98,9 +98,9 @@ TEST_F(GenericDAOTest, UpdateWaits) {
 
 TEST_F(GenericDAOTest, DeleteWaits) {
   const std::string path = MakeVehicles();
-  OtherWorkstation other(path, OtherWorkstation::Keeps::Record);
+  other_.Keep(path, OtherWorkstation::Keeps::Record);
   dao::Recordset& vehicle = OpenVehicle(path);
-  LetGoAfter(other, 11);
+  LetGoAfter(11);
   DaoDeleteRecord(vehicle);
   CheckWaited(11);
   CloseAll(recordset_, database_, workspace_);
@@ -110,9 +110,9 @@ TEST_F(GenericDAOTest, DeleteWaits) {
 
 TEST_F(GenericDAOTest, ADeadWorkstationKeepsNobodyWaiting) {
   const std::string path = MakeVehicles();
-  auto other = std::make_unique<OtherWorkstation>(path, OtherWorkstation::Keeps::RecordInTransaction);
+  other_.Keep(path, OtherWorkstation::Keeps::RecordInTransaction);
   dao::Recordset& vehicle = OpenVehicle(path);
-  user_->onSleep = [&](int) { other.reset(); };
+  user_->onSleep = [&](int) { other_.Die(); };
   std::int16_t error = -1;
   DaoEditRecord(vehicle, error);
   EXPECT_EQ(error, 0);
@@ -139,7 +139,7 @@ TEST_F(GenericDAOTest, GettingALockedRecordIsToldOnce) {
       {OtherWorkstation::Keeps::Record, store::kEditLocked},
       {OtherWorkstation::Keeps::RecordInTransaction, store::kRecordLocked}};
   for (const auto& [keeps, number] : cases) {
-    const OtherWorkstation other(path, keeps);
+    other_.Keep(path, keeps);
     dao::Recordset& vehicle = OpenVehicle(path);
     user_->Expect("Record is currently locked elsewhere.", Icon::Information);
     int error = 0;
@@ -147,6 +147,7 @@ TEST_F(GenericDAOTest, GettingALockedRecordIsToldOnce) {
     EXPECT_EQ(error, number);
     EXPECT_EQ(vehicle.Get("Asset ID"), rt::Value("TRUCK 1")) << "it is shown all the same";
     CloseAll(recordset_, database_, workspace_);
+    other_.LetGo();
   }
   dao::Recordset& vehicle = OpenVehicle(path);
   int error = -1;

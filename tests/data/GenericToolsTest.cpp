@@ -64,11 +64,11 @@ TEST_F(GenericToolsTest, WordsBeginWithCapitalsAndKeepTheRest) {
 TEST_F(GenericToolsTest, AFileIsDeletedOnlyWhereNobodyHasItOpen) {
   const std::string path = MakeVehicles();
   {
-    OtherWorkstation other(path, OtherWorkstation::Keeps::FileShared);
+    other_.Keep(path, OtherWorkstation::Keeps::FileShared);
     user_->Expect("The file is in use by another person and cannot be deleted.", Icon::None);
     DeleteFileChecked(path);
     EXPECT_TRUE(FileExists(path));
-    other.LetGo();
+    other_.LetGo();
   }
   EXPECT_EQ(AssetOf(path, 3), "TRUCK 3");
   DeleteFileChecked(path);

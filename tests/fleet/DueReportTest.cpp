@@ -84,6 +84,7 @@ TEST_F(DueReportTest, SaysOfAnAssetWhatItsWindowSays) {
   fleet_.Type(1, "Inspection");
   fleet_.Type(2, "Oil Change");
   fleet_.Asset("V1", "NULL");
+  fleet_.Reading("V1", "#3/10/2026#", "9000.9");
   fleet_.Line("V1", "1", "12", "5000");
   fleet_.Line("V1", "2", "3", "5000");
   fleet_.Line("V1", "2", "3", "NULL");
@@ -105,6 +106,21 @@ TEST_F(DueReportTest, SaysOfAnAssetWhatItsWindowSays) {
   block.erase(block.find("-----------------------\r\n--- End"));
   EXPECT_EQ(block, window);
   EXPECT_EQ(items_.size(), 3U) << window;
+}
+
+TEST_F(DueReportTest, AnAssetThatAnotherUserRemovesMeanwhileIsLeftOut) {
+  for (const char* code : {"V1", "V2", "V3"}) {
+    fleet_.Asset(code, "#2/1/2025#");
+    fleet_.Line(code, "0", "1", "NULL");
+  }
+  const std::string path =
+      dw::WriteDueReport(program_.Path(), "3/29/2026", "500", [&](const dw::DueItem& item) {
+        if (item.assetID == "V1") fleet_.Run("DELETE * FROM [Vehicles] WHERE [Asset ID] = 'V2'");
+      });
+  EXPECT_NE(path, "");
+  EXPECT_EQ(Log().find("Asset ID: V2"), std::string::npos);
+  EXPECT_NE(Log().find("Asset ID: V3"), std::string::npos);
+  EXPECT_NE(Log().find("--- End of Schedule ---"), std::string::npos);
 }
 
 TEST_F(DueReportTest, NoAssetInServiceTouchesNoFile) {

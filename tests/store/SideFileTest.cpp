@@ -1,17 +1,21 @@
 #include "platform/store/SideFile.h"
 
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -417,81 +421,90 @@ TEST_P(RecordLockTest, NarrowingKeepsTheNamedRecordsAndTheSingleOnes) {
   EXPECT_EQ(Text(mine->HeldByOthers(3)), "");
 }
 
-/// Several processes add to plain shared counters, each under a record's or a table's lock; a count that is
-/// lost has been changed by two at once.
+/// Runs `work` in three processes at once, each with its number.
+void RunThree(const std::function<void(int)>& work) {
+  std::vector<std::unique_ptr<test::SecondProcess>> processes;
+  for (int number = 0; number < 3; ++number) {
+    processes.push_back(std::make_unique<test::SecondProcess>(
+        [&work, number](test::SecondProcess::Channel&) { work(number); }));
+  }
+  for (auto& process : processes) EXPECT_EQ(process->Join(), 0);
+}
+
+/// Each process notes in shared memory that it holds a record and looks whether another does.
 TEST_P(RecordLockTest, NoTwoEverHoldTheSame) {
-  struct Counters {
-    volatile long rows[3];
+  struct Rows {
+    std::atomic<int> holders[2];
+    std::atomic<int> uses;
   };
-  Counters* counters = SharedMemory<Counters>();
-  constexpr int kRounds = 400;
-  const auto work = [&](int number) {
+  Rows* rows = SharedMemory<Rows>();
+  constexpr int kRounds = 2000;
+  const auto use = [&](std::size_t row) {
+    if (rows->holders[row].fetch_add(1) != 0) throw std::runtime_error("held twice");
+    sched_yield();
+    if (rows->holders[row].fetch_sub(1) != 1) throw std::runtime_error("held twice");
+    ++rows->uses;
+  };
+  RunThree([&](int number) {
     const Owner side = SideFile::Enter(file_, Share::Shared, "C" + std::to_string(number), "U");
-    const auto add = [&](std::int64_t row) { counters->rows[row] = counters->rows[row] + 1; };
     for (int done = 0; done < kRounds;) {
-      const std::int64_t row = (done + number) % 3;
-      const Hold hold = (done + number) % 2 ? Hold::Edit : Hold::Transaction;
-      if (done % 10 == number) {
+      const std::int64_t row = done % 2;
+      if (done % 5 == number) {
         side->TakeTable(1);
-        if (side->Holds(Hold::Transaction, 1, row)) add(row), ++done;
-        if (side->HoldsTable(1)) side->ReleaseTable(1);
-      } else if (side->Take(hold, 1, row, nullptr)) {
-        add(row);
-        side->Release(hold, 1, row);
-        ++done;
+        if (side->Holds(Hold::Transaction, 1, row)) use(static_cast<std::size_t>(row)), ++done;
+        side->ReleaseTable(1);
+      } else if (number == 0) {
+        if (!side->Take(Hold::Transaction, 1, row, nullptr)) continue;
+        use(static_cast<std::size_t>(row)), ++done;
+        side->Release(Hold::Transaction, 1, row);
+      } else if (side->Take(Hold::Edit, 1, row, nullptr)) {
+        // What a window has in edit it can also write, whoever takes the table meanwhile.
+        if (!side->Take(Hold::Transaction, 1, row, nullptr))
+          throw std::runtime_error("an edit was not written");
+        use(static_cast<std::size_t>(row)), ++done;
+        side->ReleaseTransaction();
+        side->Release(Hold::Edit, 1, row);
       }
     }
-  };
-  {
-    std::vector<std::unique_ptr<test::SecondProcess>> processes;
-    for (int number = 0; number < 3; ++number) {
-      processes.push_back(std::make_unique<test::SecondProcess>(
-          [&work, number](test::SecondProcess::Channel&) { work(number); }));
-    }
-    for (auto& process : processes) EXPECT_EQ(process->Join(), 0);
-  }
-  EXPECT_EQ(counters->rows[0] + counters->rows[1] + counters->rows[2], 3 * kRounds);
+  });
+  EXPECT_EQ(rows->uses, 3 * kRounds);
   EXPECT_FALSE(std::filesystem::exists(Side()));
-  munmap(counters, sizeof *counters);
+  munmap(rows, sizeof *rows);
 }
 
 TEST_F(SideFileTest, ComingAndGoingNeverLetsTwoInWhereOneIsAlone) {
-  struct Counts {
-    volatile long alone;
-    volatile long together;
-  };
-  Counts* counts = SharedMemory<Counts>();
-  constexpr int kRounds = 150;
-  const auto work = [&](int number) {
+  std::atomic<int>* inside = SharedMemory<std::atomic<int>>();
+  constexpr int kRounds = 600;
+  RunThree([&](int number) {
+    const std::string self = "on machine 'C" + std::to_string(number) + "'";
     for (int done = 0; done < kRounds;) {
       Owner side;
       const Share share = (done + number) % 4 ? Share::Exclusive : Share::Shared;
       const std::string result = Enter(&side, file_, share, "C" + std::to_string(number), "U");
       if (!side) {
-        // Whoever is refused is told by whom, for nobody is refused by one who is just leaving.
-        if (result.find("user 'U' on machine 'C") == std::string::npos) throw std::runtime_error(result);
+        // Whoever is refused is told by whom: not by one who is just leaving, nor by the slot's last owner.
+        const bool named = result.find("user 'U' on machine 'C") != std::string::npos;
+        if (!named || result.find(self) != std::string::npos) throw std::runtime_error(result);
         continue;
       }
       ++done;
-      if (share == Share::Shared) {
-        __atomic_add_fetch(&counts->together, 1, __ATOMIC_SEQ_CST);
-      } else {
-        counts->alone = counts->alone + 1;
-        if (side->Roster().size() != 1) throw std::runtime_error("somebody else is in");
-      }
+      const int others = inside->fetch_add(share == Share::Shared ? 1 : 1000);
+      sched_yield();
+      if (share == Share::Shared ? others >= 1000 : others != 0) throw std::runtime_error("not alone");
+      inside->fetch_sub(share == Share::Shared ? 1 : 1000);
     }
-  };
-  {
-    std::vector<std::unique_ptr<test::SecondProcess>> processes;
-    for (int number = 0; number < 3; ++number) {
-      processes.push_back(std::make_unique<test::SecondProcess>(
-          [&work, number](test::SecondProcess::Channel&) { work(number); }));
-    }
-    for (auto& process : processes) EXPECT_EQ(process->Join(), 0);
-  }
-  EXPECT_EQ(counts->alone + counts->together, 3 * kRounds);
+  });
   EXPECT_FALSE(std::filesystem::exists(Side()));
-  munmap(counts, sizeof *counts);
+  munmap(inside, sizeof *inside);
+}
+
+TEST_F(SideFileTest, AFileThatOthersMadeInTheMeantimeIsLeftToThem) {
+  Owner mine = Join("ME");
+  std::filesystem::remove(Side());
+  const Owner second = Join("TWO");
+  mine.reset();
+  EXPECT_TRUE(std::filesystem::exists(Side()));
+  EXPECT_EQ(second->Roster().size(), 1U);
 }
 
 }  // namespace

@@ -32,12 +32,14 @@ enum Fuel : int {
 enum Kind : unsigned { kCar = 1, kTruck = 2, kBus = 4, kElectric = 8, kHeavy = 16, kSmall = 32 };
 inline constexpr unsigned kCombustion = kCar | kTruck | kBus | kHeavy | kSmall;
 inline constexpr unsigned kRoad = kCar | kTruck | kBus | kElectric;
+inline constexpr unsigned kAll = kCombustion | kElectric;
 
 struct ClassFacts {
   const char* id;
   const char* description;
   const char* prefix;     ///< of the assets' codes
   const char* assets[3];  ///< what its assets are called
+  const char* division;   ///< the one that has them all, or null
   unsigned kind;
   int fuel;
   bool hours;           ///< its meter counts hours, not miles
@@ -52,6 +54,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Sedans",
      "SED",
      {"Four-Door Sedan", "Compact Sedan", "Administrative Sedan"},
+     nullptr,
      kCar,
      kUnleaded,
      false,
@@ -63,6 +66,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Patrol Cars",
      "PAT",
      {"Patrol Sedan", "Patrol Utility", "Supervisor Utility"},
+     "POLICE",
      kCar,
      kUnleaded,
      false,
@@ -74,6 +78,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Pickups",
      "PKP",
      {"Half-Ton Pickup", "Three-Quarter-Ton Pickup", "Crew Cab Pickup"},
+     nullptr,
      kCar,
      kUnleaded,
      false,
@@ -85,6 +90,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Vans",
      "VAN",
      {"Cargo Van", "Passenger Van", "Step Van"},
+     nullptr,
      kCar,
      kUnleaded,
      false,
@@ -96,6 +102,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Electric Cars",
      "ELE",
      {"Electric Hatchback", "Electric Sedan", "Electric Utility"},
+     nullptr,
      kElectric,
      kElectricity,
      false,
@@ -107,6 +114,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Medium Trucks",
      "TRK",
      {"Flatbed Truck", "Stake Body Truck", "Service Body Truck"},
+     nullptr,
      kTruck,
      kDiesel,
      false,
@@ -118,6 +126,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Dump Trucks",
      "DMP",
      {"Single-Axle Dump Truck", "Tandem Dump Truck", "Dump Truck With Plow"},
+     nullptr,
      kTruck,
      kDiesel,
      false,
@@ -129,6 +138,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Refuse Trucks",
      "REF",
      {"Rear Loader", "Side Loader", "Roll-Off Truck"},
+     "SANIT",
      kTruck,
      kNaturalGas,
      false,
@@ -140,6 +150,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Buses",
      "BUS",
      {"Transit Bus", "Shuttle Bus", "School Bus"},
+     "TRANSIT",
      kBus,
      kBiodiesel,
      false,
@@ -151,6 +162,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Loaders and Graders",
      "LDR",
      {"Wheel Loader", "Backhoe Loader", "Motor Grader"},
+     nullptr,
      kHeavy,
      kDiesel,
      true,
@@ -162,6 +174,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Mowers",
      "MOW",
      {"Zero-Turn Mower", "Wide Area Mower", "Field Tractor"},
+     nullptr,
      kSmall,
      kUnleaded,
      true,
@@ -173,6 +186,7 @@ inline constexpr ClassFacts kClasses[] = {
      "Generators",
      "GEN",
      {"Standby Generator", "Trailer Generator", "Light Tower"},
+     nullptr,
      kSmall,
      kPropane,
      true,
@@ -224,16 +238,23 @@ inline constexpr WorkFacts kWork[] = {
 
 struct RepairFacts {
   const char* notes;
+  unsigned kinds;
   int labour;  ///< quarters of an hour
   int parts;   ///< dollars
 };
 inline constexpr RepairFacts kRepairs[] = {
-    {"Replaced alternator", 7, 245},     {"Replaced front brake pads and rotors", 9, 190},
-    {"Repaired flat tire", 2, 12},       {"Replaced headlamp bulb", 1, 18},
-    {"Replaced starter motor", 8, 210},  {"Repaired door latch", 4, 35},
-    {"Replaced battery", 2, 135},        {"Replaced cracked windshield", 6, 310},
-    {"Traced electrical short", 12, 20}, {"Replaced water pump", 14, 165},
-    {"Replaced seat cover", 3, 85},      {"Repaired hydraulic leak", 6, 74},
+    {"Replaced alternator", kCombustion, 7, 245},
+    {"Replaced front brake pads and rotors", kRoad, 9, 190},
+    {"Repaired flat tire", kRoad | kHeavy, 2, 12},
+    {"Replaced headlamp bulb", kRoad | kHeavy, 1, 18},
+    {"Replaced starter motor", kCombustion, 8, 210},
+    {"Repaired door latch", kRoad, 4, 35},
+    {"Replaced battery", kAll, 2, 135},
+    {"Replaced cracked windshield", kRoad, 6, 310},
+    {"Traced electrical short", kAll, 12, 20},
+    {"Replaced water pump", kCombustion, 14, 165},
+    {"Replaced seat cover", kRoad | kHeavy, 3, 85},
+    {"Repaired hydraulic leak", kTruck | kHeavy, 6, 74},
 };
 
 struct CodeFacts {

@@ -172,7 +172,8 @@ std::vector<SampleAsset> WriteAssets(dao::Database& database, Batch& batch, cons
     description += std::string(", ") + dice.Pick(kColours);
     const rt::Currency price = rt::Currency::FromWhole(group.price / 100 * dice.Between(85, 118));
     const rt::Value unknown;
-    vehicles.Add({asset.code, description, SerialNumber(dice), dice.Pick(kDivisions).id, group.id, asset.fuel,
+    vehicles.Add({asset.code, description, SerialNumber(dice),
+                  group.division ? group.division : dice.Pick(kDivisions).id, group.id, asset.fuel,
                   dice.Pick(kLocations), dice.Chance(85) ? "OWNED" : "LEASED",
                   group.hours ? "Hours" : "Miles", std::to_string(bought.Year()),
                   span.Day(asset.purchaseDay + 1), asset.purchaseKnown ? rt::Value(bought) : unknown,

@@ -224,7 +224,9 @@ void History::Visit(SampleAsset& asset) {
 
 void History::Repair(SampleAsset& asset) {
   Dice& dice = asset.dice;
-  const RepairFacts& repair = dice.Pick(kRepairs);
+  const RepairFacts* choice = &dice.Pick(kRepairs);
+  while (!(choice->kinds & asset.group->kind)) choice = &dice.Pick(kRepairs);
+  const RepairFacts& repair = *choice;
   const int quarters = std::max(repair.labour + dice.Between(-1, 3), 1);
   const rt::Currency parts = Cents(repair.parts * dice.Between(80, 130));
   Entry entry;

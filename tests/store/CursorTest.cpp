@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include "platform/store/Cursor.h"
+#include "support/SmallFile.h"
+#include "support/TempDirectory.h"
+
+namespace {
+
+using rt::Value;
+using store::Cursor;
+using store::Locking;
+using test::AddAsset;
+using test::Ask;
+using test::ErrorOf;
+
+class CursorTest : public testing::Test {
+ protected:
+  CursorTest() {
+    test::MakeSmallFile(path);
+    file = test::OpenSmallFile(path);
+    file->BeginTrans();
+    for (int i = 0; i < 300; ++i) AddAsset(file, "A" + std::to_string(i), 2000 + i % 3);
+    file->CommitTrans();
+  }
+  std::unique_ptr<Cursor> Query(const std::string& sql, Locking locking = Locking::Pessimistic) {
+    return Cursor::OpenQuery(file, sql, locking);
+  }
+  test::TempDirectory directory;
+  std::string path = directory.Path("DW.MDB");
+  std::shared_ptr<store::Connection> file;
+};
+
+TEST_F(CursorTest, WalksBothWaysAndComesBackByKey) {
+  auto rows = Query("SELECT * FROM Assets ORDER BY [Year] DESC, Code");
+  EXPECT_EQ(rows->Count(), 300);
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Code")), Value("A101"));
+  const auto mark = rows->Mark();
+  int seen = 0;
+  for (; !rows->AtEnd(); rows->MoveNext()) ++seen;
+  EXPECT_EQ(seen, 300);
+  rows->MovePrevious();
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Year")), Value(std::int16_t{2000}));
+  rows->GoTo(mark);
+  EXPECT_EQ(rows->Position(), 0);
+  rows->MovePrevious();
+  EXPECT_TRUE(rows->AtBegin());
+  EXPECT_EQ(ErrorOf([&] { rows->MovePrevious(); }), 3021);
+
+  // Without an order it is the order of the IDs, also where an index would deliver another.
+  auto plain = Query("SELECT Code FROM Assets WHERE [Year] >= 2000");
+  EXPECT_EQ(plain->Get(0), Value("A0"));
+  plain->MoveNext();
+  EXPECT_EQ(plain->Get(0), Value("A1"));
+  EXPECT_EQ(Query("SELECT TOP 25 * FROM Assets")->Count(), 25);
+  EXPECT_TRUE(Query("SELECT * FROM Assets WHERE ID = -1")->AtEnd());
+  EXPECT_TRUE(Query("SELECT * FROM Assets WHERE ID = -1")->AtBegin());
+}
+
+TEST_F(CursorTest, ASetSeesDeletionsAdditionsAndChangesAsItsKeysDo) {
+  auto rows = Query("SELECT * FROM Assets ORDER BY ID");
+  auto others = test::OpenSmallFile(path);
+  others->Execute("DELETE * FROM Assets WHERE Code = 'A1'");
+  others->Execute("UPDATE Assets SET [Year] = 1900 WHERE Code = 'A2'");
+  AddAsset(others, "NEW");
+  EXPECT_EQ(rows->Count(), 300);
+  rows->MoveNext();
+  EXPECT_EQ(ErrorOf([&] { rows->Get(0); }), 3167);
+  EXPECT_EQ(ErrorOf([&] { rows->Edit(); }), 3167);
+  rows->MoveNext();
+  rows->Edit();
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Year")), Value(std::int16_t{1900}));
+  rows->CancelUpdate();
+  rows->Delete();
+  EXPECT_EQ(ErrorOf([&] { rows->Get(0); }), 3021);
+  rows->MoveNext();
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Code")), Value("A3"));
+  rows->AddNew();
+  rows->Set(rows->FieldIndex("Code"), "MINE");
+  rows->Update();
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Code")), Value("A3"));
+  rows->GoTo(rows->LastModified());
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Code")), Value("MINE"));
+  rows->Requery();
+  EXPECT_EQ(rows->Count(), 300);
+}
+
+TEST_F(CursorTest, JoinsNameDoubledColumnsAndKeepRowsWithoutPartner) {
+  file->Execute("INSERT INTO Lines (Asset, Code) VALUES (1, 'L1')");
+  file->Execute("INSERT INTO Lines (Asset, Code) VALUES (999, 'L2')");
+  auto rows = Query("SELECT * FROM Lines LEFT JOIN Assets ON Lines.Asset = Assets.ID ORDER BY [Assets.Code] DESC");
+  EXPECT_EQ(rows->Count(), 2);
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Lines.Code")), Value("L1"));
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Assets.Code")), Value("A0"));
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Year")), Value(std::int16_t{2000}));
+  EXPECT_EQ(ErrorOf([&] { rows->FieldIndex("Code"); }), 3265);
+  rows->MoveNext();
+  EXPECT_EQ(rows->Get(rows->FieldIndex("Lines.ID")), Value(2));
+  EXPECT_TRUE(rows->Get(rows->FieldIndex("Assets.ID")).IsNull());
+  EXPECT_EQ(Query("SELECT * FROM Lines INNER JOIN Assets ON Lines.Asset = Assets.ID")->Count(), 1);
+  rows->MoveFirst();
+  rows->Edit();
+  rows->Set(rows->FieldIndex("Lines.Code"), "LX");
+  EXPECT_EQ(ErrorOf([&] { rows->Set(rows->FieldIndex("Year"), 1); }), 3251);
+  rows->Update();
+  EXPECT_EQ(Ask(file, "SELECT Code FROM Lines WHERE ID = 1"), Value("LX"));
+}
+
+TEST_F(CursorTest, TablesSeekOnTheirIndexes) {
+  auto table = Cursor::OpenTable(file, "Assets", Locking::Pessimistic);
+  table->SetIndex("Code");
+  table->Seek({Value("a17")});
+  ASSERT_FALSE(table->NoMatch());
+  EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(18));
+  table->MoveNext();
+  EXPECT_EQ(table->Get(table->FieldIndex("Code")), Value("A170"));
+  table->Seek({Value("B")});
+  EXPECT_TRUE(table->NoMatch());
+  table->Seek({Value()});
+  EXPECT_TRUE(table->NoMatch());
+  table->SetIndex("PrimaryKey");
+  table->Seek({Value(5)});
+  EXPECT_EQ(table->Get(table->FieldIndex("Code")), Value("A4"));
+  table->MoveLast();
+  EXPECT_EQ(table->Get(table->FieldIndex("Code")), Value("A299"));
+  EXPECT_EQ(ErrorOf([&] { table->SetIndex("Nothing"); }), 3015);
+  table->MoveFirst();
+  table->FindFirst("[Year]=2002");
+  EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(3));
+  table->FindNext("[Year]=2002");
+  EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(6));
+  table->FindFirst("[Year]=1");
+  EXPECT_TRUE(table->NoMatch());
+  EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(6));
+}
+
+TEST_F(CursorTest, GroupedRowsHaveNoKeysAndStayAsTheyAre) {
+  auto sums = Query("SELECT [Year], COUNT(*) AS N, SUM(Cost) AS Total FROM Assets GROUP BY [Year] ORDER BY [Year]");
+  EXPECT_EQ(sums->Count(), 3);
+  EXPECT_EQ(sums->Get(sums->FieldIndex("N")).AsLong(), 100);
+  EXPECT_EQ(sums->Get(sums->FieldIndex("Total")), Value(rt::Currency::FromWhole(10000)));
+  EXPECT_EQ(ErrorOf([&] { sums->Edit(); }), 3027);
+  EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Assets WHERE Cost > 99.5 AND Cost < 100.5"), Value(300));
+}
+
+}  // namespace
