@@ -275,6 +275,10 @@ void Workspace::FinishGroup() {
   OnEach([](store::Connection& connection) { connection.FinishGroup(); });
 }
 
+void Workspace::AbandonGroup() {
+  OnEach([](store::Connection& connection) { connection.AbandonGroup(); });
+}
+
 void Workspace::Close() {
   for (const auto& opened : databases_)
     if (const auto database = opened.lock()) database->Close();

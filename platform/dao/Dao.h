@@ -162,6 +162,7 @@ class Workspace {
   /// See store::Connection; on every database of the workspace.
   void EnterGroup();
   void FinishGroup();
+  void AbandonGroup();
   /// Rolls back what is open and closes its databases.
   void Close();
 

@@ -100,6 +100,7 @@ void Connection::CommitTrans(Commit how) { impl_->Commit(how); }
 void Connection::RollbackTrans() { impl_->Rollback(); }
 int Connection::TransactionDepth() const { return impl_->Depth(); }
 void Connection::FinishGroup() { impl_->FinishGroup(); }
+void Connection::AbandonGroup() { impl_->AbandonGroup(); }
 void Connection::EnterGroup() { impl_->EnterGroup(); }
 
 std::shared_ptr<const Schema> Connection::Tables() { return impl_->Db().Tables(true); }

@@ -71,6 +71,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   int TransactionDepth() const;
   /// Commits what a group still keeps back.
   void FinishGroup();
+  /// Takes back what a group still keeps back and ends it.
+  void AbandonGroup();
   /// Starts writing now, so that what is read next cannot change before the group is committed. Only between BeginTrans
   /// … CommitTrans(WithGroup) pairs; the group's limits hold from here.
   void EnterGroup();

@@ -262,6 +262,16 @@ void Connection::Impl::FinishGroup() {
   RetireCaches();
 }
 
+void Connection::Impl::AbandonGroup() {
+  if (!groupMode_ || !marks_.empty()) return;
+  if (physical_) RollbackPhysical();
+  groupLog_.clear();
+  groupCommits_ = 0;
+  groupMode_ = false;
+  RetireCaches();
+  ReleaseGroupHolds();
+}
+
 void Connection::Impl::GroupTick() {
   if (groupMode_ && physical_ && marks_.empty() && writingDepth_ == 0 && Clock::now() - groupStart_ > kGroupTime) FlushGroup(true);
 }

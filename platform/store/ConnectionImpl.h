@@ -52,6 +52,7 @@ class Connection::Impl {
   int Depth() const { return static_cast<int>(marks_.size()); }
   void EnterGroup();
   void FinishGroup();
+  void AbandonGroup();
   bool InGroup() const { return groupMode_ && physical_; }
   /// Ends the group's commit where its time is over; called while rows are merely passed over.
   void GroupTick();

@@ -1,5 +1,6 @@
 #include "support/Scenarios.h"
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -88,29 +89,47 @@ std::string List(const std::vector<std::string>& parts) {
 
 std::string Clause(const char* word, const std::string& text) { return text.empty() ? "" : word + text; }
 
+// The first word of a line; the line keeps the rest.
+std::string TakeWord(std::string& line) {
+  const std::size_t blank = line.find(' ');
+  const std::string word = line.substr(0, blank);
+  line.erase(0, blank == std::string::npos ? blank : blank + 1);
+  return word;
+}
+
+void ReadInto(ScenarioFile& file, const std::filesystem::path& path) {
+  std::ifstream in(path);
+  if (!in) throw std::runtime_error("No such file: " + path.string());
+  std::string line;
+  for (int number = 1; std::getline(in, line); ++number) {
+    line.erase(0, line.find_first_not_of(' '));
+    if (line.empty() || line[0] == '#') continue;
+    const std::string place = path.filename().string() + ":" + std::to_string(number);
+    const std::string keyword = TakeWord(line);
+    if (keyword == "include") {
+      ReadInto(file, path.parent_path() / line);
+    } else if (keyword == "table") {
+      file.schema.tables.push_back(ReadTable(line, static_cast<int>(file.schema.tables.size()) + 1));
+    } else if (keyword == "data") {
+      file.data.push_back(line);
+    } else if (keyword == "refused") {
+      const int refusal = std::stoi(TakeWord(line));
+      file.scenarios.push_back({place, LineEnds(line), refusal, {}});
+    } else if (keyword == "sql") {
+      file.scenarios.push_back({place, LineEnds(line), 0, {}});
+    } else {
+      if (file.scenarios.empty() || file.scenarios.back().refusal != 0)
+        throw std::runtime_error(place + ": an expectation without a statement");
+      file.scenarios.back().expectations.emplace_back(keyword, line);
+    }
+  }
+}
+
 }  // namespace
 
 ScenarioFile ReadScenarios(const std::string& path) {
-  std::ifstream in(path);
-  if (!in) throw std::runtime_error("No such file: " + path);
   ScenarioFile file;
-  std::string line;
-  for (int number = 1; std::getline(in, line); ++number) {
-    if (line.empty() || line[0] == '#') continue;
-    const std::size_t blank = line.find(' ');
-    const std::string keyword = line.substr(0, blank);
-    const std::string rest = blank == std::string::npos ? "" : line.substr(blank + 1);
-    if (keyword == "table") {
-      file.schema.tables.push_back(ReadTable(rest, static_cast<int>(file.schema.tables.size()) + 1));
-    } else if (keyword == "data") {
-      file.data.push_back(rest);
-    } else if (keyword == "sql") {
-      file.scenarios.push_back({number, LineEnds(rest), {}});
-    } else {
-      if (file.scenarios.empty()) throw std::runtime_error("An expectation without a statement: " + line);
-      file.scenarios.back().expectations.emplace_back(keyword, rest);
-    }
-  }
+  ReadInto(file, path);
   return file;
 }
 

@@ -12,13 +12,15 @@ namespace test {
 
 /// A statement of the dialect and what is expected of it.
 struct Scenario {
-  int line = 0;
+  std::string place;  ///< file and line
   std::string sql;
+  int refusal = 0;  ///< the error's number; 0 where it is to be understood
   std::vector<std::pair<std::string, std::string>> expectations;  ///< keyword and the rest of its line
 };
 
-/// A file of scenarios: "table" and "data" lines that make a data file, then statements ("sql") each with its
-/// expectations below it. Lines that begin with # are comments. In a statement \r and \n stand for line ends.
+/// Files of scenarios: "table" and "data" lines that make a data file, statements that are errors ("refused"
+/// and a number), statements ("sql") with their expectations below them, and other files ("include"). Lines
+/// that begin with # are comments. In a statement \r and \n stand for line ends.
 struct ScenarioFile {
   store::Schema schema;
   std::vector<std::string> data;  ///< in the SQL of the file underneath

@@ -11,7 +11,7 @@
 
 namespace dw {
 
-/// A transaction that is committed and begun anew every few thousand rows.
+/// A transaction that is committed and begun anew every so many rows.
 class Batch {
  public:
   explicit Batch(dao::Workspace& workspace) : workspace_(workspace) { workspace_.BeginTrans(); }
@@ -23,7 +23,7 @@ class Batch {
   void Finish() { workspace_.CommitTrans(); }
 
  private:
-  static constexpr int kRowsPerCommit = 5000;
+  static constexpr int kRowsPerCommit = 25000;
   dao::Workspace& workspace_;
   int rows_ = 0;
 };

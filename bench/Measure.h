@@ -1,0 +1,64 @@
+// What the measurements share.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include <sqlite3.h>
+
+namespace bench {
+
+/// Seconds that `work` takes.
+template <class Work>
+double Seconds(Work work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// A directory of its own, removed at the end. DWBENCH_DIR chooses the disk; the system's temporary directory otherwise.
+class Directory {
+ public:
+  Directory();
+  ~Directory();
+  Directory(const Directory&) = delete;
+  Directory& operator=(const Directory&) = delete;
+  std::string Path(const std::string& name = {}) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// A data file opened by plain SQL, set up as the store sets it up.
+class PlainFile {
+ public:
+  explicit PlainFile(const std::string& path);
+  ~PlainFile();
+  PlainFile(const PlainFile&) = delete;
+  PlainFile& operator=(const PlainFile&) = delete;
+  void Run(const std::string& sql);
+  std::int64_t Number(const std::string& sql);
+  sqlite3* Db() { return db_; }
+
+ private:
+  sqlite3* db_ = nullptr;
+};
+
+/// Makes a sample fleet in the directory, points the system at it, and puts a screen in place that says yes to all.
+void MakeFleet(const std::string& directory, int assets, int years);
+/// Whether the screen gives the data files back each time events are let run, which makes every posted row a commit.
+extern bool yieldsEachTime;
+/// Resident memory of this process in MB.
+double ResidentMegabytes();
+/// "name: value unit", aligned.
+void Tell(const std::string& name, double value, const std::string& unit);
+
+// The measurements; each gives 0 when it could measure.
+int Posting(int transactions);
+int Lists(int transactions);
+int Due(int assets);
+int Micro(int argc, char** argv);
+
+}  // namespace bench
