@@ -5,6 +5,7 @@
 #include "bench/Measure.h"
 #include "data/BrackenfelGlobals.h"
 #include "fleet/DueReport.h"
+#include "platform/runtime/Clock.h"
 
 namespace bench {
 namespace {
@@ -43,16 +44,18 @@ int Due(int assets) {
   double floor = 1e9;
   {
     PlainFile file(directory.Path("DW.MDB"));
-    Tell("schedule lines", static_cast<double>(file.Number("SELECT COUNT(*) FROM \"Maintenance Schedule\"")), "rows");
+    Tell("schedule lines", static_cast<double>(file.Number("SELECT COUNT(*) FROM \"Maintenance Schedule\"")),
+         "rows");
     for (int round = 0; round < 3; ++round) {
-      floor = std::min(floor, Seconds([&] {
-                         sqlite3_stmt* statement = nullptr;
-                         if (sqlite3_prepare_v2(file.Db(), kDueByOneStatement, -1, &statement, nullptr) != SQLITE_OK)
-                           throw std::runtime_error(sqlite3_errmsg(file.Db()));
-                         facts = 0;
-                         while (sqlite3_step(statement) == SQLITE_ROW) ++facts;
-                         sqlite3_finalize(statement);
-                       }));
+      floor = std::min(
+          floor, Seconds([&] {
+            sqlite3_stmt* statement = nullptr;
+            if (sqlite3_prepare_v2(file.Db(), kDueByOneStatement, -1, &statement, nullptr) != SQLITE_OK)
+              throw std::runtime_error(sqlite3_errmsg(file.Db()));
+            facts = 0;
+            while (sqlite3_step(statement) == SQLITE_ROW) ++facts;
+            sqlite3_finalize(statement);
+          }));
     }
   }
   Tell("floor: one statement", floor * 1000, "ms");
@@ -62,7 +65,8 @@ int Due(int assets) {
   for (int round = 0; round < 3; ++round) {
     found = 0;
     report = std::min(report, Seconds([&] {
-                        dw::WriteDueReport(directory.Path(), "7/14/2026", "500", [&](const dw::DueItem&) { ++found; });
+                        dw::WriteDueReport(directory.Path(), "7/14/2026", "500",
+                                           [&](const dw::DueItem&) { ++found; });
                       }));
   }
   Tell("due report of the whole fleet, with its file", report * 1000, "ms");

@@ -19,7 +19,8 @@ int Lists(int transactions) {
     for (int round = 0; round < 5; ++round) {
       scan = std::min(scan, Seconds([&] {
                         sqlite3_stmt* statement = nullptr;
-                        sqlite3_prepare_v2(file.Db(), "SELECT ID FROM \"Maintenance Transactions\"", -1, &statement, nullptr);
+                        sqlite3_prepare_v2(file.Db(), "SELECT ID FROM \"Maintenance Transactions\"", -1,
+                                           &statement, nullptr);
                         rows = 0;
                         while (sqlite3_step(statement) == SQLITE_ROW) ++rows;
                         sqlite3_finalize(statement);
@@ -37,9 +38,10 @@ int Lists(int transactions) {
     dw::AdoRecordsetPtr list;
     open = std::min(open, Seconds([&] {
                       if (!dw::AdoOpenConnection(connection, dw::DataConnect, false)) return;
-                      list = dw::AdoOpenRecordset(connection,
-                                                  "SELECT * FROM [Maintenance Transactions] ORDER BY [Asset ID], [Transaction Date]",
-                                                  ado::adOpenKeyset, ado::adLockOptimistic);
+                      list = dw::AdoOpenRecordset(
+                          connection,
+                          "SELECT * FROM [Maintenance Transactions] ORDER BY [Asset ID], [Transaction Date]",
+                          ado::adOpenKeyset, ado::adLockOptimistic);
                       for (int i = 0; i < 50; ++i) {
                         for (int field = 0; field < 28; ++field) list->Get(field);
                         list->MoveNext();

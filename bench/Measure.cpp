@@ -32,7 +32,9 @@ class Unwatched : public screen::Screen {
         return screen::Answer::Ok;
     }
   }
-  std::string AskText(const std::string&, const std::string&, const std::string& text) override { return text; }
+  std::string AskText(const std::string&, const std::string&, const std::string& text) override {
+    return text;
+  }
   void SetPointer(screen::Pointer) override {}
   void DoEvents() override {
     if (yieldsEachTime) store::YieldFiles();
@@ -61,7 +63,8 @@ PlainFile::PlainFile(const std::string& path) {
   if (sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
     throw std::runtime_error("cannot open " + path);
   sqlite3_busy_timeout(db_, 60000);
-  Run("PRAGMA temp_store = MEMORY; PRAGMA cache_size = -16000; PRAGMA journal_mode = TRUNCATE; PRAGMA synchronous = FULL");
+  Run("PRAGMA temp_store = MEMORY; PRAGMA cache_size = -16000; PRAGMA journal_mode = TRUNCATE; PRAGMA "
+      "synchronous = FULL");
 }
 
 PlainFile::~PlainFile() { sqlite3_close(db_); }
@@ -76,7 +79,8 @@ void PlainFile::Run(const std::string& sql) {
 
 std::int64_t PlainFile::Number(const std::string& sql) {
   sqlite3_stmt* statement = nullptr;
-  if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(db_));
+  if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK)
+    throw std::runtime_error(sqlite3_errmsg(db_));
   const std::int64_t value = sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : 0;
   sqlite3_finalize(statement);
   return value;

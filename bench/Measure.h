@@ -18,7 +18,8 @@ double Seconds(Work work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// A directory of its own, removed at the end. DWBENCH_DIR chooses the disk; the system's temporary directory otherwise.
+/// A directory of its own, removed at the end. DWBENCH_DIR chooses the disk; the system's temporary directory
+/// otherwise.
 class Directory {
  public:
   Directory();
@@ -46,9 +47,11 @@ class PlainFile {
   sqlite3* db_ = nullptr;
 };
 
-/// Makes a sample fleet in the directory, points the system at it, and puts a screen in place that says yes to all.
+/// Makes a sample fleet in the directory, points the system at it, and puts a screen in place that says yes
+/// to all.
 void MakeFleet(const std::string& directory, int assets, int years);
-/// Whether the screen gives the data files back each time events are let run, which makes every posted row a commit.
+/// Whether the screen gives the data files back each time events are let run, which makes every posted row a
+/// commit.
 extern bool yieldsEachTime;
 /// Resident memory of this process in MB.
 double ResidentMegabytes();

@@ -34,7 +34,8 @@ void OpenAskClose(benchmark::State& state) {
   const std::string path = TheFleet().Main();
   for (auto round : state) {
     auto file = store::Connection::Open({path});
-    auto row = store::Cursor::OpenQuery(file, "SELECT * FROM [Parameters] WHERE [ID] = 1", store::Locking::ReadOnly);
+    auto row =
+        store::Cursor::OpenQuery(file, "SELECT * FROM [Parameters] WHERE [ID] = 1", store::Locking::ReadOnly);
     benchmark::DoNotOptimize(row->Get(0));
   }
 }
@@ -42,7 +43,8 @@ BENCHMARK(OpenAskClose);
 
 void LockAndUnlock(benchmark::State& state) {
   auto file = store::Connection::Open({TheFleet().Main()});
-  auto row = store::Cursor::OpenQuery(file, "SELECT * FROM Vehicles WHERE ID = 3", store::Locking::Pessimistic);
+  auto row =
+      store::Cursor::OpenQuery(file, "SELECT * FROM Vehicles WHERE ID = 3", store::Locking::Pessimistic);
   for (auto round : state) {
     row->Edit();
     row->CancelUpdate();
@@ -52,7 +54,8 @@ BENCHMARK(LockAndUnlock);
 
 void LockEditUpdateUnlock(benchmark::State& state) {
   auto file = store::Connection::Open({TheFleet().Main()});
-  auto row = store::Cursor::OpenQuery(file, "SELECT * FROM Vehicles WHERE ID = 3", store::Locking::Pessimistic);
+  auto row =
+      store::Cursor::OpenQuery(file, "SELECT * FROM Vehicles WHERE ID = 3", store::Locking::Pessimistic);
   const int field = row->FieldIndex("Description");
   int number = 0;
   for (auto round : state) {
@@ -66,14 +69,16 @@ BENCHMARK(LockEditUpdateUnlock)->Unit(benchmark::kMicrosecond);
 void SmallQuery(benchmark::State& state) {
   auto file = store::Connection::Open({TheFleet().Main()});
   for (auto round : state) {
-    auto row = store::Cursor::OpenQuery(file, "SELECT * FROM [Vehicles] WHERE [Asset ID] = 'NONE'", store::Locking::ReadOnly);
+    auto row = store::Cursor::OpenQuery(file, "SELECT * FROM [Vehicles] WHERE [Asset ID] = 'NONE'",
+                                        store::Locking::ReadOnly);
     benchmark::DoNotOptimize(row->AtEnd());
   }
 }
 BENCHMARK(SmallQuery);
 
 void TakeStatementApart(benchmark::State& state) {
-  for (auto round : state) benchmark::DoNotOptimize(store::Normalize("SELECT * FROM [Vehicles] WHERE [Asset ID] = 'TRK-0001'"));
+  for (auto round : state)
+    benchmark::DoNotOptimize(store::Normalize("SELECT * FROM [Vehicles] WHERE [Asset ID] = 'TRK-0001'"));
 }
 BENCHMARK(TakeStatementApart);
 

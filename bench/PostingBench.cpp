@@ -21,36 +21,52 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kAssetSums =
-    "SUM(\"Internal Fuel Units\"), SUM(\"Internal Fuel Cost\"), SUM(\"Oil\"), SUM(\"Oil Cost\"), SUM(\"Time\"), "
-    "SUM(\"Internal Time Cost\"), SUM(\"Outside Fuel Units\"), SUM(\"Outside Fuel Cost\"), SUM(\"Outside Cost\"), "
+    "SUM(\"Internal Fuel Units\"), SUM(\"Internal Fuel Cost\"), SUM(\"Oil\"), SUM(\"Oil Cost\"), "
+    "SUM(\"Time\"), "
+    "SUM(\"Internal Time Cost\"), SUM(\"Outside Fuel Units\"), SUM(\"Outside Fuel Cost\"), SUM(\"Outside "
+    "Cost\"), "
     "SUM(\"Parts Cost\"), SUM(\"Total Internal Cost\"), SUM(\"Total Outside Cost\")";
 constexpr const char* kAssetColumns =
-    "\"Internal Fuel Units\", \"Internal Fuel Cost\", \"Oil Units\", \"Oil Cost\", \"Internal Time\", \"Internal Time Cost\", "
-    "\"Outside Fuel Units\", \"Outside Fuel Cost\", \"Outside Parts Cost\", \"Internal Parts Cost\", \"Total Internal Cost\", "
+    "\"Internal Fuel Units\", \"Internal Fuel Cost\", \"Oil Units\", \"Oil Cost\", \"Internal Time\", "
+    "\"Internal Time Cost\", "
+    "\"Outside Fuel Units\", \"Outside Fuel Cost\", \"Outside Parts Cost\", \"Internal Parts Cost\", \"Total "
+    "Internal Cost\", "
     "\"Total Outside Cost\"";
 
 // Stamps every transaction of an asset on file and sums all of them into the five tables, in one commit.
 void RebuildBySets(PlainFile& file) {
-  const std::string posted = " FROM \"Maintenance Transactions\" AS t JOIN \"Vehicles\" AS v ON v.\"Asset ID\" = t.\"Asset ID\" ";
+  const std::string posted =
+      " FROM \"Maintenance Transactions\" AS t JOIN \"Vehicles\" AS v ON v.\"Asset ID\" = t.\"Asset ID\" ";
   const std::string asset = kAssetSums;
   file.Run("BEGIN IMMEDIATE");
   file.Run(
       "UPDATE \"Maintenance Transactions\" SET \"When Posted\" = '2026-06-30 12:00:00', "
-      "\"Total Internal Cost\" = \"Internal Fuel Cost\" + \"Oil Cost\" + \"Internal Time Cost\" + \"Parts Cost\", "
+      "\"Total Internal Cost\" = \"Internal Fuel Cost\" + \"Oil Cost\" + \"Internal Time Cost\" + \"Parts "
+      "Cost\", "
       "\"Total Outside Cost\" = \"Outside Oil Cost\" + \"Outside Fuel Cost\" + \"Outside Cost\" "
       "WHERE \"When Posted\" IS NULL AND EXISTS (SELECT 1 FROM \"Vehicles\" AS v WHERE v.\"Asset ID\" = "
       "\"Maintenance Transactions\".\"Asset ID\")");
-  file.Run("INSERT INTO \"Assets Period Costs\" (\"Asset ID\", \"Fiscal Year\", \"Period\", " + std::string(kAssetColumns) +
-           ") SELECT t.\"Asset ID\", t.\"Year\", t.\"Period\", " + asset + posted + "GROUP BY 1, 2, 3");
-  file.Run("INSERT INTO \"Assets Annual Costs\" (\"Asset ID\", \"Fiscal Year\", " + std::string(kAssetColumns) +
-           ") SELECT t.\"Asset ID\", t.\"Year\", " + asset + posted + "GROUP BY 1, 2");
-  file.Run("INSERT INTO \"Assets Lifetime Costs\" (\"Asset ID\", " + std::string(kAssetColumns) + ") SELECT t.\"Asset ID\", " + asset +
-           posted + "GROUP BY 1");
-  const std::string fuel = "SUM(\"Internal Fuel Units\"), SUM(\"Internal Fuel Cost\"), SUM(\"Outside Fuel Units\"), SUM(\"Outside Fuel Cost\")";
-  file.Run("INSERT INTO \"Fuel Period Costs\" (\"Fuel Type ID\", \"Fiscal Year\", \"Period\", \"Internal Units\", \"Internal Cost\", "
-           "\"Outside Units\", \"Outside Cost\") SELECT v.\"Fuel Type\", t.\"Year\", t.\"Period\", " + fuel + posted + "GROUP BY 1, 2, 3");
-  file.Run("INSERT INTO \"Fuel Annual Costs\" (\"Fuel Type ID\", \"Fiscal Year\", \"Internal Units\", \"Internal Cost\", "
-           "\"Outside Units\", \"Outside Cost\") SELECT v.\"Fuel Type\", t.\"Year\", " + fuel + posted + "GROUP BY 1, 2");
+  file.Run("INSERT INTO \"Assets Period Costs\" (\"Asset ID\", \"Fiscal Year\", \"Period\", " +
+           std::string(kAssetColumns) + ") SELECT t.\"Asset ID\", t.\"Year\", t.\"Period\", " + asset +
+           posted + "GROUP BY 1, 2, 3");
+  file.Run("INSERT INTO \"Assets Annual Costs\" (\"Asset ID\", \"Fiscal Year\", " +
+           std::string(kAssetColumns) + ") SELECT t.\"Asset ID\", t.\"Year\", " + asset + posted +
+           "GROUP BY 1, 2");
+  file.Run("INSERT INTO \"Assets Lifetime Costs\" (\"Asset ID\", " + std::string(kAssetColumns) +
+           ") SELECT t.\"Asset ID\", " + asset + posted + "GROUP BY 1");
+  const std::string fuel =
+      "SUM(\"Internal Fuel Units\"), SUM(\"Internal Fuel Cost\"), SUM(\"Outside Fuel Units\"), SUM(\"Outside "
+      "Fuel Cost\")";
+  file.Run(
+      "INSERT INTO \"Fuel Period Costs\" (\"Fuel Type ID\", \"Fiscal Year\", \"Period\", \"Internal Units\", "
+      "\"Internal Cost\", "
+      "\"Outside Units\", \"Outside Cost\") SELECT v.\"Fuel Type\", t.\"Year\", t.\"Period\", " +
+      fuel + posted + "GROUP BY 1, 2, 3");
+  file.Run(
+      "INSERT INTO \"Fuel Annual Costs\" (\"Fuel Type ID\", \"Fiscal Year\", \"Internal Units\", \"Internal "
+      "Cost\", "
+      "\"Outside Units\", \"Outside Cost\") SELECT v.\"Fuel Type\", t.\"Year\", " +
+      fuel + posted + "GROUP BY 1, 2");
   file.Run("COMMIT");
 }
 
@@ -58,7 +74,8 @@ void RebuildBySets(PlainFile& file) {
 class SecondWriter {
  public:
   explicit SecondWriter(const std::string& path) {
-    shared_ = static_cast<Shared*>(mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    shared_ = static_cast<Shared*>(
+        mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     child_ = fork();
     if (child_ != 0) return;
     auto file = store::Connection::Open({path});
@@ -85,7 +102,8 @@ class SecondWriter {
     waitpid(child_, nullptr, 0);
     bench::Tell("  the second process wrote meanwhile", static_cast<double>(shared_->writes), "rows");
     bench::Tell("  its longest wait", shared_->longest * 1000, "ms");
-    if (shared_->writes > 0) bench::Tell("  its mean wait", shared_->sum / static_cast<double>(shared_->writes) * 1000, "ms");
+    if (shared_->writes > 0)
+      bench::Tell("  its mean wait", shared_->sum / static_cast<double>(shared_->writes) * 1000, "ms");
   }
 
  private:

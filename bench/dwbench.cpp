@@ -1,4 +1,5 @@
-// Measures the system on fleets that it makes itself: dwbench posting|list|due [size], dwbench micro [benchmark options].
+// Measures the system on fleets that it makes itself: dwbench posting|list|due [size], dwbench micro
+// [benchmark options].
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -85,17 +85,29 @@ void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& 
   group.Finish();
 }
 
+/// The statements run one after the other, outside any transaction. They share one commit, so that a run that
+/// dies among them cannot leave rows that say posted beside cost tables that are empty; and where one is
+/// refused, because somebody holds a transaction, nothing has been cleared.
+void ClearCosts(MainFile& file, const PostingProgress& progress) {
+  file.Workspace().EnterGroup();
+  try {
+    for (const auto& [text, statement] : kClearing) {
+      TellStatus(progress, text);
+      file.Database().Execute(statement);
+    }
+    file.Workspace().FinishGroup();
+  } catch (...) {
+    file.Workspace().AbandonGroup();
+    throw;
+  }
+}
+
 PostingCounts Run(bool clearFirst, const PostingProgress& progress) {
   const screen::Hourglass hourglass;
   PostingCounts counts;
   MainFile file;
   if (!file.IsOpen()) return counts;
-  if (clearFirst) {
-    for (const auto& [text, statement] : kClearing) {
-      TellStatus(progress, text);
-      file.Database().Execute(statement);
-    }
-  }
+  if (clearFirst) ClearCosts(file, progress);
   TellStatus(progress, "Posting. Please stand by...");
   DaoRecordsetPtr transactions =
       file.Database().OpenRecordset("Maintenance Transactions", dao::RecordsetType::Table);

@@ -36,7 +36,7 @@ struct Accumulators {
 /// What a posting run tells while it goes on; each may be empty.
 struct PostingProgress {
   std::function<void(const std::string&)> status;  ///< the stage: "Clearing Assets Period Costs..." …
-  std::function<void(int)> percent;                ///< 0 when the rows begin; to 100, after each, posted or not
+  std::function<void(int)> percent;  ///< 0 when the rows begin; to 100, after each, posted or not
 };
 
 /// What the run did; the program's own windows show none of it.

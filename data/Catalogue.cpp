@@ -132,11 +132,11 @@ CatalogueFile MainFile() {
              Flag({"No_Longer_In_Service"}), Picture({"Photograph"}),
              Money({"Life Maintenance Cost", "Life Operational Cost", "Life Fuel Cost", "Life Usage Cost"}),
              Text(kAssetCode, {"Secondary Asset ID"}), Notes(), Audit()},
-            {Unique("Asset ID", {"Asset ID"}), Index("Division ID", {"Division ID"}),
+            {Index("Asset ID", {"Asset ID"}), Index("Division ID", {"Division ID"}),
              Index("Class ID", {"Class ID"}), Index("Fuel Type", {"Fuel Type"})}),
 
-      // Codes of divisions and classes may be blank, and more than once: a row that is being entered has none
-      // yet.
+      // Codes of assets, divisions and classes may be blank, and more than once: a row that is being entered
+      // has none yet.
       Table("Divisions", {Counter(), Text(kGroupCode, {"Division ID"}), Description(), Notes(), Audit()},
             {Index("Division ID", {"Division ID"})}),
       Table("Inventory Classes", {Counter(), Text(kGroupCode, {"Class ID"}), Description(), Notes(), Audit()},

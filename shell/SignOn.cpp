@@ -80,8 +80,10 @@ void TellFailure(const Failure& failure, const std::string& purpose) {
 /// Writes the end of the session; throws ado::Error when the row cannot be read or taken.
 void CloseNewestRow(const AdoConnectionPtr& connection) {
   const std::string user = std::to_string(CurrentUserID);
+  // Of sessions that began within one second the last one to sign on is the newest.
   AdoRecordsetPtr log = AdoOpenRecordset(
-      connection, "SELECT * FROM [Access Log] WHERE [User ID] = " + user + " ORDER BY [Time In] DESC",
+      connection,
+      "SELECT * FROM [Access Log] WHERE [User ID] = " + user + " ORDER BY [Time In] DESC, [ID] DESC",
       ado::adOpenKeyset, ado::adLockPessimistic);
   if (!log) return;
   const std::string notFound = "User #" + user + " cannot be found in Application User List.";

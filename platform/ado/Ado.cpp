@@ -25,7 +25,7 @@ std::int32_t NumberOf(int number, bool writingBack, bool executing) {
   }
   switch (number) {
     case store::kSyntax:
-    case store::kAmbiguous:
+    case store::kAmbiguousColumn:
     case store::kSelectNotExecuted:
       return kSyntax;
     case store::kTableNotFound:
@@ -62,9 +62,13 @@ std::string ValueOf(std::string_view text, std::string_view key) {
   return {};
 }
 
+// A table may be called "Select and Sort Queries", so the first word alone does not make a query.
 bool IsSelect(std::string_view source) {
   const auto start = source.find_first_not_of(" \t\r\n");
-  return start != std::string_view::npos && rt::EqualNoCase(source.substr(start, 6), "SELECT");
+  if (start == std::string_view::npos || !rt::EqualNoCase(source.substr(start, 6), "SELECT")) return false;
+  for (auto at = start + 6; at + 4 <= source.size(); ++at)
+    if (rt::EqualNoCase(source.substr(at, 4), "FROM")) return true;
+  return false;
 }
 
 }  // namespace
@@ -90,11 +94,13 @@ store::Connection& Connection::Opened() {
 void Connection::Open(const std::string& connectionString) {
   store::OpenRequest request;
   request.path = ValueOf(connectionString, "Data Source");
-  if (rt::EqualNoCase(ValueOf(connectionString, "Mode"), "Share Exclusive")) request.share = store::Share::Exclusive;
+  if (rt::EqualNoCase(ValueOf(connectionString, "Mode"), "Share Exclusive"))
+    request.share = store::Share::Exclusive;
   try {
     const std::string provider = ValueOf(connectionString, "Provider");
     if (!rt::EqualNoCase(provider.substr(0, 14), "Microsoft.Jet.") || request.path.empty())
-      throw StoreError(store::kCannotStart, "This program cannot reach the data source '" + connectionString + "'.");
+      throw StoreError(store::kCannotStart,
+                       "This program cannot reach the data source '" + connectionString + "'.");
     connection_ = store::Connection::Open(request);
   } catch (const StoreError& error) {
     Fail(error, Work::Opening);
@@ -103,7 +109,8 @@ void Connection::Open(const std::string& connectionString) {
 
 std::int64_t Connection::Execute(std::string_view sql) {
   try {
-    return Opened().Execute(sql);
+    Opened().SetPatience(CommandTimeout * 1000);
+    return connection_->Execute(sql);
   } catch (const StoreError& error) {
     Fail(error, Work::Executing);
   }
@@ -144,7 +151,8 @@ void Connection::Close() {
 // --- Recordset
 
 store::Cursor& Recordset::Cursor() {
-  if (!cursor_ || !connection_ || !connection_->IsOpen()) throw Error(kClosed, 0, "Operation is not allowed when the object is closed.");
+  if (!cursor_ || !connection_ || !connection_->IsOpen())
+    throw Error(kClosed, 0, "Operation is not allowed when the object is closed.");
   return *cursor_;
 }
 
@@ -162,7 +170,8 @@ void Recordset::Open(std::string_view source, const std::shared_ptr<Connection>&
   const auto locking = lock == adLockReadOnly      ? store::Locking::ReadOnly
                        : lock == adLockPessimistic ? store::Locking::Pessimistic
                                                    : store::Locking::Optimistic;
-  const std::string query = IsSelect(source) ? std::string(source) : "SELECT * FROM [" + std::string(source) + "]";
+  const std::string query =
+      IsSelect(source) ? std::string(source) : "SELECT * FROM [" + std::string(source) + "]";
   connection->Opened();
   try {
     cursor_ = store::Cursor::OpenQuery(connection->Store(), query, locking);
@@ -200,7 +209,8 @@ void Recordset::MovePrevious() {
 void Recordset::Move(std::int64_t rows) {
   if (rows == 0) return;
   StoreBeforeMove();
-  Guard(Connection::Work::Reading, [rows](store::Cursor& cursor) { cursor.MoveTo(cursor.Position() + rows); });
+  Guard(Connection::Work::Reading,
+        [rows](store::Cursor& cursor) { cursor.MoveTo(cursor.Position() + rows); });
 }
 
 rt::Value Recordset::Get(std::string_view column) { return Get(FieldIndex(column)); }
@@ -225,7 +235,9 @@ void Recordset::Set(int field, const rt::Value& value) {
   });
 }
 
-const std::vector<store::FieldInfo>& Recordset::Fields() const { return const_cast<Recordset*>(this)->Cursor().Fields(); }
+const std::vector<store::FieldInfo>& Recordset::Fields() const {
+  return const_cast<Recordset*>(this)->Cursor().Fields();
+}
 
 void Recordset::AddNew() {
   StoreBeforeMove();
@@ -281,34 +293,56 @@ void Recordset::Close() {
 
 int TypeCode(store::ColumnType type) {
   switch (type) {
-    case store::ColumnType::Boolean: return 11;
-    case store::ColumnType::Short: return 2;
+    case store::ColumnType::Boolean:
+      return 11;
+    case store::ColumnType::Short:
+      return 2;
     case store::ColumnType::Counter:
-    case store::ColumnType::Long: return 3;
-    case store::ColumnType::Single: return 4;
-    case store::ColumnType::Double: return 5;
-    case store::ColumnType::Currency: return 6;
-    case store::ColumnType::DateTime: return 7;
-    case store::ColumnType::Text: return 202;
-    case store::ColumnType::Memo: return 203;
-    case store::ColumnType::LongBinary: return 205;
+    case store::ColumnType::Long:
+      return 3;
+    case store::ColumnType::Single:
+      return 4;
+    case store::ColumnType::Double:
+      return 5;
+    case store::ColumnType::Currency:
+      return 6;
+    case store::ColumnType::DateTime:
+      return 7;
+    case store::ColumnType::Text:
+      return 202;
+    case store::ColumnType::Memo:
+      return 203;
+    case store::ColumnType::LongBinary:
+      return 205;
   }
   return 0;
 }
 
 store::ColumnType TypeOfCode(int code) {
   switch (code) {
-    case 11: return store::ColumnType::Boolean;
-    case 2: return store::ColumnType::Short;
-    case 3: return store::ColumnType::Long;
-    case 4: return store::ColumnType::Single;
-    case 5: return store::ColumnType::Double;
-    case 6: return store::ColumnType::Currency;
-    case 7: return store::ColumnType::DateTime;
-    case 202: return store::ColumnType::Text;
-    case 203: return store::ColumnType::Memo;
-    case 205: return store::ColumnType::LongBinary;
-    default: throw Error(kErrorsOccurred, store::kTypeMismatch, "There is no column type " + std::to_string(code) + ".");
+    case 11:
+      return store::ColumnType::Boolean;
+    case 2:
+      return store::ColumnType::Short;
+    case 3:
+      return store::ColumnType::Long;
+    case 4:
+      return store::ColumnType::Single;
+    case 5:
+      return store::ColumnType::Double;
+    case 6:
+      return store::ColumnType::Currency;
+    case 7:
+      return store::ColumnType::DateTime;
+    case 202:
+      return store::ColumnType::Text;
+    case 203:
+      return store::ColumnType::Memo;
+    case 205:
+      return store::ColumnType::LongBinary;
+    default:
+      throw Error(kErrorsOccurred, store::kTypeMismatch,
+                  "There is no column type " + std::to_string(code) + ".");
   }
 }
 
@@ -341,7 +375,8 @@ std::vector<Column> Catalog::Columns(std::string_view table) {
     const auto schema = store.Tables();
     const auto* found = schema->Find(table);
     if (!found) throw StoreError(store::kItemNotFound, "There is no table '" + std::string(table) + "'.");
-    for (const auto& column : found->columns) columns.push_back({column.name, TypeCode(column.type), column.size});
+    for (const auto& column : found->columns)
+      columns.push_back({column.name, TypeCode(column.type), column.size});
     return columns;
   });
 }
@@ -351,7 +386,8 @@ void Catalog::AppendColumn(std::string_view table, const Column& column, bool nu
     store::ColumnInfo info;
     info.name = column.name;
     info.type = TypeOfCode(column.type);
-    info.size = info.type == store::ColumnType::Text ? (column.definedSize > 0 ? column.definedSize : 255) : 0;
+    info.size =
+        info.type == store::ColumnType::Text ? (column.definedSize > 0 ? column.definedSize : 255) : 0;
     info.required = !nullable;
     info.defaultTrue = defaultTrue;
     store.AddColumn(table, info);

@@ -14,12 +14,12 @@
 namespace ado {
 
 /// Error numbers of the provider.
-constexpr std::int32_t kUnspecified = -2147467259;    // 80004005: locked, in use
-constexpr std::int32_t kErrorsOccurred = -2147217887;  // 80040E21
-constexpr std::int32_t kProviderFailure = -2147217888;  // 80040E20: the write-back of a locked record
-constexpr std::int32_t kTimeout = -2147217871;        // 80040E31
-constexpr std::int32_t kSyntax = -2147217900;         // 80040E14
-constexpr std::int32_t kNoTable = -2147217865;        // 80040E37
+constexpr std::int32_t kUnspecified = -2147467259;       // 80004005: locked, in use
+constexpr std::int32_t kErrorsOccurred = -2147217887;    // 80040E21
+constexpr std::int32_t kProviderFailure = -2147217888;   // 80040E20: the write-back of a locked record
+constexpr std::int32_t kTimeout = -2147217871;           // 80040E31
+constexpr std::int32_t kSyntax = -2147217900;            // 80040E14
+constexpr std::int32_t kNoTable = -2147217865;           // 80040E37
 constexpr std::int32_t kTooFewParameters = -2147217904;  // 80040E10
 constexpr std::int32_t kClosed = 3704;
 /// Native number of a file that was not found.
@@ -59,8 +59,8 @@ class Connection {
   int CommandTimeout = 30;     ///< seconds
   int ConnectionTimeout = 15;  ///< seconds
 
-  /// Reads "Data Source=", "Mode=Share Exclusive" and "Mode=Share Deny None" from the string. Throws Error; every error is
-  /// also added to Errors.
+  /// Reads "Data Source=", "Mode=Share Exclusive" and "Mode=Share Deny None" from the string. Throws Error;
+  /// every error is also added to Errors.
   void Open(const std::string& connectionString);
   bool IsOpen() const { return connection_ != nullptr; }
   /// Records affected. 80004005 (native 3260) when a record that it touches is held elsewhere.
@@ -90,8 +90,8 @@ class Connection {
 class Recordset {
  public:
   /// A SELECT or a table's name. Dynamic and keyset cursors are alike here.
-  void Open(std::string_view source, const std::shared_ptr<Connection>& connection, int cursor = adOpenForwardOnly,
-            int lock = adLockReadOnly);
+  void Open(std::string_view source, const std::shared_ptr<Connection>& connection,
+            int cursor = adOpenForwardOnly, int lock = adLockReadOnly);
   bool IsOpen() const { return cursor_ != nullptr; }
   const std::shared_ptr<Connection>& ActiveConnection() const { return connection_; }
 
@@ -102,11 +102,13 @@ class Recordset {
   void MoveLast();
   void MoveNext();
   void MovePrevious();
-  /// Moving to another row stores an edit that is in hand, as this model has it. Relative to the place; 0 stays and stores nothing.
+  /// Moving to another row stores an edit that is in hand, as this model has it. Relative to the place; 0
+  /// stays and stores nothing.
   void Move(std::int64_t rows);
 
   rt::Value Get(std::string_view column);
-  /// Begins an edit where there is none: a pessimistic cursor takes the record (80040E20 when it is held elsewhere).
+  /// Begins an edit where there is none: a pessimistic cursor takes the record (80040E20 when it is held
+  /// elsewhere).
   void Set(std::string_view column, const rt::Value& value);
   int FieldIndex(std::string_view column) const;
   rt::Value Get(int field);
@@ -119,7 +121,8 @@ class Recordset {
   void CancelUpdate();
   /// The current row. 80004005 when the record is held elsewhere.
   void Delete();
-  /// Looks forward from the place (from the first row when asked) for a condition such as "[ID] = 5"; at the end if none.
+  /// Looks forward from the place (from the first row when asked) for a condition such as "[ID] = 5"; at the
+  /// end if none.
   void Find(std::string_view condition, bool fromFirst = false);
   store::Bookmark Bookmark();
   void SetBookmark(const store::Bookmark& mark);
@@ -148,8 +151,8 @@ class Field {
   int index_;
 };
 
-/// Type codes of the catalogue: 2 small integer, 3 integer, 4 single, 5 double, 6 currency, 7 date, 11 Boolean,
-/// 202 text, 203 memo, 205 long binary.
+/// Type codes of the catalogue: 2 small integer, 3 integer, 4 single, 5 double, 6 currency, 7 date, 11
+/// Boolean, 202 text, 203 memo, 205 long binary.
 int TypeCode(store::ColumnType type);
 store::ColumnType TypeOfCode(int code);
 
@@ -165,7 +168,8 @@ class Catalog {
   explicit Catalog(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {}
   std::vector<std::string> Tables();
   std::vector<Column> Columns(std::string_view table);
-  /// `nullable` false makes a column that is never Null, with `defaultTrue` as the value of a Boolean's existing rows.
+  /// `nullable` false makes a column that is never Null, with `defaultTrue` as the value of a Boolean's
+  /// existing rows.
   void AppendColumn(std::string_view table, const Column& column, bool nullable, bool defaultTrue);
   void RenameColumn(std::string_view table, std::string_view column, std::string_view newName);
 

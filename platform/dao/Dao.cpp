@@ -15,20 +15,40 @@ store::ColumnInfo ToColumn(const Field& field) {
   const bool text = field.type == dbText || field.type == dbMemo;
   column.allowZeroLength = !text || field.allowZeroLength;
   switch (field.type) {
-    case dbBoolean: column.type = store::ColumnType::Boolean; break;
-    case dbInteger: column.type = store::ColumnType::Short; break;
-    case dbLong:
-      column.type = (field.attributes & dbAutoIncrField) ? store::ColumnType::Counter : store::ColumnType::Long;
+    case dbBoolean:
+      column.type = store::ColumnType::Boolean;
       break;
-    case dbCurrency: column.type = store::ColumnType::Currency; break;
-    case dbSingle: column.type = store::ColumnType::Single; break;
-    case dbDouble: column.type = store::ColumnType::Double; break;
-    case dbDate: column.type = store::ColumnType::DateTime; break;
-    case dbText: column.type = store::ColumnType::Text; break;
-    case dbLongBinary: column.type = store::ColumnType::LongBinary; break;
-    case dbMemo: column.type = store::ColumnType::Memo; break;
+    case dbInteger:
+      column.type = store::ColumnType::Short;
+      break;
+    case dbLong:
+      column.type =
+          (field.attributes & dbAutoIncrField) ? store::ColumnType::Counter : store::ColumnType::Long;
+      break;
+    case dbCurrency:
+      column.type = store::ColumnType::Currency;
+      break;
+    case dbSingle:
+      column.type = store::ColumnType::Single;
+      break;
+    case dbDouble:
+      column.type = store::ColumnType::Double;
+      break;
+    case dbDate:
+      column.type = store::ColumnType::DateTime;
+      break;
+    case dbText:
+      column.type = store::ColumnType::Text;
+      break;
+    case dbLongBinary:
+      column.type = store::ColumnType::LongBinary;
+      break;
+    case dbMemo:
+      column.type = store::ColumnType::Memo;
+      break;
     default:
-      throw StoreError(store::kSyntax, "Field '" + field.name + "' has the unknown type " + std::to_string(field.type) + ".");
+      throw StoreError(store::kSyntax,
+                       "Field '" + field.name + "' has the unknown type " + std::to_string(field.type) + ".");
   }
   return column;
 }
@@ -39,17 +59,49 @@ Field ToField(const store::ColumnInfo& column) {
   field.required = column.required;
   field.allowZeroLength = column.allowZeroLength;
   switch (column.type) {
-    case store::ColumnType::Counter: field.type = dbLong; field.attributes = dbAutoIncrField; field.size = 4; break;
-    case store::ColumnType::Boolean: field.type = dbBoolean; field.size = 1; break;
-    case store::ColumnType::Short: field.type = dbInteger; field.size = 2; break;
-    case store::ColumnType::Long: field.type = dbLong; field.size = 4; break;
-    case store::ColumnType::Single: field.type = dbSingle; field.size = 4; break;
-    case store::ColumnType::Double: field.type = dbDouble; field.size = 8; break;
-    case store::ColumnType::Currency: field.type = dbCurrency; field.size = 8; break;
-    case store::ColumnType::DateTime: field.type = dbDate; field.size = 8; break;
-    case store::ColumnType::Text: field.type = dbText; field.size = column.size; break;
-    case store::ColumnType::Memo: field.type = dbMemo; break;
-    case store::ColumnType::LongBinary: field.type = dbLongBinary; break;
+    case store::ColumnType::Counter:
+      field.type = dbLong;
+      field.attributes = dbAutoIncrField;
+      field.size = 4;
+      break;
+    case store::ColumnType::Boolean:
+      field.type = dbBoolean;
+      field.size = 1;
+      break;
+    case store::ColumnType::Short:
+      field.type = dbInteger;
+      field.size = 2;
+      break;
+    case store::ColumnType::Long:
+      field.type = dbLong;
+      field.size = 4;
+      break;
+    case store::ColumnType::Single:
+      field.type = dbSingle;
+      field.size = 4;
+      break;
+    case store::ColumnType::Double:
+      field.type = dbDouble;
+      field.size = 8;
+      break;
+    case store::ColumnType::Currency:
+      field.type = dbCurrency;
+      field.size = 8;
+      break;
+    case store::ColumnType::DateTime:
+      field.type = dbDate;
+      field.size = 8;
+      break;
+    case store::ColumnType::Text:
+      field.type = dbText;
+      field.size = column.size;
+      break;
+    case store::ColumnType::Memo:
+      field.type = dbMemo;
+      break;
+    case store::ColumnType::LongBinary:
+      field.type = dbLongBinary;
+      break;
   }
   return field;
 }
@@ -59,9 +111,13 @@ std::string WithoutBrackets(std::string_view name) {
   return std::string(name);
 }
 
+// A table may be called "Select and Sort Queries", so the first word alone does not make a query.
 bool IsSelect(std::string_view source) {
   const auto start = source.find_first_not_of(" \t\r\n");
-  return start != std::string_view::npos && rt::EqualNoCase(source.substr(start, 6), "SELECT");
+  if (start == std::string_view::npos || !rt::EqualNoCase(source.substr(start, 6), "SELECT")) return false;
+  for (auto at = start + 6; at + 4 <= source.size(); ++at)
+    if (rt::EqualNoCase(source.substr(at, 4), "FROM")) return true;
+  return false;
 }
 
 }  // namespace
@@ -81,7 +137,9 @@ void Recordset::MoveLast() { Cursor().MoveLast(); }
 void Recordset::MoveNext() { Cursor().MoveNext(); }
 void Recordset::MovePrevious() { Cursor().MovePrevious(); }
 rt::Value Recordset::Get(std::string_view column) { return Cursor().Get(FieldIndex(column)); }
-void Recordset::Set(std::string_view column, const rt::Value& value) { Cursor().Set(FieldIndex(column), value); }
+void Recordset::Set(std::string_view column, const rt::Value& value) {
+  Cursor().Set(FieldIndex(column), value);
+}
 
 int Recordset::FieldIndex(std::string_view column) const {
   if (!cursor_) throw StoreError(store::kItemNotFound, "The recordset is closed.");
@@ -106,7 +164,9 @@ void Recordset::FindFirst(std::string_view condition) { Cursor().FindFirst(condi
 void Recordset::FindNext(std::string_view condition) { Cursor().FindNext(condition); }
 store::Bookmark Recordset::Bookmark() { return Cursor().Mark(); }
 void Recordset::SetBookmark(const store::Bookmark& mark) { Cursor().GoTo(mark); }
-store::Bookmark Recordset::LastModified() const { return cursor_ ? cursor_->LastModified() : store::Bookmark{}; }
+store::Bookmark Recordset::LastModified() const {
+  return cursor_ ? cursor_->LastModified() : store::Bookmark{};
+}
 void Recordset::Requery() { Cursor().Requery(); }
 void Recordset::Close() { cursor_.reset(); }
 
@@ -172,18 +232,21 @@ store::Connection& Database::Connection() {
   return *connection_;
 }
 
-std::shared_ptr<Recordset> Database::OpenRecordset(std::string_view source, RecordsetType type, Access access) {
+std::shared_ptr<Recordset> Database::OpenRecordset(std::string_view source, RecordsetType type,
+                                                   Access access) {
   Connection();
   const bool readOnly = access == Access::ReadOnly || type == RecordsetType::Snapshot;
   const auto locking = readOnly ? store::Locking::ReadOnly : store::Locking::Pessimistic;
   std::unique_ptr<store::Cursor> cursor;
   if (IsSelect(source)) {
-    if (type == RecordsetType::Table) throw StoreError(store::kTableNotFound, "A table recordset needs a table's name, not a query.");
+    if (type == RecordsetType::Table)
+      throw StoreError(store::kTableNotFound, "A table recordset needs a table's name, not a query.");
     cursor = store::Cursor::OpenQuery(connection_, source, locking);
   } else if (type == RecordsetType::Table) {
     cursor = store::Cursor::OpenTable(connection_, WithoutBrackets(source), locking);
   } else {
-    cursor = store::Cursor::OpenQuery(connection_, "SELECT * FROM [" + WithoutBrackets(source) + "]", locking);
+    cursor =
+        store::Cursor::OpenQuery(connection_, "SELECT * FROM [" + WithoutBrackets(source) + "]", locking);
   }
   auto recordset = std::make_shared<Recordset>(std::move(cursor));
   std::erase_if(recordsets_, [](const auto& opened) { return opened.expired(); });
@@ -290,7 +353,8 @@ void Workspace::Close() {
 
 namespace DBEngine {
 
-std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::string& user, const std::string&, int) {
+std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::string& user,
+                                           const std::string&, int) {
   return std::make_shared<Workspace>(name, user);
 }
 

@@ -21,8 +21,16 @@ using store::StoreError;
 
 /// Type codes of columns.
 enum FieldType : int {
-  dbBoolean = 1, dbInteger = 3, dbLong = 4, dbCurrency = 5, dbSingle = 6, dbDouble = 7, dbDate = 8,
-  dbText = 10, dbLongBinary = 11, dbMemo = 12,
+  dbBoolean = 1,
+  dbInteger = 3,
+  dbLong = 4,
+  dbCurrency = 5,
+  dbSingle = 6,
+  dbDouble = 7,
+  dbDate = 8,
+  dbText = 10,
+  dbLongBinary = 11,
+  dbMemo = 12,
 };
 constexpr int dbAutoIncrField = 16;
 constexpr int dbUseJet = 2;
@@ -98,8 +106,8 @@ struct Index {
   bool unique = false;
 };
 
-/// A table's definition: of a stored table (each change goes to the file at once), or of one that is still being built
-/// and is stored by Database::AppendTable.
+/// A table's definition: of a stored table (each change goes to the file at once), or of one that is still
+/// being built and is stored by Database::AppendTable.
 class TableDef {
  public:
   explicit TableDef(std::string name) : name_(std::move(name)) {}
@@ -122,7 +130,8 @@ class TableDef {
 class Database {
  public:
   /// A table's name (with or without brackets) or a SELECT. Table type needs a table's name.
-  std::shared_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type = RecordsetType::Dynaset,
+  std::shared_ptr<Recordset> OpenRecordset(std::string_view source,
+                                           RecordsetType type = RecordsetType::Dynaset,
                                            Access access = Access::ReadWrite);
   /// Runs a statement; the number of records that it changed.
   std::int64_t Execute(std::string_view sql);
@@ -154,7 +163,8 @@ class Workspace {
  public:
   Workspace(std::string name, std::string user) : name_(std::move(name)), user_(std::move(user)) {}
   const std::string& Name() const { return name_; }
-  std::shared_ptr<Database> OpenDatabase(const std::string& path, bool exclusive = false, bool readOnly = false);
+  std::shared_ptr<Database> OpenDatabase(const std::string& path, bool exclusive = false,
+                                         bool readOnly = false);
   void BeginTrans();
   void CommitTrans(Commit how = Commit::Now);
   /// 3034 without a transaction.

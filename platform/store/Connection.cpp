@@ -49,6 +49,10 @@ const std::string& Connection::Path() const { return impl_->Request().path; }
 bool Connection::ReadOnly() const { return impl_->Request().readOnly; }
 SideFile& Connection::Side() { return impl_->Side(); }
 
+void Connection::SetPatience(int milliseconds) {
+  impl_->Db().SetPatience(std::chrono::milliseconds(milliseconds));
+}
+
 std::shared_ptr<const QueryPlan> Connection::Plan(std::string_view sql, std::vector<rt::Value>* parameters) {
   Normalized statement = Normalize(sql);
   auto plan = impl_->Db().Plan(statement);

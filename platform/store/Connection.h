@@ -22,8 +22,8 @@ struct OpenRequest {
   bool readOnly = false;
 };
 
-/// The computer and user that rosters and refusals name: at first the machine's name and "admin"; the sign-on sets the
-/// workstation's name and the user's.
+/// The computer and user that rosters and refusals name: at first the machine's name and "admin"; the sign-on
+/// sets the workstation's name and the user's.
 void SetIdentity(const std::string& computer, const std::string& user);
 const std::string& IdentityComputer();
 const std::string& IdentityUser();
@@ -31,21 +31,21 @@ const std::string& IdentityUser();
 /// How a transaction is committed.
 enum class Commit {
   Now,        ///< on the disk when the call returns
-  WithGroup,  ///< whole or not at all, and on the disk with the others of its group: within 1,000 commits or 50 ms, before
-              ///< the program waits for anything, and at FinishGroup at the latest
+  WithGroup,  ///< whole or not at all, and on the disk with the others of its group: within 1,000 commits or
+              ///< 50 ms, before the program waits for anything, and at FinishGroup at the latest
 };
 
 struct QueryPlan;
 
 /// A data file, opened. Everything throws StoreError. The object is one owner of record locks (see SideFile).
 ///
-/// A transaction costs nothing until its first write, and it never keeps the file from others while the program waits
-/// for a person: before a message box or a sleep its writes are taken back and written again when it goes on. The
-/// records it touched stay held all the time.
+/// A transaction costs nothing until its first write, and it never keeps the file from others while the
+/// program waits for a person: before a message box or a sleep its writes are taken back and written again
+/// when it goes on. The records it touched stay held all the time.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  /// 3024 no such file, 3044 no such directory, 3051 a directory under the file's name or no permission, 3343 not a data file (empty files,
-  /// texts and damaged headers), 3045 and 3356 as SideFile::Enter.
+  /// 3024 no such file, 3044 no such directory, 3051 a directory under the file's name or no permission, 3343
+  /// not a data file (empty files, texts and damaged headers), 3045 and 3356 as SideFile::Enter.
   static std::shared_ptr<Connection> Open(const OpenRequest& request);
   /// Makes an empty data file. 3204 when something of that name exists already.
   static void Create(const std::string& path);
@@ -57,9 +57,12 @@ class Connection : public std::enable_shared_from_this<Connection> {
   bool ReadOnly() const;
   SideFile& Side();
 
+  /// How long a write waits for another writer before it fails with 3188; 15 seconds unless set.
+  void SetPatience(int milliseconds);
+
   // --- statements
-  /// Runs a statement that gives no rows; the number of records that it changed. 3260 when it touches a record that
-  /// another holds: then nothing is changed.
+  /// Runs a statement that gives no rows; the number of records that it changed. 3260 when it touches a
+  /// record that another holds: then nothing is changed.
   std::int64_t Execute(std::string_view sql);
   /// The translation of a query, kept for statements of the same shape.
   std::shared_ptr<const QueryPlan> Plan(std::string_view sql, std::vector<rt::Value>* parameters);
@@ -73,8 +76,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void FinishGroup();
   /// Takes back what a group still keeps back and ends it.
   void AbandonGroup();
-  /// Starts writing now, so that what is read next cannot change before the group is committed. Only between BeginTrans
-  /// … CommitTrans(WithGroup) pairs; the group's limits hold from here.
+  /// Starts writing now, so that what is read next cannot change before the group is committed. Only between
+  /// BeginTrans … CommitTrans(WithGroup) pairs; the group's limits hold from here.
   void EnterGroup();
 
   // --- definitions; each is refused (3009) while another holds a record of the table
@@ -100,13 +103,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::unique_ptr<Impl> impl_;
 };
 
-/// Gives every file back to other users: commits the groups of all connections of this process and takes back what
-/// unfinished transactions have written, to be written again when they go on. Called before every wait.
+/// Gives every file back to other users: commits the groups of all connections of this process and takes back
+/// what unfinished transactions have written, to be written again when they go on. Called before every wait.
 void YieldFiles();
 
-/// Copies a closed file to `target`, without the space of deleted records. 3196 while anyone has it open, 3183 for a full
-/// disk, 3343 for a file that cannot be read, 3204 when the target exists. The source stays closed to everybody for as long
-/// as the result lives, so that the copy can take its place before anything is written to it.
+/// Copies a closed file to `target`, without the space of deleted records. 3196 while anyone has it open,
+/// 3183 for a full disk, 3343 for a file that cannot be read, 3204 when the target exists. The source stays
+/// closed to everybody for as long as the result lives, so that the copy can take its place before anything
+/// is written to it.
 [[nodiscard]] std::shared_ptr<void> CompactFile(const std::string& source, const std::string& target);
 
 }  // namespace store

@@ -13,7 +13,8 @@ constexpr int kGroupCommits = 1000;
 constexpr auto kGroupTime = std::chrono::milliseconds(50);
 // Between two groups others get their turn: they try every half millisecond.
 constexpr long kGroupPauseNanoseconds = 2000000;
-// Whole tables are held for a group or a single statement only, so that waiting for them is waiting for a moment.
+// Whole tables are held for a group or a single statement only, so that waiting for them is waiting for a
+// moment.
 constexpr int kTableWaitTries = 2000;
 constexpr std::size_t kMostCachedRows = 20000;
 
@@ -30,7 +31,8 @@ void NapFor(long nanoseconds) {
 }  // namespace
 
 StoreError Refusal(int number, const Holder& holder) {
-  const std::string what = number == kSaveLocked ? "Could not save; currently locked by user '" : "Could not update; currently locked by user '";
+  const std::string what = number == kSaveLocked ? "Could not save; currently locked by user '"
+                                                 : "Could not update; currently locked by user '";
   return StoreError(number, what + holder.user + "' on machine '" + holder.computer + "'.");
 }
 
@@ -39,7 +41,8 @@ void YieldFiles() {
     try {
       impl->Yield();
     } catch (const StoreError&) {
-      // What could not be committed now is kept and tried again when the work goes on; then the error is told.
+      // What could not be committed now is kept and tried again when the work goes on; then the error is
+      // told.
     }
   }
 }
@@ -56,7 +59,8 @@ Connection::Impl::Impl(std::unique_ptr<Handle> handle, std::unique_ptr<SideFile>
 
 Connection::Impl::~Impl() {
   std::erase(Live(), this);
-  if (physical_ && !sqlite3_get_autocommit(handle_->Db())) sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
+  if (physical_ && !sqlite3_get_autocommit(handle_->Db()))
+    sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
   side_.reset();
   Handle::Park(std::move(handle_));
 }
@@ -70,7 +74,8 @@ void Connection::Impl::YieldSiblings() {
 
 void Connection::Impl::BeginPhysical() {
   if (physical_) return;
-  if (request_.readOnly) throw StoreError(kReadOnly, "Cannot update. The data base '" + request_.path + "' was opened read-only.");
+  if (request_.readOnly)
+    throw StoreError(kReadOnly, "Cannot update. The data base '" + request_.path + "' was opened read-only.");
   YieldSiblings();
   {
     Use begin(*handle_, "BEGIN IMMEDIATE");
@@ -107,7 +112,8 @@ void Connection::Impl::CommitPhysical() {
 }
 
 void Connection::Impl::RollbackPhysical() {
-  if (!sqlite3_get_autocommit(handle_->Db())) sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
+  if (!sqlite3_get_autocommit(handle_->Db()))
+    sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
   physical_ = false;
   ++epoch_;
 }
@@ -116,7 +122,9 @@ void Connection::Impl::Replay(std::vector<Change>& changes) {
   for (Change& change : changes) {
     const std::int64_t before = change.changed;
     if (Run(change, nullptr) != before)
-      throw StoreError(kDataChanged, "The data base engine stopped: another user has changed the same data at the same time.");
+      throw StoreError(
+          kDataChanged,
+          "The data base engine stopped: another user has changed the same data at the same time.");
   }
 }
 
@@ -155,12 +163,14 @@ void Connection::Impl::AbandonWriting() {
   if (Depth() == 0 && !groupMode_ && writingDepth_ == 0 && physical_) RollbackPhysical();
 }
 
-std::int64_t Connection::Impl::Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId, int idParameter) {
+std::int64_t Connection::Impl::Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId,
+                                     int idParameter) {
   Change change{std::string(sql), std::move(values), 0};
   std::int64_t id = 0;
   change.changed = Run(change, &id);
   if (newId) *newId = id;
-  if (idParameter > 0) change.values[static_cast<std::size_t>(idParameter) - 1] = static_cast<std::int32_t>(id);
+  if (idParameter > 0)
+    change.values[static_cast<std::size_t>(idParameter) - 1] = static_cast<std::int32_t>(id);
   const std::int64_t changed = change.changed;
   if (Depth() > 0)
     log_.push_back(std::move(change));
@@ -273,11 +283,14 @@ void Connection::Impl::AbandonGroup() {
 }
 
 void Connection::Impl::GroupTick() {
-  if (groupMode_ && physical_ && marks_.empty() && writingDepth_ == 0 && Clock::now() - groupStart_ > kGroupTime) FlushGroup(true);
+  if (groupMode_ && physical_ && marks_.empty() && writingDepth_ == 0 &&
+      Clock::now() - groupStart_ > kGroupTime)
+    FlushGroup(true);
 }
 
 void Connection::Impl::FlushGroup(bool pause) {
-  const bool dirty = std::any_of(caches_.begin(), caches_.end(), [](const auto& c) { return !c.second->Dirty().empty(); });
+  const bool dirty =
+      std::any_of(caches_.begin(), caches_.end(), [](const auto& c) { return !c.second->Dirty().empty(); });
   if (physical_ || !groupLog_.empty() || dirty) {
     BeginPhysical();
     CommitPhysical();
@@ -299,7 +312,8 @@ void Connection::Impl::Yield() {
   const auto committedDirty = [this] {
     for (const auto& [table, cache] : caches_)
       for (const auto& row : cache->Dirty()) {
-        const auto mine = std::find_if(undo_.begin(), undo_.end(), [&](const CacheUndo& u) { return u.row == row; });
+        const auto mine =
+            std::find_if(undo_.begin(), undo_.end(), [&](const CacheUndo& u) { return u.row == row; });
         if (mine == undo_.end() || (mine->wasThere && mine->wasDirty)) return true;
       }
     return false;
@@ -343,7 +357,8 @@ void Connection::Impl::Yield() {
   }
 }
 
-// The numbers that the open transaction has given to its new records must not be given to others while it waits.
+// The numbers that the open transaction has given to its new records must not be given to others while it
+// waits.
 void Connection::Impl::KeepReservedIds() {
   if (reserved_.empty()) return;
   {
@@ -352,7 +367,9 @@ void Connection::Impl::KeepReservedIds() {
   }
   try {
     for (const auto& [table, id] : reserved_) {
-      Change keep{"UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1", {rt::Value(table), static_cast<std::int32_t>(id)}, 0};
+      Change keep{"UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1",
+                  {rt::Value(table), static_cast<std::int32_t>(id)},
+                  0};
       if (Run(keep, nullptr) > 0) continue;
       keep.sql = "INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)";
       Run(keep, nullptr);
@@ -460,21 +477,25 @@ void Connection::Impl::NoteChange(int table) { ++tableEpochs_[table]; }
 
 std::int64_t Connection::Impl::ReserveId(const TableInfo& table) {
   Writing writing(*this);
-  Write("INSERT INTO sqlite_sequence (name, seq) SELECT ?1, 0 WHERE NOT EXISTS (SELECT 1 FROM sqlite_sequence WHERE name = ?1)",
-        {rt::Value(table.name)});
+  Write(
+      "INSERT INTO sqlite_sequence (name, seq) SELECT ?1, 0 WHERE NOT EXISTS (SELECT 1 FROM sqlite_sequence "
+      "WHERE name = ?1)",
+      {rt::Value(table.name)});
   std::int64_t id = 0;
   {
     Use next(*handle_, "SELECT seq + 1 FROM sqlite_sequence WHERE name = ?1");
     next.Bind(1, rt::Value(table.name));
     if (next.Step()) id = next.Int64(0);
   }
-  Write("UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1", {rt::Value(table.name), static_cast<std::int32_t>(id)});
+  Write("UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1",
+        {rt::Value(table.name), static_cast<std::int32_t>(id)});
   NoteReserved(table.name, id);
   writing.Done();
   return id;
 }
 
-std::int64_t Connection::Impl::ExecuteInsert(const QueryPlan& plan, const std::vector<rt::Value>& parameters) {
+std::int64_t Connection::Impl::ExecuteInsert(const QueryPlan& plan,
+                                             const std::vector<rt::Value>& parameters) {
   const Translation& t = plan.translation;
   std::string columns;
   for (const auto& name : t.insertColumns) columns += (columns.empty() ? "" : ", ") + QuoteName(name);

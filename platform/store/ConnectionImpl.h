@@ -18,8 +18,8 @@
 
 namespace store {
 
-/// A write as it was made. A transaction keeps its writes, so that they can be taken back to let other users in and made
-/// again afterwards, and so that a part of them can be undone.
+/// A write as it was made. A transaction keeps its writes, so that they can be taken back to let other users
+/// in and made again afterwards, and so that a part of them can be undone.
 struct Change {
   std::string sql;
   std::vector<rt::Value> values;
@@ -41,9 +41,11 @@ class Connection::Impl {
   void StartWriting();
   void EndWriting();
   void AbandonWriting();
-  /// Runs a write within StartWriting … EndWriting and keeps it; the number of records changed. For an INSERT, `newId` gets
-  /// the new row's ID, and parameter `idParameter` (from 1) is remembered with it, so that the write can be made again.
-  std::int64_t Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId = nullptr, int idParameter = 0);
+  /// Runs a write within StartWriting … EndWriting and keeps it; the number of records changed. For an
+  /// INSERT, `newId` gets the new row's ID, and parameter `idParameter` (from 1) is remembered with it, so
+  /// that the write can be made again.
+  std::int64_t Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId = nullptr,
+                     int idParameter = 0);
 
   // --- transactions
   void Begin();
@@ -78,8 +80,10 @@ class Connection::Impl {
 
   // --- rows kept in memory within a group
   /// The cache of a table by this index; null outside a group or for an index that is not unique.
-  std::shared_ptr<RowCache> CacheFor(const std::shared_ptr<const Schema>& schema, const TableInfo& table, const IndexInfo& index);
-  void KeepForUndo(RowCache& cache, const std::shared_ptr<CachedRow>& row, const std::string& key, bool wasThere);
+  std::shared_ptr<RowCache> CacheFor(const std::shared_ptr<const Schema>& schema, const TableInfo& table,
+                                     const IndexInfo& index);
+  void KeepForUndo(RowCache& cache, const std::shared_ptr<CachedRow>& row, const std::string& key,
+                   bool wasThere);
   /// Keeps a changed row of the cache to be written with the group.
   void MarkDirty(RowCache& cache, const std::string& key, const std::shared_ptr<CachedRow>& row);
 
@@ -89,8 +93,8 @@ class Connection::Impl {
   std::int64_t ExecuteBulk(const QueryPlan& plan, const std::vector<rt::Value>& parameters);
   std::int64_t ExecuteInsert(const QueryPlan& plan, const std::vector<rt::Value>& parameters);
 
-  /// Commits or takes back what the other connections of this process have written to this file: they share its one thread,
-  /// so waiting for them would wait for ever.
+  /// Commits or takes back what the other connections of this process have written to this file: they share
+  /// its one thread, so waiting for them would wait for ever.
   void YieldSiblings();
 
  private:
@@ -101,8 +105,8 @@ class Connection::Impl {
   void RollbackPhysical();
   void Replay(std::vector<Change>& changes);
   std::int64_t Run(Change& change, std::int64_t* newId);
-  /// Writes the cached rows into the open physical transaction; `committedOnly` writes those that the running transaction
-  /// changed as they were before it.
+  /// Writes the cached rows into the open physical transaction; `committedOnly` writes those that the running
+  /// transaction changed as they were before it.
   void StoreCaches(bool committedOnly);
   void CachesAreStored(bool committedOnly);
   void SpillCache(int table);
@@ -119,10 +123,10 @@ class Connection::Impl {
   std::unique_ptr<SideFile> side_;
   OpenRequest request_;
 
-  bool physical_ = false;        ///< the database underneath has a write transaction open
+  bool physical_ = false;               ///< the database underneath has a write transaction open
   std::vector<std::size_t> marks_;      ///< for each open transaction: where its writes begin in log_
   std::vector<std::size_t> undoMarks_;  ///< and where its undo entries begin
-  std::vector<Change> log_;       ///< writes of the open transactions
+  std::vector<Change> log_;             ///< writes of the open transactions
   std::map<std::string, std::int64_t> reserved_;  ///< the highest number given to a new record, by table
   std::vector<Change> groupLog_;  ///< writes of transactions that are committed with the group
   bool groupMode_ = false;
@@ -131,7 +135,8 @@ class Connection::Impl {
   int writingDepth_ = 0;
 
   std::set<int> bulkTables_;  ///< held whole by a bulk statement of the open transaction
-  std::map<int, std::set<std::int64_t>> tableHolds_;  ///< tables held whole for the group, with the rows that others hold
+  std::map<int, std::set<std::int64_t>>
+      tableHolds_;  ///< tables held whole for the group, with the rows that others hold
   std::map<int, std::vector<std::int64_t>> transactionRows_;  ///< rows that the open transaction holds
 
   std::uint64_t epoch_ = 1;
@@ -142,7 +147,8 @@ class Connection::Impl {
   std::uint64_t transactionSerial_ = 0;
 };
 
-/// One unit of change: part of the running transaction, or committed by Done; undone when it ends without Done.
+/// One unit of change: part of the running transaction, or committed by Done; undone when it ends without
+/// Done.
 class Writing {
  public:
   explicit Writing(Connection::Impl& impl) : impl_(impl) { impl_.StartWriting(); }

@@ -15,10 +15,13 @@ const TableInfo& Existing(const Schema& schema, std::string_view table) {
 std::string ColumnDefinition(const ColumnInfo& column) {
   const std::string name = QuoteName(column.name);
   std::string text = name + " " + DeclaredType(column);
-  if (column.type == ColumnType::Boolean) text += column.defaultTrue ? " NOT NULL DEFAULT 1" : " NOT NULL DEFAULT 0";
-  if (column.required && column.type != ColumnType::Boolean && column.type != ColumnType::Counter) text += " NOT NULL";
+  if (column.type == ColumnType::Boolean)
+    text += column.defaultTrue ? " NOT NULL DEFAULT 1" : " NOT NULL DEFAULT 0";
+  if (column.required && column.type != ColumnType::Boolean && column.type != ColumnType::Counter)
+    text += " NOT NULL";
   // Every program that writes the file is held to the size of a text.
-  if (column.type == ColumnType::Text) text += " CHECK (length(" + name + ") <= " + std::to_string(column.size) + ")";
+  if (column.type == ColumnType::Text)
+    text += " CHECK (length(" + name + ") <= " + std::to_string(column.size) + ")";
   if (!column.allowZeroLength) text += " CHECK (" + name + " <> '')";
   return text;
 }
@@ -31,8 +34,9 @@ class Definition {
     const auto others = impl.Side().TakeTable(table->number);
     if (!others.empty()) {
       impl.Side().ReleaseTable(table->number);
-      throw StoreError(kTableLocked, "The table '" + table->name + "' is in use by user '" + others.front().holder.user +
-                                         "' on machine '" + others.front().holder.computer + "'.");
+      throw StoreError(kTableLocked, "The table '" + table->name + "' is in use by user '" +
+                                         others.front().holder.user + "' on machine '" +
+                                         others.front().holder.computer + "'.");
     }
   }
   ~Definition() {
@@ -41,7 +45,9 @@ class Definition {
   }
   Definition(const Definition&) = delete;
   Definition& operator=(const Definition&) = delete;
-  void Run(const std::string& sql, std::vector<rt::Value> values = {}) { impl_.Write(sql, std::move(values)); }
+  void Run(const std::string& sql, std::vector<rt::Value> values = {}) {
+    impl_.Write(sql, std::move(values));
+  }
   void Done() { writing_.Done(); }
 
  private:
@@ -52,7 +58,8 @@ class Definition {
 }  // namespace
 
 void Connection::CreateTable(const TableInfo& table) {
-  if (Tables()->Find(table.name)) throw StoreError(kTableExists, "Table '" + table.name + "' already exists.");
+  if (Tables()->Find(table.name))
+    throw StoreError(kTableExists, "Table '" + table.name + "' already exists.");
   std::string body;
   bool counter = false;
   for (const auto& column : table.columns) {
@@ -62,7 +69,8 @@ void Connection::CreateTable(const TableInfo& table) {
   for (const auto& index : table.indexes) {
     if (!index.primary || counter) continue;
     body += ", PRIMARY KEY (";
-    for (std::size_t i = 0; i < index.columns.size(); ++i) body += (i ? ", " : "") + QuoteName(index.columns[i]);
+    for (std::size_t i = 0; i < index.columns.size(); ++i)
+      body += (i ? ", " : "") + QuoteName(index.columns[i]);
     body += ")";
   }
   {
@@ -79,7 +87,8 @@ void Connection::DropTable(std::string_view table) {
   const TableInfo& existing = Existing(*schema, table);
   Definition definition(*impl_, &existing);
   definition.Run("DROP TABLE " + QuoteName(existing.name));
-  definition.Run("DELETE FROM \"MSysRelationships\" WHERE \"Table\" = ?1 OR \"ForeignTable\" = ?1", {rt::Value(existing.name)});
+  definition.Run("DELETE FROM \"MSysRelationships\" WHERE \"Table\" = ?1 OR \"ForeignTable\" = ?1",
+                 {rt::Value(existing.name)});
   definition.Done();
 }
 
@@ -87,7 +96,8 @@ void Connection::AddColumn(std::string_view table, const ColumnInfo& column) {
   const auto schema = Tables();
   const TableInfo& existing = Existing(*schema, table);
   if (existing.Find(column.name) >= 0)
-    throw StoreError(kFieldExists, "Field '" + column.name + "' already exists in table '" + existing.name + "'.");
+    throw StoreError(kFieldExists,
+                     "Field '" + column.name + "' already exists in table '" + existing.name + "'.");
   if (column.type == ColumnType::Counter)
     throw StoreError(kSyntax, "A numbering field cannot be added to a table that exists.");
   Definition definition(*impl_, &existing);
@@ -99,11 +109,13 @@ void Connection::DropColumn(std::string_view table, std::string_view column) {
   const auto schema = Tables();
   const TableInfo& existing = Existing(*schema, table);
   if (existing.Find(column) < 0)
-    throw StoreError(kItemNotFound, "There is no field '" + std::string(column) + "' in table '" + existing.name + "'.");
+    throw StoreError(kItemNotFound,
+                     "There is no field '" + std::string(column) + "' in table '" + existing.name + "'.");
   for (const auto& index : existing.indexes)
     for (const auto& used : index.columns)
       if (rt::EqualNoCase(used, column))
-        throw StoreError(kFieldInIndex, "Cannot delete the field '" + std::string(column) + "': the index '" + index.name + "' needs it.");
+        throw StoreError(kFieldInIndex, "Cannot delete the field '" + std::string(column) + "': the index '" +
+                                            index.name + "' needs it.");
   Definition definition(*impl_, &existing);
   definition.Run("ALTER TABLE " + QuoteName(existing.name) + " DROP COLUMN " + QuoteName(column));
   definition.Done();
@@ -113,11 +125,14 @@ void Connection::RenameColumn(std::string_view table, std::string_view column, s
   const auto schema = Tables();
   const TableInfo& existing = Existing(*schema, table);
   if (existing.Find(column) < 0)
-    throw StoreError(kItemNotFound, "There is no field '" + std::string(column) + "' in table '" + existing.name + "'.");
+    throw StoreError(kItemNotFound,
+                     "There is no field '" + std::string(column) + "' in table '" + existing.name + "'.");
   if (existing.Find(newName) >= 0 && !rt::EqualNoCase(column, newName))
-    throw StoreError(kFieldExists, "Field '" + std::string(newName) + "' already exists in table '" + existing.name + "'.");
+    throw StoreError(kFieldExists,
+                     "Field '" + std::string(newName) + "' already exists in table '" + existing.name + "'.");
   Definition definition(*impl_, &existing);
-  definition.Run("ALTER TABLE " + QuoteName(existing.name) + " RENAME COLUMN " + QuoteName(column) + " TO " + QuoteName(newName));
+  definition.Run("ALTER TABLE " + QuoteName(existing.name) + " RENAME COLUMN " + QuoteName(column) + " TO " +
+                 QuoteName(newName));
   definition.Done();
 }
 
@@ -125,7 +140,8 @@ void Connection::CreateIndex(std::string_view table, const IndexInfo& index) {
   const auto schema = Tables();
   const TableInfo& existing = Existing(*schema, table);
   if (existing.FindIndex(index.name))
-    throw StoreError(kIndexExists, "Table '" + existing.name + "' already has an index named '" + index.name + "'.");
+    throw StoreError(kIndexExists,
+                     "Table '" + existing.name + "' already has an index named '" + index.name + "'.");
   std::string columns;
   for (const auto& column : index.columns) {
     if (existing.Find(column) < 0)
@@ -134,7 +150,8 @@ void Connection::CreateIndex(std::string_view table, const IndexInfo& index) {
   }
   Definition definition(*impl_, &existing);
   definition.Run(std::string("CREATE ") + (index.unique || index.primary ? "UNIQUE " : "") + "INDEX " +
-                 QuoteName(StoredIndexName(existing.name, index.name)) + " ON " + QuoteName(existing.name) + " (" + columns + ")");
+                 QuoteName(StoredIndexName(existing.name, index.name)) + " ON " + QuoteName(existing.name) +
+                 " (" + columns + ")");
   definition.Done();
 }
 
@@ -143,7 +160,8 @@ void Connection::DropIndex(std::string_view table, std::string_view index) {
   const TableInfo& existing = Existing(*schema, table);
   const IndexInfo* found = existing.FindIndex(index);
   if (!found || found->primary)
-    throw StoreError(kItemNotFound, "There is no index '" + std::string(index) + "' that could be deleted from table '" + existing.name + "'.");
+    throw StoreError(kItemNotFound, "There is no index '" + std::string(index) +
+                                        "' that could be deleted from table '" + existing.name + "'.");
   Definition definition(*impl_, &existing);
   definition.Run("DROP INDEX " + QuoteName(StoredIndexName(existing.name, found->name)));
   definition.Done();
@@ -152,7 +170,8 @@ void Connection::DropIndex(std::string_view table, std::string_view index) {
 std::vector<RelationInfo> Connection::Relations() {
   std::vector<RelationInfo> relations;
   Use rows(impl_->Db(),
-           "SELECT \"Name\", \"Table\", \"ForeignTable\", \"Attributes\", \"Column\", \"ForeignColumn\" FROM \"MSysRelationships\""
+           "SELECT \"Name\", \"Table\", \"ForeignTable\", \"Attributes\", \"Column\", \"ForeignColumn\" FROM "
+           "\"MSysRelationships\""
            " ORDER BY \"Name\", \"Position\"");
   while (rows.Step()) {
     if (relations.empty() || relations.back().name != rows.Text(0))
@@ -173,11 +192,12 @@ void Connection::AddRelation(const RelationInfo& relation) {
   for (std::size_t i = 0; i < relation.columns.size(); ++i) {
     const auto& [column, foreignColumn] = relation.columns[i];
     if (table.Find(column) < 0 || foreign.Find(foreignColumn) < 0)
-      throw StoreError(kItemNotFound, "The relation '" + relation.name + "' names a field that is not there.");
+      throw StoreError(kItemNotFound,
+                       "The relation '" + relation.name + "' names a field that is not there.");
     definition.Run(
         "INSERT INTO \"MSysRelationships\" VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)",
-        {rt::Value(relation.name), rt::Value(table.name), rt::Value(foreign.name), relation.attributes, static_cast<std::int32_t>(i),
-         rt::Value(column), rt::Value(foreignColumn)});
+        {rt::Value(relation.name), rt::Value(table.name), rt::Value(foreign.name), relation.attributes,
+         static_cast<std::int32_t>(i), rt::Value(column), rt::Value(foreignColumn)});
   }
   definition.Done();
 }

@@ -37,7 +37,8 @@ void CheckFile(const std::string& path) {
     if (code == EACCES) throw StoreError(kCannotStart, "Access to '" + path + "' is not permitted.");
     throw StoreError(kPathNotFound, "'" + path + "' cannot be reached: " + std::strerror(code) + ".");
   }
-  if (S_ISDIR(found.st_mode)) throw StoreError(kCannotStart, "'" + path + "' is a directory, not a data file.");
+  if (S_ISDIR(found.st_mode))
+    throw StoreError(kCannotStart, "'" + path + "' is a directory, not a data file.");
   if (!S_ISREG(found.st_mode)) throw StoreError(kCannotStart, "'" + path + "' is not a data file.");
   if (found.st_size == 0)
     throw StoreError(kBadFormat, "Unrecognized data base format '" + path + "': the file is empty.");
@@ -51,16 +52,19 @@ void Connection::Create(const std::string& path) {
     if (code == EEXIST) throw StoreError(kFileExists, "Data base '" + path + "' already exists.");
     if (code == ENOENT || code == ENOTDIR)
       throw StoreError(kPathNotFound, "'" + path + "' is not a valid path. Its directory cannot be reached.");
-    if (code == ENOSPC || code == EDQUOT) throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
+    if (code == ENOSPC || code == EDQUOT)
+      throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
     throw StoreError(kCannotStart, "Cannot create '" + path + "': " + std::strerror(code) + ".");
   }
   close(fd);
   sqlite3* db = nullptr;
   int code = sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_EXRESCODE, nullptr);
   const std::string setUp =
-      "PRAGMA page_size = 4096; PRAGMA encoding = 'UTF-8'; PRAGMA journal_mode = TRUNCATE; PRAGMA synchronous = FULL;"
-      "PRAGMA application_id = " + std::to_string(kApplicationId) + "; PRAGMA user_version = " +
-      std::to_string(kFormatVersion) + ";"
+      "PRAGMA page_size = 4096; PRAGMA encoding = 'UTF-8'; PRAGMA journal_mode = TRUNCATE; PRAGMA "
+      "synchronous = FULL;"
+      "PRAGMA application_id = " +
+      std::to_string(kApplicationId) + "; PRAGMA user_version = " + std::to_string(kFormatVersion) +
+      ";"
       "CREATE TABLE \"MSysRelationships\" (\"Name\" TEXT(255), \"Table\" TEXT(64), \"ForeignTable\" TEXT(64),"
       " \"Attributes\" LONG, \"Position\" LONG, \"Column\" TEXT(64), \"ForeignColumn\" TEXT(64));";
   if (code == SQLITE_OK) code = sqlite3_exec(db, setUp.c_str(), nullptr, nullptr, nullptr);
@@ -68,7 +72,8 @@ void Connection::Create(const std::string& path) {
   sqlite3_close(db);
   if (code == SQLITE_OK) return;
   unlink(path.c_str());
-  if ((code & 0xff) == SQLITE_FULL) throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
+  if ((code & 0xff) == SQLITE_FULL)
+    throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
   throw StoreError(kCannotStart, "Cannot create '" + path + "': " + text + ".");
 }
 
@@ -86,11 +91,13 @@ std::shared_ptr<void> CompactFile(const std::string& source, const std::string& 
   Handle::DropParked(source);
   auto handle = Handle::Acquire(source, false);
   try {
-    // Some kinds of damage are copied without complaint; a file that is not sound must not replace its original.
+    // Some kinds of damage are copied without complaint; a file that is not sound must not replace its
+    // original.
     {
       Use check(*handle, "PRAGMA quick_check(1)");
       if (check.Step() && check.Text(0) != "ok")
-        throw StoreError(kBadFormat, "Unrecognized data base format '" + source + "': it is damaged (" + check.Text(0) + ").");
+        throw StoreError(kBadFormat, "Unrecognized data base format '" + source + "': it is damaged (" +
+                                         check.Text(0) + ").");
     }
     Use copy(*handle, "VACUUM INTO ?1");
     copy.Bind(1, rt::Value(target));

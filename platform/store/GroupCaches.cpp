@@ -5,18 +5,21 @@
 
 namespace store {
 
-std::shared_ptr<RowCache> Connection::Impl::CacheFor(const std::shared_ptr<const Schema>& schema, const TableInfo& table, const IndexInfo& index) {
+std::shared_ptr<RowCache> Connection::Impl::CacheFor(const std::shared_ptr<const Schema>& schema,
+                                                     const TableInfo& table, const IndexInfo& index) {
   if (!InGroup() || !index.unique || index.primary) return nullptr;
   auto found = caches_.find(table.number);
   if (found != caches_.end() && found->second->IndexName() != index.name) {
     SpillCache(table.number);
     found = caches_.end();
   }
-  if (found == caches_.end()) found = caches_.emplace(table.number, std::make_shared<RowCache>(schema, table, index)).first;
+  if (found == caches_.end())
+    found = caches_.emplace(table.number, std::make_shared<RowCache>(schema, table, index)).first;
   return found->second;
 }
 
-void Connection::Impl::KeepForUndo(RowCache& cache, const std::shared_ptr<CachedRow>& row, const std::string& key, bool wasThere) {
+void Connection::Impl::KeepForUndo(RowCache& cache, const std::shared_ptr<CachedRow>& row,
+                                   const std::string& key, bool wasThere) {
   if (Depth() == 0 || row->changedIn == transactionSerial_) return;
   CacheUndo entry;
   entry.cache = &cache;
@@ -30,7 +33,8 @@ void Connection::Impl::KeepForUndo(RowCache& cache, const std::shared_ptr<Cached
   row->changedIn = transactionSerial_;
 }
 
-void Connection::Impl::MarkDirty(RowCache& cache, const std::string& key, const std::shared_ptr<CachedRow>& row) {
+void Connection::Impl::MarkDirty(RowCache& cache, const std::string& key,
+                                 const std::shared_ptr<CachedRow>& row) {
   cache.Rows()[key] = row;
   if (row->dirty) return;
   row->dirty = true;
@@ -41,7 +45,8 @@ namespace {
 
 // The earliest entry of a row tells what it was before all open transactions.
 const CacheUndo* UndoOf(const std::vector<CacheUndo>& undo, const std::shared_ptr<CachedRow>& row) {
-  const auto found = std::find_if(undo.begin(), undo.end(), [&](const CacheUndo& entry) { return entry.row == row; });
+  const auto found =
+      std::find_if(undo.begin(), undo.end(), [&](const CacheUndo& entry) { return entry.row == row; });
   return found == undo.end() ? nullptr : &*found;
 }
 

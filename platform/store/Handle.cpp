@@ -19,8 +19,6 @@ namespace {
 constexpr std::size_t kMostStatements = 256;
 constexpr std::size_t kMostPlans = 512;
 constexpr std::size_t kMostParked = 8;
-// As long as a command may take before it counts as timed out.
-constexpr int kBusyMilliseconds = 15000;
 
 std::vector<std::unique_ptr<Handle>>& Parked() {
   static std::vector<std::unique_ptr<Handle>> parked;
@@ -53,17 +51,23 @@ void LikeFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
 }
 
 void NowFunction(sqlite3_context* context, int, sqlite3_value**) { ResultText(context, rt::Now().ToIso()); }
-void DateFunction(sqlite3_context* context, int, sqlite3_value**) { ResultText(context, rt::Today().ToIso()); }
+void DateFunction(sqlite3_context* context, int, sqlite3_value**) {
+  ResultText(context, rt::Today().ToIso());
+}
 
-// Writers wait for each other in short naps; the library's own handler grows its naps and starves the one who waits.
-int Nap(void*, int tries) {
-  if (tries > kBusyMilliseconds * 2) return 0;
+}  // namespace
+
+// Writers wait for each other in short naps; the library's own handler grows its naps and starves the one who
+// waits.
+int Handle::Nap(void* self, int tries) {
+  auto& handle = *static_cast<Handle*>(self);
+  const auto now = std::chrono::steady_clock::now();
+  if (tries == 0) handle.waitingSince_ = now;
+  if (now - handle.waitingSince_ > handle.patience_) return 0;
   const timespec halfMillisecond{0, 500000};
   nanosleep(&halfMillisecond, nullptr);
   return 1;
 }
-
-}  // namespace
 
 std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) {
   struct stat now {};
@@ -78,6 +82,8 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
       auto found = std::move(*it);
       parked.erase(it);
       found->schemaChecked_ = {};
+      found->patience_ = std::chrono::milliseconds(15000);
+      CheckFormat(*found);
       return found;
     } else {
       ++it;
@@ -89,11 +95,12 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
   handle->readOnly_ = readOnly;
   handle->device_ = now.st_dev;
   handle->inode_ = now.st_ino;
-  const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int flags =
+      (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const int code = sqlite3_open_v2(path.c_str(), &handle->db_, flags, nullptr);
   if (code != SQLITE_OK) handle->Fail(code);
   sqlite3* db = handle->db_;
-  sqlite3_busy_handler(db, Nap, nullptr);
+  sqlite3_busy_handler(db, Nap, handle.get());
   const int plain = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
   sqlite3_create_function(db, "ucase", 1, plain, nullptr, UpperFunction, nullptr, nullptr);
   sqlite3_create_function(db, "lcase", 1, plain, nullptr, LowerFunction, nullptr, nullptr);
@@ -137,7 +144,8 @@ std::int64_t Handle::Number(std::string_view sql) {
 
 const std::shared_ptr<const Schema>& Handle::Tables(bool checkNow) {
   const auto now = std::chrono::steady_clock::now();
-  if (!checkNow && schemaVersion_ >= 0 && now - schemaChecked_ < std::chrono::milliseconds(200)) return schema_;
+  if (!checkNow && schemaVersion_ >= 0 && now - schemaChecked_ < std::chrono::milliseconds(200))
+    return schema_;
   schemaChecked_ = now;
   const std::int64_t version = Number("PRAGMA schema_version");
   if (version != schemaVersion_) {
@@ -176,25 +184,32 @@ void Handle::Fail(int code, std::string_view sql) {
     case SQLITE_AUTH:
       throw StoreError(kCannotStart, "Access to " + file + " is not permitted.");
     case SQLITE_CANTOPEN:
-      throw StoreError(kCannotStart, "Cannot open " + file + ": " + std::strerror(db_ ? sqlite3_system_errno(db_) : ENOENT) + ".");
+      throw StoreError(kCannotStart, "Cannot open " + file + ": " +
+                                         std::strerror(db_ ? sqlite3_system_errno(db_) : ENOENT) + ".");
     case SQLITE_NOTADB:
       throw StoreError(kBadFormat, "Unrecognized data base format " + file + ": it is not a data file.");
     case SQLITE_CORRUPT:
-      throw StoreError(kBadFormat, "Unrecognized data base format " + file + ": it is damaged (" + what + ").");
+      throw StoreError(kBadFormat,
+                       "Unrecognized data base format " + file + ": it is damaged (" + what + ").");
     case SQLITE_IOERR: {
       const int system = db_ ? sqlite3_system_errno(db_) : 0;
       if (system == ENOSPC || system == EDQUOT || system == EFBIG)
         throw StoreError(kDiskFull, "Not enough space on the disk for " + file + ".");
-      throw StoreError(kPathNotFound, "Disk or network error during access to " + file +
-                                          (system ? std::string(": ") + std::strerror(system) : std::string()) + ".");
+      throw StoreError(kPathNotFound,
+                       "Disk or network error during access to " + file +
+                           (system ? std::string(": ") + std::strerror(system) : std::string()) + ".");
     }
     case SQLITE_CONSTRAINT:
       if (code == SQLITE_CONSTRAINT_NOTNULL)
         throw StoreError(kFieldRequired, "A value is required: " + what + ".");
       if (code == SQLITE_CONSTRAINT_CHECK && what.find("length(") != std::string::npos)
-        throw StoreError(kFieldTooSmall, "The field is too small for the text that was to be stored in it: " + what + ".");
-      if (code == SQLITE_CONSTRAINT_CHECK) throw StoreError(kZeroLength, "A field cannot be an empty text: " + what + ".");
-      throw StoreError(kDuplicateKey, "The changes would create duplicate values in the index or primary key: " + what + ".");
+        throw StoreError(kFieldTooSmall,
+                         "The field is too small for the text that was to be stored in it: " + what + ".");
+      if (code == SQLITE_CONSTRAINT_CHECK)
+        throw StoreError(kZeroLength, "A field cannot be an empty text: " + what + ".");
+      throw StoreError(
+          kDuplicateKey,
+          "The changes would create duplicate values in the index or primary key: " + what + ".");
     case SQLITE_TOOBIG:
       throw StoreError(kFieldTooSmall, "The value is too large to be stored.");
     case SQLITE_NOMEM:
@@ -217,13 +232,14 @@ Use::Use(Handle& handle, std::string_view sql) : handle_(handle), sql_(sql) {
       });
     }
     sqlite3_stmt* made = nullptr;
-    const int code = sqlite3_prepare_v3(handle.db_, sql_.data(), static_cast<int>(sql_.size()), SQLITE_PREPARE_PERSISTENT,
-                                        &made, nullptr);
+    const int code = sqlite3_prepare_v3(handle.db_, sql_.data(), static_cast<int>(sql_.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &made, nullptr);
     if (code != SQLITE_OK) handle.Fail(code, sql_);
     found = statements.emplace(sql_, Handle::Slot{made, false}).first;
   }
   if (found->second.busy) {  // the same statement is being stepped further up: a copy of its own serves
-    const int code = sqlite3_prepare_v2(handle.db_, sql_.data(), static_cast<int>(sql_.size()), &statement_, nullptr);
+    const int code =
+        sqlite3_prepare_v2(handle.db_, sql_.data(), static_cast<int>(sql_.size()), &statement_, nullptr);
     if (code != SQLITE_OK) handle.Fail(code, sql_);
     sql_.clear();
     return;
@@ -294,7 +310,8 @@ void Use::Bind(int index, const rt::Value& value) {
     }
     case rt::ValueType::Binary: {
       const auto& bytes = std::get<rt::Binary>(value.Data());
-      sqlite3_bind_blob64(statement_, index, bytes.empty() ? reinterpret_cast<const std::uint8_t*>("") : bytes.data(),
+      sqlite3_bind_blob64(statement_, index,
+                          bytes.empty() ? reinterpret_cast<const std::uint8_t*>("") : bytes.data(),
                           bytes.size(), SQLITE_TRANSIENT);
       break;
     }
@@ -315,7 +332,8 @@ bool Use::Step() {
 
 std::string Use::Text(int column) const {
   const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
-  return bytes ? std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))) : std::string();
+  return bytes ? std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)))
+               : std::string();
 }
 
 }  // namespace store

@@ -1,4 +1,5 @@
-// The SQLite database underneath a connection, with its prepared statements. Nothing outside this folder sees it.
+// The SQLite database underneath a connection, with its prepared statements. Nothing outside this folder sees
+// it.
 #pragma once
 
 #include <sqlite3.h>
@@ -23,7 +24,8 @@ class RawRow {
  public:
   /// Copies `count` columns of the statement's current row, from column `first` on.
   void Read(sqlite3_stmt* statement, int first, int count);
-  /// The value of a cell of a column of this type. What another program stored in the wrong form comes back as it is.
+  /// The value of a cell of a column of this type. What another program stored in the wrong form comes back
+  /// as it is.
   rt::Value Decode(int cell, ColumnType type) const;
   bool Empty() const { return cells_.empty(); }
   void Clear() {
@@ -52,11 +54,11 @@ struct QueryPlan {
   std::vector<FieldInfo> fields;
   const TableInfo* leading = nullptr;  ///< the first table: the one whose fields can be changed
   std::vector<int> leadingColumn;      ///< of each field: its column in `leading`, or -1
-  std::vector<ColumnType> types;   ///< of the result columns
-  bool keyed = false;              ///< its rows can be found again by the keys of their tables
-  std::string keys;                ///< the keys of all rows, in order
-  std::string row;                 ///< one row by its keys :k0, :k1 …
-  std::string whole;               ///< all rows, where they have no keys
+  std::vector<ColumnType> types;       ///< of the result columns
+  bool keyed = false;                  ///< its rows can be found again by the keys of their tables
+  std::string keys;                    ///< the keys of all rows, in order
+  std::string row;                     ///< one row by its keys :k0, :k1 …
+  std::string whole;                   ///< all rows, where they have no keys
 };
 
 class Handle;
@@ -88,7 +90,8 @@ class Use {
   std::string sql_;
 };
 
-/// One SQLite database. Handles outlive connections: they wait, without any lock, for the next open of the same file.
+/// One SQLite database. Handles outlive connections: they wait, without any lock, for the next open of the
+/// same file.
 class Handle {
  public:
   static std::unique_ptr<Handle> Acquire(const std::string& path, bool readOnly);
@@ -105,15 +108,21 @@ class Handle {
   /// The first column of the first row of a statement without parameters; 0 for none.
   std::int64_t Number(std::string_view sql);
 
-  /// The tables as they are. Other users' changes are noticed within a fifth of a second, or at once when asked.
+  /// The tables as they are. Other users' changes are noticed within a fifth of a second, or at once when
+  /// asked.
   const std::shared_ptr<const Schema>& Tables(bool checkNow = false);
   void ForgetTables();
   std::shared_ptr<const QueryPlan> Plan(const Normalized& statement);
   [[noreturn]] void Fail(int code, std::string_view sql = {});
+  /// How long to wait for another writer before the error 3188.
+  void SetPatience(std::chrono::milliseconds patience) { patience_ = patience; }
 
  private:
   friend class Use;
   Handle() = default;
+  static int Nap(void* self, int tries);
+  std::chrono::milliseconds patience_{15000};
+  std::chrono::steady_clock::time_point waitingSince_;
   std::string path_;
   bool readOnly_ = false;
   dev_t device_ = 0;
@@ -134,8 +143,8 @@ class Handle {
 Schema ReadSchema(Handle& handle);
 std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_ptr<const Schema> schema);
 
-/// The value as a column takes it: converted to the column's type, its size and range checked. Throws StoreError 3163, 3315,
-/// 3421 or 6.
+/// The value as a column takes it: converted to the column's type, its size and range checked. Throws
+/// StoreError 3163, 3315, 3421 or 6.
 rt::Value FitToColumn(const ColumnInfo& column, const rt::Value& value);
 /// The text of an error about one column.
 std::string InColumn(const ColumnInfo& column, const std::string& text);

@@ -12,8 +12,8 @@ constexpr std::int64_t kMostAhead = 64;
 
 class QueryCursor : public RecordCursor {
  public:
-  QueryCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan, std::vector<rt::Value> parameters,
-              Locking locking)
+  QueryCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan,
+              std::vector<rt::Value> parameters, Locking locking)
       : RecordCursor(std::move(connection), std::move(plan), std::move(parameters), locking),
         width_(std::max<std::size_t>(1, plan_->translation.tables.size())) {
     ReadKeys();
@@ -51,7 +51,8 @@ class QueryCursor : public RecordCursor {
   void GoTo(const Bookmark& mark) override {
     if (!plan_->keyed) return MoveTo(mark.empty() ? 0 : mark[0]);
     // Most often the record is near; only then is the whole set looked through.
-    for (std::int64_t i = std::max<std::int64_t>(0, place_ - 8), end = std::min(Rows(), place_ + 8); i < end; ++i)
+    for (std::int64_t i = std::max<std::int64_t>(0, place_ - 8), end = std::min(Rows(), place_ + 8); i < end;
+         ++i)
       if (std::equal(mark.begin(), mark.end(), KeysAt(i))) return MoveTo(i);
     for (std::int64_t i = 0; i < Rows(); ++i)
       if (std::equal(mark.begin(), mark.end(), KeysAt(i))) return MoveTo(i);
@@ -73,7 +74,8 @@ class QueryCursor : public RecordCursor {
       return;
     }
     const std::uint64_t epoch = Impl().EpochOf(Table());
-    if (epoch != windowEpoch_ || place_ < windowStart_ || place_ >= windowStart_ + static_cast<std::int64_t>(window_.size())) {
+    if (epoch != windowEpoch_ || place_ < windowStart_ ||
+        place_ >= windowStart_ + static_cast<std::int64_t>(window_.size())) {
       FetchWindow();
       current_ = -1;
     }
@@ -107,7 +109,9 @@ class QueryCursor : public RecordCursor {
   std::int64_t Rows() const {
     return static_cast<std::int64_t>(plan_->keyed ? keys_.size() / width_ : whole_.size());
   }
-  const std::int64_t* KeysAt(std::int64_t place) const { return keys_.data() + static_cast<std::size_t>(place) * width_; }
+  const std::int64_t* KeysAt(std::int64_t place) const {
+    return keys_.data() + static_cast<std::size_t>(place) * width_;
+  }
 
   void ReadKeys() {
     keys_.clear();
@@ -137,7 +141,8 @@ class QueryCursor : public RecordCursor {
     } else {
       while (use.Step())
         for (int i = 0; i < static_cast<int>(width_); ++i)
-          keys_.push_back(sqlite3_column_type(statement, i) == SQLITE_NULL ? kNoKey : sqlite3_column_int64(statement, i));
+          keys_.push_back(
+              sqlite3_column_type(statement, i) == SQLITE_NULL ? kNoKey : sqlite3_column_int64(statement, i));
     }
     if (keys_.size() > 100000) keys_.shrink_to_fit();
   }
@@ -158,7 +163,8 @@ class QueryCursor : public RecordCursor {
       use.BindAll(parameters_);
       for (std::size_t k = 0; k < width_; ++k) use.BindKey(static_cast<int>(k), keys[k]);
       window_[i].Clear();
-      const bool there = use.Step() && (keys[0] == kNoKey || sqlite3_column_type(use.Raw(), 0) != SQLITE_NULL);
+      const bool there =
+          use.Step() && (keys[0] == kNoKey || sqlite3_column_type(use.Raw(), 0) != SQLITE_NULL);
       if (there) window_[i].Read(use.Raw(), static_cast<int>(width_), fields);
       use.Reset();
     }
@@ -178,12 +184,14 @@ class QueryCursor : public RecordCursor {
 
 }  // namespace
 
-std::unique_ptr<Cursor> Cursor::OpenQuery(std::shared_ptr<Connection> connection, std::string_view sql, Locking locking) {
+std::unique_ptr<Cursor> Cursor::OpenQuery(std::shared_ptr<Connection> connection, std::string_view sql,
+                                          Locking locking) {
   std::vector<rt::Value> parameters;
   auto plan = connection->Plan(sql, &parameters);
   if (plan->translation.kind != StatementKind::Select)
     throw StoreError(kSyntax, "Only a SELECT opens a recordset: " + std::string(sql));
-  return std::make_unique<QueryCursor>(std::move(connection), std::move(plan), std::move(parameters), locking);
+  return std::make_unique<QueryCursor>(std::move(connection), std::move(plan), std::move(parameters),
+                                       locking);
 }
 
 }  // namespace store

@@ -25,7 +25,8 @@ std::string Order(const Translation& t) {
 std::string KeyStatement(const Translation& t) {
   std::string keys;
   for (const auto& table : t.tables) keys += (keys.empty() ? "" : ", ") + RowId(table);
-  return "SELECT " + keys + " FROM " + t.from + (t.where.empty() ? "" : " WHERE " + t.where) + Order(t) + Limit(t);
+  return "SELECT " + keys + " FROM " + t.from + (t.where.empty() ? "" : " WHERE " + t.where) + Order(t) +
+         Limit(t);
 }
 
 std::string RowStatement(const Translation& t) {
@@ -33,19 +34,22 @@ std::string RowStatement(const Translation& t) {
   for (const auto& table : t.tables) keys += (keys.empty() ? "" : ", ") + RowId(table);
   std::string sql = "SELECT " + keys + ", " + SelectList(t) + " FROM ";
   if (t.tables.size() == 1)
-    return sql + QuoteName(t.tables[0].name) + " AS " + QuoteName(t.tables[0].alias) + " WHERE " + RowId(t.tables[0]) + " = :k0";
+    return sql + QuoteName(t.tables[0].name) + " AS " + QuoteName(t.tables[0].alias) + " WHERE " +
+           RowId(t.tables[0]) + " = :k0";
   // Each table's row by its own key; a table whose row is missing gives Nulls, which an inner join would not.
   sql += "(SELECT 1)";
   for (std::size_t i = 0; i < t.tables.size(); ++i)
-    sql += " LEFT JOIN " + QuoteName(t.tables[i].name) + " AS " + QuoteName(t.tables[i].alias) + " ON " + RowId(t.tables[i]) +
-           " = :k" + std::to_string(i);
+    sql += " LEFT JOIN " + QuoteName(t.tables[i].name) + " AS " + QuoteName(t.tables[i].alias) + " ON " +
+           RowId(t.tables[i]) + " = :k" + std::to_string(i);
   return sql;
 }
 
 std::string WholeStatement(const Translation& t) {
-  return std::string("SELECT ") + (t.distinct ? "DISTINCT " : "") + SelectList(t) + (t.from.empty() ? "" : " FROM " + t.from) +
-         (t.where.empty() ? "" : " WHERE " + t.where) + (t.groupBy.empty() ? "" : " GROUP BY " + t.groupBy) +
-         (t.having.empty() ? "" : " HAVING " + t.having) + (t.orderBy.empty() ? "" : " ORDER BY " + t.orderBy) + Limit(t);
+  return std::string("SELECT ") + (t.distinct ? "DISTINCT " : "") + SelectList(t) +
+         (t.from.empty() ? "" : " FROM " + t.from) + (t.where.empty() ? "" : " WHERE " + t.where) +
+         (t.groupBy.empty() ? "" : " GROUP BY " + t.groupBy) +
+         (t.having.empty() ? "" : " HAVING " + t.having) +
+         (t.orderBy.empty() ? "" : " ORDER BY " + t.orderBy) + Limit(t);
 }
 
 }  // namespace

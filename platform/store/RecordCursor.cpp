@@ -37,7 +37,15 @@ void RecordCursor::NeedRow() const {
 }
 
 void RecordCursor::LeaveRetiredCache() {
-  if (!cachedRow_ || !cache_->Retired()) return;
+  if (!cachedRow_) return;
+  bool good = !cache_->Retired();
+  if (good && !cachedRow_->dirty) {
+    // A row that was merely read is as old as its group: others may have changed it since, while the program
+    // waited.
+    const auto kept = cache_->Rows().find(cacheKey_);
+    good = impl_->InGroup() && kept != cache_->Rows().end() && kept->second == cachedRow_;
+  }
+  if (good) return;
   const std::int64_t key = cachedRow_->id;
   cachedRow_ = nullptr;
   cache_ = nullptr;
@@ -79,10 +87,12 @@ rt::Value RecordCursor::Get(int field) {
 }
 
 void RecordCursor::Set(int field, const rt::Value& value) {
-  if (state_ == State::Viewing) throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  if (state_ == State::Viewing)
+    throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
   const int column = plan_->leadingColumn[static_cast<std::size_t>(field)];
   if (column < 0)
-    throw StoreError(kCannotUpdate, "The field '" + plan_->fields[static_cast<std::size_t>(field)].name + "' cannot be updated.");
+    throw StoreError(kCannotUpdate, "The field '" + plan_->fields[static_cast<std::size_t>(field)].name +
+                                        "' cannot be updated.");
   const auto place = static_cast<std::size_t>(column);
   const ColumnInfo& info = plan_->leading->columns[place];
   rt::Value fitted = FitToColumn(info, value);
@@ -100,7 +110,8 @@ void RecordCursor::HoldForEdit() {
   const std::int64_t row = RowKey();
   if (row == 0) return;  // a row of this group, not in the file yet
   const bool transaction = impl_->Depth() > 0 || impl_->InGroup();
-  const auto refused = transaction ? impl_->HoldForTransaction(Table(), row) : impl_->HoldForEdit(Table(), row);
+  const auto refused =
+      transaction ? impl_->HoldForTransaction(Table(), row) : impl_->HoldForEdit(Table(), row);
   if (refused) throw Refusal(refused->hold == Hold::Edit ? kEditLocked : kRecordLocked, *refused);
   if (transaction) return;
   holding_ = true;
@@ -153,7 +164,8 @@ void RecordCursor::AddNew() {
 }
 
 void RecordCursor::CancelUpdate() {
-  if (state_ == State::Viewing) throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  if (state_ == State::Viewing)
+    throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
   LeaveEdit();
 }
 
@@ -169,7 +181,8 @@ void RecordCursor::CheckRequired(const std::vector<std::optional<rt::Value>>& bu
 }
 
 void RecordCursor::Update() {
-  if (state_ == State::Viewing) throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  if (state_ == State::Viewing)
+    throw StoreError(kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
   CheckRequired(buffer_, state_ == State::Adding);
   if (state_ == State::Adding)
     StoreNew();
@@ -226,7 +239,9 @@ bool RecordCursor::StoreNewInCache(const std::vector<rt::Value>& values) {
   const auto absent = cache_->Rows().find(cacheKey_);
   if (absent == cache_->Rows().end() || absent->second) return false;
   for (const auto& column : plan_->leading->columns)
-    if (column.type == ColumnType::Counter && buffer_[static_cast<std::size_t>(plan_->leading->Find(column.name))]) return false;
+    if (column.type == ColumnType::Counter &&
+        buffer_[static_cast<std::size_t>(plan_->leading->Find(column.name))])
+      return false;
   auto row = std::make_shared<CachedRow>();
   row->values = values;
   impl_->KeepForUndo(*cache_, row, cacheKey_, false);
@@ -257,7 +272,8 @@ void RecordCursor::StoreNew() {
   {
     Writing writing(*impl_);
     impl_->BeforeRead(table);
-    impl_->Write("INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")", std::move(values), &id, idParameter);
+    impl_->Write("INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")",
+                 std::move(values), &id, idParameter);
     impl_->NoteChange(Table());
     if (idParameter > 0) impl_->NoteReserved(table.name, id);
     writing.Done();
@@ -281,7 +297,8 @@ void RecordCursor::Delete() {
   try {
     Writing writing(*impl_);
     impl_->BeforeRead(*plan_->leading);
-    if (impl_->Write("DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1", {static_cast<std::int32_t>(key)}) == 0)
+    if (impl_->Write("DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1",
+                     {static_cast<std::int32_t>(key)}) == 0)
       throw StoreError(kRecordDeleted, "Record is deleted.");
     impl_->NoteChange(Table());
     writing.Done();
@@ -295,8 +312,12 @@ void RecordCursor::Delete() {
 
 // --- looking for rows
 
-void RecordCursor::SetIndex(std::string_view) { throw StoreError(kCannotUpdate, "Only a table recordset has an index."); }
-void RecordCursor::Seek(const std::vector<rt::Value>&) { throw StoreError(kCannotUpdate, "Only a table recordset can seek."); }
+void RecordCursor::SetIndex(std::string_view) {
+  throw StoreError(kCannotUpdate, "Only a table recordset has an index.");
+}
+void RecordCursor::Seek(const std::vector<rt::Value>&) {
+  throw StoreError(kCannotUpdate, "Only a table recordset can seek.");
+}
 void RecordCursor::FindFirst(std::string_view condition) { Find(condition, true); }
 void RecordCursor::FindNext(std::string_view condition) { Find(condition, false); }
 
@@ -304,15 +325,17 @@ void RecordCursor::Find(std::string_view condition, bool first) {
   LeaveEdit();
   noMatch_ = true;
   if (!plan_->keyed) throw StoreError(kCannotUpdate, "This recordset cannot be searched.");
-  // The keys that satisfy the condition, asked of the file in one query; then the first of them in this set's order.
+  // The keys that satisfy the condition, asked of the file in one query; then the first of them in this set's
+  // order.
   const Translation& t = plan_->translation;
   std::vector<rt::Value> found;
-  const auto probe = connection_->Plan("SELECT * FROM [" + t.tables[0].name + "] WHERE " + std::string(condition), &found);
+  const auto probe =
+      connection_->Plan("SELECT * FROM [" + t.tables[0].name + "] WHERE " + std::string(condition), &found);
   const Bookmark place = OnRow() ? Mark() : Bookmark{};
   const auto matches = [&](std::int64_t key) {
     impl_->BeforeRead(probe->translation);
-    Use use(impl_->Db(), "SELECT 1 FROM " + probe->translation.from + " WHERE (" + probe->translation.where + ") AND " +
-                             QuoteName(probe->translation.tables[0].alias) + "._rowid_ = :k0");
+    Use use(impl_->Db(), "SELECT 1 FROM " + probe->translation.from + " WHERE (" + probe->translation.where +
+                             ") AND " + QuoteName(probe->translation.tables[0].alias) + "._rowid_ = :k0");
     use.BindAll(found);
     use.BindKey(0, key);
     return use.Step();

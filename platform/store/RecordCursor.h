@@ -14,8 +14,8 @@ namespace store {
 
 class RecordCursor : public Cursor {
  public:
-  RecordCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan, std::vector<rt::Value> parameters,
-               Locking locking);
+  RecordCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan,
+               std::vector<rt::Value> parameters, Locking locking);
   ~RecordCursor() override;
   RecordCursor(const RecordCursor&) = delete;
   RecordCursor& operator=(const RecordCursor&) = delete;
@@ -46,7 +46,8 @@ class RecordCursor : public Cursor {
   virtual bool OnRow() const = 0;
   /// The key of the leading table's record at the place.
   virtual std::int64_t RowKey() const = 0;
-  /// Makes row_ the row at the place, as it is now where others or this connection may have changed it. 3167 when it is gone.
+  /// Makes row_ the row at the place, as it is now where others or this connection may have changed it. 3167
+  /// when it is gone.
   virtual void ReadRow() = 0;
   /// Reads the row at the place from the file again.
   virtual void ReadRowAgain() = 0;

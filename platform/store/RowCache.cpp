@@ -8,13 +8,15 @@ namespace {
 void AppendKey(std::string& key, const rt::Value& value) {
   switch (value.Type()) {
     case rt::ValueType::Text:
-      for (const char c : std::get<std::string>(value.Data())) key += c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+      for (const char c : std::get<std::string>(value.Data()))
+        key += c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
       key += '\0';
       break;
     case rt::ValueType::Boolean:
     case rt::ValueType::Integer:
     case rt::ValueType::Long: {
-      const std::int32_t number = value.Type() == rt::ValueType::Boolean ? (value.AsBoolean() ? 1 : 0) : value.AsLong();
+      const std::int32_t number =
+          value.Type() == rt::ValueType::Boolean ? (value.AsBoolean() ? 1 : 0) : value.AsLong();
       char bytes[sizeof number];
       std::memcpy(bytes, &number, sizeof number);
       key += 'n';
@@ -32,7 +34,8 @@ void AppendKey(std::string& key, const rt::Value& value) {
 
 RowCache::RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index)
     : schema_(std::move(schema)), table_(table), index_(index) {
-  for (const auto& column : index.columns) keyColumns_.push_back(static_cast<std::size_t>(table.Find(column)));
+  for (const auto& column : index.columns)
+    keyColumns_.push_back(static_cast<std::size_t>(table.Find(column)));
   std::string names;
   std::string marks;
   std::string changes;
@@ -45,7 +48,8 @@ RowCache::RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table,
     marks += (marks.empty() ? "" : ", ") + mark;
     changes += (changes.empty() ? "" : ", ") + name + " = " + mark;
   }
-  update_ = "UPDATE " + QuoteName(table.name) + " SET " + changes + " WHERE _rowid_ = ?" + std::to_string(stored_.size() + 1);
+  update_ = "UPDATE " + QuoteName(table.name) + " SET " + changes + " WHERE _rowid_ = ?" +
+            std::to_string(stored_.size() + 1);
   insert_ = "INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")";
 }
 

@@ -1,4 +1,5 @@
-// Rows that a group of commits changes again and again, kept in memory and written once before the group's commit.
+// Rows that a group of commits changes again and again, kept in memory and written once before the group's
+// commit.
 #pragma once
 
 #include <cstdint>
@@ -20,12 +21,14 @@ struct CachedRow {
   std::uint64_t changedIn = 0;  ///< the transaction that keeps this row's earlier state for an undo
 };
 
-/// The rows of one table by the values of one unique index. An entry without a row says that there is none in the file.
+/// The rows of one table by the values of one unique index. An entry without a row says that there is none in
+/// the file.
 class RowCache {
  public:
   RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index);
 
-  /// The key as the index compares it: texts without regard to case. Empty where a Null is in it, which matches nothing.
+  /// The key as the index compares it: texts without regard to case. Empty where a Null is in it, which
+  /// matches nothing.
   static std::string KeyOf(const std::vector<rt::Value>& key);
   std::string KeyOfRow(const std::vector<rt::Value>& values) const;
 

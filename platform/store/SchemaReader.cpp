@@ -20,12 +20,14 @@ void ReadColumns(Handle& handle, TableInfo& table, const std::string& definition
   while (columns.Step()) {
     const std::string declared = columns.Text(1);
     // A column of a type that is not ours is still there to be read.
-    ColumnInfo column = ParseDeclaredType(declared).value_or(ColumnInfo{"", ColumnType::Memo, 0, false, true});
+    ColumnInfo column =
+        ParseDeclaredType(declared).value_or(ColumnInfo{"", ColumnType::Memo, 0, false, true});
     column.name = columns.Text(0);
     if (column.type == ColumnType::Counter && definition.find("AUTOINCREMENT") == std::string::npos)
       column.type = ColumnType::Long;
     column.required = columns.Int64(2) != 0 && column.type != ColumnType::Boolean;
-    column.allowZeroLength = definition.find("CHECK (" + QuoteName(column.name) + " <> '')") == std::string::npos;
+    column.allowZeroLength =
+        definition.find("CHECK (" + QuoteName(column.name) + " <> '')") == std::string::npos;
     if (columns.Int64(3) > 0) key.emplace_back(columns.Int64(3), column.name);
     table.columns.push_back(std::move(column));
   }
@@ -39,7 +41,8 @@ void ReadColumns(Handle& handle, TableInfo& table, const std::string& definition
 void ReadIndexes(Handle& handle, TableInfo& table) {
   std::vector<std::pair<std::string, bool>> found;
   {
-    Use indexes(handle, "SELECT name, \"unique\" FROM pragma_index_list(?1) WHERE origin = 'c' ORDER BY seq DESC");
+    Use indexes(handle,
+                "SELECT name, \"unique\" FROM pragma_index_list(?1) WHERE origin = 'c' ORDER BY seq DESC");
     indexes.Bind(1, rt::Value(table.name));
     while (indexes.Step()) found.emplace_back(indexes.Text(0), indexes.Int64(1) != 0);
   }
@@ -67,7 +70,8 @@ std::string StoredIndexName(std::string_view table, std::string_view index) {
 
 std::string IndexNameOf(std::string_view table, std::string_view stored) {
   const std::string prefix = std::string(table) + ".";
-  if (rt::EqualNoCase(stored.substr(0, prefix.size()), prefix)) return std::string(stored.substr(prefix.size()));
+  if (rt::EqualNoCase(stored.substr(0, prefix.size()), prefix))
+    return std::string(stored.substr(prefix.size()));
   return std::string(stored);
 }
 

@@ -6,7 +6,8 @@
 
 namespace store {
 
-/// What goes wrong in a data file. The numbers are the engine's own; above data/ they never travel as exceptions.
+/// What goes wrong in a data file. The numbers are the engine's own; above data/ they never travel as
+/// exceptions.
 enum Error : int {
   kOverflow = 6,
   kDuplicateKey = 3022,
@@ -23,7 +24,6 @@ enum Error : int {
   kTooFewParameters = 3061,
   kSyntax = 3075,
   kTableNotFound = 3078,
-  kAmbiguous = 3079,
   kAmbiguousColumn = 3079,
   kTableExists = 3010,
   kRelationExists = 3012,

@@ -103,7 +103,9 @@ class TableCursor : public RecordCursor {
   void SetIndex(std::string_view name) override {
     Leave();
     const IndexInfo* index = plan_->leading->FindIndex(name);
-    if (!index) throw StoreError(kNotAnIndex, "'" + std::string(name) + "' is not an index in table '" + plan_->leading->name + "'.");
+    if (!index)
+      throw StoreError(kNotAnIndex, "'" + std::string(name) + "' is not an index in table '" +
+                                        plan_->leading->name + "'.");
     index_ = index;
     byIndex_ = !index->primary;
     orderRead_ = false;
@@ -120,7 +122,8 @@ class TableCursor : public RecordCursor {
     onDeleted_ = false;
     if (!index_) throw StoreError(kNotAnIndex, "Seek needs an index.");
     if (key.empty() || key.size() > index_->columns.size())
-      throw StoreError(kTypeMismatch, "The index '" + index_->name + "' has " + std::to_string(index_->columns.size()) + " fields.");
+      throw StoreError(kTypeMismatch, "The index '" + index_->name + "' has " +
+                                          std::to_string(index_->columns.size()) + " fields.");
     noMatch_ = true;
     if (key.size() == index_->columns.size() && locking_ == Locking::Pessimistic) {
       cache_ = Impl().CacheFor(plan_->schema, *plan_->leading, *index_);
@@ -142,7 +145,8 @@ class TableCursor : public RecordCursor {
     windowEpoch_ = 0;
   }
   void ReadRow() override {
-    if (windowEpoch_ == Impl().EpochOf(Table()) && windowPlace_ < windowKeys_.size() && windowKeys_[windowPlace_] == key_) {
+    if (windowEpoch_ == Impl().EpochOf(Table()) && windowPlace_ < windowKeys_.size() &&
+        windowKeys_[windowPlace_] == key_) {
       if (window_[windowPlace_].Empty() && !FetchByKeys(&key_, window_[windowPlace_]))
         throw StoreError(kRecordDeleted, "Record is deleted.");
       if (current_ != windowPlace_) {
@@ -241,7 +245,8 @@ class TableCursor : public RecordCursor {
     Impl().BeforeRead(*plan_->leading);
     std::string columns;
     for (const auto& column : index_->columns) columns += QuoteName(column) + ", ";
-    Use use(Impl().Db(), "SELECT _rowid_ FROM " + QuoteName(plan_->leading->name) + " ORDER BY " + columns + "_rowid_");
+    Use use(Impl().Db(),
+            "SELECT _rowid_ FROM " + QuoteName(plan_->leading->name) + " ORDER BY " + columns + "_rowid_");
     order_.clear();
     while (use.Step()) order_.push_back(use.Int64(0));
     orderRead_ = true;
@@ -278,7 +283,8 @@ class TableCursor : public RecordCursor {
           return false;
         }
         values.push_back(FitToColumn(plan_->leading->columns[column], key[i]));
-        condition += (condition.empty() ? " WHERE " : " AND ") + name + " = ?" + std::to_string(values.size());
+        condition +=
+            (condition.empty() ? " WHERE " : " AND ") + name + " = ?" + std::to_string(values.size());
       } else {
         order += name + ", ";
       }
@@ -313,7 +319,8 @@ class TableCursor : public RecordCursor {
         row->id = key_;
         const auto count = plan_->fields.size();
         row->values.reserve(count);
-        for (std::size_t i = 0; i < count; ++i) row->values.push_back(window_[0].Decode(static_cast<int>(i), plan_->types[i]));
+        for (std::size_t i = 0; i < count; ++i)
+          row->values.push_back(window_[0].Decode(static_cast<int>(i), plan_->types[i]));
       }
       found = rows.emplace(cacheKey_, std::move(row)).first;
     }
@@ -344,7 +351,8 @@ class TableCursor : public RecordCursor {
 
 }  // namespace
 
-std::unique_ptr<Cursor> Cursor::OpenTable(std::shared_ptr<Connection> connection, std::string_view table, Locking locking) {
+std::unique_ptr<Cursor> Cursor::OpenTable(std::shared_ptr<Connection> connection, std::string_view table,
+                                          Locking locking) {
   std::vector<rt::Value> parameters;
   auto plan = connection->Plan("SELECT * FROM [" + std::string(table) + "]", &parameters);
   return std::make_unique<TableCursor>(std::move(connection), std::move(plan), locking);

@@ -63,7 +63,8 @@ rt::Value RawRow::Decode(int index, ColumnType type) const {
         case ColumnType::Double:
           return static_cast<double>(cell.whole);
         case ColumnType::Short:
-          if (cell.whole >= INT16_MIN && cell.whole <= INT16_MAX) return static_cast<std::int16_t>(cell.whole);
+          if (cell.whole >= INT16_MIN && cell.whole <= INT16_MAX)
+            return static_cast<std::int16_t>(cell.whole);
           break;
         case ColumnType::Text:
         case ColumnType::Memo:
@@ -113,17 +114,21 @@ rt::Value FitToColumn(const ColumnInfo& column, const rt::Value& value) {
         std::string text = value.AsText();
         // A NUL would cut the text short in every other program that reads the file.
         if (text.find('\0') != std::string::npos)
-          throw StoreError(kTypeMismatch, InColumn(column, "The text holds a character that cannot be stored."));
+          throw StoreError(kTypeMismatch,
+                           InColumn(column, "The text holds a character that cannot be stored."));
         if (column.type == ColumnType::Text && rt::Length(text) > static_cast<std::size_t>(column.size))
-          throw StoreError(kFieldTooSmall, InColumn(column, "The field is too small for the text that was to be stored in it; it takes " +
-                                                                std::to_string(column.size) + " characters."));
+          throw StoreError(
+              kFieldTooSmall,
+              InColumn(column, "The field is too small for the text that was to be stored in it; it takes " +
+                                   std::to_string(column.size) + " characters."));
         if (text.empty() && !column.allowZeroLength)
           throw StoreError(kZeroLength, InColumn(column, "The field cannot be an empty text."));
         return text;
       }
     }
   } catch (const rt::RuntimeError& error) {
-    if (error.Number() == 6) throw StoreError(kOverflow, InColumn(column, "The number is beyond what the field can hold."));
+    if (error.Number() == 6)
+      throw StoreError(kOverflow, InColumn(column, "The number is beyond what the field can hold."));
     throw StoreError(kTypeMismatch, InColumn(column, "The value is of a kind that the field cannot hold."));
   }
   return value;

@@ -57,6 +57,7 @@ TEST_F(GenericADOTest, OpenAsksForTheSharingThatIsWanted) {
   user_->ExpectPart(" trying to open connection.\r\r", Icon::Critical);
   EXPECT_FALSE(AdoOpenConnection(alone, FileConnect(path), true));
   EXPECT_FALSE(alone->IsOpen());
+  ASSERT_EQ(user_->Shown().size(), 1U);
   EXPECT_TRUE(user_->Shown().back().text.starts_with("Unknown error #"));
   EXPECT_TRUE(
       user_->Shown().back().text.ends_with("\n\nContact your System Administrator if this continues."));

@@ -106,7 +106,8 @@ TEST_F(ConnectionTest, TransactionsNestAndRollBackInParts) {
   auto file = test::OpenSmallFile(path);
   const auto codes = [&] {
     std::string all;
-    for (auto rows = Cursor::OpenQuery(file, "SELECT Code FROM Assets", Locking::ReadOnly); !rows->AtEnd(); rows->MoveNext())
+    for (auto rows = Cursor::OpenQuery(file, "SELECT Code FROM Assets", Locking::ReadOnly); !rows->AtEnd();
+         rows->MoveNext())
       all += rows->Get(0).AsText();
     return all;
   };
@@ -209,7 +210,8 @@ TEST_F(ConnectionTest, TellsApartWhatIsNoDataFileAndLeavesItAlone) {
   const std::string broken = make("broken.mdb", damaged);
   EXPECT_NE(problem(directory.Path("none.mdb")).find("3024"), std::string::npos);
   EXPECT_NE(problem(directory.Path("none/none.mdb")).find("3044"), std::string::npos);
-  EXPECT_NE(problem(directory.Path("")).find("is a directory"), std::string::npos) << problem(directory.Path(""));
+  EXPECT_NE(problem(directory.Path("")).find("is a directory"), std::string::npos)
+      << problem(directory.Path(""));
   EXPECT_EQ(ErrorOf([&] {
               auto file = store::Connection::Open({broken});
               Ask(file, "SELECT Code FROM Assets");

@@ -87,7 +87,8 @@ TEST_F(CursorTest, ASetSeesDeletionsAdditionsAndChangesAsItsKeysDo) {
 TEST_F(CursorTest, JoinsNameDoubledColumnsAndKeepRowsWithoutPartner) {
   file->Execute("INSERT INTO Lines (Asset, Code) VALUES (1, 'L1')");
   file->Execute("INSERT INTO Lines (Asset, Code) VALUES (999, 'L2')");
-  auto rows = Query("SELECT * FROM Lines LEFT JOIN Assets ON Lines.Asset = Assets.ID ORDER BY [Assets.Code] DESC");
+  auto rows =
+      Query("SELECT * FROM Lines LEFT JOIN Assets ON Lines.Asset = Assets.ID ORDER BY [Assets.Code] DESC");
   EXPECT_EQ(rows->Count(), 2);
   EXPECT_EQ(rows->Get(rows->FieldIndex("Lines.Code")), Value("L1"));
   EXPECT_EQ(rows->Get(rows->FieldIndex("Assets.Code")), Value("A0"));
@@ -134,7 +135,8 @@ TEST_F(CursorTest, TablesSeekOnTheirIndexes) {
 }
 
 TEST_F(CursorTest, GroupedRowsHaveNoKeysAndStayAsTheyAre) {
-  auto sums = Query("SELECT [Year], COUNT(*) AS N, SUM(Cost) AS Total FROM Assets GROUP BY [Year] ORDER BY [Year]");
+  auto sums =
+      Query("SELECT [Year], COUNT(*) AS N, SUM(Cost) AS Total FROM Assets GROUP BY [Year] ORDER BY [Year]");
   EXPECT_EQ(sums->Count(), 3);
   EXPECT_EQ(sums->Get(sums->FieldIndex("N")).AsLong(), 100);
   EXPECT_EQ(sums->Get(sums->FieldIndex("Total")), Value(rt::Currency::FromWhole(10000)));

@@ -16,7 +16,8 @@ using test::Ask;
 using test::ErrorOf;
 using test::SecondProcess;
 
-// The second process stands as user ADMIN at machine OFFICE, as a window or as a transaction, until it hears a word.
+// The second process stands as user ADMIN at machine OFFICE, as a window or as a transaction, until it hears
+// a word.
 class LockingTest : public testing::Test {
  protected:
   LockingTest() {
@@ -58,7 +59,8 @@ TEST_F(LockingTest, ARecordInAWindowIsRefusedByItsHoldersName) {
     FAIL() << "the record was not refused";
   } catch (const store::StoreError& error) {
     EXPECT_EQ(error.Number(), 3218);
-    EXPECT_NE(std::string(error.what()).find("currently locked by user 'ADMIN' on machine 'OFFICE'"), std::string::npos);
+    EXPECT_NE(std::string(error.what()).find("currently locked by user 'ADMIN' on machine 'OFFICE'"),
+              std::string::npos);
   }
   file->BeginTrans();
   EXPECT_EQ(ErrorOf([&] { row->Edit(); }), 3218) << "a window's hold is the same for a transaction";
@@ -138,7 +140,8 @@ TEST_F(LockingTest, ExclusiveAndSharedKeepEachOtherOut) {
   EXPECT_EQ(ErrorOf([&] { store::Connection::Open({path, store::Share::Exclusive}); }), 0);
 }
 
-// What a group of commits keeps back belongs to others as soon as the program waits, and a row that is half done does not.
+// What a group of commits keeps back belongs to others as soon as the program waits, and a row that is half
+// done does not.
 TEST_F(LockingTest, AGroupGivesTheFileBackBeforeAWait) {
   SecondProcess other([this](SecondProcess::Channel& talk) {
     talk.Hear();
@@ -146,8 +149,9 @@ TEST_F(LockingTest, AGroupGivesTheFileBackBeforeAWait) {
     talk.Say(Ask(file, "SELECT [Year] FROM Assets WHERE Code = 'A'").AsText() + " " +
              Ask(file, "SELECT [Year] FROM Assets WHERE Code = 'B'").AsText() + " " +
              std::to_string(ErrorOf([&] { On(file, "B")->Edit(); })) + " " +
-             std::to_string(ErrorOf([&] { On(file, "A")->Edit(); })) + " " +
-             std::to_string(ErrorOf([&] { file->Execute("UPDATE Assets SET [Year] = 3 WHERE Code = 'C'"); })));
+             std::to_string(ErrorOf([&] { On(file, "A")->Edit(); })) + " " + std::to_string(ErrorOf([&] {
+               file->Execute("UPDATE Assets SET [Year] = 3 WHERE Code = 'C'");
+             })));
     talk.Hear();
     talk.Say(Ask(file, "SELECT [Year] FROM Assets WHERE Code = 'B'").AsText() + " " +
              Ask(file, "SELECT COUNT(*) FROM Assets").AsText());

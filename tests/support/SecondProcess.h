@@ -7,8 +7,8 @@
 
 namespace test {
 
-/// A real second process, forked from the test before it has any data file open. It runs `body` and ends; with Say and
-/// WaitFor the two keep in step. The destructor kills what still runs.
+/// A real second process, forked from the test before it has any data file open. It runs `body` and ends;
+/// with Say and WaitFor the two keep in step. The destructor kills what still runs.
 ///
 /// Fork only while this process has no data file open: the child would share its locks.
 class SecondProcess {

@@ -8,17 +8,18 @@
 
 namespace test {
 
-/// Makes a data file with the tables Assets (ID, Code TEXT(10) unique by index Code, Cost CURRENCY, Miles SINGLE, Bought
-/// DATETIME, Active YESNO, Notes MEMO) and Lines (ID, Asset LONG, Code TEXT(10)).
+/// Makes a data file with the tables Assets (ID, Code TEXT(10) unique by index Code, Cost CURRENCY, Miles
+/// SINGLE, Bought DATETIME, Active YESNO, Notes MEMO) and Lines (ID, Asset LONG, Code TEXT(10)).
 inline void MakeSmallFile(const std::string& path) {
   using store::ColumnType;
   store::Connection::Create(path);
   auto file = store::Connection::Open({path});
   store::TableInfo assets;
   assets.name = "Assets";
-  assets.columns = {{"ID", ColumnType::Counter},   {"Code", ColumnType::Text, 10}, {"Cost", ColumnType::Currency},
-                    {"Miles", ColumnType::Single}, {"Bought", ColumnType::DateTime}, {"Active", ColumnType::Boolean},
-                    {"Notes", ColumnType::Memo},   {"Year", ColumnType::Short}};
+  assets.columns = {{"ID", ColumnType::Counter},      {"Code", ColumnType::Text, 10},
+                    {"Cost", ColumnType::Currency},   {"Miles", ColumnType::Single},
+                    {"Bought", ColumnType::DateTime}, {"Active", ColumnType::Boolean},
+                    {"Notes", ColumnType::Memo},      {"Year", ColumnType::Short}};
   assets.indexes = {{"Code", {"Code"}, false, true, false}, {"By Year", {"Year"}, false, false, false}};
   file->CreateTable(assets);
   store::TableInfo lines;
@@ -27,10 +28,13 @@ inline void MakeSmallFile(const std::string& path) {
   file->CreateTable(lines);
 }
 
-inline std::shared_ptr<store::Connection> OpenSmallFile(const std::string& path) { return store::Connection::Open({path}); }
+inline std::shared_ptr<store::Connection> OpenSmallFile(const std::string& path) {
+  return store::Connection::Open({path});
+}
 
 /// Adds an asset through a cursor; its ID.
-inline std::int32_t AddAsset(const std::shared_ptr<store::Connection>& file, const std::string& code, int year = 2020) {
+inline std::int32_t AddAsset(const std::shared_ptr<store::Connection>& file, const std::string& code,
+                             int year = 2020) {
   auto table = store::Cursor::OpenTable(file, "Assets", store::Locking::Pessimistic);
   table->AddNew();
   table->Set(table->FieldIndex("Code"), code);

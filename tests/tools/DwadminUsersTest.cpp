@@ -1,0 +1,148 @@
+// The console program among other users, under signals and at a terminal.
+#include <signal.h>
+
+#include "support/OtherUser.h"
+#include "tools/Dwadmin.h"
+
+namespace {
+
+using test::Json;
+using test::Outcome;
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+TEST_F(DwadminTest, WhoShowsOthersAndTheirRecords) {
+  test::OtherUser other;
+  MakeSample();
+  EXPECT_EQ(Run({"who"}).out, "Nobody has a data file open.\nNo record is held.\n");
+  other.Hold(Path("DW.MDB"), "SELECT * FROM [Vehicles] WHERE [ID] = 4");
+  const Json who = RunJson({"who"});
+  ASSERT_EQ(who["users"].items.size(), 1U);
+  EXPECT_EQ(who["users"][0]["File"].text, "DW.MDB");
+  EXPECT_EQ(who["users"][0]["User"].text, "admin");
+  EXPECT_NE(who["users"][0]["Computer"].text, "");
+  ASSERT_EQ(who["held"].items.size(), 1U);
+  const Json& held = who["held"][0];
+  EXPECT_EQ(held["Table"].text, "Vehicles");
+  EXPECT_EQ(held["Record"].text, "4");
+  EXPECT_EQ(held["User"].text, "admin");
+  EXPECT_EQ(held["Held By"].text, "window");
+  EXPECT_TRUE(Has(Run({"who"}).out, "Vehicles  4 "));
+
+  // A file that is in use stays as it is; the others are compacted.
+  const Outcome compact = RunAsAdmin({"compact"});
+  EXPECT_EQ(compact.code, 1);
+  EXPECT_TRUE(Has(compact.error, "Cannot compact at this time. Currently in use.")) << compact.error;
+  EXPECT_TRUE(Has(compact.out, "DW.MDB: not compacted.\n"));
+  EXPECT_TRUE(Has(compact.out, " bytes now.\n"));
+  other.Leave();
+  EXPECT_EQ(RunAsAdmin({"compact"}).code, 0);
+  EXPECT_EQ(Run({"check"}).code, 0);
+  EXPECT_EQ(OpenSessions(), 0);
+}
+
+TEST_F(DwadminTest, WorkThatAHeldRecordKeptOutIsNotDone) {
+  test::OtherUser other;
+  MakeSample();
+  ASSERT_EQ(RunAsAdmin({"post"}).code, 0);
+  const std::string id = Ask("SELECT TOP 1 [ID] FROM [Maintenance Transactions]");
+  ASSERT_EQ(RunAsAdmin({"unpost", "--transaction", id}).code, 0);
+  const std::string asset = Ask("SELECT [Asset ID] FROM [Maintenance Transactions] WHERE [ID] = " + id);
+  other.Hold(Path("DW.MDB"), "SELECT * FROM [Assets Lifetime Costs] WHERE [Asset ID] = '" + asset + "'");
+
+  // The row is posted but for one sum, which check then names; clearing first is refused as a whole.
+  const Outcome post = RunAsAdmin({"post"});
+  EXPECT_EQ(post.code, 1);
+  EXPECT_TRUE(Has(post.error, "Posting is Complete."));
+  const Outcome clear = RunAsAdmin({"post", "--clear"});
+  EXPECT_EQ(clear.code, 1);
+  EXPECT_TRUE(Has(clear.error, "Error # 32")) << clear.error;
+  EXPECT_NE(Ask("SELECT [When Posted] FROM [Maintenance Transactions] WHERE [ID] = " + id), "Null");
+  other.Leave();
+  const Json findings = RunJson({"check"}, 1);
+  ASSERT_FALSE(findings.items.empty());
+  EXPECT_EQ(OpenSessions(), 0);
+}
+
+/// Another user whose transaction has changed a record and is not committed yet.
+class OpenTransaction {
+ public:
+  OpenTransaction()
+      : process_([](test::SecondProcess::Channel& talk) {
+          const std::string path = talk.Hear();
+          const std::string sql = talk.Hear();
+          const auto connection = store::Connection::Open({.path = path});
+          connection->BeginTrans();
+          connection->Execute(sql);
+          store::YieldFiles();
+          talk.Say("held");
+          talk.Hear();
+          connection->RollbackTrans();
+        }) {}
+  void Run(const std::string& path, const std::string& sql) {
+    process_.Talk().Say(path);
+    process_.Talk().Say(sql);
+    ASSERT_EQ(process_.Talk().Hear(), "held");
+  }
+  void Leave() {
+    process_.Talk().Say("leave");
+    EXPECT_EQ(process_.Join(), 0);
+  }
+
+ private:
+  test::SecondProcess process_;
+};
+
+TEST_F(DwadminTest, ASignalEndsPostingWithWholeSumsAndAClosedSession) {
+  for (const int number : {SIGTERM, SIGINT}) {
+    SCOPED_TRACE(number);
+    OpenTransaction other;
+    if (!std::filesystem::exists(Path())) MakeSample();
+    ASSERT_EQ(RunAsAdmin({"post", "--clear"}).code, 0);
+    // Waits in the middle: the last asset's row of sums is in somebody's transaction.
+    const std::string asset =
+        Ask("SELECT [Asset ID] FROM [Maintenance Transactions] WHERE [When Posted] IS NOT NULL ORDER BY [ID] "
+            "DESC");
+    for (const char* id : {"SELECT MIN([ID]) FROM [Maintenance Transactions]",
+                           "SELECT MAX([ID]) FROM [Maintenance Transactions]"})
+      ASSERT_EQ(RunAsAdmin({"unpost", "--transaction", Ask(id)}).code, 0);
+    other.Run(Path("DW.MDB"),
+              "UPDATE [Assets Lifetime Costs] SET [Oil Cost] = 0 WHERE [Asset ID] = '" + asset + "'");
+    test::Program post(Command({"post", "--user", "admin", "--workstation", "office"}), "\n");
+    ASSERT_TRUE(post.WaitForError("Posting. Please stand by... 0%"));
+    post.Signal(number);
+    const Outcome stopped = post.Join();
+    EXPECT_EQ(stopped.code, 1) << stopped.error;
+    EXPECT_TRUE(Has(stopped.error, "Stopped.\n")) << stopped.error;
+    other.Leave();
+    EXPECT_EQ(OpenSessions(), 0);
+    EXPECT_EQ(Run({"check"}).out, "No differences.\n");
+    EXPECT_EQ(RunAsAdmin({"post"}).code, 0);
+    EXPECT_EQ(Run({"check"}).out, "No differences.\n");
+  }
+}
+
+TEST_F(DwadminTest, ATerminalAsksForThePasswordWithoutShowingIt) {
+  MakeSample();
+  test::TerminalProgram post(Command({"post", "--user", "clerk", "--workstation", "office"}));
+  ASSERT_TRUE(post.WaitFor("Password: "));
+  EXPECT_FALSE(post.Echoes());
+  post.Type("fleet\n");
+  ASSERT_TRUE(post.WaitFor("Posting is Complete."));
+  const Outcome outcome = post.Join();
+  EXPECT_EQ(outcome.code, 0) << outcome.out;
+  EXPECT_FALSE(Has(outcome.out, "fleet")) << outcome.out;
+  // Progress stays in one line.
+  EXPECT_TRUE(Has(outcome.out, "\rPosting. Please stand by... 100%"));
+  EXPECT_FALSE(Has(outcome.out, "%\r\nPosting"));
+
+  // Giving up at the prompt leaves the terminal as it was.
+  test::TerminalProgram given(Command({"post", "--user", "clerk", "--workstation", "office"}));
+  ASSERT_TRUE(given.WaitFor("Password: "));
+  EXPECT_FALSE(given.Echoes());
+  given.Type("\x03");
+  EXPECT_EQ(given.Join().code, 1);
+  EXPECT_TRUE(given.Echoes());
+}
+
+}  // namespace

@@ -1,0 +1,67 @@
+// The commands of the console program. Each gives the exit code: 0 when all of its work was done.
+//
+// A command that cannot do its work says so and gives 1, or throws NotDone, StoreError, ado::Error or
+// RuntimeError. The data directory has been set (SetDataPath) before any of them is called.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "data/Application.h"
+#include "tools/dwadmin/CommandScreen.h"
+#include "tools/dwadmin/Session.h"
+
+namespace dw {
+
+/// The files of a data directory, the main one first.
+inline constexpr std::array kDataFiles{"DW.MDB", "DW_USERS.MDB", "DW_LISTS.MDB", "DW_SANDS.MDB"};
+
+/// Thrown after the message that a data file was not found.
+class FileMissing : public ApplicationEnd {
+ public:
+  const char* what() const noexcept override { return "a data file was not found"; }
+};
+
+/// Makes every missing file end the command, with a message that tells what to do.
+void InstallConsoleLocator();
+/// The path of a file in the data directory; a file that is not there ends the command.
+std::string RequireFile(const std::string& file);
+
+/// Whether a table is written for people or for programs.
+enum class Format { Text, Json };
+
+// --- making data
+struct SampleRequest {
+  int assets = 40;
+  int years = 2;
+  std::uint32_t seed = 1;
+};
+/// Empty files with the one user and the one workstation that the first sign-on needs. Existing files stay.
+int CreateFiles(const std::string& directory, const std::string& workstation);
+int CreateSample(const std::string& directory, const SampleRequest& request);
+
+// --- changing data: these sign on
+int Post(const SignOnRequest& signOn, const CommandScreen& screen, bool clearFirst);
+int Unpost(const SignOnRequest& signOn, const CommandScreen& screen, std::int32_t transaction);
+int Compact(const SignOnRequest& signOn, const CommandScreen& screen);
+
+// --- looking at data
+struct DueRequest {
+  std::string by;             ///< a date as typed; empty: a fortnight from today
+  std::string usage = "500";  ///< a number as typed, in miles
+  std::string asset;          ///< empty: every asset in service
+  std::string logDirectory;   ///< empty: the program's directory
+};
+int Due(const DueRequest& request, Format format);
+
+enum class CostPeriod { Period, Year, Lifetime };
+/// Costs of one asset; of all where `asset` is empty.
+int Costs(const std::string& asset, CostPeriod by, Format format);
+int Who(Format format);
+/// 1 when the files differ from what they should be.
+int Check(Format format);
+/// A table by its name, or a SELECT.
+int Export(const std::string& source, Format format);
+
+}  // namespace dw

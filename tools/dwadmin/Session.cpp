@@ -1,0 +1,92 @@
+#include "tools/dwadmin/Session.h"
+
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <exception>
+#include <iostream>
+
+#include "data/BrackenfelGlobals.h"
+#include "platform/system/Settings.h"
+#include "shell/SignOn.h"
+#include "tools/dwadmin/Commands.h"
+
+namespace dw {
+namespace {
+
+/// Keeps a terminal from showing what is typed, and puts it back whatever happens.
+class NoEcho {
+ public:
+  NoEcho() {
+    if (tcgetattr(STDIN_FILENO, &earlier_) != 0) return;
+    termios quiet = earlier_;
+    quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    changed_ = tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet) == 0;
+  }
+  ~NoEcho() {
+    if (changed_) tcsetattr(STDIN_FILENO, TCSANOW, &earlier_);
+  }
+  NoEcho(const NoEcho&) = delete;
+  NoEcho& operator=(const NoEcho&) = delete;
+
+ private:
+  termios earlier_{};
+  bool changed_ = false;
+};
+
+/// Byte by byte, so that answers to later questions stay in the input.
+std::string ReadLine() {
+  std::string line;
+  for (char c = 0;;) {
+    const ssize_t count = read(STDIN_FILENO, &c, 1);
+    if (count < 0 && errno == EINTR) {
+      StopIfAsked();
+      continue;
+    }
+    if (count <= 0 || c == '\n') break;
+    line += c;
+  }
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
+}  // namespace
+
+std::string ReadPassword() {
+  if (isatty(STDIN_FILENO) == 0) return ReadLine();
+  std::string password;
+  {
+    const NoEcho quiet;
+    std::cerr << "Password: " << std::flush;
+    password = ReadLine();
+  }
+  std::cerr << std::endl;
+  return password;
+}
+
+Session::Session(const SignOnRequest& request, const CommandScreen& screen) {
+  WatchSignals();
+  RequireFile("DW_USERS.MDB");
+  WorkstationName = request.workstation.empty()
+                        ? sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name")
+                        : request.workstation;
+  if (WorkstationName.empty())
+    throw NotDone("This machine has no workstation name yet. Name a workstation with --workstation.");
+  const std::string password = ReadPassword();
+  if (CheckSignOn(request.user, password) != SignOnResult::Passed) throw NotDone();
+  // Nobody works without a row in the log. Signing off would then close the row of another session.
+  const int complaints = screen.Complaints();
+  WriteAccessLogIn();
+  if (screen.Complaints() != complaints) throw NotDone();
+}
+
+Session::~Session() {
+  try {
+    SignOff();
+  } catch (const std::exception&) {
+    // What went wrong has been told, and the command has an end of its own.
+  }
+}
+
+}  // namespace dw
