@@ -8,8 +8,8 @@ namespace dw {
 
 enum class RemovalResult { Refused, RolledBack, Removed };
 
-/// Removes the asset with this database number and code, after its questions. `recordCount` is the number of rows of the
-/// list that asks. Refused: the list stands as it was; otherwise it is to be read again.
+/// Removes the asset with this database number and code, after its questions. `recordCount` is the number of
+/// rows of the list that asks. Refused: the list stands as it was; otherwise it is to be read again.
 RemovalResult RemoveAsset(std::int32_t id, const std::string& assetID, std::int64_t recordCount);
 
 }  // namespace dw

@@ -7,7 +7,8 @@ namespace dw {
 
 enum class RenameResult { Cancelled, InUse, RolledBack, Renamed };
 
-/// Asks for the new code and renames in ten tables, all or none. What fails in the middle is taken back without a word.
+/// Asks for the new code and renames in ten tables, all or none. What fails in the middle is taken back
+/// without a word.
 RenameResult RenameAsset(const std::string& assetID);
 /// The same without the question; an empty `newID` is a cancelled rename.
 RenameResult RenameAssetTo(const std::string& assetID, const std::string& newID);

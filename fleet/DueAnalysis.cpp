@@ -86,6 +86,8 @@ bool DueAnalysis::Run(const DueAsset& asset) {
 }
 
 bool DueAnalysis::Analyse(const DueAsset& asset) {
+  // A dozen questions about one asset share one look at the file.
+  const store::Reading reading(connection_->Store());
   Standing standing;
   if (!FindStanding(asset, standing)) return false;
   destination_.write("Latest mileage on file is " + rt::PlainText(standing.mileage) + " on " +

@@ -53,6 +53,17 @@ void Connection::SetPatience(int milliseconds) {
   impl_->Db().SetPatience(std::chrono::milliseconds(milliseconds));
 }
 
+void Connection::StartReading() { impl_->StartReading(); }
+void Connection::EndReading() { impl_->EndReading(); }
+
+Reading::~Reading() {
+  try {
+    connection_->EndReading();
+  } catch (const StoreError&) {
+    // A reading has nothing to lose; what is wrong with the file shows at its next use.
+  }
+}
+
 std::shared_ptr<const QueryPlan> Connection::Plan(std::string_view sql, std::vector<rt::Value>* parameters) {
   Normalized statement = Normalize(sql);
   auto plan = impl_->Db().Plan(statement);

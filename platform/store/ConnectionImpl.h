@@ -71,6 +71,9 @@ class Connection::Impl {
   void ReleaseAfterWrite();
 
   // --- reading
+  /// See store::Reading.
+  void StartReading();
+  void EndReading();
   /// Called before rows of these tables are read from the file: makes the transaction's own writes visible.
   void BeforeRead(const Translation& query);
   void BeforeRead(const TableInfo& table);
@@ -123,6 +126,7 @@ class Connection::Impl {
   std::unique_ptr<SideFile> side_;
   OpenRequest request_;
 
+  bool reading_ = false;         ///< several readings share one look at the file
   bool physical_ = false;               ///< the database underneath has a write transaction open
   std::vector<std::size_t> marks_;      ///< for each open transaction: where its writes begin in log_
   std::vector<std::size_t> undoMarks_;  ///< and where its undo entries begin
@@ -132,6 +136,7 @@ class Connection::Impl {
   bool groupMode_ = false;
   int groupCommits_ = 0;
   Clock::time_point groupStart_;
+  Clock::duration groupTime_ = std::chrono::milliseconds(25);  ///< how long the group may go on
   int writingDepth_ = 0;
 
   std::set<int> bulkTables_;  ///< held whole by a bulk statement of the open transaction

@@ -167,6 +167,21 @@ void Connection::DropIndex(std::string_view table, std::string_view index) {
   definition.Done();
 }
 
+void Connection::Expect(std::string_view table, std::string_view index, const std::vector<std::int64_t>& rows) {
+  const auto schema = Tables();
+  const TableInfo& existing = Existing(*schema, table);
+  std::string numbers;
+  for (const std::int64_t number : rows) numbers += (numbers.empty() ? "" : " ") + std::to_string(number);
+  const std::string stored = StoredIndexName(existing.name, index);
+  Writing writing(*impl_);
+  impl_->Write("ANALYZE " + QuoteName(existing.name), {});
+  impl_->Write("DELETE FROM sqlite_stat1 WHERE idx = ?1", {rt::Value(stored)});
+  impl_->Write("INSERT INTO sqlite_stat1 (tbl, idx, stat) VALUES (?1, ?2, ?3)",
+               {rt::Value(existing.name), rt::Value(stored), rt::Value(numbers)});
+  impl_->Write("ANALYZE sqlite_schema", {});
+  writing.Done();
+}
+
 std::vector<RelationInfo> Connection::Relations() {
   std::vector<RelationInfo> relations;
   Use rows(impl_->Db(),

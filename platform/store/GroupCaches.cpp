@@ -54,21 +54,18 @@ const CacheUndo* UndoOf(const std::vector<CacheUndo>& undo, const std::shared_pt
 
 void Connection::Impl::StoreCaches(bool committedOnly) {
   for (auto& [table, cache] : caches_) {
+    if (cache->Dirty().empty()) continue;
+    Use update(*handle_, cache->UpdateStatement());
+    Use insert(*handle_, cache->InsertStatement());
     for (const auto& row : cache->Dirty()) {
       const CacheUndo* undo = committedOnly ? UndoOf(undo_, row) : nullptr;
       if (undo && (!undo->wasThere || !undo->wasDirty)) continue;
-      CachedRow before;
-      if (undo) before.values = undo->before;
-      Change change;
-      change.values = cache->Parameters(undo ? before : *row);
-      if (row->id != 0) {
-        change.sql = cache->UpdateStatement();
-        change.values.push_back(static_cast<std::int32_t>(row->id));
-        Run(change, nullptr);
-      } else {
-        change.sql = cache->InsertStatement();
-        Run(change, &row->newId);
-      }
+      Use& write = row->id != 0 ? update : insert;
+      const int last = cache->BindRow(write, undo ? undo->before : row->values);
+      if (row->id != 0) write.Bind(last + 1, row->id);
+      write.Step();
+      write.Reset();
+      if (row->id == 0) row->newId = sqlite3_last_insert_rowid(handle_->Db());
     }
   }
 }

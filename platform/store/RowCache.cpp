@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/store/Handle.h"
+
 namespace store {
 namespace {
 
@@ -69,6 +71,12 @@ std::string RowCache::KeyOfRow(const std::vector<rt::Value>& values) const {
     AppendKey(text, values[column]);
   }
   return text;
+}
+
+int RowCache::BindRow(Use& statement, const std::vector<rt::Value>& values) const {
+  int index = 0;
+  for (const std::size_t column : stored_) statement.Bind(++index, values[column]);
+  return index;
 }
 
 std::vector<rt::Value> RowCache::Parameters(const CachedRow& row) const {

@@ -13,6 +13,8 @@
 
 namespace store {
 
+class Use;
+
 struct CachedRow {
   std::int64_t id = 0;     ///< 0 until it is in the file
   std::int64_t newId = 0;  ///< the ID it was given, until that is committed
@@ -46,6 +48,8 @@ class RowCache {
   const std::string& InsertStatement() const { return insert_; }
   /// The values to bind for either, in order.
   std::vector<rt::Value> Parameters(const CachedRow& row) const;
+  /// Binds them to a statement from ?1 on; the index of the last.
+  int BindRow(Use& statement, const std::vector<rt::Value>& values) const;
 
  private:
   std::shared_ptr<const Schema> schema_;

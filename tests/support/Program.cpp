@@ -23,6 +23,7 @@ constexpr auto kLongest = std::chrono::seconds(60);
 
 std::vector<char*> Arguments(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
   arguments.push_back(nullptr);
   return arguments;

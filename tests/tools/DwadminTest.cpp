@@ -11,7 +11,6 @@ namespace {
 namespace fs = std::filesystem;
 using test::Json;
 using test::Outcome;
-using testing::Message;
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 

@@ -145,7 +145,7 @@ std::string CsvField(const rt::Value& value) {
   if (value.IsNull()) return {};
   if (value.Type() == ValueType::Date) return DateText(value.AsDate());
   if (value.Type() == ValueType::Binary) return Hexadecimal(value.AsBinary());
-  const std::string text = value.AsText();
+  std::string text = value.AsText();
   if (!text.empty() && text.find_first_of(",\"\r\n") == std::string::npos) return text;
   std::string quoted = "\"";
   for (const char c : text) {
@@ -201,6 +201,7 @@ void ResultTable::WriteText(std::ostream& out) const {
     WriteLine(out, cells, widths, right);
   }
   std::vector<std::string> rules;
+  rules.reserve(widths.size());
   for (const std::size_t width : widths) rules.emplace_back(width, '-');
   WriteLine(out, rules, widths, right);
   for (const std::vector<std::string>& cells : lines) WriteLine(out, cells, widths, right);

@@ -1,9 +1,11 @@
 #include "tools/dwadmin/Session.h"
 
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <exception>
 #include <iostream>
 
@@ -35,15 +37,43 @@ class NoEcho {
   bool changed_ = false;
 };
 
+/// Keeps the signals that end a command from arriving for as long as it lives.
+class HeldSignals {
+ public:
+  HeldSignals() {
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&ending, signal);
+    sigprocmask(SIG_BLOCK, &ending, &earlier_);
+  }
+  ~HeldSignals() { sigprocmask(SIG_SETMASK, &earlier_, nullptr); }
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+  const sigset_t& Earlier() const { return earlier_; }
+
+ private:
+  sigset_t earlier_{};
+};
+
+/// Waits until standard input can be read; throws Interrupted where a signal comes first, also one that comes
+/// just before the wait begins.
+void WaitForInput() {
+  const HeldSignals held;
+  int ready = 0;
+  do {
+    StopIfAsked();
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    ready = ppoll(&input, 1, nullptr, &held.Earlier());
+  } while (ready < 0 && errno == EINTR);
+}
+
 /// Byte by byte, so that answers to later questions stay in the input.
 std::string ReadLine() {
   std::string line;
   for (char c = 0;;) {
+    WaitForInput();
     const ssize_t count = read(STDIN_FILENO, &c, 1);
-    if (count < 0 && errno == EINTR) {
-      StopIfAsked();
-      continue;
-    }
+    if (count < 0 && errno == EINTR) continue;
     if (count <= 0 || c == '\n') break;
     line += c;
   }
