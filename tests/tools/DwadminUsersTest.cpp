@@ -43,6 +43,26 @@ TEST_F(DwadminTest, WhoShowsOthersAndTheirRecords) {
   EXPECT_EQ(OpenSessions(), 0);
 }
 
+TEST_F(DwadminTest, AFileThatAnotherKeepsToHimselfIsTold) {
+  test::SecondProcess other([](test::SecondProcess::Channel& talk) {
+    const auto alone = store::Connection::Open({.path = talk.Hear(), .share = store::Share::Exclusive});
+    talk.Say("alone");
+    talk.Hear();
+  });
+  MakeSample();
+  other.Talk().Say(Path("DW.MDB"));
+  ASSERT_EQ(other.Talk().Hear(), "alone");
+  const Json who = RunJson({"who"});
+  ASSERT_EQ(who["users"].items.size(), 1U);
+  EXPECT_EQ(who["users"][0]["File"].text, "DW.MDB");
+  EXPECT_EQ(who["users"][0]["Exclusive"].kind, Json::Kind::True);
+  EXPECT_TRUE(Has(Run({"costs", "--all"}).error, "Error # 3356: "));
+  EXPECT_EQ(RunAsAdmin({"compact"}).code, 1);
+  other.Talk().Say("leave");
+  EXPECT_EQ(other.Join(), 0);
+  EXPECT_EQ(OpenSessions(), 0);
+}
+
 TEST_F(DwadminTest, WorkThatAHeldRecordKeptOutIsNotDone) {
   test::OtherUser other;
   MakeSample();
@@ -126,6 +146,14 @@ TEST_F(DwadminTest, ASignalEndsPostingWithWholeSumsAndAClosedSession) {
     EXPECT_EQ(RunAsAdmin({"post"}).code, 0);
     EXPECT_EQ(Run({"check"}).out, "No differences.\n");
   }
+}
+
+TEST_F(DwadminTest, AStoppedSampleLeavesNothingThatLooksLikeData) {
+  test::Program sample(Command({"sample", "--assets", "3000", "--years", "30"}));
+  ASSERT_TRUE(sample.WaitForError("Making the sample fleet... 0%"));
+  sample.Signal(SIGTERM);
+  EXPECT_EQ(sample.Join().code, 1);
+  EXPECT_TRUE(std::filesystem::is_empty(Path()));
 }
 
 TEST_F(DwadminTest, ATerminalAsksForThePasswordWithoutShowingIt) {

@@ -1,0 +1,98 @@
+// A posting that is killed at any moment leaves whole rows behind, and the next run finishes its work.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <random>
+#include <thread>
+
+#include "support/TempDirectory.h"
+#include "support/WholeFleet.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::steady_clock;
+using test::Apart;
+using test::Faults;
+using test::RunApart;
+
+constexpr int kKills = 200;
+
+class LongKilledPosting : public testing::Test {
+ protected:
+  /// The posting as another user runs it.
+  std::string PostAll(bool clearFirst) const {
+    Faults faults;
+    test::Post(directory_.Path(), clearFirst, faults);
+    return faults.Text();
+  }
+  std::string State() const {
+    return std::to_string(test::WaitingRows(path_)) + " waiting, " + test::CostTotals(path_);
+  }
+
+  test::TempDirectory directory_;
+  std::string path_ = directory_.Path("DW.MDB");
+};
+
+TEST_F(LongKilledPosting, LeavesWholeRowsThatAPlainRunAddsTheOthersTo) {
+  ASSERT_EQ(RunApart([&] {
+              test::MakeFleet(directory_.Path(), 12, 4);
+              return PostAll(false);
+            }),
+            "");
+  const std::string whole = RunApart([&] { return State(); });
+  ASSERT_EQ(whole.substr(0, 10), "0 waiting,") << whole;
+
+  // The kills are spread over the length of a run as it is here and today.
+  steady_clock::duration length{};
+  for (int i = 0; i < 3; ++i) {
+    const auto start = steady_clock::now();
+    ASSERT_EQ(RunApart([&] { return PostAll(true); }), "");
+    length = std::max(length, steady_clock::now() - start);
+  }
+
+  std::mt19937 random(20251017);
+  std::vector<int> slots(kKills);
+  for (int i = 0; i < kKills; ++i) slots[static_cast<std::size_t>(i)] = i;
+  std::shuffle(slots.begin(), slots.end(), random);
+  int hotJournals = 0;
+  int partlyPosted = 0;
+  for (const int slot : slots) {
+    const double part = (slot + std::uniform_real_distribution<>(0, 1)(random)) / kKills;
+    Apart run([&] { return PostAll(true); });
+    std::this_thread::sleep_for(std::chrono::duration_cast<steady_clock::duration>(length * part));
+    run.Kill();
+    std::error_code none;
+    const auto journal = fs::file_size(path_ + "-journal", none);
+    if (!none && journal > 0) ++hotJournals;
+
+    // Who comes first, be it only to read, rolls back what was half written.
+    const std::string faults = RunApart([&] {
+      Faults found;
+      found.Take(test::CheckMainFile(path_, slot % 2 == 0), "after the kill");
+      found.Add(std::to_string(test::WaitingRows(path_)) + " waiting");
+      return found.Text();
+    });
+    ASSERT_TRUE(faults.ends_with(" waiting\n") && faults.find('\n') + 1 == faults.size())
+        << "killed after " << part << " of the run: " << faults;
+    if (faults != "0 waiting\n") ++partlyPosted;
+    ASSERT_EQ(RunApart([&] {
+                Faults found;
+                found.Take(PostAll(false), "plain run");
+                found.Take(test::CheckMainFile(path_), "after the plain run");
+                found.Equal(State(), whole, "state after the plain run");
+                return found.Text();
+              }),
+              "")
+        << "killed after " << part << " of the run";
+  }
+  // Kills that all came too early or too late would prove nothing.
+  EXPECT_GT(hotJournals, kKills / 20);
+  EXPECT_GT(partlyPosted, kKills / 20);
+  RecordProperty("hotJournals", hotJournals);
+  RecordProperty("partlyPosted", partlyPosted);
+}
+
+}  // namespace
