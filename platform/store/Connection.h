@@ -92,8 +92,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void RenameColumn(std::string_view table, std::string_view column, std::string_view newName);
   void CreateIndex(std::string_view table, const IndexInfo& index);
   void DropIndex(std::string_view table, std::string_view index);
-  /// What the planner of queries should expect of an index: the table's rows, and the rows that share the first field, the
-  /// first two, and so on. A new file cannot be counted yet.
+  /// What the planner of queries should expect of an index: the table's rows, and the rows that share the
+  /// first field, the first two, and so on. A new file cannot be counted yet.
   void Expect(std::string_view table, std::string_view index, const std::vector<std::int64_t>& rows);
   std::vector<RelationInfo> Relations();
   void AddRelation(const RelationInfo& relation);
@@ -109,11 +109,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::unique_ptr<Impl> impl_;
 };
 
-/// Lets several readings share one look at the file for as long as it lives, which saves the asking for it each time. Others
-/// cannot commit meanwhile: for a few milliseconds at the most. Ended early by a write or a wait.
+/// Lets several readings share one look at the file for as long as it lives, which saves the asking for it
+/// each time. Others cannot commit meanwhile: for a few milliseconds at the most. Ended early by a write or a
+/// wait.
 class Reading {
  public:
-  explicit Reading(const std::shared_ptr<Connection>& connection) : connection_(connection) { connection_->StartReading(); }
+  explicit Reading(const std::shared_ptr<Connection>& connection) : connection_(connection) {
+    connection_->StartReading();
+  }
   ~Reading();
   Reading(const Reading&) = delete;
   Reading& operator=(const Reading&) = delete;

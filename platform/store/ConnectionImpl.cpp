@@ -9,8 +9,8 @@
 namespace store {
 namespace {
 
-// A group goes on for four times as long as its commit takes on this disk, so that commits cost a fifth of the time
-// at most; others wait for a tenth of a second and a commit at the longest.
+// A group goes on for four times as long as its commit takes on this disk, so that commits cost a fifth of
+// the time at most; others wait for a tenth of a second and a commit at the longest.
 constexpr int kGroupCommits = 20000;
 constexpr auto kShortestGroup = std::chrono::milliseconds(25);
 constexpr auto kLongestGroup = std::chrono::milliseconds(100);
@@ -70,7 +70,8 @@ Connection::Impl::~Impl() {
 
 void Connection::Impl::YieldSiblings() {
   for (Impl* other : Live())
-    if (other != this && (other->physical_ || other->reading_) && other->request_.path == request_.path) other->Yield();
+    if (other != this && (other->physical_ || other->reading_) && other->request_.path == request_.path)
+      other->Yield();
 }
 
 // --- the physical transaction

@@ -126,7 +126,7 @@ class Connection::Impl {
   std::unique_ptr<SideFile> side_;
   OpenRequest request_;
 
-  bool reading_ = false;         ///< several readings share one look at the file
+  bool reading_ = false;                ///< several readings share one look at the file
   bool physical_ = false;               ///< the database underneath has a write transaction open
   std::vector<std::size_t> marks_;      ///< for each open transaction: where its writes begin in log_
   std::vector<std::size_t> undoMarks_;  ///< and where its undo entries begin

@@ -167,7 +167,8 @@ void Connection::DropIndex(std::string_view table, std::string_view index) {
   definition.Done();
 }
 
-void Connection::Expect(std::string_view table, std::string_view index, const std::vector<std::int64_t>& rows) {
+void Connection::Expect(std::string_view table, std::string_view index,
+                        const std::vector<std::int64_t>& rows) {
   const auto schema = Tables();
   const TableInfo& existing = Existing(*schema, table);
   std::string numbers;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -16,10 +17,35 @@ namespace store {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+[[noreturn]] void Refuse(const Handle& handle, const char* reason) {
+  throw StoreError(kBadFormat, "Unrecognized data base format '" + handle.Path() + "': " + reason + ".");
+}
+
+constexpr const char* kForeign = "it belongs to another program";
+
+}  // namespace
+
+void CheckHeader(Handle& handle) {
+  // Through the database's own descriptor: opening and closing the file by other means would drop its locks.
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(handle.Db(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  if (!file || !file->pMethods) return;
+  std::array<unsigned char, 100> header{};
+  const int code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
+  if (code != SQLITE_OK && code != SQLITE_IOERR_SHORT_READ) handle.Fail(code);
+  if (std::memcmp(header.data(), "SQLite format 3", 16) != 0) Refuse(handle, "it is not a data file");
+  std::int64_t application = 0;
+  for (std::size_t i = 68; i < 72; ++i) application = application * 256 + header[i];
+  if (application != kApplicationId) Refuse(handle, kForeign);
+  // With a write-ahead log the opening alone would write beside the file, and setting it right into it.
+  if (header[18] != 1 || header[19] != 1)
+    Refuse(handle, "it is damaged (its first page names a way of writing that is not in use)");
+}
+
 void CheckFormat(Handle& handle) {
-  if (handle.Number("PRAGMA application_id") != kApplicationId)
-    throw StoreError(kBadFormat,
-                     "Unrecognized data base format '" + handle.Path() + "': it belongs to another program.");
+  if (handle.Number("PRAGMA application_id") != kApplicationId) Refuse(handle, kForeign);
   if (handle.Number("PRAGMA user_version") > kFormatVersion)
     throw StoreError(kBadFormat, "Unrecognized data base format '" + handle.Path() +
                                      "': it was made by a later version of this program.");

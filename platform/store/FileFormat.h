@@ -17,6 +17,10 @@ constexpr std::int64_t kFormatVersion = 1;
 /// The key of a row that is not there: the far side of an outer join.
 constexpr std::int64_t kNoKey = std::numeric_limits<std::int64_t>::min();
 
+/// Throws StoreError 3343 for a file whose first bytes tell that it is not of this system. To be called
+/// before anything else is done with the database: the mere reading of another program's file could change
+/// it.
+void CheckHeader(Handle& handle);
 /// Throws StoreError 3343 where the opened database is not of this system, or of a later version of it.
 void CheckFormat(Handle& handle);
 /// Throws StoreError 3024, 3044, 3051 or 3343 for what can be told without opening: nothing there, no such

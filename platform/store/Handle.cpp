@@ -95,11 +95,13 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
   handle->readOnly_ = readOnly;
   handle->device_ = now.st_dev;
   handle->inode_ = now.st_ino;
-  const int flags =
-      (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  // Also who only reads must be able to take back what a killed writer left half done. A file that cannot be
+  // written is opened for reading all the same.
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const int code = sqlite3_open_v2(path.c_str(), &handle->db_, flags, nullptr);
   if (code != SQLITE_OK) handle->Fail(code);
   sqlite3* db = handle->db_;
+  CheckHeader(*handle);
   sqlite3_busy_handler(db, Nap, handle.get());
   const int plain = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
   sqlite3_create_function(db, "ucase", 1, plain, nullptr, UpperFunction, nullptr, nullptr);
@@ -110,7 +112,9 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
   handle->Run("PRAGMA temp_store = MEMORY");
   handle->Run("PRAGMA cache_size = -16000");
   CheckFormat(*handle);
-  if (!readOnly) {
+  if (readOnly) {
+    handle->Run("PRAGMA query_only = ON");
+  } else {
     handle->Run("PRAGMA journal_mode = TRUNCATE");
     handle->Run("PRAGMA synchronous = FULL");
   }
@@ -220,10 +224,19 @@ void Handle::Fail(int code, std::string_view sql) {
   }
 }
 
-Use::Use(Handle& handle, std::string_view sql) : handle_(handle), sql_(sql) {
+Use::Use(Handle& handle, std::string_view sql) : handle_(handle) {
   auto& statements = handle.statements_;
-  auto found = statements.find(sql_);
-  if (found == statements.end()) {
+  auto found = statements.find(sql);
+  const bool taken = found != statements.end() && found->second.busy;
+  if (found == statements.end() || taken) {
+    sqlite3_stmt* made = nullptr;
+    const int code = sqlite3_prepare_v3(handle.db_, sql.data(), static_cast<int>(sql.size()),
+                                        taken ? 0 : SQLITE_PREPARE_PERSISTENT, &made, nullptr);
+    if (code != SQLITE_OK) handle.Fail(code, sql);
+    if (taken) {  // the same statement is being stepped further up: a copy of its own serves
+      statement_ = made;
+      return;
+    }
     if (statements.size() >= kMostStatements) {
       std::erase_if(statements, [](auto& entry) {
         if (entry.second.busy) return false;
@@ -231,32 +244,21 @@ Use::Use(Handle& handle, std::string_view sql) : handle_(handle), sql_(sql) {
         return true;
       });
     }
-    sqlite3_stmt* made = nullptr;
-    const int code = sqlite3_prepare_v3(handle.db_, sql_.data(), static_cast<int>(sql_.size()),
-                                        SQLITE_PREPARE_PERSISTENT, &made, nullptr);
-    if (code != SQLITE_OK) handle.Fail(code, sql_);
-    found = statements.emplace(sql_, Handle::Slot{made, false}).first;
+    found = statements.emplace(std::string(sql), PreparedStatement{made, false}).first;
   }
-  if (found->second.busy) {  // the same statement is being stepped further up: a copy of its own serves
-    const int code =
-        sqlite3_prepare_v2(handle.db_, sql_.data(), static_cast<int>(sql_.size()), &statement_, nullptr);
-    if (code != SQLITE_OK) handle.Fail(code, sql_);
-    sql_.clear();
-    return;
-  }
-  found->second.busy = true;
-  statement_ = found->second.statement;
+  kept_ = &found->second;
+  kept_->busy = true;
+  statement_ = kept_->statement;
 }
 
 Use::~Use() {
-  if (sql_.empty()) {
+  if (!kept_) {
     sqlite3_finalize(statement_);
     return;
   }
   sqlite3_reset(statement_);
   sqlite3_clear_bindings(statement_);
-  const auto found = handle_.statements_.find(sql_);
-  if (found != handle_.statements_.end()) found->second.busy = false;
+  kept_->busy = false;
 }
 
 void Use::Bind(int index, std::int64_t value) {
@@ -327,7 +329,7 @@ bool Use::Step() {
   if (code == SQLITE_ROW) return true;
   if (code == SQLITE_DONE) return false;
   // The reset fetches the extended code; the text stays.
-  handle_.Fail(sqlite3_extended_errcode(handle_.db_), sql_);
+  handle_.Fail(sqlite3_extended_errcode(handle_.db_), sqlite3_sql(statement_));
 }
 
 std::string Use::Text(int column) const {

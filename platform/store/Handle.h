@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -63,6 +64,12 @@ struct QueryPlan {
 
 class Handle;
 
+/// A statement that waits for its next use.
+struct PreparedStatement {
+  sqlite3_stmt* statement = nullptr;
+  bool busy = false;
+};
+
 /// A prepared statement in use; resetting it at the end lets go of the file.
 class Use {
  public:
@@ -87,7 +94,7 @@ class Use {
  private:
   Handle& handle_;
   sqlite3_stmt* statement_ = nullptr;
-  std::string sql_;
+  PreparedStatement* kept_ = nullptr;  ///< null for a copy of its own
 };
 
 /// One SQLite database. Handles outlive connections: they wait, without any lock, for the next open of the
@@ -128,11 +135,12 @@ class Handle {
   dev_t device_ = 0;
   ino_t inode_ = 0;
   sqlite3* db_ = nullptr;
-  struct Slot {
-    sqlite3_stmt* statement = nullptr;
-    bool busy = false;
+  /// Finds a text without making a string of it first.
+  struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
   };
-  std::unordered_map<std::string, Slot> statements_;
+  std::unordered_map<std::string, PreparedStatement, TextHash, std::equal_to<>> statements_;
   std::unordered_map<std::string, std::shared_ptr<const QueryPlan>> plans_;
   std::shared_ptr<const Schema> schema_;
   std::int64_t schemaVersion_ = -1;

@@ -70,20 +70,17 @@ class QueryCursor : public RecordCursor {
 
   void ReadRow() override {
     if (!plan_->keyed) {
-      row_ = whole_[static_cast<std::size_t>(place_)];
+      row_ = &whole_[static_cast<std::size_t>(place_)];
       return;
     }
     const std::uint64_t epoch = Impl().EpochOf(Table());
     if (epoch != windowEpoch_ || place_ < windowStart_ ||
         place_ >= windowStart_ + static_cast<std::int64_t>(window_.size())) {
       FetchWindow();
-      current_ = -1;
     }
-    if (current_ == place_) return;
     const auto& row = window_[static_cast<std::size_t>(place_ - windowStart_)];
     if (row.Empty()) throw StoreError(kRecordDeleted, "Record is deleted.");
-    row_ = row;
-    current_ = place_;
+    row_ = &row;
   }
 
   void ReadRowAgain() override {
@@ -120,7 +117,6 @@ class QueryCursor : public RecordCursor {
     windowEpoch_ = 0;
     ahead_ = 1;
     place_ = 0;
-    current_ = -1;
     onDeleted_ = false;
     Impl().BeforeRead(plan_->translation);
     if (!plan_->keyed) {
@@ -174,7 +170,6 @@ class QueryCursor : public RecordCursor {
   std::vector<std::int64_t> keys_;
   std::vector<RawRow> whole_;
   std::int64_t place_ = 0;
-  std::int64_t current_ = -1;  ///< the place whose row row_ is
   bool onDeleted_ = false;
   std::vector<RawRow> window_;
   std::int64_t windowStart_ = 0;

@@ -83,7 +83,7 @@ rt::Value RecordCursor::Get(int field) {
   LeaveRetiredCache();
   if (cachedRow_) return cachedRow_->values[static_cast<std::size_t>(column)];
   ReadRow();
-  return row_.Decode(field, plan_->types[at]);
+  return row_->Decode(field, plan_->types[at]);
 }
 
 void RecordCursor::Set(int field, const rt::Value& value) {
@@ -208,20 +208,30 @@ void RecordCursor::StoreEdit() {
     const auto refused = impl_->HoldForTransaction(Table(), key);
     if (refused) throw Refusal(kSaveLocked, *refused);
   }
-  std::string sql = "UPDATE " + QuoteName(plan_->leading->name) + " SET ";
   std::vector<rt::Value> values;
+  std::vector<bool> columns(buffer_.size());
   for (std::size_t i = 0; i < buffer_.size(); ++i) {
     if (!buffer_[i]) continue;
-    if (!values.empty()) sql += ", ";
+    columns[i] = true;
     values.push_back(*buffer_[i]);
-    sql += QuoteName(plan_->leading->columns[i].name) + " = ?" + std::to_string(values.size());
   }
   values.push_back(static_cast<std::int32_t>(key));
-  sql += " WHERE _rowid_ = ?" + std::to_string(values.size());
+  if (columns != changedBefore_) {
+    std::string sql;
+    int parameter = 0;
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      if (columns[i])
+        sql += (sql.empty() ? " SET " : ", ") + QuoteName(plan_->leading->columns[i].name) + " = ?" +
+               std::to_string(++parameter);
+    updateStatement_ = "UPDATE " + QuoteName(plan_->leading->name) + sql + " WHERE _rowid_ = ?" +
+                       std::to_string(parameter + 1);
+    changedBefore_ = std::move(columns);
+  }
   try {
     Writing writing(*impl_);
     impl_->BeforeRead(*plan_->leading);
-    if (impl_->Write(sql, std::move(values)) == 0) throw StoreError(kRecordDeleted, "Record is deleted.");
+    if (impl_->Write(updateStatement_, std::move(values)) == 0)
+      throw StoreError(kRecordDeleted, "Record is deleted.");
     impl_->NoteChange(Table());
     writing.Done();
   } catch (...) {

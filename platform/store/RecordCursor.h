@@ -46,8 +46,8 @@ class RecordCursor : public Cursor {
   virtual bool OnRow() const = 0;
   /// The key of the leading table's record at the place.
   virtual std::int64_t RowKey() const = 0;
-  /// Makes row_ the row at the place, as it is now where others or this connection may have changed it. 3167
-  /// when it is gone.
+  /// Makes row_ point at the row at the place, as it is now where others or this connection may have changed
+  /// it. 3167 when it is gone.
   virtual void ReadRow() = 0;
   /// Reads the row at the place from the file again.
   virtual void ReadRowAgain() = 0;
@@ -72,7 +72,7 @@ class RecordCursor : public Cursor {
   std::shared_ptr<const QueryPlan> plan_;
   std::vector<rt::Value> parameters_;
   Locking locking_;
-  RawRow row_;
+  const RawRow* row_ = nullptr;
   std::shared_ptr<CachedRow> cachedRow_;  ///< where the row at the place lives in a group's cache
   std::shared_ptr<RowCache> cache_;       ///< the cache that the last Seek asked
   std::string cacheKey_;
@@ -91,6 +91,8 @@ class RecordCursor : public Cursor {
   State state_ = State::Viewing;
   std::vector<std::optional<rt::Value>> buffer_;  ///< by column of the leading table
   bool changed_ = false;
+  std::vector<bool> changedBefore_;  ///< the columns that updateStatement_ changes
+  std::string updateStatement_;
   bool holding_ = false;
   int heldTable_ = 0;
   std::int64_t heldRow_ = 0;

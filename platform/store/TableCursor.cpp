@@ -149,10 +149,7 @@ class TableCursor : public RecordCursor {
         windowKeys_[windowPlace_] == key_) {
       if (window_[windowPlace_].Empty() && !FetchByKeys(&key_, window_[windowPlace_]))
         throw StoreError(kRecordDeleted, "Record is deleted.");
-      if (current_ != windowPlace_) {
-        row_ = window_[windowPlace_];
-        current_ = windowPlace_;
-      }
+      row_ = &window_[windowPlace_];
       return;
     }
     ReadRowAgain();
@@ -165,15 +162,13 @@ class TableCursor : public RecordCursor {
       throw StoreError(kRecordDeleted, "Record is deleted.");
     }
     windowKeys_[0] = key_;
-    row_ = window_[0];
-    current_ = 0;
+    row_ = &window_[0];
   }
   void RowStored(std::int64_t) override {
     // The rows read ahead are still good; only the one at the place has changed.
     if (windowEpoch_ + 1 != Impl().EpochOf(Table()) || windowPlace_ >= windowKeys_.size()) return;
     windowEpoch_ += 1;
     window_[windowPlace_].Clear();
-    current_ = kNothing;
   }
   void RowAdded(std::int64_t) override {
     orderRead_ = false;
@@ -187,7 +182,6 @@ class TableCursor : public RecordCursor {
 
  private:
   enum class Place { Begin, Row, End };
-  static constexpr std::size_t kNothing = static_cast<std::size_t>(-1);
 
   void Leave() {
     LeaveEdit();
@@ -201,7 +195,6 @@ class TableCursor : public RecordCursor {
     windowKeys_.assign(count, kNoKey);
     windowPlace_ = 0;
     windowEpoch_ = Impl().EpochOf(Table());
-    current_ = kNothing;
   }
 
   // One step by comparing keys; `edge` says that there is nothing to stand on when there is none.
@@ -339,7 +332,6 @@ class TableCursor : public RecordCursor {
   std::vector<std::int64_t> windowKeys_;
   std::size_t windowPlace_ = 0;
   std::uint64_t windowEpoch_ = 0;
-  std::size_t current_ = kNothing;  ///< the place in the window whose row row_ is
 
   const IndexInfo* index_ = nullptr;
   bool byIndex_ = false;
