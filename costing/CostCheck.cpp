@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -188,6 +189,7 @@ std::vector<Table> ExpectedTables(store::Connection& connection) {
   }
 
   std::vector<Table> tables;
+  tables.reserve(std::size(kCostTables));
   for (const CostTableKind& kind : kCostTables) tables.emplace_back(kind);
   using Use = void (*)(Expected&, const Group&, const Table&);
   const auto collect = [&](const char* condition, std::vector<Use> uses) {

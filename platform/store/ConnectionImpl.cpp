@@ -62,6 +62,11 @@ Connection::Impl::Impl(std::unique_ptr<Handle> handle, std::unique_ptr<SideFile>
 
 Connection::Impl::~Impl() {
   std::erase(Live(), this);
+  try {
+    FinishGroup();  // what was committed with the group was promised
+  } catch (const StoreError&) {
+    // The disk that refuses it now has refused it before, and that was told.
+  }
   if (physical_ && !sqlite3_get_autocommit(handle_->Db()))
     sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
   side_.reset();
@@ -103,6 +108,10 @@ void Connection::Impl::BeginPhysical() {
   physical_ = true;
   groupStart_ = Clock::now();
   try {
+    if (Depth() > 0 || groupMode_) {
+      Use begin(*handle_, "SAVEPOINT start");  // see TakeBack
+      begin.Step();
+    }
     const std::int64_t version = handle_->Number("PRAGMA data_version");
     if (version != dataVersion_) {
       dataVersion_ = version;
@@ -140,7 +149,7 @@ void Connection::Impl::RollbackPhysical() {
 void Connection::Impl::Replay(std::vector<Change>& changes) {
   for (Change& change : changes) {
     const std::int64_t before = change.changed;
-    if (Run(change, nullptr) != before)
+    if (Run(change, nullptr) != before && change.counted)
       throw StoreError(
           kDataChanged,
           "The data base engine stopped: another user has changed the same data at the same time.");
@@ -183,8 +192,8 @@ void Connection::Impl::AbandonWriting() {
 }
 
 std::int64_t Connection::Impl::Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId,
-                                     int idParameter) {
-  Change change{std::string(sql), std::move(values), 0};
+                                     int idParameter, Counted counted) {
+  Change change{std::string(sql), std::move(values), 0, counted == Counted::Yes};
   std::int64_t id = 0;
   change.changed = Run(change, &id);
   if (newId) *newId = id;
@@ -341,10 +350,7 @@ void Connection::Impl::Yield() {
     return false;
   };
   const bool committedWork = !groupLog_.empty() || committedDirty();
-  if (!log_.empty() || !committedWork) {
-    RollbackPhysical();
-    KeepReservedIds();
-  }
+  if (!log_.empty() || !committedWork) TakeBack();
   if (committedWork) {
     std::vector<Change> mine;
     mine.swap(log_);
@@ -380,18 +386,17 @@ void Connection::Impl::Yield() {
 }
 
 // The numbers that the open transaction has given to its new records must not be given to others while it
-// waits.
-void Connection::Impl::KeepReservedIds() {
-  if (reserved_.empty()) return;
-  {
-    Use begin(*handle_, "BEGIN IMMEDIATE");
-    begin.Step();
-  }
+// waits. So the file is not let go of before they are in it: whoever came in between would get them again.
+void Connection::Impl::TakeBack() {
+  if (reserved_.empty()) return RollbackPhysical();
   try {
+    {
+      Use back(*handle_, "ROLLBACK TO start");
+      back.Step();
+    }
     for (const auto& [table, id] : reserved_) {
       Change keep{"UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1",
-                  {rt::Value(table), static_cast<std::int32_t>(id)},
-                  0};
+                  {rt::Value(table), static_cast<std::int32_t>(id)}};
       if (Run(keep, nullptr) > 0) continue;
       keep.sql = "INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)";
       Run(keep, nullptr);
@@ -402,6 +407,8 @@ void Connection::Impl::KeepReservedIds() {
     RollbackPhysical();
     throw;
   }
+  physical_ = false;
+  ++epoch_;
 }
 
 void Connection::Impl::NoteReserved(const std::string& table, std::int64_t id) {
@@ -502,7 +509,7 @@ std::int64_t Connection::Impl::ReserveId(const TableInfo& table) {
   Write(
       "INSERT INTO sqlite_sequence (name, seq) SELECT ?1, 0 WHERE NOT EXISTS (SELECT 1 FROM sqlite_sequence "
       "WHERE name = ?1)",
-      {rt::Value(table.name)});
+      {rt::Value(table.name)}, nullptr, 0, Counted::No);
   std::int64_t id = 0;
   {
     Use next(*handle_, "SELECT seq + 1 FROM sqlite_sequence WHERE name = ?1");

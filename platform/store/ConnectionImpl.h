@@ -24,7 +24,11 @@ struct Change {
   std::string sql;
   std::vector<rt::Value> values;
   std::int64_t changed = 0;
+  bool counted = true;  ///< has to change as many records when it is made again
 };
+
+/// Whether a write that is made again must change as many records as before; see Change.
+enum class Counted { Yes, No };
 
 class Connection::Impl {
  public:
@@ -45,7 +49,7 @@ class Connection::Impl {
   /// INSERT, `newId` gets the new row's ID, and parameter `idParameter` (from 1) is remembered with it, so
   /// that the write can be made again.
   std::int64_t Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId = nullptr,
-                     int idParameter = 0);
+                     int idParameter = 0, Counted counted = Counted::Yes);
 
   // --- transactions
   void Begin();
@@ -117,7 +121,8 @@ class Connection::Impl {
   void RetireCaches();
   void FlushGroup(bool pause);
   void ReleaseGroupHolds();
-  void KeepReservedIds();
+  /// Takes back what is written since BeginPhysical and lets go of the file.
+  void TakeBack();
   bool TakePatiently(Hold hold, int table, std::int64_t row, Holder* refused);
   /// Holds the whole table but for what others hold; see SideFile::TakeTable.
   std::optional<Holder> HoldTable(int table);

@@ -193,7 +193,7 @@ Fragment Emitter::Compare(const Expr& expr, std::string_view sign) {
 // A Null counts as the empty text here, and only here.
 Fragment Emitter::JoinTexts(const Expr& expr) {
   const auto side = [&](std::size_t index) {
-    const Fragment text = AsText(Operand(expr, index));
+    Fragment text = AsText(Operand(expr, index));
     if (text.neverNull) return text;
     return Build(Level::Atom, ValueKind::Text, {"COALESCE(", text, ", '')"});
   };

@@ -114,7 +114,7 @@ Fragment Plain(const Fragment& fragment) {
 Fragment AsText(const Fragment& fragment) {
   if (fragment.kind == ValueKind::Date || fragment.kind == ValueKind::Binary)
     NotPossible("This cannot be used as a text", fragment);
-  const Fragment value = Plain(fragment);
+  Fragment value = Plain(fragment);
   if (value.kind != ValueKind::Real) return value;
   const bool single = fragment.column && fragment.column->type == ColumnType::Single;
   const char* format =

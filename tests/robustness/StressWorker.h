@@ -1,6 +1,7 @@
 // A user of the stress test, who does everything at once that users do to a data file.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <map>
 #include <random>
@@ -120,7 +121,7 @@ class Worker {
         return;
       case 12:
       case 13:
-        return ChangeTogetherThroughDao();
+        return ChangeTogether();
       case 14:
         return CheckGroups();
       default:
@@ -145,34 +146,202 @@ class Worker {
 
   void IncrementThroughAdo() {
     const std::int32_t counter = 1 + Dice(kCounters);
-    const auto rows = dw::AdoOpenRecordset(
-        connection_, "SELECT * FROM [Counters] WHERE [ID] = " + std::to_string(counter), ado::adOpenKeyset,
-        ado::adLockPessimistic);
-    // The probe takes the record, and only then is the count read that others cannot change any more.
-    if (dw::AdoTestRecordLock(ado::Field(*rows, rows->FieldIndex("Count")), true) != 0) return;
-    rows->CancelUpdate();
-    try {
-      rows->Set("Count", rows->Get("Count"));
-    } catch (const ado::Error& error) {
-      if (error.Number() != ado::kProviderFailure) faults_.Add(std::string("ADO edit: ") + error.what());
-      return;
-    }
-    rows->Requery();
-    const std::int32_t before = rows->Get("Count").AsLong();
-    try {
-      rows->Set("Count", before);
-      const bool same = rows->Get("Count").AsLong() == before;
-      if (!same) return;
-    } catch (const ado::Error&) {
-      return;
-    }
-    rows->CancelUpdate();
+    const auto rows =
+        dw::AdoOpenRecordset(connection_, "SELECT * FROM [Counters] WHERE [ID] = " + std::to_string(counter),
+                             ado::adOpenKeyset, ado::adLockPessimistic);
+    // The probe takes the record; only from then on is the count one that nobody else can change.
+    const int probe = dw::AdoTestRecordLock(ado::Field(*rows, rows->FieldIndex("ID")), true);
+    if (probe == 2) faults_.Add("the probe failed");
+    if (probe != 0) return;
+    log_.Write(Event::Increment, counter);
+    rows->Set("Count", rows->Get("Count").AsLong() + 1);
+    End(dw::AdoUpdateRS(*rows, true, true));
   }
+
+  void IncrementByStatement() {
+    const std::int32_t counter = 1 + Dice(kCounters);
+    log_.Write(Event::Increment, counter);
+    End(ExecuteUnlessHeld("UPDATE [Counters] SET [Count] = [Count] + 1 WHERE [ID] = " +
+                          std::to_string(counter)) == 1);
+  }
+
+  /// The number of records, 0 where a held one refused the statement.
+  std::int64_t ExecuteUnlessHeld(const std::string& sql) {
+    try {
+      return database_->Execute(sql);
+    } catch (const dao::StoreError& error) {
+      if (error.Number() != store::kRecordLocked && error.Number() != store::kSessionLocked)
+        faults_.Add(std::string("statement: ") + error.what());
+      return 0;
+    }
+  }
+
+  void AddThroughDao() {
+    const std::int32_t number = ++lastNumber_;
+    log_.Write(Event::Add, number);
+    dw::DaoAddRecord(*things_);
+    // Some windows ask for the number of the new row before it is stored.
+    const bool askFirst = Dice(2) == 0;
+    std::int32_t id = askFirst ? things_->Get("ID").AsLong() : 0;
+    FillThing(number);
+    dw::DaoUpdateRecord(*things_);
+    if (things_->Editing()) return End(false);
+    things_->SetBookmark(things_->LastModified());
+    if (askFirst) faults_.Equal(things_->Get("ID").AsLong(), id, "the number of a new row");
+    Added(things_->Get("ID").AsLong(), number);
+  }
+
+  void FillThing(std::int32_t number) {
+    things_->Set("Owner", owner_);
+    things_->Set("Number", number);
+    things_->Set("Text", TextOf(owner_, number));
+  }
+
+  void Added(std::int32_t id, std::int32_t number) {
+    own_[id] = number;
+    log_.Write(Event::Done, id);
+  }
+
+  void AddThroughAdo() {
+    const std::int32_t number = ++lastNumber_;
+    const auto rows = dw::AdoOpenRecordset(connection_, "SELECT * FROM [Things] WHERE [ID] = 0",
+                                           ado::adOpenKeyset, ado::adLockOptimistic);
+    log_.Write(Event::Add, number);
+    if (!dw::AdoAutoAddRS(*rows)) return End(false);
+    rows->Set("Owner", owner_);
+    rows->Set("Number", number);
+    rows->Set("Text", TextOf(owner_, number));
+    if (!dw::AdoUpdateRS(*rows, true, true)) return End(false);
+    Added(rows->Get("ID").AsLong(), number);
+  }
+
+  /// The place of one of the own rows in `things_`; false where there is none.
+  bool FindOwn(std::int32_t& id) {
+    if (own_.empty()) return false;
+    auto row = own_.lower_bound(1 + Dice(own_.rbegin()->first));
+    id = row->first;
+    things_->Seek({id});
+    if (things_->NoMatch()) {
+      faults_.Add("own row " + std::to_string(id) + " is not there");
+      return false;
+    }
+    faults_.Equal(things_->Get("Number").AsLong(), row->second, "number in own row " + std::to_string(id));
+    return true;
+  }
+
+  void EditOwn() {
+    std::int32_t id = 0;
+    if (!FindOwn(id)) return;
+    int error = 0;
+    dw::DaoGetRecord(*things_, error);
+    // Other people's statements hold the whole table for a moment; nobody else has an own row for longer.
+    if (error != 0) return;
+    const std::int32_t number = ++lastNumber_;
+    log_.Write(Event::Edit, id, number);
+    FillThing(number);
+    dw::DaoUpdateRecord(*things_);
+    if (things_->Editing()) return End(false);
+    own_[id] = number;
+    End(true);
+  }
+
+  void DeleteOwn() {
+    std::int32_t id = 0;
+    if (!FindOwn(id)) return;
+    log_.Write(Event::Delete, id);
+    bool deleted = false;
+    switch (Dice(3)) {
+      case 0:
+        dw::DaoDeleteRecord(*things_);
+        things_->Seek({id});
+        deleted = things_->NoMatch();
+        break;
+      case 1: {
+        const auto rows =
+            dw::AdoOpenRecordset(connection_, "SELECT * FROM [Things] WHERE [ID] = " + std::to_string(id),
+                                 ado::adOpenKeyset, ado::adLockPessimistic);
+        deleted = dw::AdoDeleteRS(*rows, true, true);
+        break;
+      }
+      default:
+        deleted = ExecuteUnlessHeld("DELETE * FROM [Things] WHERE [ID] = " + std::to_string(id)) == 1;
+    }
+    if (deleted) own_.erase(id);
+    End(deleted);
+  }
+
+  void DeleteBelow() {
+    const std::int32_t number = lastNumber_ - 20;
+    const auto older = [&](const auto& row) { return row.second < number; };
+    const auto count = std::count_if(own_.begin(), own_.end(), older);
+    if (count == 0) return;
+    log_.Write(Event::DeleteBelow, number);
+    const std::int64_t deleted = ExecuteUnlessHeld("DELETE * FROM [Things] WHERE [Owner] = " +
+                                                   std::to_string(owner_) + " AND [Number] < " +
+                                                   std::to_string(number));
+    if (deleted != 0) {
+      faults_.Equal(deleted, std::int64_t{count}, "own rows deleted");
+      std::erase_if(own_, older);
+    }
+    End(deleted != 0);
+  }
+
+  /// The rows of a group and perhaps a new thing, in one transaction. The rows are taken in their order, so that
+  /// two who wait for each other's cannot be.
+  void ChangeTogether() {
+    const int group = Dice(kGroups);
+    const std::int32_t number = Dice(2) == 0 ? ++lastNumber_ : 0;
+    log_.Write(Event::ChangeTogether, group + 1, number);
+    workspace_->BeginTrans();
+    std::int32_t id = 0;
+    for (int i = 0; i < kGroupSize; ++i) {
+      groups_->Seek({group * kGroupSize + i + 1});
+      std::int16_t error = 0;
+      dw::DaoEditRecord(*groups_, error);
+      groups_->Set("Count", groups_->Get("Count").AsLong() + 1);
+      dw::DaoUpdateRecord(*groups_);
+      if (i == 0 && number != 0) {
+        dw::DaoAddRecord(*things_);
+        id = things_->Get("ID").AsLong();
+        FillThing(number);
+        dw::DaoUpdateRecord(*things_);
+      }
+      // A window stays open while its user thinks, and the file is the others' meanwhile.
+      if (Dice(8) == 0) screen::Sleep(1000);
+    }
+    if (Dice(4) == 0) {
+      workspace_->RollbackTrans();
+      return End(false);
+    }
+    workspace_->CommitTrans();
+    if (number != 0) own_[id] = number;
+    log_.Write(Event::Done, id);
+  }
+
+  /// In one statement, for two would be two looks at the file.
+  void CheckGroups() {
+    const std::string group = std::to_string(1 + Dice(kGroups));
+    const auto rows = database_->OpenRecordset(
+        "SELECT MIN([Count]), MAX([Count]), COUNT(*) FROM [Groups] WHERE [Group] = " + group,
+        dao::RecordsetType::Snapshot);
+    faults_.Equal(rows->Get(0).AsLong(), rows->Get(1).AsLong(), "rows of group " + group);
+    faults_.Equal(rows->Get(2).AsLong(), kGroupSize, "how many rows group " + group + " has");
+  }
+
+  void End(bool stored) { log_.Write(stored ? Event::Done : Event::Refused); }
 
   std::string path_;
   std::int32_t owner_;
   const Log& log_;
   std::mt19937 random_;
+  std::shared_ptr<test::QuietScreen> user_;
+  test::Faults faults_;
+  dw::DaoWorkspacePtr workspace_;
+  dw::DaoDatabasePtr database_;
+  dw::DaoRecordsetPtr things_, counters_, groups_, noRows_;
+  dw::AdoConnectionPtr connection_;
+  std::int32_t lastNumber_ = 0;
+  std::map<std::int32_t, std::int32_t> own_;  ///< the numbers in the own rows, by ID
 };
 
 }  // namespace stress

@@ -72,6 +72,7 @@ std::string Apart::Result(int seconds) {
     if (n <= 0) break;
     result.append(buffer, static_cast<std::size_t>(n));
   }
+  if (pid_ <= 0) return result;
   int status = 0;
   waitpid(pid_, &status, 0);
   pid_ = -1;

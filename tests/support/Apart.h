@@ -19,7 +19,7 @@ class Apart {
   Apart& operator=(Apart&&) = delete;
 
   /// Waits for the end: what the work returned, or instead "threw: …" for an exception, "died of signal …",
-  /// "ended with code …", or "hangs" for one that is not done within `seconds`, which is then killed.
+  /// "ended with code …", or "hangs" for one that is not done within `seconds`, which is then killed. Empty for one that Kill ended.
   std::string Result(int seconds = 120);
   /// kill -9, and waits for the death; false where the work was done already.
   bool Kill();
