@@ -31,8 +31,8 @@ const std::string& IdentityUser();
 /// How a transaction is committed.
 enum class Commit {
   Now,        ///< on the disk when the call returns
-  WithGroup,  ///< whole or not at all, and on the disk with the others of its group: within 1,000 commits or
-              ///< 50 ms, before the program waits for anything, and at FinishGroup at the latest
+  WithGroup,  ///< whole or not at all, and on the disk with the others of its group: within a tenth of a
+              ///< second, before the program waits for anything, and at FinishGroup at the latest
 };
 
 struct QueryPlan;

@@ -232,8 +232,10 @@ void Connection::Impl::Commit(store::Commit how) {
     marks_.clear();
     undoMarks_.clear();
     undo_.clear();
-    reserved_.clear();
-    if (!groupMode_) return ReleaseGroupHolds();
+    if (!groupMode_) {
+      reserved_.clear();
+      return ReleaseGroupHolds();
+    }
     transactionRows_.clear();
     ++groupCommits_;
     if (groupCommits_ >= kGroupCommits || Clock::now() - groupStart_ > groupTime_) FlushGroup(true);
@@ -276,14 +278,14 @@ void Connection::Impl::Rollback() {
   if (log_.size() > mark) {
     log_.resize(mark);
     // What was written before it in the same physical transaction is written again when the work goes on.
-    if (physical_) RollbackPhysical();
+    if (physical_ && (!marks_.empty() || groupMode_)) TakeBack();
   }
   if (!marks_.empty()) return;
-  reserved_.clear();
   if (groupMode_) {
     transactionRows_.clear();
     return;
   }
+  reserved_.clear();
   if (physical_) RollbackPhysical();
   ReleaseGroupHolds();
 }
@@ -304,6 +306,7 @@ void Connection::Impl::AbandonGroup() {
   if (!groupMode_ || !marks_.empty()) return;
   if (physical_) RollbackPhysical();
   groupLog_.clear();
+  reserved_.clear();
   groupCommits_ = 0;
   groupMode_ = false;
   RetireCaches();
@@ -326,6 +329,7 @@ void Connection::Impl::FlushGroup(bool pause) {
     groupTime_ = std::clamp<Clock::duration>(4 * (Clock::now() - start), kShortestGroup, kLongestGroup);
   }
   groupLog_.clear();
+  reserved_.clear();
   groupCommits_ = 0;
   ReleaseGroupHolds();
   for (auto& [table, cache] : caches_)
@@ -385,8 +389,8 @@ void Connection::Impl::Yield() {
   }
 }
 
-// The numbers that the open transaction has given to its new records must not be given to others while it
-// waits. So the file is not let go of before they are in it: whoever came in between would get them again.
+// The numbers that are given to new records here must not be given to others before these are stored. So the
+// file is not let go of before they are in it: whoever came in between would get them again.
 void Connection::Impl::TakeBack() {
   if (reserved_.empty()) return RollbackPhysical();
   try {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <fstream>
 
@@ -221,6 +222,31 @@ TEST_F(ConnectionTest, TellsApartWhatIsNoDataFileAndLeavesItAlone) {
   EXPECT_EQ(content(text), std::string(5000, 'x'));
   EXPECT_EQ(content(empty), "");
   EXPECT_EQ(content(broken), damaged);
+}
+
+TEST_F(ConnectionTest, ExpectationsOfIndexesStandBesideEachOtherAndSurviveCompaction) {
+  {
+    auto file = test::OpenSmallFile(path);
+    file->Expect("Assets", "Code", {1000, 1});
+    file->Expect("Assets", "By Year", {1000, 50});
+    file->Expect("Assets", "By Year", {2000, 60});
+  }
+  const std::string target = directory.Path("compact.tmp");
+  auto closed = store::CompactFile(path, target);
+  for (const auto& name : {path, target}) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(name.c_str(), &db), SQLITE_OK);
+    std::string found;
+    sqlite3_exec(
+        db, "SELECT idx || '=' || stat FROM sqlite_stat1 ORDER BY idx",
+        [](void* all, int, char** row, char**) {
+          *static_cast<std::string*>(all) += std::string(row[0]) + ";";
+          return 0;
+        },
+        &found, nullptr);
+    sqlite3_close(db);
+    EXPECT_EQ(found, "Assets.By Year=2000 60;Assets.Code=1000 1;");
+  }
 }
 
 TEST_F(ConnectionTest, CompactsOnlyAFileThatNobodyHasOpen) {
