@@ -177,8 +177,17 @@ std::int64_t Connection::Impl::Run(Change& change, std::int64_t* newId) {
 // --- one unit of change
 
 void Connection::Impl::StartWriting() {
-  BeginPhysical();
+  try {
+    BeginPhysical();
+  } catch (const StoreError& error) {
+    NoteUnstored(error, {});
+    throw;
+  }
   ++writingDepth_;
+}
+
+void Connection::Impl::NoteUnstored(const StoreError& error, std::string_view sql) {
+  if (Depth() > 0 && error.Number() == kDiskFull) unstored_ = sql;
 }
 
 void Connection::Impl::EndWriting() {
@@ -195,7 +204,13 @@ std::int64_t Connection::Impl::Write(std::string_view sql, std::vector<rt::Value
                                      int idParameter, Counted counted) {
   Change change{std::string(sql), std::move(values), 0, counted == Counted::Yes};
   std::int64_t id = 0;
-  change.changed = Run(change, &id);
+  try {
+    change.changed = Run(change, &id);
+  } catch (const StoreError& error) {
+    NoteUnstored(error, change.sql);
+    throw;
+  }
+  if (unstored_ && (unstored_->empty() || *unstored_ == change.sql)) unstored_.reset();
   if (newId) *newId = id;
   if (idParameter > 0)
     change.values[static_cast<std::size_t>(idParameter) - 1] = static_cast<std::int32_t>(id);
@@ -217,6 +232,10 @@ void Connection::Impl::Begin() {
 
 void Connection::Impl::Commit(store::Commit how) {
   if (marks_.empty()) throw StoreError(kTransactionMissing, "There is no transaction to commit.");
+  // The rest of a transaction would be stored without what did not find room.
+  if (unstored_)
+    throw StoreError(kDiskFull, "Not enough space on the disk for '" + request_.path +
+                                    "': a part of the transaction could not be stored.");
   if (marks_.size() > 1) {
     marks_.pop_back();
     undoMarks_.pop_back();
@@ -260,6 +279,7 @@ void Connection::Impl::Rollback() {
   if (marks_.empty()) throw StoreError(kTransactionMissing, "There is no transaction to roll back.");
   const std::size_t mark = marks_.back();
   const std::size_t undoMark = undoMarks_.back();
+  unstored_.reset();
   marks_.pop_back();
   undoMarks_.pop_back();
   while (undo_.size() > undoMark) {

@@ -107,6 +107,9 @@ class Connection::Impl {
  private:
   using Clock = std::chrono::steady_clock;
 
+  /// Remembers a write of the open transaction that found the disk full; `sql` is empty where it did not even
+  /// begin.
+  void NoteUnstored(const StoreError& error, std::string_view sql);
   void BeginPhysical();
   void CommitPhysical();
   void RollbackPhysical();
@@ -137,6 +140,8 @@ class Connection::Impl {
   std::vector<std::size_t> undoMarks_;  ///< and where its undo entries begin
   std::vector<Change> log_;             ///< writes of the open transactions
   std::map<std::string, std::int64_t> reserved_;  ///< the highest number given to a new record, by table
+  /// The write that found the disk full and has not been made good since: the transaction cannot be committed.
+  std::optional<std::string> unstored_;
   std::vector<Change> groupLog_;  ///< writes of transactions that are committed with the group
   bool groupMode_ = false;
   int groupCommits_ = 0;

@@ -51,6 +51,12 @@ void CheckFormat(Handle& handle) {
                                      "': it was made by a later version of this program.");
 }
 
+void CheckName(const std::string& path) {
+  if (SideFile::PathFor(path) == path)
+    throw StoreError(kBadFormat,
+                     "Unrecognized data base format '" + path + "': the ending .LDB is that of side files.");
+}
+
 void CheckFile(const std::string& path) {
   struct stat found {};
   if (stat(path.c_str(), &found) != 0) {
@@ -66,11 +72,13 @@ void CheckFile(const std::string& path) {
   if (S_ISDIR(found.st_mode))
     throw StoreError(kCannotStart, "'" + path + "' is a directory, not a data file.");
   if (!S_ISREG(found.st_mode)) throw StoreError(kCannotStart, "'" + path + "' is not a data file.");
+  CheckName(path);
   if (found.st_size == 0)
     throw StoreError(kBadFormat, "Unrecognized data base format '" + path + "': the file is empty.");
 }
 
 void Connection::Create(const std::string& path) {
+  CheckName(path);
   // Made under its own name in one go, and never over something that is there.
   const int fd = open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
   if (fd < 0) {
@@ -95,10 +103,11 @@ void Connection::Create(const std::string& path) {
       " \"Attributes\" LONG, \"Position\" LONG, \"Column\" TEXT(64), \"ForeignColumn\" TEXT(64));";
   if (code == SQLITE_OK) code = sqlite3_exec(db, setUp.c_str(), nullptr, nullptr, nullptr);
   const std::string text = db ? sqlite3_errmsg(db) : "";
+  const bool full = DiskIsFull(db, code);
   sqlite3_close(db);
   if (code == SQLITE_OK) return;
   unlink(path.c_str());
-  if ((code & 0xff) == SQLITE_FULL)
+  if (full)
     throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
   throw StoreError(kCannotStart, "Cannot create '" + path + "': " + text + ".");
 }

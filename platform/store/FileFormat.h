@@ -23,6 +23,8 @@ constexpr std::int64_t kNoKey = std::numeric_limits<std::int64_t>::min();
 void CheckHeader(Handle& handle);
 /// Throws StoreError 3343 where the opened database is not of this system, or of a later version of it.
 void CheckFormat(Handle& handle);
+/// Throws StoreError 3343 for a name that a data file cannot have: its side file would be written over it.
+void CheckName(const std::string& path);
 /// Throws StoreError 3024, 3044, 3051 or 3343 for what can be told without opening: nothing there, no such
 /// directory, a directory under the file's name, an empty file.
 void CheckFile(const std::string& path);

@@ -173,6 +173,24 @@ std::shared_ptr<const QueryPlan> Handle::Plan(const Normalized& statement) {
   return plan;
 }
 
+bool DiskIsFull(sqlite3* db, int code) {
+  if ((code & 0xff) == SQLITE_FULL) return true;
+  if (!db || (code & 0xff) != SQLITE_IOERR) return false;
+  const auto full = [](int error) { return error == ENOSPC || error == EDQUOT || error == EFBIG; };
+  if (full(sqlite3_system_errno(db))) return true;
+  if (code != SQLITE_IOERR_WRITE && code != SQLITE_IOERR_FSYNC && code != SQLITE_IOERR_TRUNCATE) return false;
+  // What the database did to take back the write has hidden the reason; the files still know it.
+  for (const int which : {SQLITE_FCNTL_FILE_POINTER, SQLITE_FCNTL_JOURNAL_POINTER}) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(db, "main", which, &file);
+    int error = 0;
+    if (file && file->pMethods && file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &error) == SQLITE_OK &&
+        full(error))
+      return true;
+  }
+  return false;
+}
+
 void Handle::Fail(int code, std::string_view sql) {
   const std::string what = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(code);
   const std::string file = "'" + path_ + "'";
@@ -196,9 +214,9 @@ void Handle::Fail(int code, std::string_view sql) {
       throw StoreError(kBadFormat,
                        "Unrecognized data base format " + file + ": it is damaged (" + what + ").");
     case SQLITE_IOERR: {
-      const int system = db_ ? sqlite3_system_errno(db_) : 0;
-      if (system == ENOSPC || system == EDQUOT || system == EFBIG)
+      if (DiskIsFull(db_, code))
         throw StoreError(kDiskFull, "Not enough space on the disk for " + file + ".");
+      const int system = db_ ? sqlite3_system_errno(db_) : 0;
       throw StoreError(kPathNotFound,
                        "Disk or network error during access to " + file +
                            (system ? std::string(": ") + std::strerror(system) : std::string()) + ".");

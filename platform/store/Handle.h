@@ -147,6 +147,8 @@ class Handle {
   std::chrono::steady_clock::time_point schemaChecked_;
 };
 
+/// Whether an error of the database means that the disk, or the user's share of it, is full.
+bool DiskIsFull(sqlite3* db, int code);
 /// Reads the tables, columns and indexes of a file.
 Schema ReadSchema(Handle& handle);
 std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_ptr<const Schema> schema);

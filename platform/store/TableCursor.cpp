@@ -206,11 +206,22 @@ class TableCursor : public RecordCursor {
       place_ = edge || from == INT64_MAX ? Place::End : Place::Begin;
       return;
     }
+    const std::int64_t found = use.Int64(0);
+    if (found == from || (found < from) != (condition.find('<') != std::string::npos)) OutOfOrder();
     onDeleted_ = false;
     place_ = Place::Row;
     KeepWindow(1);
-    key_ = windowKeys_[0] = use.Int64(0);
+    key_ = windowKeys_[0] = found;
     window_[0].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+  }
+
+  /// A damaged file can give keys that are not in their order. Whoever goes on from such a key comes back to it
+  /// again and again.
+  [[noreturn]] void OutOfOrder() {
+    windowEpoch_ = 0;
+    throw StoreError(kBadFormat, "Unrecognized data base format '" + Impl().Request().path +
+                                     "': it is damaged (the records of '" + plan_->leading->name +
+                                     "' are out of order).");
   }
 
   void FetchAhead() {
@@ -221,6 +232,7 @@ class TableCursor : public RecordCursor {
     std::size_t count = 0;
     while (use.Step()) {
       windowKeys_[count] = use.Int64(0);
+      if (windowKeys_[count] <= (count == 0 ? key_ : windowKeys_[count - 1])) OutOfOrder();
       window_[count].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
       ++count;
     }

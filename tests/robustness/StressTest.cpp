@@ -132,7 +132,8 @@ struct Expected {
   }
 };
 
-std::unique_ptr<store::Cursor> Rows(const std::shared_ptr<store::Connection>& file, const std::string& table) {
+std::unique_ptr<store::Cursor> Rows(const std::shared_ptr<store::Connection>& file,
+                                    const std::string& table) {
   return store::Cursor::OpenQuery(file, "SELECT * FROM [" + table + "]", store::Locking::ReadOnly);
 }
 
@@ -176,8 +177,7 @@ void CheckBetween(std::int64_t found, std::int64_t least, std::int64_t perhaps, 
 std::string CheckFile(const std::string& path, const std::vector<Log>& logs) {
   Faults faults;
   Expected expected;
-  for (std::size_t i = 0; i < logs.size(); ++i)
-    expected.Take(static_cast<std::int64_t>(i), logs[i], faults);
+  for (std::size_t i = 0; i < logs.size(); ++i) expected.Take(static_cast<std::int64_t>(i), logs[i], faults);
   const auto file = store::Connection::Open({path});
   for (const std::string& fault : file->CheckIntegrity()) faults.Add("integrity: " + fault);
   faults.Equal(file->Side().Roster().size(), std::size_t{1}, "users of the file");

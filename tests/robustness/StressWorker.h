@@ -276,9 +276,9 @@ class Worker {
     const auto count = std::count_if(own_.begin(), own_.end(), older);
     if (count == 0) return;
     log_.Write(Event::DeleteBelow, number);
-    const std::int64_t deleted = ExecuteUnlessHeld("DELETE * FROM [Things] WHERE [Owner] = " +
-                                                   std::to_string(owner_) + " AND [Number] < " +
-                                                   std::to_string(number));
+    const std::int64_t deleted =
+        ExecuteUnlessHeld("DELETE * FROM [Things] WHERE [Owner] = " + std::to_string(owner_) +
+                          " AND [Number] < " + std::to_string(number));
     if (deleted != 0) {
       faults_.Equal(deleted, std::int64_t{count}, "own rows deleted");
       std::erase_if(own_, older);
@@ -286,8 +286,8 @@ class Worker {
     End(deleted != 0);
   }
 
-  /// The rows of a group and perhaps a new thing, in one transaction. The rows are taken in their order, so that
-  /// two who wait for each other's cannot be.
+  /// The rows of a group and perhaps a new thing, in one transaction. The rows are taken in their order, so
+  /// that two who wait for each other's cannot be.
   void ChangeTogether() {
     const int group = Dice(kGroups);
     const std::int32_t number = Dice(2) == 0 ? ++lastNumber_ : 0;

@@ -8,8 +8,8 @@
 
 namespace test {
 
-/// Work in a process of its own: a crash, a hang or a kill there is something that the test can tell of, and the
-/// test itself never has a data file open when it forks.
+/// Work in a process of its own: a crash, a hang or a kill there is something that the test can tell of, and
+/// the test itself never has a data file open when it forks.
 class Apart {
  public:
   /// Starts at once.
@@ -19,7 +19,8 @@ class Apart {
   Apart& operator=(Apart&&) = delete;
 
   /// Waits for the end: what the work returned, or instead "threw: …" for an exception, "died of signal …",
-  /// "ended with code …", or "hangs" for one that is not done within `seconds`, which is then killed. Empty for one that Kill ended.
+  /// "ended with code …", or "hangs" for one that is not done within `seconds`, which is then killed. Empty
+  /// for one that Kill ended.
   std::string Result(int seconds = 120);
   /// kill -9, and waits for the death; false where the work was done already.
   bool Kill();
@@ -49,10 +50,8 @@ class Faults {
  private:
   static std::string Shown(const std::string& text) { return "'" + text + "'"; }
   template <class Number>
-    requires std::is_arithmetic_v<Number>
-  static std::string Shown(Number number) {
-    return std::to_string(number);
-  }
+  requires std::is_arithmetic_v<Number>
+  static std::string Shown(Number number) { return std::to_string(number); }
   std::string text_;
 };
 

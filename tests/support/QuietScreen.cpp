@@ -26,6 +26,8 @@ screen::Answer QuietScreen::ShowBox(const screen::Box& box) {
       return screen::Answer::Yes;
     case screen::Buttons::RetryCancel:
       return screen::Answer::Cancel;
+    case screen::Buttons::OkCancel:
+      return okOrCancel;
     default:
       return screen::Answer::Ok;
   }

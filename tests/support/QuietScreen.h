@@ -16,6 +16,8 @@ class QuietScreen : public screen::Screen {
   /// Puts one in place for the rest of the process.
   static std::shared_ptr<QuietScreen> Install();
 
+  /// The answer where OK and Cancel are offered.
+  screen::Answer okOrCancel = screen::Answer::Ok;
   /// Called at each box before it is answered.
   std::function<void(const screen::Box&)> onBox;
   const std::vector<std::string>& Texts() const { return texts_; }

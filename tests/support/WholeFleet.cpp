@@ -51,10 +51,11 @@ std::string AskFile(const std::string& path, const std::string& sql) {
 }
 
 std::int64_t WaitingRows(const std::string& path) {
-  return std::stoll(AskFile(
-      path,
-      "SELECT COUNT(*) FROM [Maintenance Transactions] INNER JOIN [Vehicles] ON [Maintenance "
-      "Transactions].[Asset ID] = [Vehicles].[Asset ID] WHERE [Maintenance Transactions].[When Posted] IS NULL"));
+  return std::stoll(
+      AskFile(path,
+              "SELECT COUNT(*) FROM [Maintenance Transactions] INNER JOIN [Vehicles] ON [Maintenance "
+              "Transactions].[Asset ID] = [Vehicles].[Asset ID] WHERE [Maintenance Transactions].[When "
+              "Posted] IS NULL"));
 }
 
 std::string CostTotals(const std::string& path) {

@@ -1,5 +1,5 @@
-// A fleet of some size, and what must hold of its main file after whatever has been done to it. Each function opens
-// the file for itself and closes it again.
+// A fleet of some size, and what must hold of its main file after whatever has been done to it. Each function
+// opens the file for itself and closes it again.
 #pragma once
 
 #include <cstdint>
