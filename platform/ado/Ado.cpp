@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/runtime/Text.h"
+#include "platform/store/Dialect.h"
 
 namespace ado {
 
@@ -60,15 +61,6 @@ std::string ValueOf(std::string_view text, std::string_view key) {
     text.remove_prefix(std::min(end + 1, text.size()));
   }
   return {};
-}
-
-// A table may be called "Select and Sort Queries", so the first word alone does not make a query.
-bool IsSelect(std::string_view source) {
-  const auto start = source.find_first_not_of(" \t\r\n");
-  if (start == std::string_view::npos || !rt::EqualNoCase(source.substr(start, 6), "SELECT")) return false;
-  for (auto at = start + 6; at + 4 <= source.size(); ++at)
-    if (rt::EqualNoCase(source.substr(at, 4), "FROM")) return true;
-  return false;
 }
 
 }  // namespace
@@ -171,7 +163,7 @@ void Recordset::Open(std::string_view source, const std::shared_ptr<Connection>&
                        : lock == adLockPessimistic ? store::Locking::Pessimistic
                                                    : store::Locking::Optimistic;
   const std::string query =
-      IsSelect(source) ? std::string(source) : "SELECT * FROM [" + std::string(source) + "]";
+      store::IsQuery(source) ? std::string(source) : "SELECT * FROM [" + std::string(source) + "]";
   connection->Opened();
   try {
     cursor_ = store::Cursor::OpenQuery(connection->Store(), query, locking);

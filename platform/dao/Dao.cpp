@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/runtime/Text.h"
+#include "platform/store/Dialect.h"
 
 namespace dao {
 namespace {
@@ -109,15 +110,6 @@ Field ToField(const store::ColumnInfo& column) {
 std::string WithoutBrackets(std::string_view name) {
   if (name.size() >= 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
   return std::string(name);
-}
-
-// A table may be called "Select and Sort Queries", so the first word alone does not make a query.
-bool IsSelect(std::string_view source) {
-  const auto start = source.find_first_not_of(" \t\r\n");
-  if (start == std::string_view::npos || !rt::EqualNoCase(source.substr(start, 6), "SELECT")) return false;
-  for (auto at = start + 6; at + 4 <= source.size(); ++at)
-    if (rt::EqualNoCase(source.substr(at, 4), "FROM")) return true;
-  return false;
 }
 
 }  // namespace
@@ -238,7 +230,7 @@ std::shared_ptr<Recordset> Database::OpenRecordset(std::string_view source, Reco
   const bool readOnly = access == Access::ReadOnly || type == RecordsetType::Snapshot;
   const auto locking = readOnly ? store::Locking::ReadOnly : store::Locking::Pessimistic;
   std::unique_ptr<store::Cursor> cursor;
-  if (IsSelect(source)) {
+  if (store::IsQuery(source)) {
     if (type == RecordsetType::Table)
       throw StoreError(store::kTableNotFound, "A table recordset needs a table's name, not a query.");
     cursor = store::Cursor::OpenQuery(connection_, source, locking);

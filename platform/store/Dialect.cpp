@@ -140,6 +140,14 @@ class Translator {
 
 }  // namespace
 
+bool IsQuery(std::string_view source) {
+  const auto start = source.find_first_not_of(" \t\r\n");
+  if (start == std::string_view::npos || !rt::EqualNoCase(source.substr(start, 6), "SELECT")) return false;
+  for (auto at = start + 6; at + 4 <= source.size(); ++at)
+    if (rt::EqualNoCase(source.substr(at, 4), "FROM")) return true;
+  return false;
+}
+
 Translation Translate(const Normalized& statement, const Schema& schema) {
   if (statement.parameters.size() > kMostParameters)
     throw StoreError(kSyntax, "The statement has too many values.");

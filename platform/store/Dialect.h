@@ -22,6 +22,10 @@ struct Normalized {
   std::vector<rt::Value> parameters;
 };
 
+/// Whether a recordset's source is a query rather than a table's name. A table may be called "Select and Sort
+/// Queries", so the first word alone does not make a query.
+bool IsQuery(std::string_view source);
+
 /// Takes a statement apart. Throws StoreError 3075 for a character or literal that the dialect does not know:
 /// an open quote or bracket, a # literal that is no date.
 Normalized Normalize(std::string_view sql);
