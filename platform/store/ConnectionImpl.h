@@ -140,7 +140,8 @@ class Connection::Impl {
   std::vector<std::size_t> undoMarks_;  ///< and where its undo entries begin
   std::vector<Change> log_;             ///< writes of the open transactions
   std::map<std::string, std::int64_t> reserved_;  ///< the highest number given to a new record, by table
-  /// The write that found the disk full and has not been made good since: the transaction cannot be committed.
+  /// The write that found the disk full and has not been made good since: the transaction cannot be
+  /// committed.
   std::optional<std::string> unstored_;
   std::vector<Change> groupLog_;  ///< writes of transactions that are committed with the group
   bool groupMode_ = false;

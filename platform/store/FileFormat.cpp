@@ -107,8 +107,7 @@ void Connection::Create(const std::string& path) {
   sqlite3_close(db);
   if (code == SQLITE_OK) return;
   unlink(path.c_str());
-  if (full)
-    throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
+  if (full) throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
   throw StoreError(kCannotStart, "Cannot create '" + path + "': " + text + ".");
 }
 

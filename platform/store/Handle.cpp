@@ -184,8 +184,8 @@ bool DiskIsFull(sqlite3* db, int code) {
     sqlite3_file* file = nullptr;
     sqlite3_file_control(db, "main", which, &file);
     int error = 0;
-    if (file && file->pMethods && file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &error) == SQLITE_OK &&
-        full(error))
+    if (file && file->pMethods &&
+        file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &error) == SQLITE_OK && full(error))
       return true;
   }
   return false;

@@ -215,8 +215,8 @@ class TableCursor : public RecordCursor {
     window_[0].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
   }
 
-  /// A damaged file can give keys that are not in their order. Whoever goes on from such a key comes back to it
-  /// again and again.
+  /// A damaged file can give keys that are not in their order. Whoever goes on from such a key comes back to
+  /// it again and again.
   [[noreturn]] void OutOfOrder() {
     windowEpoch_ = 0;
     throw StoreError(kBadFormat, "Unrecognized data base format '" + Impl().Request().path +

@@ -174,7 +174,7 @@ void CheckBetween(std::int64_t found, std::int64_t least, std::int64_t perhaps, 
                std::to_string(least + perhaps));
 }
 
-std::string CheckFile(const std::string& path, const std::vector<Log>& logs) {
+std::string CheckFile(const std::string& path, const std::vector<Log>& logs, bool everyKind) {
   Faults faults;
   Expected expected;
   for (std::size_t i = 0; i < logs.size(); ++i) expected.Take(static_cast<std::int64_t>(i), logs[i], faults);
@@ -193,14 +193,18 @@ std::string CheckFile(const std::string& path, const std::vector<Log>& logs) {
     CheckBetween(rows->Get(2).AsLong(), expected.groups[group], expected.perhapsChanged[group],
                  "group " + std::to_string(group), faults);
   }
-  for (const Event event : {Event::Increment, Event::Add, Event::Edit, Event::Delete, Event::DeleteBelow,
-                            Event::ChangeTogether, Event::Refused})
+  // A few seconds on a slow disk are too short for the rarer kinds of work.
+  std::vector<Event> wanted{Event::Increment, Event::Add};
+  if (everyKind)
+    wanted = {Event::Increment,      Event::Add,    Event::Edit, Event::Delete, Event::DeleteBelow,
+              Event::ChangeTogether, Event::Refused};
+  for (const Event event : wanted)
     if (expected.done[event] == 0)
       faults.Add("no work of kind " + std::to_string(static_cast<int>(event)) + " was done");
   return faults.Text();
 }
 
-void WorkFor(std::chrono::seconds time, int kills) {
+void WorkFor(std::chrono::seconds time, int kills, bool everyKind) {
   const test::TempDirectory directory;
   const std::string path = directory.Path("DW.MDB");
   ASSERT_EQ(RunApart([&] {
@@ -235,15 +239,15 @@ void WorkFor(std::chrono::seconds time, int kills) {
   std::this_thread::sleep_for(std::chrono::duration_cast<std::chrono::microseconds>(time) / (kills + 1));
   *stop = true;
   for (const std::size_t user : working) EXPECT_EQ(users[user].Result(), "");
-  EXPECT_EQ(RunApart([&] { return CheckFile(path, logs); }), "");
+  EXPECT_EQ(RunApart([&] { return CheckFile(path, logs, everyKind); }), "");
 }
 
-TEST(Stress, WhatEightUsersStoreInAFewSecondsIsThere) { WorkFor(std::chrono::seconds(5), 4); }
+TEST(Stress, WhatEightUsersStoreInAFewSecondsIsThere) { WorkFor(std::chrono::seconds(5), 4, false); }
 
 TEST(LongStress, WhatEightUsersStoreIsThere) {
   const char* seconds = std::getenv("DROVEWRIGHT_STRESS_SECONDS");
   const int time = seconds ? std::max(1, std::atoi(seconds)) : 60;
-  WorkFor(std::chrono::seconds(time), time);
+  WorkFor(std::chrono::seconds(time), time, true);
 }
 
 }  // namespace
