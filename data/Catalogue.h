@@ -20,10 +20,11 @@ struct CatalogueFile {
 const std::vector<CatalogueFile>& Catalogue();
 const CatalogueFile& CatalogueOf(std::string_view file);
 
-/// Makes an empty data file with all its tables, indexes and relations. Throws StoreError (3204 when it exists).
+/// Makes an empty data file with all its tables, indexes and relations. Throws StoreError (3204 when it
+/// exists).
 void CreateDataFile(const std::string& directory, std::string_view file);
-/// Differences between a file and its catalogue, one line each: missing tables, columns, indexes and other types.
-/// What a file has beyond the catalogue is no difference.
+/// Differences between a file and its catalogue, one line each: missing tables, columns, indexes and other
+/// types. What a file has beyond the catalogue is no difference.
 std::vector<std::string> CompareWithCatalogue(store::Connection& connection, const CatalogueFile& file);
 
 }  // namespace dw

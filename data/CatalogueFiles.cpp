@@ -14,8 +14,8 @@ using store::IndexInfo;
 using store::RelationInfo;
 using store::TableInfo;
 
-/// What a fleet of some years looks like to the planner of queries: few types of work, many assets. Without it the work
-/// done on one asset is looked for among all the work of one type.
+/// What a fleet of some years looks like to the planner of queries: few types of work, many assets. Without
+/// it the work done on one asset is looked for among all the work of one type.
 struct Expectation {
   const char* table;
   const char* index;

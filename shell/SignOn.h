@@ -11,8 +11,9 @@ enum class SignOnResult {
   Refused,   ///< the sign-on is over
 };
 
-/// Checks user, password and WorkstationName against the users file, with the messages of each refusal. Passed sets
-/// CurrentUserName, CurrentUserID, IsAdministrator, WorkstationID and SignedOn, and the names that locks and rosters show.
+/// Checks user, password and WorkstationName against the users file, with the messages of each refusal.
+/// Passed sets CurrentUserName, CurrentUserID, IsAdministrator, WorkstationID and SignedOn, and the names
+/// that locks and rosters show.
 SignOnResult CheckSignOn(const std::string& userName, const std::string& password);
 /// Adds the row of this session to `Access Log`.
 void WriteAccessLogIn();
