@@ -1,0 +1,16 @@
+# `release-folder` makes "Drovewright Release" in the build folder: what the release disc holds beside the program's
+# own files, as the first installation ("CD Install") looks for it. The data files are made anew each time, so that a
+# disc never carries anything of a fleet that was worked on.
+add_executable(systemfile EXCLUDE_FROM_ALL ${CMAKE_SOURCE_DIR}/tools/release/SystemFile.cpp)
+target_link_libraries(systemfile PRIVATE core warnings)
+
+set(release "${CMAKE_BINARY_DIR}/Drovewright Release")
+add_custom_target(release-folder
+  COMMAND ${CMAKE_COMMAND} -E rm -rf "${release}"
+  COMMAND ${CMAKE_COMMAND} -E make_directory "${release}"
+  COMMAND dwadmin create --data "${release}/DW Initialized Data Files"
+  COMMAND systemfile "${release}/PK Initialized Data Files"
+  COMMAND ${CMAKE_COMMAND} -E copy "${CMAKE_SOURCE_DIR}/tools/release/Read Me.txt" "${release}"
+  COMMENT "Making ${release}"
+  VERBATIM)
+unset(release)

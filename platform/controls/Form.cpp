@@ -1,0 +1,227 @@
+#include "platform/controls/Form.h"
+
+#include <QAbstractButton>
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <algorithm>
+#include <utility>
+
+#include "platform/controls/Application.h"
+#include "platform/controls/LeaveRule.h"
+#include "platform/runtime/Waits.h"
+
+namespace ui {
+namespace {
+
+/// The loaded forms, and the same in the order in which they were active, the latest last.
+struct Collection {
+  std::vector<Form*> forms;
+  std::vector<Form*> active;
+  Form* current = nullptr;
+  std::function<void(Form&)> unloadHook;
+  std::function<void()> lastFormGone;
+};
+
+Collection& All() {
+  static Collection all;
+  return all;
+}
+
+}  // namespace
+
+const std::vector<Form*>& Forms() { return All().forms; }
+
+Form* FindForm(const std::string& name) {
+  const auto found =
+      std::find_if(Forms().begin(), Forms().end(), [&](Form* form) { return form->Name() == name; });
+  return found == Forms().end() ? nullptr : *found;
+}
+
+Form* ActiveForm() { return All().current; }
+
+void InstallUnloadHook(std::function<void(Form&)> hook) { All().unloadHook = std::move(hook); }
+void InstallLastFormGone(std::function<void()> hook) { All().lastFormGone = std::move(hook); }
+
+void CenterForm(QWidget& form) {
+  const QScreen* screen = form.screen() ? form.screen() : QGuiApplication::primaryScreen();
+  if (!screen) return;
+  const QRect area = screen->availableGeometry();
+  form.move(std::max(area.left() + 1, area.center().x() - form.width() / 2),
+            std::max(area.top() + 1, area.center().y() - form.height() / 2));
+}
+
+void OnClick(QAbstractButton& button, std::function<void()> work) {
+  QObject::connect(&button, &QAbstractButton::clicked, &button,
+                   [work = std::move(work)] { Guard([&] { work(); }); });
+}
+
+Form::Form(const char* name) : QWidget(nullptr, Qt::Window) {
+  setObjectName(QString::fromUtf8(name));
+  // Enter and Esc that no control wants arrive here.
+  setFocusPolicy(Qt::NoFocus);
+}
+
+Form::~Form() {
+  auto& all = All();
+  std::erase(all.forms, this);
+  std::erase(all.active, this);
+  if (all.current == this) all.current = nullptr;
+}
+
+std::string Form::Name() const { return objectName().toStdString(); }
+
+void Form::LoadForm() {
+  if (loaded_) return;
+  loaded_ = true;
+  All().forms.push_back(this);
+  OnLoad();
+  if (unloading_) return;
+  ensurePolished();
+  const QSize wanted = testAttribute(Qt::WA_Resized) ? size().expandedTo(minimumSizeHint()) : sizeHint();
+  resize(wanted);
+  MinWidth = wanted.width();
+  MinHeight = wanted.height();
+  setMinimumSize(wanted);
+  if (!testAttribute(Qt::WA_Moved)) CenterForm(*this);
+}
+
+void Form::ShowForm() {
+  LoadForm();
+  if (unloading_) return;
+  if (isMinimized()) showNormal();
+  show();
+  raise();
+  activateWindow();
+  BecomeActive();
+}
+
+void Form::ShowModal() {
+  setWindowModality(Qt::ApplicationModal);
+  QEventLoop loop;
+  AtUnload([&loop] { loop.quit(); });
+  rt::AboutToWait();
+  ShowForm();
+  if (!unloading_) loop.exec();
+}
+
+void Form::BecomeActive() {
+  auto& all = All();
+  if (all.current == this || !loaded_ || unloading_) return;
+  std::erase(all.active, this);
+  all.active.push_back(this);
+  all.current = this;
+  Guard([this] { OnActivate(); });
+}
+
+void Form::Unload() {
+  if (unloading_) return;
+  unloading_ = true;
+  Guard([this] { OnUnload(); });
+  auto& all = All();
+  if (loaded_ && all.unloadHook) Guard([&] { all.unloadHook(*this); });
+  hide();
+  while (!atUnload_.empty()) {
+    const auto work = std::move(atUnload_.back());
+    atUnload_.pop_back();
+    Guard([&] { work(); });
+  }
+  const bool wasActive = all.current == this;
+  const bool wasLoaded = loaded_;
+  std::erase(all.forms, this);
+  std::erase(all.active, this);
+  if (wasActive) all.current = nullptr;
+  loaded_ = false;
+  deleteLater();
+  if (wasLoaded && all.forms.empty()) {
+    if (all.lastFormGone) Guard([&] { all.lastFormGone(); });
+    return;
+  }
+  // The window that was in front before comes forward; not every window manager sees to that.
+  if (!wasActive || all.active.empty()) return;
+  Form* next = all.active.back();
+  if (!next->isVisible()) return;
+  next->raise();
+  next->activateWindow();
+  next->BecomeActive();
+}
+
+void Form::RemoveCloseCommand() {
+  closable_ = false;
+  setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                 Qt::WindowMinMaxButtonsHint);
+}
+
+void Form::SetPointer(screen::Pointer pointer) {
+  if (pointer == screen::Pointer::Hourglass)
+    setCursor(Qt::WaitCursor);
+  else
+    unsetCursor();
+}
+
+void Form::AtUnload(std::function<void()> work) { atUnload_.push_back(std::move(work)); }
+
+void Form::SetDefault(QPushButton* button) {
+  if (default_) default_->setDefault(false);
+  default_ = button;
+  if (default_) default_->setDefault(true);
+}
+
+void Form::SetCancel(QPushButton* button) {
+  if (cancel_) cancel_->removeEventFilter(this);
+  cancel_ = button;
+  if (cancel_) cancel_->installEventFilter(this);
+}
+
+bool Form::CancelPressed() {
+  // The focus leaves a field before the button hears of the press.
+  if (cancel_ && QApplication::focusWidget() == cancel_ && LeavingByMouse()) cancelPressed_ = true;
+  return cancelPressed_;
+}
+
+bool Form::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == cancel_ &&
+      (event->type() == QEvent::MouseButtonPress ||
+       (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)))
+    cancelPressed_ = true;
+  return QWidget::eventFilter(watched, event);
+}
+
+bool Form::event(QEvent* event) {
+  if (event->type() == QEvent::WindowActivate) BecomeActive();
+  return QWidget::event(event);
+}
+
+void Form::closeEvent(QCloseEvent* event) {
+  if (!closable_ && !unloading_) {
+    event->ignore();
+    return;
+  }
+  event->accept();
+  Unload();
+}
+
+void Form::keyPressEvent(QKeyEvent* event) {
+  const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == 0;
+  if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+    auto* focused = qobject_cast<QPushButton*>(focusWidget());
+    QPushButton* button = focused ? focused : default_;
+    if (button && button->isEnabled()) button->click();
+    return;
+  }
+  if (plain && event->key() == Qt::Key_Escape) {
+    if (cancel_ && cancel_->isEnabled()) cancel_->click();
+    return;
+  }
+  QWidget::keyPressEvent(event);
+}
+
+void Form::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  if (loaded_ && !isMinimized()) OnResize();
+}
+
+}  // namespace ui

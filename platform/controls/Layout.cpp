@@ -1,0 +1,84 @@
+#include "platform/controls/Layout.h"
+
+#include <QFontMetrics>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+
+namespace ui {
+namespace {
+
+/// A name for people who hear the screen: the prompt without its access key and its colon.
+QString SpokenName(const std::string& prompt) {
+  QString name = QString::fromStdString(prompt);
+  name.remove('&');
+  while (name.endsWith(':') || name.endsWith(' ')) name.chop(1);
+  return name;
+}
+
+}  // namespace
+
+QLabel* Prompt(const std::string& text, QWidget& field) {
+  auto* label = new QLabel(QString::fromStdString(text));
+  label->setBuddy(&field);
+  if (field.accessibleName().isEmpty()) field.setAccessibleName(SpokenName(text));
+  return label;
+}
+
+QLabel* Caption(const std::string& text) {
+  auto* label = new QLabel(QString::fromStdString(text));
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  return label;
+}
+
+FieldRows::FieldRows() {
+  setColumnStretch(1, 1);
+  setHorizontalSpacing(10);
+}
+
+void FieldRows::Row(const std::string& prompt, std::initializer_list<QWidget*> fields) {
+  const int row = rowCount();
+  addWidget(Prompt(prompt, **fields.begin()), row, 0);
+  if (fields.size() == 1) {
+    QWidget* field = *fields.begin();
+    const bool narrow = field->maximumWidth() < QWIDGETSIZE_MAX;
+    addWidget(field, row, 1, narrow ? Qt::AlignLeft : Qt::Alignment());
+    return;
+  }
+  auto* side = new QHBoxLayout;
+  for (QWidget* field : fields) side->addWidget(field);
+  side->addStretch(1);
+  addLayout(side, row, 1);
+}
+
+void FieldRows::Whole(QWidget& field) { addWidget(&field, rowCount(), 0, 1, 2); }
+
+QGroupBox* Group(const std::string& title, QLayout* content) {
+  auto* group = new QGroupBox(QString::fromStdString(title));
+  group->setLayout(content);
+  return group;
+}
+
+QHBoxLayout* ButtonRow(std::initializer_list<QWidget*> buttons) {
+  auto* row = new QHBoxLayout;
+  row->addStretch(1);
+  for (QWidget* button : buttons) row->addWidget(button);
+  return row;
+}
+
+void SetWidth(QWidget& field, int characters) {
+  const QFontMetrics metrics(field.font());
+  field.setFixedWidth(metrics.averageCharWidth() * (characters + 3));
+}
+
+void TabOrder(std::initializer_list<QWidget*> fields) {
+  QWidget* earlier = nullptr;
+  for (QWidget* field : fields) {
+    if (earlier) QWidget::setTabOrder(earlier, field);
+    earlier = field;
+  }
+}
+
+}  // namespace ui

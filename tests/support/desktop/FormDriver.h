@@ -1,0 +1,77 @@
+// Works forms as a user does: controls by their names, keys, clicks.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QTest>
+#include <string>
+
+#include "platform/controls/Form.h"
+
+namespace test {
+
+/// Lets everything that is pending happen, deletions too.
+inline void Settle() {
+  for (int i = 0; i < 3; ++i) {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+}
+
+/// A control of a form by its name; a missing one fails the test by ending it.
+template <class Control = QWidget>
+Control& Find(QWidget& form, const char* name) {
+  auto* control = form.findChild<Control*>(name);
+  if (!control) throw std::runtime_error(std::string("no control ") + name);
+  return *control;
+}
+
+inline void Click(QWidget& form, const char* button) {
+  QTest::mouseClick(&Find<QAbstractButton>(form, button), Qt::LeftButton);
+  Settle();
+}
+
+/// Gives the focus to a control as the Tab key does.
+inline void Enter(QWidget& form, const char* control) {
+  Find(form, control).setFocus(Qt::TabFocusReason);
+  Settle();
+}
+
+/// Goes to a field, replaces its content by typing, and stays there.
+inline void Type(QWidget& form, const char* field, const std::string& text) {
+  Enter(form, field);
+  auto& control = Find(form, field);
+  if (auto* line = qobject_cast<QLineEdit*>(&control)) line->selectAll();
+  QTest::keyClick(&control, Qt::Key_Delete);
+  QTest::keyClicks(&control, QString::fromStdString(text));
+  Settle();
+}
+
+inline void Press(QWidget& control, Qt::Key key) {
+  QTest::keyClick(&control, key);
+  Settle();
+}
+
+/// The loaded form with this name; fails the test where there is none.
+inline ui::Form& Open(const char* name) {
+  ui::Form* form = ui::FindForm(name);
+  if (!form) throw std::runtime_error(std::string("form is not open: ") + name);
+  return *form;
+}
+
+/// Unloads what a test has left open.
+class FormsEnd {
+ public:
+  FormsEnd() = default;
+  FormsEnd(const FormsEnd&) = delete;
+  FormsEnd& operator=(const FormsEnd&) = delete;
+  ~FormsEnd() {
+    while (!ui::Forms().empty()) ui::Forms().back()->Unload();
+    Settle();
+  }
+};
+
+}  // namespace test
