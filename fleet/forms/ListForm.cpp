@@ -1,0 +1,139 @@
+#include "fleet/forms/ListForm.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericADO.h"
+#include "data/GenericDAO.h"
+#include "platform/controls/Layout.h"
+
+namespace dw {
+
+void TellNoRecords() { screen::MessageBox("There are no records for which to display detail."); }
+
+bool detail::MayOpenDetail(const char* form, ui::DataGrid& grid, bool add, std::int32_t& currentRow,
+                           bool hasRows) {
+  if (ui::FindForm(form)) {
+    screen::MessageBox("That window is already open with another record.", screen::Icon::Information);
+    return false;
+  }
+  currentRow = grid.Row();
+  if (!add && !hasRows) {
+    TellNoRecords();
+    return false;
+  }
+  return true;
+}
+
+void BindToMainFile(ui::Adodc& data, const std::string& query) {
+  data.onError = [](int number, const std::string&, bool& cancelDisplay) {
+    cancelDisplay = AdoIgnoreDataError(number);
+  };
+  ui::AdoBindDataControl(data, DataConnect, query, ado::adLockOptimistic, 10);
+}
+
+ListForm::ListForm(ListDefinition definition)
+    : Form(definition.form),
+      CloseButton(new QPushButton("Close")),
+      definition_(std::move(definition)),
+      data_(*this, definition_.data),
+      grid_(new ui::DataGrid(definition_.grid)) {
+  setWindowTitle(definition_.title);
+  CloseButton->setObjectName("CloseButton");
+  grid_->setAccessibleName(definition_.title);
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(grid_, 1);
+  column->addLayout(ui::ButtonRow({CloseButton}));
+  resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 26);
+
+  ui::OnClick(*CloseButton, [this] { Unload(); });
+  SetCancel(CloseButton);
+  grid_->onAdd = [this] { AddItem(); };
+  grid_->onDetail = [this] { ShowDetail(); };
+  grid_->onDelete = [this] { DeleteItem(); };
+}
+
+void ListForm::AddButton(QPushButton& button) {
+  auto* row = static_cast<QHBoxLayout*>(layout()->itemAt(1)->layout());
+  row->insertWidget(row->indexOf(CloseButton), &button);
+  // Behind the grid, before "Close".
+  QWidget::setTabOrder(grid_, &button);
+  QWidget::setTabOrder(&button, CloseButton);
+}
+
+void ListForm::OnLoad() {
+  BindToMainFile(data_, definition_.emptyQuery);
+  grid_->SetColumns(definition_.columns);
+  grid_->SetDataSource(data_);
+  data_.Refresh();
+  grid_->setFocus();
+}
+
+void ListForm::OnActivate() {
+  if (!Minimised()) RefreshList();
+}
+
+void ListForm::RefreshList() {
+  const screen::Hourglass hourglass;
+  data_.RecordSource = definition_.query;
+  data_.Refresh();
+}
+
+bool ListForm::HasRows() { return data_.HasRows(); }
+std::string ListForm::CellText(int column) { return grid_->CellText(column); }
+std::int32_t ListForm::RowID() { return rt::Value(CellText(0)).AsLong(); }
+
+void ListForm::AddItem() {
+  if (MayOpen()) OpenDetail(true, -1);
+}
+
+void ListForm::ShowDetail() {
+  if (!MayOpen()) return;
+  if (!HasRows()) {
+    TellNoRecords();
+    return;
+  }
+  OpenDetail(false, RowID());
+}
+
+void ListForm::DeleteRow(const std::function<DeleteRule()>& rule) {
+  SetPointer(screen::Pointer::Hourglass);
+  CurrentRow = grid_->Row();
+  if (!HasRows())
+    TellNoRecords();
+  else if (DeleteRecord(rule()))
+    RefreshList();
+  SetPointer(screen::Pointer::Normal);
+}
+
+bool DeleteRecord(const DeleteRule& rule) {
+  AdoConnectionPtr connection;
+  if (!AdoOpenConnection(connection, DataConnect, false)) return false;
+  bool gone = false;
+  AdoRecordsetPtr inUse;
+  if (!rule.inUseQuery.empty()) inUse = AdoOpenRecordset(connection, rule.inUseQuery, ado::adOpenForwardOnly);
+  if (!rule.inUseQuery.empty() && !inUse) {
+    // The check could not be made, which has been told; nothing is deleted unchecked.
+  } else if (inUse && !inUse->AtEnd()) {
+    screen::MessageBox(rule.inUseWords, rule.inUseIcon);
+  } else if (screen::MessageBox("Are you sure you want to delete this record?", screen::Icon::Question,
+                                screen::Buttons::YesNo) == screen::Answer::Yes) {
+    AdoRecordsetPtr record =
+        AdoOpenRecordset(connection, rule.recordQuery, ado::adOpenKeyset, ado::adLockPessimistic);
+    if (record && record->AtEnd()) {
+      screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
+    } else if (record) {
+      gone = AdoDeleteRS(*record, false, true);
+      AdoRefreshCache(connection, true);
+    }
+    CloseObject(record);
+  }
+  CloseObject(inUse);
+  CloseObject(connection);
+  return gone;
+}
+
+}  // namespace dw

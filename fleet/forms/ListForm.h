@@ -1,0 +1,87 @@
+// The list of a list and detail pair: a grid of all rows, with no fields of its own.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "fleet/forms/OpenDetailForm.h"
+#include "platform/controls/Adodc.h"
+#include "platform/controls/DataGrid.h"
+#include "platform/controls/Form.h"
+
+class QPushButton;
+
+namespace dw {
+
+/// What a delete from a list asks and says.
+struct DeleteRule {
+  std::string inUseQuery;  ///< rows found stand in the way; empty for no such check
+  std::string inUseWords;
+  screen::Icon inUseIcon = screen::Icon::Exclamation;
+  std::string recordQuery;  ///< the record itself
+};
+
+/// Deletes a record over a connection of its own, after the check and the question. True if it is gone.
+bool DeleteRecord(const DeleteRule& rule);
+
+/// What one list is, and how it differs from the others.
+struct ListDefinition {
+  const char* form;   ///< the form's name
+  const char* title;  ///< its caption
+  const char* grid;   ///< names of the grid and of its data control
+  const char* data;
+  std::string emptyQuery;               ///< shows the columns and no row, at load
+  std::string query;                    ///< all rows, at each activation
+  std::vector<ui::GridColumn> columns;  ///< the record's ID is the first
+};
+
+/// Space and double click open the record, Insert adds one, Delete deletes it. The rows are read anew at each
+/// activation, which is how a list shows what a closed window has changed.
+class ListForm : public ui::Form {
+ public:
+  explicit ListForm(ListDefinition definition);
+
+  void AddItem();
+  void ShowDetail();
+  void RefreshList();
+  virtual void DeleteItem() = 0;
+
+  ui::DataGrid& Grid() { return *grid_; }
+  ui::Adodc& Data() { return data_; }
+  std::int32_t CurrentRow = 0;  ///< the row at the last add, detail or delete
+  QPushButton* CloseButton;
+
+ protected:
+  void OnLoad() override;
+  void OnActivate() override;
+
+  /// Opens the pair's detail form. `id` is -1 when adding.
+  virtual void OpenDetail(bool add, std::int32_t id) = 0;
+  /// Whether a record may be added or shown at all; tells what stands in the way.
+  virtual bool MayOpen() { return true; }
+
+  /// The delete of most lists: without rows it tells so; otherwise the rule is asked for and followed, and
+  /// the list is read anew where the record went.
+  void DeleteRow(const std::function<DeleteRule()>& rule);
+  bool HasRows();
+  /// The text of a column in the grid's row.
+  std::string CellText(int column);
+  /// The row's ID, from the first column.
+  std::int32_t RowID();
+
+  /// Another button to the left of "Close".
+  void AddButton(QPushButton& button);
+
+ private:
+  ListDefinition definition_;
+  ui::Adodc data_;
+  ui::DataGrid* grid_;
+};
+
+/// Sets up a data control of the main file for a grid: query, lock type 3, 10 rows at a time; the errors that
+/// are not worth a box get none.
+void BindToMainFile(ui::Adodc& data, const std::string& query);
+
+}  // namespace dw

@@ -1,0 +1,18 @@
+// All divisions.
+#pragma once
+
+#include "fleet/forms/ListForm.h"
+
+namespace dw {
+
+class frmDivisionList : public ListForm {
+ public:
+  static constexpr const char* kName = "frmDivisionList";
+  frmDivisionList();
+  void DeleteItem() override;
+
+ protected:
+  void OpenDetail(bool add, std::int32_t id) override;
+};
+
+}  // namespace dw

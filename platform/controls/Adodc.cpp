@@ -1,0 +1,146 @@
+#include "platform/controls/Adodc.h"
+
+#include <utility>
+
+#include "platform/controls/Application.h"
+#include "platform/controls/Form.h"
+#include "platform/controls/QueryText.h"
+#include "platform/screen/Screen.h"
+
+namespace ui {
+namespace {
+
+constexpr int kShareExclusive = 12;
+constexpr int kShareDenyNone = 16;
+
+std::string WithMode(std::string connection, int mode) {
+  if (!connection.empty() && connection.back() != ';') connection += ';';
+  if (mode == kShareExclusive) connection += "Mode=Share Exclusive;";
+  if (mode == kShareDenyNone) connection += "Mode=Share Deny None;";
+  return connection;
+}
+
+}  // namespace
+
+Adodc::Adodc(const char* name) { setObjectName(QString::fromUtf8(name)); }
+
+Adodc::Adodc(Form& form, const char* name) : Adodc(name) {
+  form.AtUnload([this] { Close(); });
+}
+
+Adodc::~Adodc() = default;
+
+void Adodc::Refresh() {
+  Try([this] {
+    recordset_.reset();
+    query_.clear();
+    if (ConnectionString.empty() || RecordSource.empty()) return;
+    OpenConnection();
+    try {
+      OpenRecordset();
+    } catch (const ado::Error&) {
+      if (!sort_) throw;
+      // Most likely the new record source has no such column.
+      sort_.reset();
+      OpenRecordset();
+    }
+  });
+}
+
+void Adodc::Requery() {
+  if (!recordset_) return Refresh();
+  Try([this] { recordset_->Requery(); });
+}
+
+void Adodc::Try(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const ado::Error& error) {
+    Fail(error.Number(), error.what());
+    return;
+  }
+  TellListeners();
+}
+
+void Adodc::OpenConnection() {
+  const std::string wanted = WithMode(ConnectionString, Mode);
+  if (connection_ && connection_->IsOpen() && openedWith_ == wanted) return;
+  connection_.reset();
+  auto connection = std::make_shared<ado::Connection>();
+  connection->CommandTimeout = CommandTimeout;
+  connection->Open(wanted);
+  connection_ = std::move(connection);
+  openedWith_ = wanted;
+}
+
+void Adodc::OpenRecordset() {
+  std::string query = WantedQuery();
+  auto recordset = std::make_shared<ado::Recordset>();
+  recordset->Open(query, connection_, CursorType, LockType);
+  recordset_ = std::move(recordset);
+  query_ = std::move(query);
+}
+
+std::string Adodc::WantedQuery() const {
+  if (!sort_) return RecordSource;
+  QueryText query(RecordSource);
+  query.orderBy = sort_->column + (sort_->ascending ? "" : " DESC");
+  return query.Text();
+}
+
+void Adodc::Close() {
+  recordset_.reset();
+  query_.clear();
+  connection_.reset();
+  TellListeners();
+}
+
+std::int64_t Adodc::RecordCount() const {
+  return recordset_ && recordset_->IsOpen() && recordset_->ActiveConnection()->IsOpen()
+             ? recordset_->RecordCount()
+             : 0;
+}
+
+void Adodc::SortBy(const store::FieldInfo& field, bool ascending) {
+  sort_ = Sort{ColumnReference(field), ascending};
+}
+
+bool Adodc::CanSort() const { return !query_.empty() && !QueryText(query_).limited; }
+
+bool Adodc::SortedBy(const store::FieldInfo& field) const {
+  return sort_ && sort_->column == ColumnReference(field);
+}
+
+void Adodc::Fail(int number, const std::string& text) {
+  recordset_.reset();
+  query_.clear();
+  TellListeners();
+  bool cancelDisplay = false;
+  if (onError) Guard([&] { onError(number, text, cancelDisplay); });
+  if (!cancelDisplay) screen::MessageBox(text, screen::Icon::Critical);
+}
+
+void Adodc::AddListener(const QObject& owner, std::function<void()> work) {
+  listeners_.push_back({&owner, std::move(work)});
+}
+
+void Adodc::TellListeners() {
+  std::erase_if(listeners_, [](const Listener& listener) { return !listener.owner; });
+  // A copy: who is told may add others.
+  const auto listeners = listeners_;
+  for (const auto& listener : listeners)
+    if (listener.owner) listener.work();
+}
+
+void AdoBindDataControl(Adodc& control, const std::string& connectionString, const std::string& recordSource,
+                        int lockType, long cacheSize) {
+  control.CacheSize = cacheSize;
+  control.LockType = lockType;
+  control.CursorType = ado::adOpenKeyset;
+  control.CommandTimeout = 15;
+  control.ConnectionString = connectionString;
+  control.Mode = 16;
+  control.RecordSource = recordSource;
+}
+
+}  // namespace ui

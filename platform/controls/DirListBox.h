@@ -1,0 +1,31 @@
+// The list of directories: the way from the root to the present one, and what lies in it.
+#pragma once
+
+#include <QTreeWidget>
+#include <functional>
+#include <string>
+
+namespace ui {
+
+/// A double click or Enter on another directory enters it. Hidden directories are shown only on the way.
+class DirListBox : public QTreeWidget {
+ public:
+  explicit DirListBox(const char* name);
+
+  /// The present directory, without a separator at its end (but "/" itself). Empty at first.
+  const std::string& Path() const { return path_; }
+  /// Makes a directory the present one. False, after a box, where it cannot be read; the old one stays then.
+  bool SetPath(const std::string& path);
+  /// The present directory is another one, by the user or by SetPath.
+  std::function<void()> onChange;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void EnterCurrent();
+
+  std::string path_;
+};
+
+}  // namespace ui

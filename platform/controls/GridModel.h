@@ -1,0 +1,84 @@
+// The rows of a data control as a grid shows them: read in blocks when they are seen, and forgotten again.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QPointer>
+#include <functional>
+#include <list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/controls/Adodc.h"
+#include "platform/store/Cursor.h"
+
+namespace ui {
+
+struct GridColumn {
+  std::string field;          ///< a column's name or "table.column"
+  std::string caption = {};   ///< the field's name where it is empty
+  std::string format = {};    ///< see Format
+  int widthInCharacters = 0;  ///< 0: by type, caption and the first rows
+};
+
+/// The recordset's place is the caller's: after each reading it is where it was. While the recordset is being
+/// edited nothing is read.
+class GridModel : public QAbstractTableModel {
+ public:
+  /// What a shown column is made of.
+  struct Column {
+    GridColumn shown;
+    int field = -1;  ///< position in the recordset; -1 where it has no such field
+    store::FieldInfo info;
+    bool ToTheRight() const;
+  };
+
+  void SetSource(Adodc* source) { source_ = source; }
+  void SetColumns(std::vector<GridColumn> columns);
+  /// Takes the recordset as it is now; no row is read.
+  void Reset();
+
+  const std::vector<Column>& Columns() const { return columns_; }
+  const Column& At(int column) const { return columns_[static_cast<std::size_t>(column)]; }
+  /// The text of a cell in one line, cut at 512 characters. "#Deleted" where another user has deleted the row
+  /// before it was read.
+  QString Text(int row, int column);
+  /// The value of any field of the recordset in a row; Null where there is no such row or field.
+  rt::Value Value(int row, std::string_view field);
+  /// Hands the values of the shown columns, row by row, from `first` to `last`; deleted rows are passed over.
+  /// Ends where `seen` is false or the reading fails; false if it failed.
+  bool Visit(std::int64_t first, std::int64_t last,
+             const std::function<bool(const std::vector<rt::Value>& values)>& seen);
+  /// A value as its column shows it, in one line.
+  static QString Shown(const Column& column, const rt::Value& value);
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+ private:
+  struct Row {
+    std::vector<QString> texts;
+    bool deleted = false;
+  };
+  struct Block {
+    int number = -1;
+    std::vector<Row> rows;
+  };
+  ado::Recordset* Rows() const;
+  const Row* Find(int row);
+  void Read(Block& block);
+  void ReadRow(ado::Recordset& rows, Row& row) const;
+  void Failed(int number, const std::string& text);
+
+  QPointer<Adodc> source_;
+  std::vector<GridColumn> wanted_;
+  std::vector<Column> columns_;
+  int rows_ = 0;
+  int blockSize_ = 64;
+  bool failed_ = false;
+  std::list<Block> blocks_;  ///< the latest used first
+};
+
+}  // namespace ui
