@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "data/BrackenfelGlobals.h"
@@ -13,6 +14,11 @@
 #include "platform/runtime/Clock.h"
 
 namespace dw {
+namespace {
+
+constexpr int kWidth = 84;  ///< in characters: what most records need
+
+}  // namespace
 
 DetailForm::DetailForm(const DetailDefinition& definition)
     : Form(definition.form),
@@ -47,7 +53,9 @@ void DetailForm::LayOut(QLayout* fields, std::initializer_list<QWidget*> room,
                         std::initializer_list<QWidget*> extra) {
   auto* column = new QVBoxLayout(this);
   column->addLayout(fields);
-  for (QWidget* widget : room) column->addWidget(widget, 1);
+  // What comes last, a grid mostly, gets most of the room.
+  int share = 0;
+  for (QWidget* widget : room) column->addWidget(widget, ++share);
   if (room.size() == 0) column->addStretch(1);
 
   auto* audit = new QGridLayout;
@@ -55,7 +63,6 @@ void DetailForm::LayOut(QLayout* fields, std::initializer_list<QWidget*> room,
   for (int row = 0; row < 2; ++row) {
     const auto who = static_cast<std::size_t>(2 * row);
     auto* prompt = new QLabel(prompts[row]);
-    prompt->setEnabled(false);
     audit->addWidget(prompt, row, 0);
     audit->addWidget(&Label4[who + 1], row, 1);
     audit->addWidget(&Label4[who], row, 2);
@@ -70,6 +77,8 @@ void DetailForm::LayOut(QLayout* fields, std::initializer_list<QWidget*> room,
   buttons->addWidget(OkButton);
   buttons->addWidget(CancelButton);
   column->addLayout(buttons);
+  const QSize hint = sizeHint();
+  resize(std::max(hint.width(), fontMetrics().averageCharWidth() * kWidth), hint.height());
 }
 
 QWidget* DetailForm::NotesGroup(ui::NotesBox& notes, const char* frame) {

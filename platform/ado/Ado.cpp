@@ -91,8 +91,9 @@ void Connection::Open(const std::string& connectionString) {
   try {
     const std::string provider = ValueOf(connectionString, "Provider");
     if (!rt::EqualNoCase(provider.substr(0, 14), "Microsoft.Jet.") || request.path.empty())
-      throw StoreError(store::kCannotStart,
-                       "This program cannot reach the data source '" + connectionString + "'.");
+      // The whole string is not shown: it may hold a password.
+      throw StoreError(store::kCannotStart, "This program cannot reach the data source '" +
+                                                (request.path.empty() ? provider : request.path) + "'.");
     connection_ = store::Connection::Open(request);
   } catch (const StoreError& error) {
     Fail(error, Work::Opening);

@@ -141,6 +141,10 @@ NotesBox::NotesBox(const char* name) {
 std::string NotesBox::Text() const { return toPlainText().toStdString(); }
 void NotesBox::SetText(const std::string& text) { setPlainText(Shown(text)); }
 
+QSize NotesBox::sizeHint() const {
+  return {QPlainTextEdit::sizeHint().width(), fontMetrics().lineSpacing() * 5 + 2 * frameWidth() + 8};
+}
+
 void NotesBox::ShowValue(const rt::Value& value) {
   setPlainText(Shown(value.Shown()));
   changed_ = false;

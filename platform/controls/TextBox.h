@@ -85,6 +85,8 @@ class NotesBox : public QPlainTextEdit, public BoundControl {
   rt::Value Content() const override { return Text(); }
   void SetUnchanged() override { changed_ = false; }
   QWidget* Widget() override { return this; }
+  /// Five lines, for what is mostly empty.
+  QSize sizeHint() const override;
 
  protected:
   void focusInEvent(QFocusEvent* event) override;

@@ -1,0 +1,25 @@
+// Pictures of the program's windows.
+#pragma once
+
+#include <QString>
+#include <string>
+
+class QWidget;
+
+namespace shots {
+
+/// Where the pictures go: as `<folder>/<name>.png`.
+class Album {
+ public:
+  explicit Album(std::string folder) : folder_(std::move(folder)) {}
+  /// Lets a window settle and takes its picture. Throws std::runtime_error where the file cannot be written.
+  void Take(QWidget& window, const std::string& name);
+
+ private:
+  std::string folder_;
+};
+
+/// Opens every window on the sample fleet in the data path, one after the other, and takes its picture.
+void TakeAll(Album& album);
+
+}  // namespace shots
