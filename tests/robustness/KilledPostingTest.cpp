@@ -7,6 +7,7 @@
 #include <random>
 #include <thread>
 
+#include "robustness/FatalWrites.h"
 #include "support/TempDirectory.h"
 #include "support/WholeFleet.h"
 
@@ -15,6 +16,8 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::steady_clock;
 using test::Apart;
+using test::Death;
+using test::FatalWrites;
 using test::Faults;
 using test::RunApart;
 
@@ -93,6 +96,67 @@ TEST_F(LongKilledPosting, LeavesWholeRowsThatAPlainRunAddsTheOthersTo) {
   EXPECT_GT(partlyPosted, kKills / 20);
   RecordProperty("hotJournals", hotJournals);
   RecordProperty("partlyPosted", partlyPosted);
+}
+
+/// The same at chosen writes: moments so short that no clock meets them.
+class KilledAtAWrite : public testing::TestWithParam<Death> {};
+INSTANTIATE_TEST_SUITE_P(Deaths, KilledAtAWrite, testing::Values(Death::Killed, Death::PowerFails),
+                         [](const auto& death) {
+                           return death.param == Death::Killed ? "Killed" : "PowerFails";
+                         });
+
+TEST_P(KilledAtAWrite, APostingLeavesWholeRows) {
+  constexpr int kDeaths = 60;
+  const test::TempDirectory directory;
+  const std::string path = directory.Path("DW.MDB");
+  const auto post = [&](bool clearFirst) {
+    Faults faults;
+    test::Post(directory.Path(), clearFirst, faults);
+    return faults.Text();
+  };
+  ASSERT_EQ(RunApart([&] {
+              test::MakeFleet(directory.Path(), 5, 2);
+              return post(false);
+            }),
+            "");
+  const std::string bytes = test::BytesOf(path);
+  const std::string totals = RunApart([&] { return test::CostTotals(path); });
+  const long writes = std::stol(RunApart([&] {
+    FatalWrites::Install(0, GetParam());
+    const std::string faults = post(true);
+    return faults + std::to_string(FatalWrites::Count());
+  }));
+  int died = 0;
+  int rolledBack = 0;
+  for (int death = 0; death < kDeaths; ++death) {
+    // Syncs and cuts are few among the writes, but a commit hangs on each of them. How many there are depends
+    // on the groups of a run, so the last numbers may never be reached.
+    const bool atSync = death % 3 == 0;
+    const long fatal = 1 + (atSync ? death / 3 : writes * death / kDeaths);
+    test::WriteBytes(path, bytes);
+    const std::string end = RunApart([&] {
+      FatalWrites::Install(fatal, GetParam(),
+                           atSync ? FatalWrites::Counts::SyncsAndCuts : FatalWrites::Counts::All);
+      return post(true);
+    });
+    const std::string when = (atSync ? "sync " : "write ") + std::to_string(fatal);
+    EXPECT_TRUE(end.empty() || end.starts_with("died of signal 9")) << end;
+    if (!end.empty()) ++died;
+    const std::string before = test::BytesOf(path);
+    EXPECT_EQ(test::CheckMainFileApart(path), "") << "died at " << when;
+    if (test::BytesOf(path) != before) ++rolledBack;
+    EXPECT_EQ(RunApart([&] {
+                Faults faults;
+                faults.Take(post(false), "plain run");
+                faults.Take(test::CheckMainFile(path), "after the plain run");
+                faults.Equal(test::CostTotals(path), totals, "totals");
+                return faults.Text();
+              }),
+              "")
+        << "died at " << when;
+  }
+  EXPECT_GT(died, kDeaths / 2);
+  EXPECT_GT(rolledBack, kDeaths / 10);
 }
 
 }  // namespace
