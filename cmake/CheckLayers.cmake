@@ -35,6 +35,7 @@ forbid(platform/store ${modules} "platform/(ado|dao|system|screen|print|controls
 forbid(platform/ado ${modules} "platform/(dao|system|screen|print|controls)" ${qt} "sqlite3")
 forbid(platform/dao ${modules} "platform/(ado|system|screen|print|controls)" ${qt} "sqlite3")
 forbid(platform/screen ${modules} "platform/(store|ado|dao|system|print|controls)" ${qt} "sqlite3")
+forbid(platform/scan ${modules} "platform/(store|ado|dao|system|screen|print|controls)" ${qt} "sqlite3")
 forbid(platform/system ${modules} "platform/(store|ado|dao|screen|print|controls)" "QtWidgets" "QtGui" "QWidget" "sqlite3")
 forbid(data "costing/" "fleet/" "shell/" "reports/" "admin/" "tools/" "platform/controls" ${qt} "sqlite3")
 forbid(platform/controls ${modules} "sqlite3")

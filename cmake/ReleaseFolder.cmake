@@ -10,6 +10,8 @@ add_custom_target(release-folder
   COMMAND ${CMAKE_COMMAND} -E make_directory "${release}"
   COMMAND dwadmin create --data "${release}/DW Initialized Data Files"
   COMMAND systemfile "${release}/PK Initialized Data Files"
+  # An empty journal stands beside a file that was only just made.
+  COMMAND ${CMAKE_COMMAND} -E rm -f "${release}/PK Initialized Data Files/BFSYS.MDB-journal"
   COMMAND ${CMAKE_COMMAND} -E copy "${CMAKE_SOURCE_DIR}/tools/release/Read Me.txt" "${release}"
   COMMENT "Making ${release}"
   VERBATIM)

@@ -53,7 +53,7 @@ bool UnpostTransaction(dao::Recordset& transaction) {
   return true;
 }
 
-bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction) {
+bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction, const std::function<void()>& beforeUpdate) {
   const bool subtracted = UnpostTransaction(*transaction);
   const screen::Hourglass hourglass;
   if (!subtracted) {
@@ -61,6 +61,7 @@ bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction) {
     return false;
   }
   MarkUnposted(*transaction);
+  if (beforeUpdate) beforeUpdate();
   const std::int32_t id = transaction->Get("ID").AsLong();
   DaoUpdateRecord(*transaction);
   transaction->FindFirst("[ID]=" + std::to_string(id));

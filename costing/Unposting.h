@@ -1,6 +1,8 @@
 // Out of the cost tables again.
 #pragma once
 
+#include <functional>
+
 #include "data/GenericDAO.h"
 
 namespace dw {
@@ -11,8 +13,10 @@ namespace dw {
 bool UnpostTransaction(dao::Recordset& transaction);
 
 /// Unposts a transaction that the recordset holds in edit: subtraction, `When Posted` Null, audit columns,
-/// and the lock taken again. True when the record is held again at the end.
-bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction);
+/// and the lock taken again. `beforeUpdate` may change more of the record once the figures that it was posted
+/// with are out of the cost tables. True when the record is held again at the end.
+bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction,
+                           const std::function<void()>& beforeUpdate = {});
 
 /// Unposts every posted transaction of every asset.
 void UnpostAll();

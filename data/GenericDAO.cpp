@@ -28,7 +28,8 @@ void FindAgain(std::string& path) {
   screen::SetPointer(screen::Pointer::Hourglass);
   LocateFile(path);
   screen::SetPointer(screen::Pointer::Normal);
-  path = (name.starts_with(kApplicationCode) ? DataPath : SystemPath) + name;
+  const std::string stem = kApplicationCode;
+  path = FindFile(rt::EqualNoCase(name.substr(0, stem.size()), stem) ? DataPath : SystemPath, name);
 }
 
 /// The notice that stands while a file is repaired, taken away also when the program ends in the middle of

@@ -1,5 +1,9 @@
 #include "data/GenericTools.h"
 
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
 #include "data/Attempt.h"
 #include "data/GenericDAO.h"
 #include "platform/runtime/DateTime.h"
@@ -16,17 +20,24 @@ using screen::Icon;
 
 namespace {
 
+namespace fs = std::filesystem;
+
 /// The runtime's number for a file that is in use or belongs to others.
 constexpr int kPermissionDenied = 70;
 
-/// Whether somebody has a data file open. The system would let it be deleted under them, and what they write
-/// from then on would be lost.
-bool IsInUse(const std::string& path) {
-  if (!FileExists(store::SideFile::PathFor(path))) return false;
-  const Failure failure = Try([&] {
-    store::SideFile::Enter(path, store::Share::Exclusive, store::IdentityComputer(), store::IdentityUser());
-  });
-  return failure.number == store::kFileInUse || failure.number == store::kOpenedExclusively;
+/// The name that an entry of the folder really has; empty where there is no such file, or folder.
+std::string EntryIn(const std::string& folder, const std::string& name, bool wantsFolder) {
+  std::string found;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    const std::string candidate = entry->path().filename().string();
+    if (!rt::EqualNoCase(candidate, name)) continue;
+    std::error_code gone;
+    if (entry->is_directory(gone) != wantsFolder || gone) continue;
+    if (candidate == name) return candidate;
+    if (found.empty() || candidate < found) found = candidate;
+  }
+  return found;
 }
 
 }  // namespace
@@ -72,7 +83,36 @@ std::string BareFileName(const std::string& path) {
   return separator == std::string::npos ? path : path.substr(separator + 1);
 }
 
+std::string WithSeparator(const std::string& directory) {
+  if (directory.ends_with('/')) return directory;
+  if (directory.ends_with('\\')) return directory.substr(0, directory.size() - 1) + '/';
+  return directory + '/';
+}
+
 bool FileExists(const std::string& path) { return sys::FileExists(path); }
+
+std::string FindFile(const std::string& directory, const std::string& name) {
+  const std::string asGiven = WithSeparator(directory) + name;
+  if (FileExists(asGiven)) return asGiven;
+  std::string path = WithSeparator(directory);
+  for (std::size_t begin = 0; begin < name.size();) {
+    const std::size_t end = std::min(name.find('/', begin), name.size());
+    const bool isFolder = end < name.size();
+    const std::string entry = EntryIn(path, name.substr(begin, end - begin), isFolder);
+    if (entry.empty()) return asGiven;
+    path += isFolder ? entry + '/' : entry;
+    begin = end + 1;
+  }
+  return path;
+}
+
+bool IsInUse(const std::string& path) {
+  if (!FileExists(store::SideFile::PathFor(path))) return false;
+  const Failure failure = Try([&] {
+    store::SideFile::Enter(path, store::Share::Exclusive, store::IdentityComputer(), store::IdentityUser());
+  });
+  return failure.number == store::kFileInUse || failure.number == store::kOpenedExclusively;
+}
 
 void DeleteFileChecked(const std::string& path) {
   sys::FileResult result{kPermissionDenied, {}};

@@ -153,22 +153,30 @@ std::string WriteLog(const AdoConnectionPtr& connection, ado::Recordset& assets,
 
 }  // namespace
 
-std::string WriteDueReport(const std::string& directory, const std::string& dueBy, const std::string& usage,
-                           const std::function<void(const DueItem&)>& onItem) {
+DueReportEnd MakeDueReport(const std::string& directory, const std::string& dueBy, const std::string& usage,
+                           std::string& path, const std::function<void(const DueItem&)>& onItem) {
   AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, DataConnect, false)) return {};
+  if (!AdoOpenConnection(connection, DataConnect, false)) return DueReportEnd::Failed;
   AdoRecordsetPtr assets = AdoOpenRecordset(
       connection, "SELECT * FROM Vehicles WHERE No_Longer_In_Service = FALSE ORDER BY [Asset ID]");
-  std::string written;
+  DueReportEnd end = DueReportEnd::Failed;
   if (assets && assets->AtEnd()) {
     screen::MessageBox("There are no assets in service to report.", screen::Icon::Information);
+    end = DueReportEnd::NoAssets;
   } else if (assets) {
-    const std::string path = (std::filesystem::path(directory) / kLogName).string();
-    written = WriteLog(connection, *assets, path, dueBy, usage, onItem);
+    path = WriteLog(connection, *assets, (std::filesystem::path(directory) / kLogName).string(), dueBy, usage,
+                    onItem);
+    if (!path.empty()) end = DueReportEnd::Written;
   }
   CloseObject(assets);
   CloseObject(connection);
-  return written;
+  return end;
+}
+
+std::string WriteDueReport(const std::string& directory, const std::string& dueBy, const std::string& usage,
+                           const std::function<void(const DueItem&)>& onItem) {
+  std::string path;
+  return MakeDueReport(directory, dueBy, usage, path, onItem) == DueReportEnd::Written ? path : std::string();
 }
 
 }  // namespace dw

@@ -8,11 +8,18 @@
 
 namespace dw {
 
+enum class DueReportEnd {
+  Written,
+  NoAssets,  ///< none is in service, which has been told; no file was touched
+  Failed     ///< told as well; nothing is left that could be taken for a report
+};
+
 /// Writes "Maintenance Report.Log" into `directory`, replacing an earlier one: the header, a block for each
 /// asset in service by `Asset ID`, and the closing lines, each ended with CR LF. `dueBy` and `usage` are the
-/// texts as typed; they are converted at each schedule line. The path written, or empty after the box "There
-/// are no assets in service to report." (then no file is touched) or after a message that the file cannot be
-/// written.
+/// texts as typed; they are converted at each schedule line. `path` is the file that was written.
+DueReportEnd MakeDueReport(const std::string& directory, const std::string& dueBy, const std::string& usage,
+                           std::string& path, const std::function<void(const DueItem&)>& onItem = {});
+/// The same; the path written, else empty.
 std::string WriteDueReport(const std::string& directory, const std::string& dueBy, const std::string& usage,
                            const std::function<void(const DueItem&)>& onItem = {});
 

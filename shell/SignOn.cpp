@@ -8,6 +8,7 @@
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
 #include "platform/store/Connection.h"
+#include "shell/ShellState.h"
 
 namespace dw {
 
@@ -153,6 +154,7 @@ void SignOff() {
     screen::SetPointer(screen::Pointer::Normal);
   }
   CloseObject(connection);
+  HelpReady = false;
   screen::HideNotice();
 }
 

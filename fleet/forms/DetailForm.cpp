@@ -9,6 +9,7 @@
 
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericDAO.h"
+#include "fleet/forms/AuditLine.h"
 #include "fleet/forms/ListForm.h"
 #include "platform/controls/Layout.h"
 #include "platform/runtime/Clock.h"
@@ -19,6 +20,12 @@ namespace {
 constexpr int kWidth = 84;  ///< in characters: what most records need
 
 }  // namespace
+
+void TellHeldElsewhere() {
+  screen::MessageBox(
+      "This record is currently being updated elsewhere.\rYou will not be able to change this record now.",
+      screen::Icon::Exclamation);
+}
 
 DetailForm::DetailForm(const DetailDefinition& definition)
     : Form(definition.form),
@@ -58,19 +65,7 @@ void DetailForm::LayOut(QLayout* fields, std::initializer_list<QWidget*> room,
   for (QWidget* widget : room) column->addWidget(widget, ++share);
   if (room.size() == 0) column->addStretch(1);
 
-  auto* audit = new QGridLayout;
-  const char* const prompts[] = {"Date Created:", "Last Updated:"};
-  for (int row = 0; row < 2; ++row) {
-    const auto who = static_cast<std::size_t>(2 * row);
-    auto* prompt = new QLabel(prompts[row]);
-    audit->addWidget(prompt, row, 0);
-    audit->addWidget(&Label4[who + 1], row, 1);
-    audit->addWidget(&Label4[who], row, 2);
-  }
-  audit->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 26);
-  audit->setColumnStretch(2, 1);
-  audit->setHorizontalSpacing(12);
-  column->addLayout(audit);
+  column->addLayout(AuditLines(Label4));
 
   auto* buttons = ui::ButtonRow({});
   for (QWidget* button : extra) buttons->addWidget(button);
@@ -154,11 +149,10 @@ void DetailForm::LoadRecord() {
     // Somebody may have changed it between the reading and the hold.
     data_.ShowRecord();
   } else {
-    screen::MessageBox(
-        "This record is currently being updated elsewhere.\rYou will not be able to change this record now.",
-        screen::Icon::Exclamation);
-    OkButton->setEnabled(false);
+    TellHeldElsewhere();
   }
+  // A window may take its record more than once.
+  OkButton->setEnabled(error == 0);
   RecordLoaded();
 }
 
@@ -175,8 +169,7 @@ void DetailForm::RefreshGrid() {
   }
 }
 
-bool DetailForm::SaveRecord() {
-  dao::Recordset& record = *data_.Recordset();
+bool DetailForm::StoreControls() {
   try {
     data_.StoreControls();
   } catch (const ui::BadContent& bad) {
@@ -184,6 +177,12 @@ bool DetailForm::SaveRecord() {
     bad.Control().Widget()->setFocus();
     return false;
   }
+  return true;
+}
+
+bool DetailForm::SaveRecord() {
+  dao::Recordset& record = *data_.Recordset();
+  if (!StoreControls()) return false;
   const rt::DateTime now = rt::Now();
   if (AddMode) {
     record.Set(definition_.createdBy, CurrentUserName);

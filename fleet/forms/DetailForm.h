@@ -41,6 +41,9 @@ struct DetailDefinition {
   const char* ok = "OkButton";  ///< name of the button
 };
 
+/// Another user holds the record that was to be changed.
+void TellHeldElsewhere();
+
 /// Opening for adding makes an empty row at once, so that the record has its number before anything is typed;
 /// Cancel takes it away again. A record that somebody else holds is shown for reading.
 class DetailForm : public ui::Form {
@@ -65,6 +68,7 @@ class DetailForm : public ui::Form {
   std::deque<ui::BoundLabel> Label4;
 
   ui::DataControl& Data() { return data_; }
+  const ui::DataControl& Data() const { return data_; }
 
  protected:
   void OnLoad() override;
@@ -82,6 +86,11 @@ class DetailForm : public ui::Form {
   /// Stores the controls and the audit columns and frees the record. False, with a message, where it cannot
   /// be stored: the window stays and nothing typed is lost.
   bool SaveRecord();
+  /// Puts what the controls hold into the record in hand. False, with a message and the focus on the field,
+  /// where a text is no value of its column.
+  bool StoreControls();
+  /// Whether the record is held for changing.
+  bool Held() const { return Data().Recordset() && Data().Recordset()->Editing(); }
   /// The words of a vanished record.
   virtual std::string RereadWords() const;
 

@@ -57,11 +57,17 @@ ListForm::ListForm(ListDefinition definition)
 }
 
 void ListForm::AddButton(QPushButton& button) {
-  auto* row = static_cast<QHBoxLayout*>(layout()->itemAt(1)->layout());
+  // The buttons stand last.
+  auto* row = static_cast<QHBoxLayout*>(layout()->itemAt(layout()->count() - 1)->layout());
   row->insertWidget(row->indexOf(CloseButton), &button);
   // Behind the grid, before "Close".
   QWidget::setTabOrder(grid_, &button);
   QWidget::setTabOrder(&button, CloseButton);
+}
+
+void ListForm::AddAbove(QWidget& control) {
+  static_cast<QVBoxLayout*>(layout())->insertWidget(0, &control, 0, Qt::AlignLeft);
+  QWidget::setTabOrder(&control, grid_);
 }
 
 void ListForm::OnLoad() {
@@ -78,7 +84,7 @@ void ListForm::OnActivate() {
 
 void ListForm::RefreshList() {
   const screen::Hourglass hourglass;
-  data_.RecordSource = definition_.query;
+  data_.RecordSource = Query();
   data_.Refresh();
 }
 
@@ -100,11 +106,15 @@ void ListForm::ShowDetail() {
 }
 
 void ListForm::DeleteRow(const std::function<DeleteRule()>& rule) {
+  RemoveRow([&] { return DeleteRecord(rule()); });
+}
+
+void ListForm::RemoveRow(const std::function<bool()>& remove) {
   SetPointer(screen::Pointer::Hourglass);
   CurrentRow = grid_->Row();
   if (!HasRows())
     TellNoRecords();
-  else if (DeleteRecord(rule()))
+  else if (remove())
     RefreshList();
   SetPointer(screen::Pointer::Normal);
 }

@@ -17,8 +17,8 @@ namespace dw {
 
 /// What a delete from a list asks and says.
 struct DeleteRule {
-  std::string inUseQuery;  ///< rows found stand in the way; empty for no such check
-  std::string inUseWords;
+  std::string inUseQuery = {};  ///< rows found stand in the way; empty for no such check
+  std::string inUseWords = {};
   screen::Icon inUseIcon = screen::Icon::Exclamation;
   std::string recordQuery;  ///< the record itself
 };
@@ -65,6 +65,8 @@ class ListForm : public ui::Form {
   /// The delete of most lists: without rows it tells so; otherwise the rule is asked for and followed, and
   /// the list is read anew where the record went.
   void DeleteRow(const std::function<DeleteRule()>& rule);
+  /// The same for lists that delete in a way of their own: `remove` is true if the record went.
+  void RemoveRow(const std::function<bool()>& remove);
   bool HasRows();
   /// The text of a column in the grid's row.
   std::string CellText(int column);
@@ -73,6 +75,10 @@ class ListForm : public ui::Form {
 
   /// Another button to the left of "Close".
   void AddButton(QPushButton& button);
+  /// A control of its own over the grid, before it in the order of the Tab key.
+  void AddAbove(QWidget& control);
+  /// The query for the rows that the list shows now.
+  virtual std::string Query() const { return definition_.query; }
 
  private:
   ListDefinition definition_;

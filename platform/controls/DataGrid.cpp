@@ -244,7 +244,8 @@ void DataGrid::keyPressEvent(QKeyEvent* event) {
     return;
   }
   const bool types = (event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier)) == 0 &&
-                     !event->text().isEmpty() && event->text().at(0).isPrint();
+                     !event->text().isEmpty() && event->text().at(0).isPrint() &&
+                     (event->text() != " " || !sought_.isEmpty());
   if (types)
     Seek(event->text());
   else

@@ -4,6 +4,7 @@
 #include <QTableView>
 #include <QTimer>
 #include <functional>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -105,6 +106,7 @@ class DataGrid : public QTableView {
   std::vector<int> ShownColumns() const;
   void ShowMenu(const QPoint& at, int column);
   void SaveAs();
+  bool WriteCsv(std::ostream& out);
 
   void Seek(const QString& typed);
   void EndSeek();

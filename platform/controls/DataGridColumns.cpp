@@ -40,7 +40,7 @@ int UsualCharacters(const GridModel::Column& column) {
     case ColumnType::LongBinary:
       return 10;
     case ColumnType::Text:
-      return std::clamp(column.info.size, 4, 12);
+      return column.info.size > 12 ? std::clamp(column.info.size / 2, 12, 20) : std::max(column.info.size, 4);
     case ColumnType::Memo:
       return 20;
   }

@@ -10,6 +10,7 @@
 
 #include "platform/controls/DataGrid.h"
 #include "platform/controls/Format.h"
+#include "platform/runtime/Waits.h"
 #include "platform/screen/Screen.h"
 #include "platform/system/Files.h"
 
@@ -55,6 +56,35 @@ void WriteCell(std::ostream& out, const std::string& text) {
   out << '"';
   for (const char c : text) out << (c == '"' ? "\"\"" : std::string_view(&c, 1));
   out << '"';
+}
+
+/// Rows from which on the writing is announced.
+constexpr std::int64_t kLongFile = 50'000;
+
+/// A notice for as long as it lives.
+class Notice {
+ public:
+  explicit Notice(std::int64_t rows) : shown_(rows >= kLongFile) {
+    if (shown_) screen::ShowNotice("Save as CSV", "Saving " + std::to_string(rows) + " rows...");
+  }
+  ~Notice() {
+    if (shown_) screen::HideNotice();
+  }
+  Notice(const Notice&) = delete;
+  Notice& operator=(const Notice&) = delete;
+
+ private:
+  bool shown_;
+};
+
+// The dialog adds the ending itself, so that it also asks before it replaces the file of that name.
+std::string AskFileName(QWidget& parent, const std::string& suggested) {
+  QFileDialog dialog(&parent, "Save as CSV", QString(), "Comma separated values (*.csv);;All files (*)");
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix("csv");
+  dialog.selectFile(QString::fromStdString(suggested));
+  rt::AboutToWait();
+  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0).toStdString() : std::string();
 }
 
 void TellNotSaved(const std::string& path, const std::string& reason) {
@@ -107,54 +137,52 @@ bool DataGrid::SaveCsv(const std::string& path) {
     TellNotSaved(path, "Nothing can be written to that folder.");
     return false;
   }
-  const auto columns = ShownColumns();
   bool read = false;
+  std::string reason;
   errno = 0;
   {
+    const Notice notice(model_.rowCount());
     std::ofstream out(temporary, std::ios::binary);
-    out << "\xEF\xBB\xBF";
-    const auto line = [&](const auto& cell) {
-      for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (i != 0) out << ',';
-        WriteCell(out, cell(columns[i]));
-      }
-      out << "\r\n";
-    };
-    line([&](int column) { return model_.At(column).shown.caption; });
-    read = model_.rowCount() == 0 ||
-           model_.Visit(0, model_.rowCount() - 1, [&](const std::vector<rt::Value>& values) {
-             line([&](int column) {
-               return CsvText(model_.At(column), values[static_cast<std::size_t>(column)]);
-             });
-             return out.good();
-           });
+    read = WriteCsv(out);
     out.close();
-    if (read && out.good()) {
-      const auto renamed = sys::RenameOver(temporary, path);
-      if (renamed.Done()) return true;
-      TellNotSaved(path, renamed.text);
-    } else if (read) {
-      TellNotSaved(path, std::generic_category().message(errno != 0 ? errno : EIO));
-    }
+    if (!out) reason = std::generic_category().message(errno != 0 ? errno : EIO);
   }
-  // A fault of the data has been told by the data control.
+  if (read && reason.empty()) {
+    const auto renamed = sys::RenameOver(temporary, path);
+    if (renamed.Done()) return true;
+    reason = renamed.text;
+  }
   if (sys::FileExists(temporary)) sys::DeleteFile(temporary);
+  // A fault of the data is told by the data control.
+  if (read) TellNotSaved(path, reason);
   return false;
+}
+
+bool DataGrid::WriteCsv(std::ostream& out) {
+  const auto columns = ShownColumns();
+  const auto line = [&](const auto& cell) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if (i != 0) out << ',';
+      WriteCell(out, cell(columns[i]));
+    }
+    out << "\r\n";
+  };
+  out << "\xEF\xBB\xBF";
+  line([&](int column) { return model_.At(column).shown.caption; });
+  return model_.rowCount() == 0 ||
+         model_.Visit(0, model_.rowCount() - 1, [&](const std::vector<rt::Value>& values) {
+           line([&](int column) {
+             return CsvText(model_.At(column), values[static_cast<std::size_t>(column)]);
+           });
+           return out.good();
+         });
 }
 
 void DataGrid::SaveAs() {
   const std::string suggested =
       (accessibleName().isEmpty() ? "List" : accessibleName().toStdString()) + ".csv";
-  std::string path;
-  if (askFileName) {
-    path = askFileName(suggested);
-  } else {
-    path = QFileDialog::getSaveFileName(this, "Save as CSV", QString::fromStdString(suggested),
-                                        "Comma separated values (*.csv);;All files (*)")
-               .toStdString();
-  }
+  const std::string path = askFileName ? askFileName(suggested) : AskFileName(*this, suggested);
   if (path.empty()) return;
-  if (std::filesystem::path(path).extension().empty()) path += ".csv";
   SaveCsv(path);
 }
 

@@ -44,8 +44,7 @@ DirListBox::DirListBox(const char* name) {
   setItemsExpandable(false);
   setExpandsOnDoubleClick(false);
   setUniformRowHeights(true);
-  header()->setStretchLastSection(false);
-  header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  header()->setStretchLastSection(true);
   // The tree may not be cleared while it still works on the click.
   connect(
       this, &QTreeWidget::itemDoubleClicked, this, [this] { EnterCurrent(); }, Qt::QueuedConnection);
@@ -72,6 +71,8 @@ bool DirListBox::SetPath(const std::string& path) {
   for (const std::string& directory : entries->directories) children << NewItem(base + directory, closed);
   present->addChildren(children);
   expandAll();
+  // As wide as the list, and wider where a name needs it.
+  header()->setMinimumSectionSize(sizeHintForColumn(0));
   setCurrentItem(present);
   scrollToItem(present);
 

@@ -21,6 +21,8 @@ class DirListBox : public QTreeWidget {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  /// Nothing can be folded here, so there are no signs for it.
+  void drawBranches(QPainter*, const QRect&, const QModelIndex&) const override {}
 
  private:
   void EnterCurrent();

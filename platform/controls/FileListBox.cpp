@@ -48,7 +48,9 @@ void FileListBox::SetPattern(const std::string& pattern) {
 }
 
 std::string FileListBox::FileName() const {
-  return currentItem() ? currentItem()->data(Qt::UserRole).toByteArray().toStdString() : std::string();
+  // The focus makes the first file the current one without marking it.
+  const QList<QListWidgetItem*> marked = selectedItems();
+  return marked.isEmpty() ? std::string() : marked.first()->data(Qt::UserRole).toByteArray().toStdString();
 }
 
 bool FileListBox::Read(const std::string& path, const std::string& pattern) {

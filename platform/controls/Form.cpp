@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <algorithm>
@@ -83,16 +84,17 @@ void Form::LoadForm() {
   ensurePolished();
   const QSize wanted = testAttribute(Qt::WA_Resized) ? size().expandedTo(minimumSizeHint()) : sizeHint();
   resize(wanted);
-  MinWidth = wanted.width();
-  MinHeight = wanted.height();
-  setMinimumSize(wanted);
+  if (MinWidth == 0) MinWidth = wanted.width();
+  if (MinHeight == 0) MinHeight = wanted.height();
+  setMinimumSize(MinWidth, MinHeight);
   if (!testAttribute(Qt::WA_Moved)) CenterForm(*this);
 }
 
 void Form::ShowForm() {
   LoadForm();
   if (unloading_) return;
-  if (isMinimized()) showNormal();
+  // A maximized window comes back maximized.
+  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
   show();
   raise();
   activateWindow();
@@ -191,8 +193,11 @@ bool Form::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool Form::event(QEvent* event) {
-  if (event->type() == QEvent::WindowActivate) BecomeActive();
-  return QWidget::event(event);
+  if (event->type() != QEvent::WindowActivate) return QWidget::event(event);
+  // What the activation leads to may end the form, and another event loop under it the object.
+  const QPointer<Form> alive(this);
+  BecomeActive();
+  return alive ? QWidget::event(event) : true;
 }
 
 void Form::closeEvent(QCloseEvent* event) {

@@ -38,7 +38,7 @@ class Form : public QWidget {
   /// The pointer over this form.
   void SetPointer(screen::Pointer pointer);
 
-  int MinWidth = 0;   ///< size at first load, in pixels
+  int MinWidth = 0;   ///< size at first load, in pixels, unless OnLoad has set another
   int MinHeight = 0;  ///< likewise
 
   /// Runs at the end of the form's life, in reverse order: data controls close themselves so.

@@ -2,7 +2,6 @@
 
 #include <QGuiApplication>
 #include <QPalette>
-#include <QTimer>
 #include <algorithm>
 #include <limits>
 
@@ -35,6 +34,12 @@ bool IsDeleted(const ado::Error& error) { return error.Native() == store::kRecor
 
 }  // namespace
 
+GridModel::GridModel() {
+  telling_.setSingleShot(true);
+  telling_.setInterval(0);
+  connect(&telling_, &QTimer::timeout, this, [this] { Tell(); });
+}
+
 bool GridModel::Column::ToTheRight() const {
   switch (info.type) {
     case ColumnType::Text:
@@ -61,7 +66,7 @@ ado::Recordset* GridModel::Rows() const {
 void GridModel::Reset() {
   beginResetModel();
   blocks_.clear();
-  failed_ = false;
+  failure_.reset();
   rows_ = 0;
   ado::Recordset* rows = Rows();
   std::vector<GridColumn> shown = wanted_;
@@ -91,7 +96,7 @@ void GridModel::Reset() {
 }
 
 const GridModel::Row* GridModel::Find(int row) {
-  if (row < 0 || row >= rows_ || failed_) return nullptr;
+  if (row < 0 || row >= rows_ || failure_) return nullptr;
   const int number = row / blockSize_;
   auto found = std::find_if(blocks_.begin(), blocks_.end(),
                             [&](const Block& block) { return block.number == number; });
@@ -103,7 +108,7 @@ const GridModel::Row* GridModel::Find(int row) {
     Block block;
     block.number = number;
     Read(block);
-    if (failed_) return nullptr;
+    if (failure_) return nullptr;
     blocks_.push_front(std::move(block));
     if (blocks_.size() > kMostBlocks) blocks_.pop_back();
   }
@@ -144,11 +149,15 @@ void GridModel::ReadRow(ado::Recordset& rows, Row& row) const {
 
 // Cells are read while the grid is being painted, where no message box may come up; and one is enough.
 void GridModel::Failed(int number, const std::string& text) {
-  if (failed_) return;
-  failed_ = true;
-  QTimer::singleShot(0, this, [this, number, text] {
-    if (source_ && failed_) source_->Fail(number, text);
-  });
+  if (failure_) return;
+  failure_ = Failure{number, text};
+  telling_.start();
+}
+
+void GridModel::Tell() {
+  if (!failure_ || !source_) return;
+  const Failure failure = *failure_;  // ends with the reset that this leads to
+  source_->Fail(failure.number, failure.text);
 }
 
 QString GridModel::Shown(const Column& column, const rt::Value& value) {

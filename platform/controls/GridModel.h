@@ -3,8 +3,10 @@
 
 #include <QAbstractTableModel>
 #include <QPointer>
+#include <QTimer>
 #include <functional>
 #include <list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +35,7 @@ class GridModel : public QAbstractTableModel {
     bool ToTheRight() const;
   };
 
+  GridModel();
   void SetSource(Adodc* source) { source_ = source; }
   void SetColumns(std::vector<GridColumn> columns);
   /// Takes the recordset as it is now; no row is read.
@@ -66,18 +69,24 @@ class GridModel : public QAbstractTableModel {
     int number = -1;
     std::vector<Row> rows;
   };
+  struct Failure {
+    int number = 0;
+    std::string text;
+  };
   ado::Recordset* Rows() const;
   const Row* Find(int row);
   void Read(Block& block);
   void ReadRow(ado::Recordset& rows, Row& row) const;
   void Failed(int number, const std::string& text);
+  void Tell();
 
   QPointer<Adodc> source_;
   std::vector<GridColumn> wanted_;
   std::vector<Column> columns_;
   int rows_ = 0;
   int blockSize_ = 64;
-  bool failed_ = false;
+  std::optional<Failure> failure_;
+  QTimer telling_;
   std::list<Block> blocks_;  ///< the latest used first
 };
 

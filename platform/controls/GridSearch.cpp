@@ -36,6 +36,7 @@ std::string TextBegins(const std::string& column, const std::string& typed) {
     if (!known) forms.push_back(form);
   }
   std::vector<std::string> ranges;
+  ranges.reserve(forms.size());
   for (const auto& form : forms)
     ranges.push_back(column + " BETWEEN " + Quoted(form) + " AND " + Quoted(form + kLastCharacter));
   return Or(ranges);

@@ -87,7 +87,10 @@ void TextBox::focusInEvent(QFocusEvent* event) {
     setText(Shown(plain_));
   }
   QLineEdit::focusInEvent(event);
-  if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) return;
+  // The focus that a window gives back when it becomes active is no entry, unless it is the first.
+  if (entered_ && (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason))
+    return;
+  entered_ = true;
   if (onEnter) Guard([this] { onEnter(); });
   // A click marks the whole once; the next one sets the caret.
   if (selectOnEntry_)
@@ -98,6 +101,8 @@ void TextBox::focusInEvent(QFocusEvent* event) {
 
 void TextBox::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
+  if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+    entered_ = false;
   RunLeaveRule(*this, *event, onLeave);
   if (!hasFocus()) {
     plain_ = Text();

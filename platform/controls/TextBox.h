@@ -59,6 +59,7 @@ class TextBox : public QLineEdit, public BoundControl {
   bool formatted_ = false;
   bool changed_ = false;
   bool selectOnEntry_ = false;
+  bool entered_ = false;  ///< also while another window is in front
 };
 
 /// A field for numbers: digits and the point, to the right, with a format while the focus is elsewhere.

@@ -45,6 +45,25 @@ TEST_F(GenericToolsTest, TextsAreQuotedAndStripped) {
   EXPECT_EQ(BareFileName("/srv/fleet/"), "");
 }
 
+TEST_F(GenericToolsTest, FilesAreFoundWhateverTheirLetters) {
+  const auto write = [&](const std::string& name) {
+    const std::filesystem::path path = directory_.Path(name);
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path) << "x";
+    return path.string();
+  };
+  const std::string small = write("office/dw.mdb");
+  const std::string mixed = write("office/Dw.Mdb");
+  EXPECT_EQ(FindFile(directory_.Path("office"), "dw.mdb"), small);
+  EXPECT_EQ(FindFile(directory_.Path("office\\"), "DW.MDB"), mixed) << "the first by its bytes";
+  EXPECT_EQ(FindFile(directory_.Path(), "OFFICE/DW.mdb"), mixed);
+  // A folder of the name is not the file, nor a file the folder.
+  std::filesystem::create_directory(directory_.Path("OFFICE.MDB"));
+  EXPECT_EQ(FindFile(directory_.Path(), "office.mdb"), directory_.Path("office.mdb"));
+  EXPECT_EQ(FindFile(directory_.Path("office"), "DW.MDB/x"), directory_.Path("office/DW.MDB/x"));
+  EXPECT_EQ(FindFile("/gone/", "DW.MDB"), "/gone/DW.MDB");
+}
+
 TEST_F(GenericToolsTest, WordsBeginWithCapitalsAndKeepTheRest) {
   EXPECT_EQ(ProperCase("front left tyre"), "Front Left Tyre");
   EXPECT_EQ(ProperCase("  mcLAREN  x"), "  McLAREN  X");

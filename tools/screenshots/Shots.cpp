@@ -5,8 +5,15 @@
 #include <QPixmap>
 #include <stdexcept>
 
+#include "costing/forms/frmFiscalYearSetup.h"
+#include "costing/forms/frmFuelTypesList.h"
+#include "costing/forms/frmPeriodsList.h"
+#include "costing/forms/frmPriceLogList.h"
+#include "costing/forms/frmPricingList.h"
 #include "fleet/forms/frmClassList.h"
 #include "fleet/forms/frmDivisionList.h"
+#include "fleet/forms/frmOdometerList.h"
+#include "fleet/forms/frmScheduleTypesList.h"
 #include "platform/controls/Form.h"
 
 namespace shots {
@@ -42,6 +49,16 @@ void TakePair(Album& album) {
   Settle();
 }
 
+/// A window that stands for itself.
+template <class Window>
+void TakeAlone(Album& album) {
+  Window& window = ui::The<Window>();
+  window.ShowForm();
+  album.Take(window, window.Name());
+  window.Unload();
+  Settle();
+}
+
 }  // namespace
 
 void Album::Take(QWidget& window, const std::string& name) {
@@ -53,6 +70,13 @@ void Album::Take(QWidget& window, const std::string& name) {
 void TakeAll(Album& album) {
   TakePair<dw::frmDivisionList>(album);
   TakePair<dw::frmClassList>(album);
+  TakePair<dw::frmPricingList>(album);
+  TakePair<dw::frmPriceLogList>(album);
+  TakePair<dw::frmFuelTypesList>(album);
+  TakePair<dw::frmPeriodsList>(album);
+  TakeAlone<dw::frmFiscalYearSetup>(album);
+  TakePair<dw::frmScheduleTypesList>(album);
+  TakePair<dw::frmOdometerList>(album);
 }
 
 }  // namespace shots

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QCheckBox>
 #include <QCoreApplication>
 #include <QLineEdit>
 #include <QPushButton>
@@ -31,7 +32,10 @@ Control& Find(QWidget& form, const char* name) {
 }
 
 inline void Click(QWidget& form, const char* button) {
-  QTest::mouseClick(&Find<QAbstractButton>(form, button), Qt::LeftButton);
+  auto& control = Find<QAbstractButton>(form, button);
+  // A check box may be wider than what can be clicked of it.
+  const bool check = qobject_cast<QCheckBox*>(&control) != nullptr;
+  QTest::mouseClick(&control, Qt::LeftButton, {}, check ? QPoint(6, control.height() / 2) : QPoint());
   Settle();
 }
 

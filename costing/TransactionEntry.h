@@ -1,0 +1,62 @@
+// What the transaction window decides: which texts pass, and what units cost.
+//
+// Each function tells the user what is wrong before it says so.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "platform/dao/Dao.h"
+
+namespace dw {
+
+/// The empty row that adding a transaction makes: today's date and zeros. `Oil` and `Time` stay Null.
+void FillNewTransaction(dao::Recordset& row, const std::string& assetID);
+
+/// What is drawn from the organisation's own stock, and priced while it is typed.
+enum class OwnUnits { Fuel, Oil, Labor };
+
+/// The texts that a price hangs on.
+struct PricedTexts {
+  std::string assetID;
+  std::string date;
+  std::string units;
+  std::string cost;
+};
+
+/// What the texts become when the units are left: empty units are 0, and units without a cost get the price
+/// of their date. A cost other than 0 is never changed, and a look-up that fails makes it 0. Units that are
+/// no number are left for the check of the whole window.
+PricedTexts PriceUnits(OwnUnits kind, PricedTexts texts);
+
+bool CheckAssetID(const std::string& text);
+/// Leaving a field of money: an empty text is no cost either.
+bool CheckCost(const std::string& text);
+bool CheckPeriod(const std::string& text);
+
+enum class DateVerdict {
+  Good,
+  Refused,         ///< no date, or too early
+  OutsideCalendar  ///< a good date that lies in no fiscal period
+};
+struct TransactionDay {
+  DateVerdict verdict = DateVerdict::Refused;
+  std::int16_t year = 0;    ///< the fiscal year and
+  std::int16_t period = 0;  ///< period of a good date
+};
+/// Only a transaction that is being added must lie on or after the close-out date.
+TransactionDay CheckTransactionDate(const std::string& text, bool adding);
+
+/// A field that must hold a number unless it is empty, and what is said where it does not.
+struct NumericRule {
+  const char* control;
+  const char* words;
+};
+/// In the order in which saving a transaction checks them, after asset, date and period.
+extern const std::array<NumericRule, 12> kNumericRules;
+
+/// What the window shows beside an asset's code: its serial number, or why there is none.
+std::string AssetSerial(const std::string& assetID);
+
+}  // namespace dw

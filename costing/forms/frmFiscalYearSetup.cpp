@@ -1,0 +1,96 @@
+#include "costing/forms/frmFiscalYearSetup.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+#include <optional>
+
+#include "costing/FiscalCalendar.h"
+#include "data/GenericTools.h"
+#include "platform/controls/Layout.h"
+#include "platform/runtime/RuntimeError.h"
+#include "platform/runtime/Text.h"
+
+namespace dw {
+namespace {
+
+constexpr std::size_t kYearDigits = 4;
+/// The latest year in which a fiscal year can begin and still end within the calendar.
+constexpr int kLastYear = 9998;
+
+void Stop(ui::TextBox& field, const char* words) {
+  screen::MessageBox(words, screen::Icon::Critical);
+  field.setFocus();
+}
+
+/// The year as the periods store it. A pasted text such as "1E99" has four characters and is numeric, and yet
+/// no year.
+std::optional<std::int16_t> YearOf(const std::string& text) {
+  try {
+    return rt::Value(text).AsInteger();
+  } catch (const rt::RuntimeError&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+frmFiscalYearSetup::frmFiscalYearSetup()
+    : Form("frmFiscalYearSetup"),
+      Label1(
+          ui::Caption("This option lets you define a 12 period fiscal year starting at the date you enter. "
+                      "There will be 12 periods set up for the specified fiscal year.")) {
+  setWindowTitle("New Fiscal Year Setup");
+  Label1->setObjectName("Label1");
+  cmdProceed.setObjectName("cmdProceed");
+  cmdProceed.setText("&Proceed");
+  cmdCancel.setObjectName("cmdCancel");
+  cmdCancel.setText("Cancel");
+  ui::SetWidth(Text1, ui::kNumberWidth);
+  ui::SetWidth(Text2, ui::kDateWidth);
+
+  auto* rows = new ui::FieldRows;
+  rows->Row("New Fiscal Year", {&Text1});
+  rows->Row("Start of Year", {&Text2});
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(Label1);
+  column->addSpacing(6);
+  column->addLayout(rows);
+  column->addStretch(1);
+  column->addSpacing(6);
+  column->addLayout(ui::ButtonRow({&cmdProceed, &cmdCancel}));
+  Label1->setMinimumWidth(fontMetrics().averageCharWidth() * 52);
+
+  SetDefault(&cmdProceed);
+  SetCancel(&cmdCancel);
+  Text1.onLeave = [this] { return YearLeft(); };
+  Text2.onLeave = [this] { return ValidDate(Text2.Text(), true); };
+  ui::OnClick(cmdProceed, [this] { Proceed(); });
+  ui::OnClick(cmdCancel, [this] { Unload(); });
+}
+
+bool frmFiscalYearSetup::YearLeft() {
+  if (CancelPressed()) return true;
+  const char* wrong = nullptr;
+  if (!rt::IsNumeric(Text1.Text()))
+    wrong = "Year must be a four digit number. Please re-enter.";
+  else if (rt::Length(Text1.Text()) != kYearDigits)
+    wrong = "Year must be four digits long. Please re-enter.";
+  if (wrong) screen::MessageBox(wrong, screen::Icon::Information);
+  return !wrong;
+}
+
+void frmFiscalYearSetup::Proceed() {
+  const auto year = YearOf(Text1.Text());
+  if (!rt::IsNumeric(Text1.Text()) || (rt::Length(Text1.Text()) == kYearDigits && !year))
+    return Stop(Text1, "The fiscal year must be numeric. Please check");
+  if (rt::Length(Text1.Text()) != kYearDigits)
+    return Stop(Text1, "The fiscal year must be 4 digits long. Please check.");
+  const auto start = rt::ParseDate(Text2.Text());
+  if (!start || start->Year() > kLastYear)
+    return Stop(Text2, "The start date is not a real date. Please check");
+  GenerateFiscalYear(*year, *start);
+  Unload();
+}
+
+}  // namespace dw

@@ -1,0 +1,27 @@
+// Sets up the twelve periods of a fiscal year.
+#pragma once
+
+#include <QPushButton>
+
+#include "platform/controls/Form.h"
+#include "platform/controls/TextBox.h"
+
+class QLabel;
+
+namespace dw {
+
+class frmFiscalYearSetup : public ui::Form {
+ public:
+  frmFiscalYearSetup();
+
+  QLabel* Label1;
+  ui::MaskEdBox Text1{"Text1", {}, ui::Keys::Digits};  ///< the year
+  ui::TextBox Text2{"Text2"};                          ///< its first day
+  QPushButton cmdProceed, cmdCancel;
+
+ private:
+  bool YearLeft();
+  void Proceed();
+};
+
+}  // namespace dw

@@ -1,0 +1,39 @@
+#include "costing/forms/frmPeriodsList.h"
+
+#include "costing/forms/frmFiscalYearSetup.h"
+#include "costing/forms/frmPeriodsMaint.h"
+
+namespace dw {
+
+frmPeriodsList::frmPeriodsList()
+    : ListForm({.form = kName,
+                .title = "Fiscal Periods",
+                .grid = "grdPeriods",
+                .data = "adoPeriods",
+                .emptyQuery = "SELECT * FROM [Fiscal Periods] WHERE ID = -1",
+                .query = "SELECT * FROM [Fiscal Periods] ORDER BY [Start Date]",
+                .columns = {{"ID"},
+                            {"Fiscal Year"},
+                            {"Period"},
+                            {"Start Date"},
+                            {"End Date"},
+                            {"Date Created"},
+                            {"Created By"},
+                            {"Last Updated"},
+                            {"Updated By"}}}) {
+  SSCommand1.setText("&New Year");
+  SSCommand1.setObjectName("SSCommand1");
+  AddButton(SSCommand1);
+  ui::OnClick(SSCommand1, [] { ui::The<frmFiscalYearSetup>().ShowModal(); });
+}
+
+void frmPeriodsList::OpenDetail(bool add, std::int32_t id) {
+  OpenDetailForm<frmPeriodsMaint>(Grid(), add, id, CurrentRow, HasRows());
+}
+
+// Transactions keep the year and period that they took from a row, so none is ever taken away.
+void frmPeriodsList::DeleteItem() {
+  screen::MessageBox("This function not yet implemented.", screen::Icon::Critical);
+}
+
+}  // namespace dw

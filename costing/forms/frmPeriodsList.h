@@ -1,0 +1,22 @@
+// All fiscal periods.
+#pragma once
+
+#include <QPushButton>
+
+#include "fleet/forms/ListForm.h"
+
+namespace dw {
+
+class frmPeriodsList : public ListForm {
+ public:
+  static constexpr const char* kName = "frmPeriodsList";
+  frmPeriodsList();
+  void DeleteItem() override;
+
+  QPushButton SSCommand1;  ///< sets up a whole year
+
+ protected:
+  void OpenDetail(bool add, std::int32_t id) override;
+};
+
+}  // namespace dw

@@ -1,0 +1,36 @@
+// Posts all transactions, and rebuilds the cost tables where it is asked to.
+#pragma once
+
+#include "platform/controls/Form.h"
+
+class QCheckBox;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+namespace dw {
+
+/// While it runs, other windows can be used, and this one cannot be closed.
+class frmRePost : public ui::Form {
+ public:
+  static constexpr const char* kName = "frmRePost";
+  frmRePost();
+
+  QLabel* Label1;
+  QCheckBox* chkClear;
+  QLabel* lblStatus;
+  QProgressBar* pnlProgress;
+  QPushButton* cmdProceed;
+  QPushButton* cmdCancel;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  class Run;
+  void Proceed();
+
+  bool running_ = false;
+};
+
+}  // namespace dw

@@ -1,0 +1,20 @@
+// All maintenance transactions.
+#pragma once
+
+#include "fleet/forms/ListForm.h"
+
+namespace dw {
+
+class frmTransactionList : public ListForm {
+ public:
+  static constexpr const char* kName = "frmTransactionList";
+  frmTransactionList();
+  /// Posted transactions go as well, and their costs stay in the cost tables.
+  void DeleteItem() override;
+
+ protected:
+  bool MayOpen() override;
+  void OpenDetail(bool add, std::int32_t id) override;
+};
+
+}  // namespace dw

@@ -1,0 +1,15 @@
+// The numbers of the lines in an asset's maintenance schedule.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace dw {
+
+/// The number for the asset's next line: one above its highest, 1 for its first line. Where nothing is above
+/// the highest, the lowest that is free.
+std::int16_t NextLineItem(const std::string& assetID);
+/// Whether another line of the asset than the one with this ID bears the number.
+bool LineItemInUse(const std::string& assetID, std::int32_t lineItem, std::int32_t id);
+
+}  // namespace dw

@@ -1,0 +1,23 @@
+#include "fleet/forms/AuditLine.h"
+
+#include <QFontMetrics>
+#include <QGridLayout>
+
+namespace dw {
+
+QLayout* AuditLines(std::deque<ui::BoundLabel>& labels) {
+  auto* audit = new QGridLayout;
+  const char* const prompts[] = {"Date Created:", "Last Updated:"};
+  for (int row = 0; row < 2; ++row) {
+    const auto who = static_cast<std::size_t>(2 * row);
+    audit->addWidget(new QLabel(prompts[row]), row, 0);
+    audit->addWidget(&labels[who + 1], row, 1);
+    audit->addWidget(&labels[who], row, 2);
+  }
+  audit->setColumnMinimumWidth(1, labels[0].fontMetrics().averageCharWidth() * 26);
+  audit->setColumnStretch(2, 1);
+  audit->setHorizontalSpacing(12);
+  return audit;
+}
+
+}  // namespace dw

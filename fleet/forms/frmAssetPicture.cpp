@@ -1,0 +1,83 @@
+#include "fleet/forms/frmAssetPicture.h"
+
+#include <QShortcut>
+#include <QVBoxLayout>
+#include <string>
+
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericADO.h"
+#include "data/GenericDAO.h"
+#include "fleet/forms/PictureForms.h"
+#include "platform/screen/Screen.h"
+
+namespace dw {
+namespace {
+
+/// The window's size at first, in characters and lines.
+constexpr int kWidth = 90;
+constexpr int kLines = 30;
+
+/// Whether a picture is stored with the asset.
+bool HasPicture(std::int32_t id) {
+  AdoConnectionPtr connection;
+  if (!AdoOpenConnection(connection, DataConnect, false)) return false;
+  AdoRecordsetPtr found = AdoOpenRecordset(
+      connection, "SELECT ID FROM Vehicles WHERE ID = " + std::to_string(id) + " AND Photograph IS NOT NULL",
+      ado::adOpenForwardOnly);
+  const bool has = found && !found->AtEnd();
+  CloseObject(found);
+  CloseObject(connection);
+  return has;
+}
+
+}  // namespace
+
+frmAssetPicture::frmAssetPicture() : Form("frmAssetPicture"), dtaPicture_(*this, "dtaPicture") {
+  setWindowTitle("Picture of Asset");
+  dtaPicture_.Bind(imgPicture, "Photograph");
+  imgPicture.setFrameStyle(QFrame::NoFrame);
+  auto* all = new QVBoxLayout(this);
+  all->setContentsMargins(0, 0, 0, 0);
+  all->addWidget(&imgPicture);
+  resize(fontMetrics().averageCharWidth() * kWidth, fontMetrics().height() * kLines);
+  auto* escape = new QShortcut(Qt::Key_Escape, this);
+  connect(escape, &QShortcut::activated, this, [this] { Unload(); });
+}
+
+void frmAssetPicture::OnLoad() {
+  dtaPicture_.DatabaseName = DataFile;
+  Read(-1);
+  ui::CenterForm(*this);
+}
+
+void frmAssetPicture::OnActivate() {
+  if (!activated_) ReadPicture();
+}
+
+void frmAssetPicture::ReadPicture() {
+  activated_ = true;
+  Read(DataID);
+}
+
+void frmAssetPicture::Read(std::int32_t id) {
+  const screen::Hourglass hourglass;
+  dtaPicture_.RecordSource = "SELECT * FROM Vehicles WHERE ID = " + std::to_string(id);
+  dtaPicture_.Refresh();
+}
+
+void OpenAssetPicture(std::int32_t id) {
+  if (!HasPicture(id)) {
+    screen::MessageBox("No photograph available.  ", screen::Icon::Information);
+    return;
+  }
+  const screen::Hourglass hourglass;
+  const bool open = ui::Existing<frmAssetPicture>() != nullptr;
+  auto& form = ui::The<frmAssetPicture>();
+  form.LoadForm();
+  form.DataID = id;
+  // An open window shows another asset's picture, or an earlier one of this asset.
+  if (open) form.ReadPicture();
+  form.ShowForm();
+}
+
+}  // namespace dw

@@ -1,0 +1,82 @@
+// Gets a picture for another form: a file, or a scan.
+#pragma once
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <memory>
+#include <string>
+
+#include "fleet/PictureFile.h"
+#include "fleet/forms/PictureCaller.h"
+#include "platform/controls/DirListBox.h"
+#include "platform/controls/DriveListBox.h"
+#include "platform/controls/FileListBox.h"
+#include "platform/controls/Form.h"
+#include "platform/controls/ImageEdit.h"
+#include "platform/controls/PictureBox.h"
+#include "platform/scan/Scanner.h"
+
+namespace dw {
+
+/// A click on a file hands its path to the caller at once, and Cancel then deletes that file: so a discarded
+/// scan leaves nothing behind, but a file that was only clicked goes as well.
+class frmGetPictureFile : public ui::Form {
+ public:
+  frmGetPictureFile();
+
+  bool ReturnJPG = false;                ///< a scan is handed over as JPEG
+  PictureCaller* CallingForm = nullptr;  ///< null once that form has gone
+  std::string TemporaryFilepath;         ///< directory for a scan; empty for the program's own
+  std::string TemporaryFilename;         ///< name for a scan without an ending; empty for a new one
+  /// The calling form is going away.
+  void CallerGone();
+
+  ui::DriveListBox Drive1{"Drive1"};
+  ui::DirListBox Dir1{"Dir1"};
+  ui::FileListBox File1{"File1", "*.bmp;*.wmf;*.jpg"};
+  QPushButton cmdSelect, cmdRemove, cmdCancel, cmdScan;
+  QCheckBox chkPreview, chkTrace;
+  QGroupBox Frame1;
+  QRadioButton optCreditCard, optPage, optCam;
+  ui::PictureBox imgPreview{"imgPreview"};
+  QLabel Label1;
+  std::unique_ptr<sys::Scanner> ImgScan1;
+  ui::ImageEdit ImgEdit1{"ImgEdit1"};
+  ui::PictureConverter WebPic1;
+
+ protected:
+  void OnLoad() override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void NameControls();
+  void LayOut();
+  QLayout* LayOutRight();
+  void Connect();
+  void DriveChosen();
+  void DirectoryChosen();
+  /// Empty while no file is marked.
+  std::string ChosenPath() const;
+  void FileMarked();
+  void Select();
+  void Remove();
+  void CancelClicked();
+  void SetPhoto(const std::string& path);
+
+  void Scan();
+  /// Prepares, scans and hands over. False where there is no scan and the window stays.
+  bool ScanPicture(ScanTrace& trace);
+  /// False where the user gave it up.
+  bool RunScanner(const std::string& bmp, ScanTrace& trace);
+  /// Saves the scan and gives the file to hand over.
+  std::string SaveScan(const ScanFiles& files, ScanTrace& trace);
+  sys::ScanSize Size() const;
+
+  bool following_ = false;  ///< the drive list is being moved to where the directory list is
+  bool scanning_ = false;
+};
+
+}  // namespace dw

@@ -1,0 +1,24 @@
+// All assets.
+#pragma once
+
+#include <QCheckBox>
+
+#include "fleet/forms/ListForm.h"
+
+namespace dw {
+
+class frmInventoryList : public ListForm {
+ public:
+  static constexpr const char* kName = "frmInventoryList";
+  frmInventoryList();
+  /// Removes the asset with what hangs on it.
+  void DeleteItem() override;
+
+  QCheckBox chkInService{"In Service Only"};
+
+ protected:
+  void OpenDetail(bool add, std::int32_t id) override;
+  std::string Query() const override;
+};
+
+}  // namespace dw

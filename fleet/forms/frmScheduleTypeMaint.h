@@ -1,0 +1,14 @@
+// One type of scheduled maintenance.
+#pragma once
+
+#include "fleet/forms/TypeDetail.h"
+
+namespace dw {
+
+class frmScheduleTypeMaint : public TypeDetail {
+ public:
+  static constexpr const char* kName = "frmScheduleTypeMaint";
+  frmScheduleTypeMaint();
+};
+
+}  // namespace dw

@@ -1,0 +1,18 @@
+// All types of scheduled maintenance.
+#pragma once
+
+#include "fleet/forms/ListForm.h"
+
+namespace dw {
+
+class frmScheduleTypesList : public ListForm {
+ public:
+  static constexpr const char* kName = "frmScheduleTypesList";
+  frmScheduleTypesList();
+  void DeleteItem() override;
+
+ protected:
+  void OpenDetail(bool add, std::int32_t id) override;
+};
+
+}  // namespace dw

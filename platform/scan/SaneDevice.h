@@ -1,0 +1,56 @@
+// One opened device of the scanner drivers: its options, and the reading of a picture.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/scan/SaneLibrary.h"
+#include "platform/scan/Scanner.h"
+
+namespace sys {
+
+class SaneDevice {
+ public:
+  /// Throws ScanError where the device cannot be opened.
+  SaneDevice(const SaneLibrary& library, const std::string& name);
+  ~SaneDevice();
+  SaneDevice(const SaneDevice&) = delete;
+  SaneDevice& operator=(const SaneDevice&) = delete;
+
+  /// The resolutions to choose from: those of the usual ones that the device has; ascending.
+  std::vector<int> Resolutions() const;
+  int Resolution() const;
+  std::vector<std::string> Modes() const;
+  std::string Mode() const;
+  /// What the device does not have is left out; what it has but refuses throws ScanError.
+  void SetResolution(int dotsPerInch);
+  void SetMode(const std::string& mode);
+  /// 8 bits for each sample, where there is a choice.
+  void SetDepth();
+  /// Width and height from the corner, in millimetres, cut to what the device has; 0 for all of it.
+  void SetArea(double width, double height);
+
+  /// Reads one picture, in as many passes as the device makes. Throws ScanError.
+  ScannedPicture Read(ScanDisplay* display);
+
+ private:
+  struct Option {
+    SANE_Int index;
+    const SANE_Option_Descriptor* descriptor;
+  };
+  /// The option with this name, if it can be used now; its descriptor is null where not.
+  Option Find(const char* name) const;
+  double Number(const Option& option) const;
+  void SetNumber(const Option& option, double value);
+  void SetText(const Option& option, const std::string& value);
+  void SetEdges(const char* low, const char* high, double millimetres);
+  void ReadPasses(ScannedPicture& picture, ScanDisplay* display);
+  /// One pass; true if it was the last one.
+  bool ReadPass(ScannedPicture& picture, ScanDisplay* display);
+  void Check(SANE_Status status) const;
+
+  const SaneLibrary& library_;
+  SANE_Handle handle_ = nullptr;
+};
+
+}  // namespace sys

@@ -1,0 +1,73 @@
+#include "shell/AboutBox.h"
+
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericDAO.h"
+#include "data/GenericTools.h"
+#include "platform/runtime/Clock.h"
+#include "platform/system/Settings.h"
+#include "shell/DataLocation.h"
+
+namespace dw {
+namespace {
+
+constexpr const char* kParametersQuery = "SELECT * FROM [Parameters] WHERE [ID] = 1";
+constexpr std::array<const char*, 4> kOrganisationColumns{"Organization Name", "Address Line 1",
+                                                          "Address Line 2", "Address Line 3"};
+
+/// The main file, closed again whatever happens while it is read.
+struct OpenFile {
+  DaoWorkspacePtr workspace;
+  DaoDatabasePtr database;
+  DaoRecordsetPtr rows;
+  OpenFile() = default;
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() { CloseAll(rows, database, workspace); }
+};
+
+void AddParameters(dao::Recordset& rows) {
+  DaoAddRecord(rows);
+  if (!rows.Editing()) return;
+  rows.Set("ID", 1);
+  for (const char* column : kOrganisationColumns) rows.Set(column, "");
+  rows.Set("Date Installed", rt::Today());
+  DaoUpdateRecord(rows);
+}
+
+/// The date alone: what was stored with a time of day was installed on a day.
+std::string DateShown(const rt::Value& value) {
+  return value.IsNull() ? std::string() : rt::ShortDate(value.AsDate());
+}
+
+}  // namespace
+
+AboutFacts LoadAboutBox() {
+  AppVersion =
+      std::to_string(kMajorVersion) + "." + std::to_string(kMinorVersion) + "." + std::to_string(kRevision);
+  const std::string systemPath = sys::GetSetting("PK", kDataSection, DataPathKey("PK"));
+  if (!systemPath.empty()) {
+    SystemPath = WithSeparator(systemPath);
+    SystemFile = FindFile(SystemPath, "BFSYS.MDB");
+  }
+
+  AboutFacts facts;
+  OpenFile file;
+  int error = 0;
+  if (!DaoOpenDatabase(DataFile, false, DataUserID, DataPassword, file.workspace, file.database, error))
+    return facts;
+  file.rows = file.database->OpenRecordset(kParametersQuery);
+  if (file.rows->AtEnd()) {
+    AddParameters(*file.rows);
+    CloseObject(file.rows);
+    file.rows = file.database->OpenRecordset(kParametersQuery);
+    // The engine has told why there is none.
+    if (file.rows->AtEnd()) return facts;
+  }
+  for (std::size_t i = 0; i < facts.organisation.size(); ++i)
+    facts.organisation[i] = file.rows->Get(kOrganisationColumns[i]).Shown();
+  OrganisationName = facts.organisation[0];
+  facts.dateInstalled = DateShown(file.rows->Get("Date Installed"));
+  return facts;
+}
+
+}  // namespace dw

@@ -1,0 +1,47 @@
+// The sign-on window, where the program starts: finds the data, names the workstation, signs a user on.
+#pragma once
+
+#include <QLabel>
+#include <QPushButton>
+
+#include "platform/controls/Form.h"
+#include "platform/controls/TextBox.h"
+
+namespace dw {
+
+class BFLogon : public ui::Form {
+ public:
+  BFLogon();
+
+  ui::TextBox Text1{"Text1"};
+  ui::TextBox Text2{"Text2"};
+  QLabel WorkstationLabel;
+  QPushButton OKButton{"&OK"};
+  QPushButton Cancel{"Cancel"};
+
+  bool Activated = false;  ///< the first activation has begun
+  int Attempts = 0;        ///< failed tries
+
+  /// Asks for this machine's name until one of at most 20 characters is given, and keeps it. Not `ok` when
+  /// the user gives none.
+  void AskWorkstationName(bool& ok);
+  void DisableSignOnControls() { EnableControls(false); }
+  void EnableSignOnControls() { EnableControls(true); }
+
+ protected:
+  void OnLoad() override;
+  void OnActivate() override;
+  void OnUnload() override;
+
+ private:
+  void LayOut();
+  void EnableControls(bool enable);
+  /// The steps of the first activation; without a workstation's name at their end the form closes.
+  void Start();
+  void SignOn();
+};
+
+/// Shows the sign-on window.
+void ShowLogon();
+
+}  // namespace dw

@@ -1,0 +1,69 @@
+// The window that finds a missing data file: by hand, by a search of the drives, or by a first installation
+// from the release disc.
+#pragma once
+
+#include <QLabel>
+#include <QPushButton>
+#include <string>
+
+#include "platform/controls/DirListBox.h"
+#include "platform/controls/DriveListBox.h"
+#include "platform/controls/FileListBox.h"
+#include "platform/controls/Form.h"
+#include "platform/controls/TextBox.h"
+#include "shell/DataSearch.h"
+
+namespace dw {
+
+/// Takes over a directory that holds the file, and keeps it in the settings. The window can be closed while
+/// its search runs; the search ends first.
+class GetDataPath : public ui::Form {
+ public:
+  GetDataPath();
+
+  std::string FileName;  ///< the file that is looked for; may arrive with a path
+  std::string AppID;     ///< the application code; the program's own where it is empty
+
+  ui::DriveListBox Drive1{"Drive1", MachineDrives};
+  ui::DirListBox Dir1{"Dir1"};
+  ui::FileListBox File1{"File1", "bfsys.mdb"};
+  ui::TextBox txtDataPath{"txtDataPath"};
+  QLabel Label1, Label3, Label4;
+  QPushButton cmdOK, cmdCancel, cmdLocate, cmdCDInstall;
+
+  /// The user has given up: without the data the program cannot go on.
+  bool Cancelled() const { return cancelled_; }
+
+ protected:
+  void OnLoad() override;
+  void OnActivate() override;
+  void OnUnload() override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void LayOut();
+  void Connect();
+  void DriveChosen();
+  void DirectoryChosen();
+  void ShowChosen();
+  void EnableButtons(bool enable);
+  void Accept();
+  void Locate();
+  void InstallFromDisc();
+
+  bool activated_ = false;
+  bool cancelled_ = false;
+  bool following_ = false;  ///< the drive list is being moved to where the directory list is
+  bool searching_ = false;
+  bool stopped_ = false;  ///< the window is to close as soon as the search has ended
+  bool busy_ = false;     ///< the buttons are out of use
+  std::string found_;     ///< the copy that the search has found and the user accepted
+};
+
+/// Shows the window for a missing file, and returns when the user has chosen or closed it. Where the user
+/// cancels, the program ends: after a message ApplicationEnd is thrown.
+void FindDataFile(const std::string& fileName);
+/// Has FindDataFile answer for missing files, and frmGetSQLInfo for an unknown server.
+void InstallLocators();
+
+}  // namespace dw

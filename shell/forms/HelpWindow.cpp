@@ -1,0 +1,363 @@
+#include "shell/forms/HelpWindow.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeWidget>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <functional>
+#include <utility>
+
+#include "platform/screen/Screen.h"
+#include "shell/Help.h"
+#include "shell/forms/HelpResults.h"
+
+namespace dw {
+namespace {
+
+constexpr int kPageRole = Qt::UserRole;
+constexpr int kPageMargin = 14;
+
+QUrl PageUrl(const QString& page) {
+  QUrl url =
+      QUrl::fromLocalFile(QDir(QString::fromStdString(HelpDirectory())).filePath(page.section('#', 0, 0)));
+  if (page.contains('#')) url.setFragment(page.section('#', 1));
+  return url;
+}
+
+QToolButton* PageButton(QWidget* parent, QStyle::StandardPixmap icon, const QString& text,
+                        const QString& name, const QString& tip) {
+  auto* button = new QToolButton(parent);
+  button->setObjectName(name);
+  button->setText(text);
+  button->setIcon(parent->style()->standardIcon(icon));
+  button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  button->setAutoRaise(true);
+  button->setToolTip(tip);
+  button->setFocusPolicy(Qt::TabFocus);
+  return button;
+}
+
+}  // namespace
+
+HelpWindow::HelpWindow() {
+  setObjectName("HelpWindow");
+  setWindowTitle("Drovewright Help");
+  setAttribute(Qt::WA_DeleteOnClose);
+  setAttribute(Qt::WA_QuitOnClose, false);
+
+  auto* splitter = new QSplitter(this);
+  splitter->addWidget(LeftSide());
+  splitter->addWidget(RightSide());
+  splitter->setStretchFactor(1, 1);
+  splitter->setChildrenCollapsible(false);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(splitter);
+  const int letter = fontMetrics().averageCharWidth();
+  splitter->setSizes({letter * 40, letter * 96});
+  resize(letter * 142, fontMetrics().height() * 40);
+  setMinimumSize(letter * 70, fontMetrics().height() * 16);
+
+  AddKeys();
+  FillContents();
+  ShowPage(kHelpContentsPage);
+}
+
+QWidget* HelpWindow::LeftSide() {
+  auto* side = new QWidget(this);
+  auto* label = new QLabel("&Search for:", side);
+  txtSearch = new QLineEdit(side);
+  txtSearch->setObjectName("txtSearch");
+  txtSearch->setPlaceholderText("Words, or the text of a message");
+  txtSearch->setClearButtonEnabled(true);
+  label->setBuddy(txtSearch);
+
+  treContents = new QTreeWidget(side);
+  treContents->setObjectName("treContents");
+  treContents->setAccessibleName("Contents");
+  treContents->setHeaderHidden(true);
+  lstResults = new HelpResults(side);
+  lstResults->setObjectName("lstResults");
+  lstResults->setAccessibleName("Pages found");
+  lists_ = new QStackedWidget(side);
+  lists_->addWidget(treContents);
+  lists_->addWidget(lstResults);
+
+  auto* layout = new QVBoxLayout(side);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(label);
+  layout->addWidget(txtSearch);
+  layout->addWidget(lists_, 1);
+
+  connect(txtSearch, &QLineEdit::textChanged, this, [this] { Search(); });
+  connect(txtSearch, &QLineEdit::returnPressed, this, [this] {
+    if (lists_->currentWidget() != lstResults || lstResults->Found() == 0) return;
+    if (lstResults->currentRow() < 0) lstResults->setCurrentRow(0);
+    OpenResult();
+  });
+  connect(lstResults, &QListWidget::currentRowChanged, this, [this](int row) {
+    if (row >= 0) OpenResult();
+  });
+  connect(treContents, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+    const QString page = item == nullptr ? QString() : item->data(0, kPageRole).toString();
+    if (!selecting_ && !page.isEmpty()) ShowPage(page.toStdString());
+  });
+  txtSearch->installEventFilter(this);
+  return side;
+}
+
+QWidget* HelpWindow::RightSide() {
+  auto* side = new QWidget(this);
+  cmdBack = PageButton(side, QStyle::SP_ArrowBack, "&Back", "cmdBack", "The page before (Alt+Left)");
+  cmdForward = PageButton(side, QStyle::SP_ArrowForward, "&Forward", "cmdForward",
+                          "The page that you came back from (Alt+Right)");
+  cmdContents = PageButton(side, QStyle::SP_DirHomeIcon, "&Contents", "cmdContents",
+                           "The list of all pages (Alt+Home)");
+  cmdBack->setEnabled(false);
+  cmdForward->setEnabled(false);
+
+  txtPage = new QTextBrowser(side);
+  txtPage->setObjectName("txtPage");
+  txtPage->setAccessibleName("Page");
+  txtPage->document()->setDocumentMargin(kPageMargin);
+
+  auto* buttons = new QHBoxLayout;
+  for (QToolButton* button : {cmdBack, cmdForward, cmdContents}) buttons->addWidget(button);
+  buttons->addStretch(1);
+  auto* layout = new QVBoxLayout(side);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addLayout(buttons);
+  layout->addWidget(txtPage, 1);
+
+  connect(cmdBack, &QToolButton::clicked, this, [this] { txtPage->backward(); });
+  connect(cmdForward, &QToolButton::clicked, this, [this] { txtPage->forward(); });
+  connect(cmdContents, &QToolButton::clicked, this, [this] {
+    ShowContents();
+    ShowPage(kHelpContentsPage);
+  });
+  connect(txtPage, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
+  connect(txtPage, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);
+  connect(txtPage, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) { PageShown(url); });
+  return side;
+}
+
+void HelpWindow::AddKeys() {
+  const auto add = [this](const QList<QKeySequence>& keys, const std::function<void()>& work) {
+    auto* action = new QAction(this);
+    action->setShortcuts(keys);
+    connect(action, &QAction::triggered, this, work);
+    addAction(action);
+  };
+  add({QKeySequence(Qt::ALT | Qt::Key_Left), QKeySequence(Qt::Key_Back)}, [this] { txtPage->backward(); });
+  add({QKeySequence(Qt::ALT | Qt::Key_Right), QKeySequence(Qt::Key_Forward)}, [this] { txtPage->forward(); });
+  add({QKeySequence(Qt::ALT | Qt::Key_Home)}, [this] { cmdContents->click(); });
+  add({QKeySequence::Find}, [this] { EnterSearch(); });
+  add({QKeySequence::ZoomIn, QKeySequence(Qt::CTRL | Qt::Key_Equal)}, [this] { txtPage->zoomIn(); });
+  add({QKeySequence::ZoomOut}, [this] { txtPage->zoomOut(); });
+}
+
+void HelpWindow::FillContents() {
+  for (const HelpSection& section : HelpContents()) {
+    auto* head = new QTreeWidgetItem(treContents, {QString::fromStdString(section.title)});
+    head->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+    for (const HelpEntry& entry : section.entries) {
+      auto* item = new QTreeWidgetItem(head, {QString::fromStdString(entry.title)});
+      item->setData(0, kPageRole, QString::fromStdString(entry.page));
+    }
+  }
+  treContents->expandAll();
+}
+
+void HelpWindow::ShowPage(const std::string& page) {
+  txtPage->setSource(PageUrl(QString::fromStdString(page)));
+}
+
+void HelpWindow::ShowContents() {
+  txtSearch->clear();
+  lists_->setCurrentWidget(treContents);
+}
+
+void HelpWindow::EnterSearch() {
+  txtSearch->setFocus(Qt::ShortcutFocusReason);
+  txtSearch->selectAll();
+}
+
+void HelpWindow::Search() {
+  const std::string words = txtSearch->text().toStdString();
+  if (HelpSearchWords(words).empty()) {
+    lists_->setCurrentWidget(treContents);
+    MarkWords();
+    return;
+  }
+  lstResults->Fill(SearchHelp(words));
+  lists_->setCurrentWidget(lstResults);
+}
+
+void HelpWindow::OpenResult() {
+  const std::string page = lstResults->CurrentPage();
+  if (page.empty()) return;
+  ShowPage(page);
+  MarkWords();
+}
+
+void HelpWindow::MarkWords() {
+  QList<QTextEdit::ExtraSelection> marks;
+  QTextCharFormat format;
+  format.setBackground(palette().highlight());
+  format.setForeground(palette().highlightedText());
+  const std::vector<std::string> words = HelpSearchWords(txtSearch->text().toStdString());
+  for (const std::string& word : words) {
+    const QString text = QString::fromStdString(word);
+    for (QTextCursor at = txtPage->document()->find(text); !at.isNull();
+         at = txtPage->document()->find(text, at))
+      marks.push_back({at, format});
+  }
+  txtPage->setExtraSelections(marks);
+  if (marks.isEmpty()) return;
+  // Latin-1 has one byte for each character of the page, so that places are the same.
+  const std::string text = txtPage->document()->toPlainText().toLatin1().toStdString();
+  QTextCursor place(txtPage->document());
+  place.movePosition(QTextCursor::End);
+  txtPage->setTextCursor(place);
+  place.setPosition(static_cast<int>(BestHelpPlace(text, words)));
+  txtPage->setTextCursor(place);
+  // Coming from the end, the place stands at the top, where the eye looks first; a little above it fits, too.
+  QScrollBar* bar = txtPage->verticalScrollBar();
+  bar->setValue(bar->value() - 3 * bar->singleStep());
+}
+
+void HelpWindow::PageShown(const QUrl& url) {
+  const QString title = txtPage->documentTitle();
+  setWindowTitle(title.isEmpty() ? "Drovewright Help" : title + " - Drovewright Help");
+  txtPage->setExtraSelections({});
+  SelectInContents(url.fileName());
+}
+
+void HelpWindow::SelectInContents(const QString& page) {
+  selecting_ = true;
+  treContents->setCurrentItem(nullptr);
+  for (QTreeWidgetItemIterator it(treContents); *it != nullptr; ++it)
+    if ((*it)->data(0, kPageRole).toString().section('#', 0, 0) == page) {
+      treContents->setCurrentItem(*it);
+      break;
+    }
+  selecting_ = false;
+}
+
+void HelpWindow::BringForward() {
+  JoinModal();
+  show();
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  raise();
+  activateWindow();
+}
+
+void HelpWindow::JoinModal() {
+  QWidget* modal = QApplication::activeModalWidget();
+  if (modal == nullptr || modal == modal_) return;
+  if (modal_ != nullptr) modal_->removeEventFilter(this);
+  modal_ = modal;
+  modal_->installEventFilter(this);
+  setParent(modal, Qt::Window);
+}
+
+void HelpWindow::LeaveModal() {
+  const bool shown = isVisible();
+  std::exchange(modal_, nullptr)->removeEventFilter(this);
+  setParent(nullptr, Qt::Window);
+  if (!shown) return;
+  // Another modal window may have been below this one; which it is shows once this one has gone.
+  QTimer::singleShot(0, this, [this] {
+    JoinModal();
+    show();
+  });
+}
+
+bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == modal_ && event->type() == QEvent::Hide) {
+    LeaveModal();
+    return false;
+  }
+  if (watched == txtSearch && event->type() == QEvent::KeyPress) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_Escape && !txtSearch->text().isEmpty()) {
+      txtSearch->clear();
+      return true;
+    }
+    if (key == Qt::Key_Down) {
+      lists_->currentWidget()->setFocus(Qt::TabFocusReason);
+      if (lists_->currentWidget() == lstResults && lstResults->currentRow() < 0) lstResults->setCurrentRow(0);
+      return true;
+    }
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+void HelpWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) {
+    close();
+    return;
+  }
+  QWidget::keyPressEvent(event);
+}
+
+namespace {
+
+/// The one window, made where there is none; null, after a box, where the pages are missing.
+HelpWindow* TheWindow() {
+  static QPointer<HelpWindow> window;
+  if (!window.isNull()) return window;
+  if (!HelpAvailable()) {
+    screen::MessageBox(
+        "The help pages were not found in the folder \"" + HelpDirectory() +
+            "\".\rThey are part of the program. Contact your System Administrator to have them "
+            "put back.",
+        screen::Icon::Exclamation);
+    return nullptr;
+  }
+  window = new HelpWindow;
+  QObject::connect(qApp, &QCoreApplication::aboutToQuit, window, [] { delete window.data(); });
+  return window;
+}
+
+}  // namespace
+
+void ShowHelpContents() {
+  HelpWindow* window = TheWindow();
+  if (window == nullptr) return;
+  window->ShowContents();
+  window->ShowPage(kHelpContentsPage);
+  window->BringForward();
+  window->treContents->setFocus();
+}
+
+void ShowHelpSearch() {
+  HelpWindow* window = TheWindow();
+  if (window == nullptr) return;
+  window->BringForward();
+  window->EnterSearch();
+}
+
+void ShowHelpFor(const std::string& name) {
+  HelpWindow* window = TheWindow();
+  if (window == nullptr) return;
+  const std::string page = PageOf(name);
+  window->ShowContents();
+  window->ShowPage(page.empty() ? kHelpContentsPage : page);
+  window->BringForward();
+  window->txtPage->setFocus();
+}
+
+}  // namespace dw

@@ -1,0 +1,64 @@
+#include "shell/forms/SingleInstance.h"
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <memory>
+#include <string>
+
+#include "platform/controls/Application.h"
+#include "platform/controls/Form.h"
+#include "platform/system/SingleInstance.h"
+
+namespace dw {
+namespace {
+
+struct Own {
+  std::unique_ptr<sys::SingleInstance> claim;
+  std::unique_ptr<QSocketNotifier> calls;
+};
+
+Own& OwnInstance() {
+  static Own own;
+  return own;
+}
+
+void AnswerCalls() {
+  std::string token;
+  bool called = false;
+  while (OwnInstance().claim->TakeCall(token)) called = true;
+  if (!called) return;
+  // With it the desktop knows that the user asked for this window.
+  if (!token.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
+  BringProgramForward();
+}
+
+}  // namespace
+
+bool ActivatePreviousInstance() {
+  Own& own = OwnInstance();
+  if (own.claim && own.claim->IsCurrent()) return false;
+  own.calls.reset();
+  own.claim = sys::SingleInstance::Claim();
+  // A copy that does not answer is about to end, or hangs; this one then starts as usual.
+  if (!own.claim) return sys::SingleInstance::CallFirstForward();
+  if (own.claim->Descriptor() < 0) return false;
+  own.calls = std::make_unique<QSocketNotifier>(own.claim->Descriptor(), QSocketNotifier::Read);
+  QObject::connect(own.calls.get(), &QSocketNotifier::activated, qApp, [] { ui::Guard(AnswerCalls); });
+  return false;
+}
+
+void BringProgramForward() {
+  QWidget* window = QApplication::activeModalWidget();
+  // Windows of ours lie under a box; they come up first, and the box over them.
+  if (ui::Form* form = ui::ActiveForm(); form && form->isVisible()) {
+    if (form->isMinimized()) form->setWindowState(form->windowState() & ~Qt::WindowMinimized);
+    form->raise();
+    if (!window) window = form;
+  }
+  if (!window) return;
+  if (window->isMinimized()) window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+  window->raise();
+  window->activateWindow();
+}
+
+}  // namespace dw

@@ -1,0 +1,38 @@
+// The About box, which is also the gate between the sign-on and the main menu.
+#pragma once
+
+#include <QLabel>
+#include <QPushButton>
+#include <array>
+
+#include "platform/controls/Form.h"
+#include "shell/AboutBox.h"
+
+namespace dw {
+
+/// Comes up once at every start, and again from the menu; it behaves alike. Its unload shows the main menu.
+class Startup : public ui::Form {
+ public:
+  Startup();
+
+  QLabel VersionLabel, lblCurrentUser, Label12, lblStatus;
+  std::array<QLabel, 4> lblOrganisation;
+  /// Title of the product, name of the family, and two lines of the maker.
+  std::array<QLabel, 4> lblPrompt;
+  QPushButton OKButton{"&OK"};
+
+  bool Loaded = false;      ///< the contents have been filled
+  bool Aborted = false;     ///< the start was refused: the main menu does not come
+  bool BackupDone = false;  ///< this run has made a copy of the main file
+
+ protected:
+  void OnActivate() override;
+  void OnUnload() override;
+
+ private:
+  void NameLabels();
+  void LayOut();
+  void Fill();
+};
+
+}  // namespace dw

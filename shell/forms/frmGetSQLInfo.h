@@ -1,0 +1,43 @@
+// The window that asks for the database server and how to log in there.
+#pragma once
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QPushButton>
+#include <string>
+
+#include "platform/controls/Form.h"
+#include "platform/controls/TextBox.h"
+#include "shell/ServerLogin.h"
+
+namespace dw {
+
+class frmGetSQLInfo : public ui::Form {
+ public:
+  frmGetSQLInfo();
+
+  std::string AppID;  ///< the application code that the settings are kept under
+  std::string SQLDB;  ///< the database that the test opens
+
+  ui::TextBox Text1{"Text1"};  ///< the server
+  QCheckBox chkTrusted;
+  ui::TextBox Text2{"Text2"};  ///< the user
+  ui::TextBox Text3{"Text3"};  ///< the password
+  ui::TextBox Text4{"Text4"};  ///< the password again
+  QPushButton TestButton, OKButton, CancelButton;
+  QLabel lblPrompts;
+
+ protected:
+  void OnActivate() override;
+
+ private:
+  void LayOut();
+  ServerLogin Login() const;
+  void EnableLogin();
+  bool Validate();
+  bool Left();
+
+  bool activated_ = false;
+};
+
+}  // namespace dw

@@ -1,0 +1,67 @@
+#include "shell/forms/frmMessage.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QHBoxLayout>
+#include <QThread>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include "shell/forms/AppIcon.h"
+
+namespace dw {
+namespace {
+
+constexpr int kPictureSize = 48;
+
+}  // namespace
+
+frmMessage::frmMessage() : Form("frmMessage") {
+  Image1.setObjectName("Image1");
+  Image1.setPixmap(ApplicationIcon().pixmap(QSize(kPictureSize, kPictureSize), devicePixelRatioF()));
+  lblMessage.setObjectName("lblMessage");
+  lblMessage.setTextFormat(Qt::PlainText);
+  lblMessage.setWordWrap(true);
+  lblMessage.setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+  lblMessage.setMinimumHeight(fontMetrics().height() * 3);
+  stsBar.setObjectName("stsBar");
+  stsBar.setSizeGripEnabled(false);
+
+  auto* row = new QHBoxLayout;
+  row->setContentsMargins(16, 14, 16, 10);
+  row->setSpacing(16);
+  row->addWidget(&Image1, 0, Qt::AlignTop);
+  row->addWidget(&lblMessage, 1);
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addLayout(row, 1);
+  column->addWidget(&stsBar);
+  // It goes when the step is done.
+  RemoveCloseCommand();
+}
+
+void frmMessage::Refresh() {
+  // The window system shows a new window when it has come round to it.
+  constexpr int kLongest = 500;
+  const QDeadlineTimer end(kLongest);
+  while (isVisible() && windowHandle() && !windowHandle()->isExposed() && !end.hasExpired()) {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    QThread::msleep(1);
+  }
+  repaint();
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void ShowMessageForm(const std::string& title, const std::string& text) {
+  auto& form = ui::The<frmMessage>();
+  form.setWindowTitle(QString::fromStdString(title));
+  form.lblMessage.setText(QString::fromStdString(text));
+  form.ShowForm();
+  form.Refresh();
+}
+
+void HideMessageForm() {
+  if (auto* form = ui::Existing<frmMessage>()) form->Unload();
+}
+
+}  // namespace dw

@@ -1,0 +1,28 @@
+// The notice of the system: tells of a long step, blocks nothing.
+#pragma once
+
+#include <QLabel>
+#include <QStatusBar>
+#include <string>
+
+#include "platform/controls/Form.h"
+
+namespace dw {
+
+class frmMessage : public ui::Form {
+ public:
+  frmMessage();
+
+  QLabel Image1;
+  QLabel lblMessage;
+  QStatusBar stsBar;
+
+  /// Draws the window now: whoever shows a notice is about to keep the program busy.
+  void Refresh();
+};
+
+/// Shows the notice, or gives the one that is shown another title and text.
+void ShowMessageForm(const std::string& title, const std::string& text);
+void HideMessageForm();
+
+}  // namespace dw

@@ -1,0 +1,51 @@
+// The main window: a picture, and the menu from which every other window opens.
+#pragma once
+
+#include <QMenuBar>
+#include <QStatusBar>
+#include <memory>
+#include <string>
+
+#include "platform/controls/Form.h"
+
+class QAction;
+class QMenu;
+class QStyle;
+
+namespace dw {
+
+class PictureBox;
+struct MenuEntry;
+
+/// Windows open from here without blocking it. Menu items are found by their names.
+class mnuDW : public ui::Form {
+ public:
+  mnuDW();
+  ~mnuDW() override;
+
+  QMenuBar menuBar;
+  QStatusBar stsBar;
+
+ protected:
+  void OnLoad() override;
+  void OnActivate() override;
+  void OnResize() override;
+  void OnUnload() override;
+
+ private:
+  void BuildMenu();
+  QMenu* AddMenu(QMenu* parent, const MenuEntry& entry);
+  void AddItem(QMenu& menu, const MenuEntry& entry);
+  /// Runs what the menu itself does for an entry.
+  void Act(const std::string& name);
+  QAction& Item(const char* name) const;
+  /// Takes a sub-menu and its entries out of use, and says why in the status bar.
+  void TakeAway(const char* subMenu, const char* reason);
+  void OfferDueReport();
+  void CompactMainFile();
+
+  std::unique_ptr<QStyle> menuStyle_;
+  PictureBox* picture_;
+};
+
+}  // namespace dw

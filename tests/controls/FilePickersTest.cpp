@@ -1,0 +1,169 @@
+#include <gtest/gtest.h>
+
+#include <QTest>
+#include <filesystem>
+#include <fstream>
+
+#include "platform/controls/DirListBox.h"
+#include "platform/controls/DriveListBox.h"
+#include "platform/controls/FileListBox.h"
+#include "support/ScreenScript.h"
+#include "support/TempDirectory.h"
+#include "support/desktop/FormDriver.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::string>;
+using screen::Icon;
+using sys::DriveKind;
+
+class FilePickersTest : public testing::Test {
+ protected:
+  FilePickersTest() {
+    for (const char* directory : {"Fleet/Old", "Fleet/new", "Fleet/.hidden", "usb/data"})
+      fs::create_directories(path_ + '/' + directory);
+    for (const char* file : {"Fleet/dw.mdb", "Fleet/DW_USERS.MDB", "Fleet/b.bmp", "Fleet/a.Bmp",
+                             "Fleet/x.jpg", "Fleet/.dw.mdb", "Fleet/dwxmdb"})
+      std::ofstream(path_ + '/' + file);
+  }
+  static Names FilesOf(const ui::FileListBox& list) {
+    Names names;
+    for (int i = 0; i < list.count(); ++i) names.push_back(list.item(i)->text().toStdString());
+    return names;
+  }
+  /// What a directory list shows, one name a line, two blanks for each step down.
+  static std::string Shown(const QTreeWidget& list) {
+    std::string text;
+    for (QTreeWidgetItemIterator item(const_cast<QTreeWidget*>(&list)); *item; ++item) {
+      for (const QTreeWidgetItem* up = (*item)->parent(); up; up = up->parent()) text += "  ";
+      text += (*item)->text(0).toStdString() + '\n';
+    }
+    return text;
+  }
+  static QTreeWidgetItem* ItemOf(ui::DirListBox& list, const char* name) {
+    return list.findItems(name, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+  }
+
+  test::TempDirectory directory_;
+  std::string path_ = directory_.Path("mnt");
+  test::ScreenScript user_;
+};
+
+TEST_F(FilePickersTest, ADriveIsTheOneThatHoldsThePath) {
+  std::vector<sys::Drive> drives{{"/", DriveKind::Fixed},
+                                 {path_ + "/usb", DriveKind::RemovableDisc},
+                                 {path_ + "/Fleet", DriveKind::Remote}};
+  ui::DriveListBox list("Drive1", [&] { return drives; });
+  int changes = 0;
+  list.onChange = [&] { ++changes; };
+  EXPECT_EQ(list.Drive(), "/");
+  EXPECT_TRUE(list.SetDrive(path_ + "/usb/data/"));
+  EXPECT_EQ(list.Drive(), path_ + "/usb");
+  EXPECT_EQ(list.currentText().toStdString(), path_ + "/usb (disc)");
+  EXPECT_TRUE(list.SetDrive(path_ + "/usbstick"));
+  EXPECT_EQ(list.Drive(), "/");
+  EXPECT_EQ(changes, 2);
+
+  // The list is read again when it is opened. The choice stays, or the first drive takes its place.
+  list.SetDrive(path_ + "/Fleet");
+  changes = 0;
+  drives.erase(drives.begin() + 1);
+  list.showPopup();
+  list.hidePopup();
+  EXPECT_EQ(list.count(), 2);
+  EXPECT_EQ(list.Drive(), path_ + "/Fleet");
+  EXPECT_EQ(changes, 0);
+  drives.pop_back();
+  list.showPopup();
+  list.hidePopup();
+  EXPECT_EQ(list.Drive(), "/");
+  EXPECT_EQ(changes, 1);
+
+  drives.clear();
+  list.showPopup();
+  EXPECT_EQ(list.Drive(), "");
+  EXPECT_FALSE(list.SetDrive("/"));
+}
+
+TEST_F(FilePickersTest, DirectoriesAreEnteredByDoubleClickAndEnter) {
+  ui::DirListBox list("Dir1");
+  int changes = 0;
+  list.onChange = [&] { ++changes; };
+  ASSERT_TRUE(list.SetPath(path_ + "/Fleet/"));
+  EXPECT_EQ(list.Path(), path_ + "/Fleet");
+  const std::string shown = Shown(list);
+  EXPECT_TRUE(shown.starts_with("/\n")) << shown;
+  EXPECT_NE(shown.find("mnt\n"), std::string::npos);
+  const std::string tail = shown.substr(shown.find("Fleet\n"));
+  EXPECT_EQ(tail.substr(0, 6), "Fleet\n");
+  EXPECT_LT(tail.find("new"), tail.find("Old"));
+  EXPECT_EQ(tail.find("hidden"), std::string::npos);
+
+  list.resize(400, 400);
+  list.show();
+  test::Settle();
+  QTreeWidgetItem* old = ItemOf(list, "Old");
+  ASSERT_NE(old, nullptr);
+  // One click only marks.
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(old).center());
+  EXPECT_EQ(list.Path(), path_ + "/Fleet");
+  test::Press(list, Qt::Key_Return);
+  EXPECT_EQ(list.Path(), path_ + "/Fleet/Old");
+  QTreeWidgetItem* up = ItemOf(list, "mnt");
+  ASSERT_NE(up, nullptr);
+  list.setCurrentItem(up);
+  const QPoint there = list.visualItemRect(up).center();
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, there);
+  QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, there);
+  test::Settle();
+  EXPECT_EQ(list.Path(), path_);
+  EXPECT_EQ(changes, 3);
+  // A hidden directory can be gone to by its path.
+  EXPECT_TRUE(list.SetPath(path_ + "/Fleet/.hidden"));
+  EXPECT_NE(Shown(list).find(".hidden"), std::string::npos);
+  EXPECT_TRUE(list.SetPath("/"));
+  EXPECT_EQ(list.Path(), "/");
+}
+
+TEST_F(FilePickersTest, WhatCannotBeReadLeavesTheOldPlace) {
+  ui::DirListBox directories("Dir1");
+  ui::FileListBox files("File1", "*.mdb");
+  ASSERT_TRUE(directories.SetPath(path_));
+  ASSERT_TRUE(files.SetPath(path_ + "/Fleet"));
+  fs::remove_all(path_ + "/usb");
+  const std::string box =
+      "Device unavailable\r\r" + path_ + "/usb cannot be read: No such file or directory.";
+  QTreeWidgetItem* vanished = ItemOf(directories, "usb");
+  ASSERT_NE(vanished, nullptr);
+  directories.setCurrentItem(vanished);
+  user_->Expect(box, Icon::Critical);
+  test::Press(directories, Qt::Key_Return);
+  EXPECT_EQ(directories.Path(), path_);
+  user_->Expect(box, Icon::Critical);
+  EXPECT_FALSE(files.SetPath(path_ + "/usb"));
+  EXPECT_EQ(files.Path(), path_ + "/Fleet");
+  EXPECT_EQ(files.count(), 2);
+}
+
+TEST_F(FilePickersTest, FilesFitThePatternWhateverTheirLetters) {
+  ui::FileListBox list("File1", "dw.mdb");
+  int changes = 0;
+  list.onChange = [&] { ++changes; };
+  ASSERT_TRUE(list.SetPath(path_ + "/Fleet"));
+  EXPECT_EQ(FilesOf(list), Names{"dw.mdb"});
+  list.SetPattern("DW.MDB");
+  EXPECT_EQ(FilesOf(list), Names{"dw.mdb"});
+  list.SetPattern("*.bmp; *.JPG");
+  EXPECT_EQ(FilesOf(list), (Names{"a.Bmp", "b.bmp", "x.jpg"}));
+  list.SetPattern("?.[jb]*");
+  EXPECT_TRUE(FilesOf(list).empty());
+  list.SetPattern("dw?mdb");
+  EXPECT_EQ(FilesOf(list), (Names{"dw.mdb", "dwxmdb"}));
+  EXPECT_EQ(changes, 5);
+  EXPECT_EQ(list.FileName(), "");
+  list.setCurrentRow(1);
+  EXPECT_EQ(list.FileName(), "dwxmdb");
+}
+
+}  // namespace

@@ -1,0 +1,151 @@
+// The rows of devices, and the drivers' own device for tests.
+#include "platform/scan/Scanner.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include "platform/scan/ScanRows.h"
+#include "support/TempDirectory.h"
+#include "support/TestScanner.h"
+
+namespace {
+
+using Samples = sys::ScanPass::Samples;
+using Pixels = std::vector<std::uint8_t>;
+
+TEST(ScanRowsTest, RowsOfAllKindsBecomePixels) {
+  sys::ScannedPicture lines;
+  const std::uint8_t black[] = {0b01000000};
+  sys::AddRow({Samples::Grey, 1, 3, 1}, black, 0, lines);
+  EXPECT_EQ(lines.pixels, (Pixels{255, 255, 255, 0, 0, 0, 255, 255, 255}));
+
+  sys::ScannedPicture deep;
+  const std::uint16_t samples[] = {0x1122, 0x3344, 0xFF00};
+  sys::AddRow({Samples::RedGreenBlue, 16, 1, 6}, reinterpret_cast<const std::uint8_t*>(samples), 0, deep);
+  EXPECT_EQ(deep.pixels, (Pixels{0x11, 0x33, 0xFF}));
+
+  sys::ScannedPicture passes;
+  const std::uint8_t row[] = {7, 8, 0};
+  for (const Samples colour : {Samples::Red, Samples::Green, Samples::Blue})
+    for (int y = 0; y < 2; ++y) sys::AddRow({colour, 8, 2, 3}, row, y, passes);
+  EXPECT_EQ(passes.height, 2);
+  EXPECT_EQ(passes.pixels, (Pixels{7, 7, 7, 8, 8, 8, 7, 7, 7, 8, 8, 8}));
+
+  EXPECT_FALSE(sys::IsKnown({Samples::Grey, 8, 10, 9})) << "rows that are too short for their pixels";
+  EXPECT_FALSE(sys::IsKnown({Samples::RedGreenBlue, 1, 8, 3}));
+}
+
+TEST(ScanRowsTest, ABmpFileHoldsThePixels) {
+  const test::TempDirectory directory;
+  sys::ScannedPicture picture;
+  picture.dotsPerInch = 150;
+  const std::uint8_t row[] = {250, 0, 0, 0, 250, 0, 0, 0, 250};
+
+  sys::AddRow({Samples::RedGreenBlue, 8, 3, 9}, row, 0, picture);
+  sys::WriteBmp(directory.Path("a.bmp"), picture);
+  const QImage read(QString::fromStdString(directory.Path("a.bmp")));
+  ASSERT_EQ(read.size(), QSize(3, 1));
+  EXPECT_EQ(read.pixelColor(0, 0), QColor(250, 0, 0));
+  EXPECT_EQ(read.pixelColor(2, 0), QColor(0, 0, 250));
+  EXPECT_NEAR(read.dotsPerMeterX(), 5906, 1);
+  EXPECT_THROW(sys::WriteBmp(directory.Path("gone/a.bmp"), picture), sys::ScanError);
+}
+
+class Display : public sys::ScanDisplay {
+ public:
+  void ShowScan(const sys::ScannedPicture& soFar, int) override { rows_ = soFar.height; }
+  int rows_ = 0;
+};
+
+class ScannerTest : public testing::Test {
+ protected:
+  /// The scan as the file holds it.
+  QImage Scan(sys::ScanSize size, sys::ScanSetupQuestion question = {}) {
+    const auto scanner = sys::MakeScanner();
+    scanner->Reset();
+    scanner->Size = size;
+    scanner->Open();
+    scanner->ScanTo = sys::kScanToFileAndDisplay;
+    scanner->Image = directory_.Path("scan.bmp");
+    scanner->DestImageControl = &display_;
+    scanner->ShowSetupBeforeScan = question != nullptr;
+    scanner->onSetup = std::move(question);
+    EXPECT_TRUE(scanner->StartScan());
+    scanner->CloseScanner();
+    return QImage(QString::fromStdString(directory_.Path("scan.bmp")));
+  }
+  /// The reason why a scan cannot be made.
+  std::string Failure() {
+    try {
+      Scan(sys::ScanSize::Paper);
+    } catch (const sys::ScanError& error) {
+      return error.what();
+    }
+    return "none";
+  }
+
+  test::TempDirectory directory_;
+  Display display_;
+};
+
+TEST_F(ScannerTest, WithoutADeviceNoneIsAvailable) {
+  EXPECT_FALSE(sys::MakeScanner()->Available());
+  EXPECT_EQ(Failure(), "No scanner was found.");
+}
+
+TEST_F(ScannerTest, TheSizeSetsTheAreaAndTheResolution) {
+  const test::TestScanner device;
+  if (!device.Installed()) GTEST_SKIP() << "no test device on this machine";
+  // 86 by 54 mm at 300 dots per inch; the sheet is cut to the 200 mm that the device has.
+  const QImage card = Scan(sys::ScanSize::CreditCard);
+  EXPECT_NEAR(card.width(), 1016, 12);
+  EXPECT_NEAR(card.height(), 638, 12);
+  EXPECT_EQ(display_.rows_, card.height());
+  const QImage sheet = Scan(sys::ScanSize::Paper);
+  EXPECT_NEAR(sheet.width(), 1181, 12);
+  EXPECT_NEAR(sheet.height(), 1181, 12);
+  EXPECT_FALSE(sheet.isGrayscale());
+
+  const QImage chosen = Scan(sys::ScanSize::Paper, [](sys::ScanSetup& setup) {
+    EXPECT_EQ(setup.resolutions, (std::vector<int>{75, 100, 150, 200, 300}))
+        << "600 would give a picture that is too large to be kept";
+    EXPECT_EQ(setup.mode, "Color");
+    setup.resolution = 75;
+    setup.mode = "Gray";
+    return true;
+  });
+  EXPECT_NEAR(chosen.width(), 591, 6);
+  EXPECT_TRUE(chosen.isGrayscale());
+}
+
+TEST_F(ScannerTest, DevicesOfOtherKindsAndDevicesInTrouble) {
+  if (const test::TestScanner device; !device.Installed()) GTEST_SKIP() << "no test device on this machine";
+  QImage usual;
+  {
+    const test::TestScanner device;
+    usual = Scan(sys::ScanSize::Paper);
+  }
+  {
+    const test::TestScanner device("three-pass true\nthree-pass-order GBR\n");
+    EXPECT_EQ(Scan(sys::ScanSize::Paper), usual);
+  }
+  {
+    const test::TestScanner device("depth 16\n");
+    EXPECT_EQ(Scan(sys::ScanSize::Paper).size(), usual.size());
+  }
+  {
+    const test::TestScanner device("hand-scanner true\n");
+    EXPECT_GT(Scan(sys::ScanSize::Paper).height(), 100) << "its height is known only at the end";
+  }
+  {
+    const test::TestScanner device("read-status-code \"SANE_STATUS_JAMMED\"\n");
+    EXPECT_EQ(Failure(), "Document feeder jammed.");
+  }
+  {
+    const test::TestScanner device("read-status-code \"SANE_STATUS_COVER_OPEN\"\n");
+    EXPECT_EQ(Failure(), "Scanner cover is open.");
+  }
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+// Fiscal periods: the list, the window of one, and the window that sets up a year.
+#include <QTimer>
+
+#include "costing/forms/frmFiscalYearSetup.h"
+#include "costing/forms/frmPeriodsList.h"
+#include "costing/forms/frmPeriodsMaint.h"
+#include "support/desktop/ListTest.h"
+
+namespace {
+
+using dw::frmFiscalYearSetup;
+using dw::frmPeriodsList;
+using dw::frmPeriodsMaint;
+using screen::Icon;
+using test::Type;
+
+class PeriodsTest : public test::ListTest {
+ protected:
+  /// Opens the window that sets up a year, from the list, and works in it; it is gone afterwards.
+  void SetUpYear(const std::function<void(frmFiscalYearSetup&)>& work) {
+    auto& list = OpenList<frmPeriodsList>();
+    QTimer::singleShot(0, [&] {
+      auto* window = ui::Existing<frmFiscalYearSetup>();
+      ASSERT_NE(window, nullptr);
+      test::Settle();
+      EXPECT_TRUE(window->Text1.hasFocus());
+      work(*window);
+      if (ui::Existing<frmFiscalYearSetup>()) window->Unload();
+    });
+    test::Click(list, "SSCommand1");
+    test::Settle();
+  }
+  void GenerateYear(const std::string& year, const std::string& start) {
+    SetUpYear([&](frmFiscalYearSetup& window) {
+      Type(window, "Text1", year);
+      Type(window, "Text2", start);
+      test::Click(window, "cmdProceed");
+      EXPECT_EQ(ui::Existing<frmFiscalYearSetup>(), nullptr);
+    });
+  }
+};
+
+TEST_F(PeriodsTest, AYearIsSetUpFromTheList) {
+  fleet_.Add("Fiscal Periods", {{"Fiscal Year", 2026},
+                                {"Period", 3},
+                                {"Start Date", rt::DateTime(2026, 3, 5)},
+                                {"End Date", rt::DateTime(2026, 3, 6)}});
+  GenerateYear("2026", "1/31/2026");
+  auto& list = OpenList<frmPeriodsList>();
+  EXPECT_EQ(list.Grid().RecordCount(), 12) << "the list has come forward and was read anew";
+  EXPECT_EQ(Shown<frmPeriodsList>(6, 0), "2026|1|1/31/2026|2/27/2026|3/1/2026 2:05:00 PM|TESTER");
+  EXPECT_EQ(Shown<frmPeriodsList>(5, 2), "2026|3|3/5/2026|3/6/2026|") << "what was there stays";
+  EXPECT_EQ(Shown<frmPeriodsList>(4, 3), "2026|4|4/28/2026|5/27/2026");
+  const std::string before = fleet_.Everything("Fiscal Periods");
+  GenerateYear("2026", "1/1/2026");
+  EXPECT_EQ(fleet_.Everything("Fiscal Periods"), before) << "a year that is there is left alone, in silence";
+}
+
+TEST_F(PeriodsTest, TheYearsWindowMindsItsFieldsOnLeaving) {
+  SetUpYear([&](frmFiscalYearSetup& window) {
+    Type(window, "Text1", "a20b2");
+    EXPECT_EQ(window.Text1.Text(), "202");
+    screen_->Expect("Year must be four digits long. Please re-enter.", Icon::Information);
+    test::Enter(window, "Text2");
+    EXPECT_TRUE(window.Text1.hasFocus());
+    Type(window, "Text1", "");
+    screen_->Expect("Year must be a four digit number. Please re-enter.", Icon::Information);
+    test::Enter(window, "Text2");
+    EXPECT_TRUE(window.Text1.hasFocus());
+    Type(window, "Text1", "2026");
+    test::Enter(window, "Text2");
+    screen_->Expect(kDateRequired, Icon::Critical);
+    test::Click(window, "cmdCancel");
+    EXPECT_TRUE(window.Text2.hasFocus()) << "the date has no regard for Cancel";
+  });
+  SetUpYear([&](frmFiscalYearSetup& window) {
+    test::Click(window, "cmdCancel");
+    EXPECT_EQ(ui::Existing<frmFiscalYearSetup>(), nullptr) << "the year has";
+  });
+}
+
+TEST_F(PeriodsTest, ProceedChecksInItsOwnWords) {
+  SetUpYear([&](frmFiscalYearSetup& window) {
+    const auto proceed = [&](const char* words, ui::TextBox& focused) {
+      screen_->Expect(words, Icon::Critical);
+      // Enter leaves no field.
+      QTest::keyClick(window.focusWidget(), Qt::Key_Return);
+      EXPECT_TRUE(focused.hasFocus()) << words;
+    };
+    proceed("The fiscal year must be numeric. Please check", window.Text1);
+    window.Text1.SetText("1E99");
+    proceed("The fiscal year must be numeric. Please check", window.Text1);
+    Type(window, "Text1", "202");
+    proceed("The fiscal year must be 4 digits long. Please check.", window.Text1);
+    Type(window, "Text1", "2026");
+    Type(window, "Text2", "2/30/2026");
+    proceed("The start date is not a real date. Please check", window.Text2);
+    Type(window, "Text2", "6/1/9999");
+    proceed("The start date is not a real date. Please check", window.Text2);
+  });
+  EXPECT_EQ(Count("Fiscal Periods"), "0");
+}
+
+TEST_F(PeriodsTest, APeriodIsTypedByHand) {
+  {
+    auto& window = Add<frmPeriodsMaint, frmPeriodsList>();
+    Type(window, "Text3", "x2026");
+    Type(window, "Text8", "-13");
+    EXPECT_EQ(window.Text8.Text(), "13");
+    Type(window, "Text1", "1/31/2027");
+    test::Enter(window, "Text2");
+    EXPECT_EQ(window.Text2.Text(), "2/27/2027") << "a month later less a day";
+    Type(window, "Text1", "12/31/2026");
+    test::Enter(window, "Text2");
+    EXPECT_EQ(window.Text2.Text(), "2/27/2027") << "an end that is there stays";
+    test::Click(window, "OkButton");
+  }
+  EXPECT_EQ(Shown<frmPeriodsList>(4), "2026|13|12/31/2026|2/27/2027");
+  {
+    auto& window = Show<frmPeriodsMaint, frmPeriodsList>();
+    EXPECT_TRUE(window.Text3.hasFocus());
+    EXPECT_EQ(window.Text3.selectedText(), "2026") << "also where the focus was there before the record";
+    test::Enter(window, "Text8");
+    EXPECT_EQ(window.Text8.selectedText(), "13");
+    Type(window, "Text3", "");
+    Type(window, "Text8", "99999");
+    Type(window, "Text1", "3/1/2027");
+    test::Enter(window, "Text2");
+    screen_->Expect("'99999' is too large or too small for \"Period\".", Icon::Critical);
+    test::Click(window, "OkButton");
+    EXPECT_TRUE(window.Text8.hasFocus());
+    Type(window, "Text8", "");
+    test::Click(window, "OkButton");
+  }
+  EXPECT_EQ(Shown<frmPeriodsList>(4), "||3/1/2027|2/27/2027")
+      << "neither the numbers are needed nor the order of the dates";
+  screen_->Expect("This function not yet implemented.", Icon::Critical);
+  PressDelete<frmPeriodsList>();
+  EXPECT_EQ(Count("Fiscal Periods"), "1");
+}
+
+TEST_F(PeriodsTest, APeriodNeedsBothDates) {
+  auto& window = Add<frmPeriodsMaint, frmPeriodsList>();
+  screen_->Expect(kDateRequired, Icon::Critical);
+  test::Press(window.Text3, Qt::Key_Return);
+  EXPECT_TRUE(window.Text1.hasFocus());
+  QTest::keyClicks(&window.Text1, "12/31/1799");
+  screen_->Expect("Year cannot be less than 1800. Please try again.", Icon::Exclamation);
+  test::Enter(window, "Text2");
+  EXPECT_TRUE(window.Text1.hasFocus());
+  EXPECT_EQ(window.Text2.Text(), "");
+  Type(window, "Text1", "1/1/2026");
+  test::Enter(window, "Text2");
+  Type(window, "Text2", "soon");
+  screen_->Expect(kNoDate, Icon::Exclamation);
+  test::Press(window.Text2, Qt::Key_Return);
+  EXPECT_TRUE(window.Text2.hasFocus());
+  test::Press(window.Text2, Qt::Key_Escape);
+  EXPECT_EQ(Count("Fiscal Periods"), "0");
+  ExpectVanished<frmPeriodsList>("Fiscal Periods", "Inventory #", {{"Period", 1}});
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+// The window of the posting run.
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QProgressBar>
+#include <set>
+
+#include "costing/forms/TransactionFixture.h"
+#include "costing/forms/frmRePost.h"
+#include "platform/controls/Application.h"
+
+namespace {
+
+using screen::Icon;
+
+class RePost : public test::TransactionTest {
+ protected:
+  static dw::frmRePost& Shown() {
+    auto& form = ui::The<dw::frmRePost>();
+    form.ShowForm();
+    test::Settle();
+    return form;
+  }
+};
+
+TEST_F(RePost, ShowsItsProgressAndIsNotClosedMeanwhile) {
+  fleet_.AddTransactions(8, [](int, test::Row&) { return std::string("TRK-1"); });
+  bool ended = false;
+  ui::InstallLastFormGone([&ended] { ended = true; });
+  auto& list = List();
+  auto& form = Shown();
+  EXPECT_EQ(form.windowTitle(), "Post Transactions ");
+  EXPECT_FALSE(form.pnlProgress->isVisible() || form.chkClear->isChecked());
+  form.chkClear->setChecked(true);
+  std::set<int> percents;
+  screen_->onEvents = [&] {
+    EXPECT_TRUE(form.pnlProgress->isVisible());
+    EXPECT_FALSE(form.cmdProceed->isEnabled() || form.cmdCancel->isEnabled());
+    EXPECT_EQ(form.lblStatus->text(), "Posting. Please stand by...");
+    form.close();
+    QTest::keyClick(&form, Qt::Key_Escape);
+    if (percents.empty()) {
+      // Others go on meanwhile: a window saves, the list is closed, which leaves this one as the last.
+      fleet_.Run("UPDATE [Vehicles] SET [Description] = 'saved meanwhile'");
+      list.Unload();
+    }
+    percents.insert(form.pnlProgress->value());
+    QCoreApplication::processEvents();
+  };
+  Expect("Posting is Complete.", Icon::Information);
+  screen_->onBox = [&](const screen::Box&) { EXPECT_FALSE(ended); };
+  test::Click(form, "cmdProceed");
+  EXPECT_EQ(percents, (std::set<int>{12, 25, 37, 50, 62, 75, 87, 100}));
+  EXPECT_TRUE(ended);
+  EXPECT_TRUE(ui::Forms().empty());
+  EXPECT_EQ(fleet_.Ask("SELECT [Description] FROM [Vehicles]"), "saved meanwhile");
+  EXPECT_TRUE(InStep());
+  ui::InstallLastFormGone({});
+}
+
+TEST_F(RePost, SurvivesTheEndOfItsWindow) {
+  fleet_.AddTransactions(8, [](int, test::Row&) { return std::string("TRK-1"); });
+  auto& form = Shown();
+  bool gone = false;
+  screen_->onEvents = [&] {
+    if (!gone) form.Unload();
+    gone = true;
+    test::Settle();
+  };
+  Expect("Posting is Complete.", Icon::Information);
+  test::Click(form, "cmdProceed");
+  EXPECT_EQ(fleet_.Ask("SELECT COUNT(*) FROM [Maintenance Transactions] WHERE [When Posted] IS NULL"), "0");
+}
+
+TEST_F(RePost, ARunOnAnEmptyTableEndsWithTheEnginesError) {
+  std::string told;
+  auto earlier = ui::InstallUncaught([&](std::exception_ptr error) { told = ui::UncaughtText(error); });
+  auto& form = Shown();
+  test::Click(form, "cmdProceed");
+  ui::InstallUncaught(std::move(earlier));
+  EXPECT_EQ(told.substr(0, 22), "Run-time error '3021':");
+  EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
+  EXPECT_NO_THROW(store::Connection::Open({.path = dw::DataFile, .share = store::Share::Exclusive}))
+      << "nothing is kept";
+  EXPECT_TRUE(form.cmdCancel->isEnabled());
+  test::Press(form, Qt::Key_Escape);
+  EXPECT_FALSE(IsOpen("frmRePost"));
+}
+
+}  // namespace

@@ -1,0 +1,265 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QTabBar>
+
+#include "data/BrackenfelGlobals.h"
+#include "fleet/forms/frmInventoryMaint.h"
+#include "platform/runtime/Clock.h"
+#include "support/OtherUser.h"
+#include "support/ScreenScript.h"
+#include "support/SmallFleet.h"
+#include "support/desktop/FormDriver.h"
+
+namespace {
+
+using screen::Answer;
+using screen::Buttons;
+using screen::Icon;
+
+constexpr const char* kNoAsset = "Unable to find asset to report.\r\nThis should never happen.";
+constexpr const char* kNoCode = "You must assign a unique Asset ID to this entry.";
+
+class AssetWindowTest : public testing::Test {
+ protected:
+  AssetWindowTest() {
+    dw::CurrentUserName = "Clerk";
+    fleet_.Add("Parameters", {{"ID", 1}, {"Internal_Fuel_Available", true}});
+    fleet_.Add("Fuel Types", {{"Description", "Unleaded"}});
+    fleet_.Add("Divisions", {{"Division ID", "N"}, {"Description", "North"}});
+  }
+  dw::frmInventoryMaint& Open(std::int32_t id, bool add = false) {
+    auto& window = ui::The<dw::frmInventoryMaint>();
+    window.LoadForm();
+    window.DataID = id;
+    window.AddMode = add;
+    window.ShowForm();
+    test::Settle();
+    return window;
+  }
+  dw::frmInventoryMaint& OpenNew() {
+    screen_->Expect(kNoAsset, Icon::Information);
+    return Open(-1, true);
+  }
+  std::string Ask(const std::string& column, std::int32_t id) {
+    return fleet_.Ask("SELECT [" + column + "] FROM [Vehicles] WHERE [ID] = " + std::to_string(id));
+  }
+  /// Whether another user would get the record now.
+  bool Free(std::int32_t id) {
+    try {
+      fleet_.Run("UPDATE [Vehicles] SET [Location ID] = 'X' WHERE [ID] = " + std::to_string(id));
+      return true;
+    } catch (const store::StoreError& error) {
+      EXPECT_EQ(error.Number(), 3260);
+      return false;
+    }
+  }
+  std::string Pictures() {
+    return fleet_.Ask("SELECT COUNT(*) FROM [Vehicles] WHERE [Photograph] IS NOT NULL");
+  }
+  void ShowPage(dw::frmInventoryMaint& window, int page) {
+    window.SSIndexTab1.setCurrentIndex(page);
+    test::Settle();
+  }
+
+  test::OtherUser other_;
+  test::SmallFleet fleet_;
+  rt::FixedClock clock_{rt::DateTime(2026, 3, 1, 14, 5, 9)};
+  test::ScreenScript screen_;
+  test::FormsEnd end_;
+};
+
+TEST_F(AssetWindowTest, AnAddedAssetIsStoredWithItsDatesAndCodes) {
+  auto& window = OpenNew();
+  EXPECT_EQ(window.windowTitle(), "Detail for New Asset");
+  const std::int32_t id = window.DataID;
+  EXPECT_EQ(Ask("Asset ID", id), "Null");
+  EXPECT_EQ(window.txtUsage.Text(), "0");
+  EXPECT_EQ(window.txtDueBy.Text(), "3/15/2026");
+
+  screen_->Expect(kNoCode, Icon::Information);
+  test::Click(window, "OKButton");
+  EXPECT_TRUE(window.AssetText.hasFocus());
+  test::Type(window, "AssetText", "trk-9");
+  test::Type(window, "Text9", "Dump truck");
+  test::Type(window, "Text14", "2x0y19");
+  test::Type(window, "Text16", "2/28/2019");
+  test::Type(window, "Text1", "$41,250.50");
+  window.dcDivisions.Choose("N");
+  window.dcFuelTypes.Choose(1);
+  test::Click(window, "OKButton");
+  ASSERT_EQ(ui::FindForm("frmInventoryMaint"), nullptr);
+  EXPECT_EQ(Ask("Asset ID", id), "TRK-9");
+  EXPECT_EQ(Ask("Model Year", id), "2019");
+  EXPECT_EQ(Ask("Purchase Date", id), "2/28/2019");
+  EXPECT_EQ(Ask("Replacement Date", id), "Null");
+  EXPECT_EQ(Ask("Purchase Price", id), "41250.5");
+  EXPECT_EQ(Ask("Division ID", id), "N");
+  EXPECT_EQ(Ask("Fuel Type", id), "1");
+  EXPECT_EQ(Ask("Notes", id), "Null");
+  EXPECT_EQ(Ask("Created By", id), "Clerk");
+  EXPECT_EQ(Ask("Updated By", id), "Null");
+  EXPECT_TRUE(Free(id));
+}
+
+TEST_F(AssetWindowTest, ACancelledAddLeavesNothing) {
+  auto& window = OpenNew();
+  EXPECT_FALSE(Free(window.DataID));
+  test::Type(window, "AssetText", "TRK-9");
+  test::Click(window, "CancelButton");
+  EXPECT_EQ(fleet_.Ask("SELECT COUNT(*) FROM [Vehicles]"), "0");
+}
+
+TEST_F(AssetWindowTest, ABlankCodeGetsNoChildren) {
+  auto& window = OpenNew();
+  const std::string words = "You cannot add maintenance items until you assign an Asset ID.";
+  screen_->Expect(words, Icon::Exclamation);
+  ShowPage(window, 1);
+  test::Press(window.grdMaintenance, Qt::Key_Insert);
+  screen_->Expect(words, Icon::Exclamation);
+  ShowPage(window, 4);
+  test::Press(window.OdometerGrid, Qt::Key_Insert);
+  screen_->Expect(kNoCode, Icon::Information);
+  ShowPage(window, 2);
+  test::Press(window.grdSchedule, Qt::Key_Insert);
+  EXPECT_EQ(ui::Forms().size(), 1U);
+}
+
+TEST_F(AssetWindowTest, AChildSavesTheAssetAndCancelUndoesOnlyWhatCameLater) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1", 1, {{"Description", "Old"}});
+  auto& window = Open(id);
+  EXPECT_EQ(window.windowTitle(), "Detail for Asset ID TRK-1");
+  EXPECT_FALSE(window.AssetText.isEnabled());
+  test::Type(window, "Text9", "Saved");
+  ShowPage(window, 4);
+  test::Press(window.OdometerGrid, Qt::Key_Insert);
+  auto& reading = test::Open("frmOdometerMaint");
+  EXPECT_EQ(Ask("Description", id), "Saved");
+  EXPECT_EQ(Ask("Updated By", id), "Clerk");
+  EXPECT_TRUE(Free(id)) << "while a child is open the asset is anybody's";
+  test::Type(reading, "Text8", "3/1/2026");
+  test::Type(reading, "MaskedEdit1", "1200");
+  test::Click(reading, "OKButton");
+  ASSERT_EQ(ui::ActiveForm(), &window);
+  EXPECT_EQ(window.OdometerGrid.RecordCount(), 1);
+  EXPECT_EQ(window.Text13.Text(), "X") << "what the other has changed meanwhile is shown";
+  EXPECT_NE(window.txtDue.Text().find("Latest mileage on file is 1200 on 3/1/2026"), std::string::npos);
+  EXPECT_FALSE(Free(id));
+  test::Type(window, "Text9", "Never kept");
+  test::Press(window.Text9, Qt::Key_Escape);
+  EXPECT_EQ(Ask("Description", id), "Saved");
+  EXPECT_TRUE(Free(id));
+}
+
+TEST_F(AssetWindowTest, AnAssetHeldElsewhereIsForReading) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  other_.Hold(fleet_.Path(), "SELECT * FROM [Vehicles] WHERE [ID] = " + std::to_string(id));
+  screen_->Expect(
+      "This record is apparently being updated elsewhere. You will not be able to change any information at "
+      "this "
+      "time.",
+      Icon::Information);
+  screen_->ExpectPart("Current Computers In Use:", Icon::Information);
+  auto& window = Open(id);
+  EXPECT_FALSE(window.OKButton->isEnabled());
+  EXPECT_FALSE(window.Text9.isEnabled());
+  EXPECT_FALSE(window.dcClasses.isEnabled());
+  EXPECT_TRUE(window.grdMaintenance.isEnabled());
+  test::Click(window, "CancelButton");
+  other_.Leave();
+}
+
+TEST_F(AssetWindowTest, PostedCostsHoldTheFuelTypeAndUnpostTakesTheWholeTable) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  fleet_.AddAsset("TRK-2");
+  const rt::Value posted(rt::DateTime(2026, 2, 1));
+  fleet_.AddTransaction("TRK-1", 2026, 3);
+  fleet_.AddTransaction("TRK-1", 2026, 3,
+                        {{"When Posted", posted}, {"Internal Fuel Cost", test::Money(12.5)}});
+  const std::int32_t others = fleet_.AddTransaction("TRK-2", 2026, 3, {{"When Posted", posted}});
+  auto& window = Open(id);
+  EXPECT_FALSE(window.dcFuelTypes.isEnabled());
+  EXPECT_TRUE(window.cmdUnpost->isEnabled());
+  EXPECT_EQ(window.grdMaintenance.RecordCount(), 2);
+  ShowPage(window, 1);
+  test::Click(window, "chkNonFuelOnly");
+  EXPECT_EQ(window.grdMaintenance.RecordCount(), 1);
+  test::Click(window, "chkNonFuelOnly");
+  for (int row = 0; row < 2; ++row)
+    for (const char* words :
+         {"Could not find Asset Period Cost record.", "Could not find Asset Annual Cost record.",
+          "Could not find Asset Lifetime Cost record.", "Could not find Fuel Annual Cost record.",
+          "Could not find Fuel Annual Cost record."})
+      screen_->Expect(words, Icon::Critical);
+  test::Click(window, "cmdUnpost");
+  EXPECT_EQ(fleet_.OfTransaction(others, "When Posted"), "Null");
+  EXPECT_FALSE(window.cmdUnpost->isEnabled());
+  EXPECT_TRUE(window.dcFuelTypes.isEnabled());
+}
+
+TEST_F(AssetWindowTest, ARenameReachesTheReadingsAndTakesTheRecordAgain) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  fleet_.AddAsset("TRK-2");
+  fleet_.Add("Odometer Entries", {{"Asset ID", "TRK-1"}, {"Mileage", 10.0F}});
+  auto& window = Open(id);
+  screen_->ExpectInput("Enter New Asset ID:", "trk-2");
+  screen_->Expect("The new Asset ID is already in use.", Icon::Information);
+  test::Click(window, "cmdRename");
+  EXPECT_FALSE(Free(id));
+  screen_->ExpectInput("Enter New Asset ID:", "");
+  screen_->Expect("Rename cancelled. No new ID given.", Icon::Information);
+  test::Click(window, "cmdRename");
+  screen_->ExpectInput("Enter New Asset ID:", "TRK-9");
+  test::Click(window, "cmdRename");
+  EXPECT_EQ(window.AssetText.Text(), "TRK-9");
+  EXPECT_EQ(window.windowTitle(), "Detail for Asset ID TRK-9");
+  EXPECT_EQ(window.OdometerGrid.RecordCount(), 1);
+  EXPECT_FALSE(Free(id));
+}
+
+TEST_F(AssetWindowTest, ADateThatIsNoneKeepsTheFocusButNotAnybodyFromCancel) {
+  auto& window = Open(fleet_.AddAsset("TRK-1"));
+  test::Type(window, "Text3", "soon");
+  screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
+  QTest::keyClick(&window.Text3, Qt::Key_Tab);
+  test::Settle();
+  EXPECT_TRUE(window.Text3.hasFocus());
+  screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
+  test::Press(window.Text3, Qt::Key_Return);
+  ASSERT_EQ(ui::FindForm("frmInventoryMaint"), &window);
+  test::Click(window, "CancelButton");
+  EXPECT_EQ(ui::FindForm("frmInventoryMaint"), nullptr);
+}
+
+TEST_F(AssetWindowTest, APictureComesInAndGoesOut) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  const std::string path = fleet_.Path("truck.bmp");
+  QImage truck(40, 30, QImage::Format_RGB32);
+  truck.fill(Qt::red);
+  ASSERT_TRUE(truck.save(QString::fromStdString(path)));
+  auto& window = Open(id);
+  EXPECT_EQ(window.cmdPicture[1]->text(), "&Add Photo");
+  EXPECT_FALSE(window.cmdPicture[0]->isEnabled());
+
+  test::Click(window, "cmdPicture(1)");
+  auto& picker = test::Open("frmGetPictureFile");
+  window.SetPhoto(path);
+  picker.Unload();
+  test::Settle();
+  EXPECT_EQ(window.cmdPicture[1]->text(), "&Update Photo");
+  EXPECT_EQ(Pictures(), "1") << "stored at once, with the record";
+  EXPECT_EQ(window.Photo(), "");
+  test::Click(window, "cmdPicture(0)");
+  test::Open("frmAssetPicture").Unload();
+  test::Settle();
+  window.SetRemovePhoto(true);
+  test::Click(window, "cmdPicture(1)");
+  test::Open("frmGetPictureFile").Unload();
+  test::Settle();
+  EXPECT_EQ(window.cmdPicture[1]->text(), "&Add Photo");
+  EXPECT_EQ(Pictures(), "1") << "until OK";
+  test::Click(window, "OKButton");
+  EXPECT_EQ(Pictures(), "0");
+}
+
+}  // namespace

@@ -1,0 +1,109 @@
+// The window that asks how far ahead the report of what is due looks.
+#include <sys/stat.h>
+
+#include <QPushButton>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "fleet/forms/frmMaintenanceDueReport.h"
+#include "platform/runtime/Clock.h"
+#include "platform/system/Machine.h"
+#include "support/DueFleet.h"
+#include "support/Program.h"
+#include "support/ScreenScript.h"
+#include "support/desktop/FormDriver.h"
+
+namespace {
+
+using screen::Icon;
+
+/// The log stands beside the program, which is the test itself.
+class MaintenanceDueReport : public testing::Test {
+ protected:
+  MaintenanceDueReport() {
+    std::filesystem::remove(log_);
+    std::ofstream(viewer_) << "#!/bin/sh\ncp \"$1\" '" << folder_.Path("part") << "'; mv '"
+                           << folder_.Path("part") << "' '" << folder_.Path("seen") << "'\n";
+    chmod(viewer_.c_str(), 0755);
+    setenv("DROVEWRIGHT_VIEWER", viewer_.c_str(), 1);
+  }
+  ~MaintenanceDueReport() override {
+    unsetenv("DROVEWRIGHT_VIEWER");
+    std::filesystem::remove(log_);
+  }
+  static dw::frmMaintenanceDueReport& Shown() {
+    auto& form = ui::The<dw::frmMaintenanceDueReport>();
+    form.ShowForm();
+    test::Settle();
+    return form;
+  }
+  static bool IsOpen() { return ui::FindForm("frmMaintenanceDueReport") != nullptr; }
+  static std::string Content(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  test::DueFleet fleet_;
+  test::TempDirectory folder_;
+  std::string log_ = sys::ProgramDirectory() + "/Maintenance Report.Log";
+  std::string viewer_ = folder_.Path("viewer");
+  rt::FixedClock clock_{rt::DateTime(2026, 3, 15, 10, 30, 0)};
+  test::ScreenScript screen_;
+  test::FormsEnd end_;
+};
+
+TEST_F(MaintenanceDueReport, WritesTheReportAndShowsIt) {
+  fleet_.Type(1, "Inspection");
+  fleet_.Asset("V1", "#2/1/2025#");
+  fleet_.Line("V1", "1", "12", "NULL");
+  auto& form = Shown();
+  EXPECT_EQ(form.txtUsage.Text(), "500");
+  EXPECT_EQ(form.Text1.Text(), "3/29/2026");
+  EXPECT_EQ(form.Text1.selectedText(), "3/29/2026") << "marked as the focus comes in";
+  test::Type(form, "Text1", "");
+  test::Type(form, "txtUsage", "-7x.5");
+  EXPECT_EQ(form.txtUsage.Text(), "7.5");
+  test::Enter(form, "Text1");
+  EXPECT_EQ(form.Text1.selectedText(), "3/15/2026") << "an empty one is today";
+  test::Press(form.Text1, Qt::Key_Return);
+  EXPECT_FALSE(IsOpen());
+  EXPECT_NE(Content(log_).find("Items due in the next 7.5 mile(s) or by 3/15/2026\r\n"), std::string::npos);
+  EXPECT_NE(Content(log_).find("Inspection due on 2/1/2026\r\n"), std::string::npos);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(folder_.Path("seen")); }, 20000));
+  EXPECT_EQ(Content(folder_.Path("seen")), Content(log_));
+
+  setenv("DROVEWRIGHT_VIEWER", folder_.Path("missing").c_str(), 1);
+  screen_->Expect("The report stands in '" + log_ + "', but no viewer could be started for it.",
+                  Icon::Exclamation);
+  test::Click(Shown(), "cmdProceed");
+  EXPECT_FALSE(IsOpen());
+}
+
+TEST_F(MaintenanceDueReport, WhatCannotBeReadIsToldAndTheWindowStays) {
+  screen_->Expect("There are no assets in service to report.", Icon::Information);
+  test::Click(Shown(), "cmdProceed");
+  EXPECT_FALSE(IsOpen());
+
+  fleet_.Type(1, "Inspection");
+  fleet_.Asset("V1", "#2/1/2025#");
+  fleet_.Line("V1", "1", "12", "100");
+  auto& form = Shown();
+  const std::pair<const char*, const char*> cases[] = {
+      {"soon", "500"}, {"3/29/2026", ""}, {"3/29/2026", "1.2.3"}};
+  for (const auto& [date, usage] : cases) {
+    test::Type(form, "Text1", date);
+    test::Type(form, "txtUsage", usage);
+    screen_->ExpectPart("No maintenance report was written.", Icon::Critical);
+    test::Click(form, "cmdProceed");
+    ASSERT_TRUE(IsOpen()) << date << usage;
+    EXPECT_TRUE(form.cmdProceed->isEnabled() && form.cmdCancel->isEnabled());
+    EXPECT_FALSE(std::filesystem::exists(log_));
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder_.Path("seen")));
+  test::Press(form, Qt::Key_Escape);
+  EXPECT_FALSE(IsOpen());
+}
+
+}  // namespace

@@ -1,0 +1,132 @@
+#include "shell/forms/BFLogon.h"
+
+#include <fstream>
+
+#include "ShellTest.h"
+
+namespace {
+
+using screen::Icon;
+
+constexpr const char* kIncorrect =
+    "Your User Name/Password combination is incorrect.\nPlease re-enter the correct combination or see your\n"
+    "System Administrator for assistance.";
+constexpr const char* kNotAuthorized =
+    "Your User Name/Password combination is not authorized.\nSee your System Administrator.";
+constexpr const char* kNotAllowed = "Access not allowed.\nSee your System Administrator.";
+constexpr const char* kNamePrompt =
+    "Your workstation does not have a Brackenfel name.\r\rYou must provide it a name and report it to "
+    "your\rSystem Administrator before access is allowed.";
+
+class BFLogonTest : public test::ShellTest {
+ protected:
+  dw::BFLogon& Show() {
+    dw::ShowLogon();
+    test::Settle();
+    return static_cast<dw::BFLogon&>(test::Open("BFLogon"));
+  }
+  /// The window closed, and the program has come to its end without another window.
+  void ExpectOver() {
+    test::Settle();
+    EXPECT_TRUE(ui::Forms().empty());
+    EXPECT_EQ(Ask("SELECT COUNT(*) FROM [Access Log]"), "0");
+  }
+};
+
+TEST_F(BFLogonTest, TriesAgainUntilNameAndPasswordFitAndWritesTheLog) {
+  NameWorkstation("Front Desk");
+  dw::BFLogon& form = Show();
+  EXPECT_EQ(form.windowTitle(), "Brackenfel for Windows Logon");
+  EXPECT_EQ(form.WorkstationLabel.text(), "Front Desk");
+  EXPECT_EQ(dw::WorkstationName, "Front Desk");
+  EXPECT_FALSE(dw::FirstRunPending);
+  EXPECT_EQ(sys::GetSetting("DW", "Control", "Initialized"), "Yes");
+  EXPECT_TRUE(form.Text1.hasFocus());
+
+  // While the box is up nothing can be clicked a second time.
+  screen_->onBox = [&](const screen::Box&) {
+    EXPECT_FALSE(form.Text1.isEnabled() || form.Text2.isEnabled() || form.OKButton.isEnabled() ||
+                 form.Cancel.isEnabled());
+  };
+  screen_->Expect(kIncorrect, Icon::Critical);
+  test::Type(form, "Text1", "nobody");
+  test::Press(form.Text1, Qt::Key_Return);
+  EXPECT_TRUE(form.OKButton.isEnabled() && form.Text2.isEnabled() && form.Cancel.isEnabled());
+  EXPECT_TRUE(form.Text1.hasFocus());
+  EXPECT_EQ(form.Text1.selectedText(), "nobody");
+  QTest::keyClicks(&form.Text1, "mcarthur");
+  EXPECT_EQ(form.Text1.Text(), "mcarthur");
+
+  screen_->Expect(kNotAuthorized, Icon::Critical);
+  test::Type(form, "Text2", "wrong");
+  EXPECT_EQ(form.Text2.displayText(), "*****");
+  test::Click(form, "OKButton");
+  EXPECT_EQ(form.Attempts, 2);
+  test::Enter(form, "Text2");
+  EXPECT_TRUE(form.Text2.hasSelectedText());
+
+  test::Type(form, "Text2", "sECRET");
+  test::Press(form.Text2, Qt::Key_Return);
+  EXPECT_EQ(ui::FindForm("BFLogon"), nullptr);
+  EXPECT_EQ(dw::CurrentUserName, "McArthur");
+  EXPECT_EQ(Ask("SELECT [Computer ID] FROM [Access Log] WHERE [User ID] = 3 AND [Time Out] IS NULL"), "11");
+  EXPECT_TRUE(test::Open("Startup").isVisible());
+  EXPECT_EQ(ui::Forms().size(), 1U);
+}
+
+TEST_F(BFLogonTest, ARefusalOrCancelEndsTheProgram) {
+  NameWorkstation("Front Desk");
+  dw::BFLogon& refused = Show();
+  screen_->Expect(kNotAllowed, Icon::Critical);
+  test::Type(refused, "Text1", "Former");
+  test::Click(refused, "OKButton");
+  ExpectOver();
+
+  // A machine that nobody has entered: the same words, and no second try either.
+  NameWorkstation("Attic");
+  dw::BFLogon& unknown = Show();
+  screen_->Expect(kNotAllowed, Icon::Critical);
+  test::Type(unknown, "Text1", "Clerk");
+  test::Click(unknown, "OKButton");
+  ExpectOver();
+
+  test::Press(Show().Text1, Qt::Key_Escape);
+  ExpectOver();
+}
+
+TEST_F(BFLogonTest, AsksForTheNameOfTheWorkstation) {
+  const std::string longest = "Twenty letters 67890";
+  screen_->ExpectInput(kNamePrompt, longest + "1");
+  screen_->Expect("The workstation name should be 20 characters or less. Please re-enter.",
+                  Icon::Information);
+  screen_->ExpectInput(kNamePrompt, longest);
+  dw::BFLogon& named = Show();
+  EXPECT_EQ(named.WorkstationLabel.text().toStdString(), longest);
+  EXPECT_EQ(sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name"), longest);
+  // Named, but not entered by an administrator yet: nobody gets in.
+  screen_->Expect(kNotAllowed, Icon::Critical);
+  test::Type(named, "Text1", "Clerk");
+  test::Click(named, "OKButton");
+  ExpectOver();
+
+  sys::DeleteSetting("Brackenfel Software", "Settings", "Workstation Name");
+  screen_->ExpectInput(kNamePrompt, "");
+  dw::ShowLogon();
+  ExpectOver();
+  EXPECT_EQ(sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name", "none"), "none");
+}
+
+TEST_F(BFLogonTest, AUsersFileThatIsNoDataFileEndsTheProgram) {
+  NameWorkstation("Front Desk");
+  dw::BFLogon& form = Show();
+  { std::ofstream(files_.Path("BROKEN.MDB")) << "no data file"; }
+  dw::UsersConnect = dw::FileConnect(files_.Path("BROKEN.MDB"));
+  screen_->ExpectPart("trying to open connection.", Icon::Critical);
+  screen_->Expect("There is a problem with the registry entry for opening the connection '" +
+                      dw::UsersConnect + "'.\rApplication is being terminated.",
+                  Icon::Critical);
+  test::Click(form, "OKButton");
+  ExpectOver();
+}
+
+}  // namespace

@@ -1,0 +1,183 @@
+#include "shell/forms/HelpWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTextBrowser>
+#include <QToolButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include "shell/Help.h"
+#include "shell/forms/HelpKey.h"
+#include "shell/forms/HelpResults.h"
+#include "support/ScreenScript.h"
+#include "support/TempDirectory.h"
+#include "support/desktop/FormDriver.h"
+
+namespace {
+
+/// A form with one field.
+class SomeForm : public ui::Form {
+ public:
+  explicit SomeForm(const char* name) : Form(name) { (new QVBoxLayout(this))->addWidget(&Text1); }
+  QLineEdit Text1;
+};
+
+class HelpWindowTest : public testing::Test {
+ protected:
+  HelpWindowTest() {
+    static const bool installed = (dw::InstallHelpKey(*qApp), true);
+    EXPECT_TRUE(installed);
+    dw::UseHelpDirectory(HELP_PAGES);
+  }
+  ~HelpWindowTest() override {
+    delete Window();
+    dw::SetUpHelp();
+  }
+  static dw::HelpWindow* Window() {
+    for (QWidget* widget : QApplication::allWidgets())
+      if (auto* window = dynamic_cast<dw::HelpWindow*>(widget)) return window;
+    return nullptr;
+  }
+  static std::string Page() {
+    return Window() == nullptr ? "no window" : Window()->txtPage->source().fileName().toStdString();
+  }
+  static std::string Chosen() {
+    const auto* item = Window()->treContents->currentItem();
+    return item == nullptr ? "" : item->text(0).toStdString();
+  }
+
+  test::ScreenScript user_;
+  test::FormsEnd end_;
+};
+
+TEST_F(HelpWindowTest, F1ExplainsTheWindowInFront) {
+  auto* list = new SomeForm("frmDivisionList");
+  auto* detail = new SomeForm("frmDivisionMaint");
+  list->ShowForm();
+  detail->ShowForm();
+  test::Press(detail->Text1, Qt::Key_F1);
+  EXPECT_EQ(Page(), "frmDivisionList.html");
+  EXPECT_EQ(Window()->txtPage->source().fragment(), "frmDivisionMaint");
+  EXPECT_TRUE(Window()->isVisible());
+  EXPECT_TRUE(Window()->windowTitle().startsWith("Divisions"));
+  EXPECT_EQ(ui::Forms().size(), 2U);  // the help is none of them
+
+  test::Press(list->Text1, Qt::Key_F1);
+  EXPECT_EQ(Window()->txtPage->source().fragment(), "");
+  test::Press(*Window()->txtPage, Qt::Key_F1);
+  EXPECT_EQ(Page(), "HelpWindow.html");
+
+  auto* unknown = new SomeForm("frmWithoutPage");
+  unknown->ShowForm();
+  test::Press(unknown->Text1, Qt::Key_F1);
+  EXPECT_EQ(Page(), "contents.html");
+  QTest::keyClick(&list->Text1, Qt::Key_F1, Qt::ShiftModifier);
+  EXPECT_EQ(Page(), "contents.html");
+  test::Press(*Window()->txtPage, Qt::Key_Escape);
+  EXPECT_EQ(Window(), nullptr);
+}
+
+TEST_F(HelpWindowTest, OverAMessageTheFormIsExplained) {
+  auto* form = new SomeForm("frmOdometerMaint");
+  form->ShowForm();
+  QPointer<dw::HelpWindow> help;
+  {
+    QMessageBox box(QMessageBox::Critical, "Drovewright", "You forgot to fill in the mileage.");
+    box.open();
+    test::Settle();
+    ASSERT_EQ(QApplication::activeModalWidget(), &box);
+    test::Press(*box.button(QMessageBox::Ok), Qt::Key_F1);
+    help = Window();
+    EXPECT_EQ(Page(), "frmOdometerList.html");
+    // Only a window of the modal one can be used now; and it must not go with it.
+    EXPECT_EQ(help->parentWidget(), &box);
+    box.accept();
+    test::Settle();
+  }
+  ASSERT_FALSE(help.isNull());
+  EXPECT_EQ(help->parentWidget(), nullptr);
+  EXPECT_TRUE(help->isVisible());
+}
+
+TEST_F(HelpWindowTest, AModalWindowBelowAnotherOneKeepsTheHelp) {
+  QMessageBox lower;
+  lower.open();
+  dw::ShowHelpFor("BFLogon");
+  {
+    QMessageBox upper(&lower);
+    upper.open();
+    dw::ShowHelpContents();
+    EXPECT_EQ(Window()->parentWidget(), &upper);
+    upper.accept();
+    test::Settle();
+  }
+  ASSERT_NE(Window(), nullptr);
+  EXPECT_EQ(Window()->parentWidget(), &lower);
+  lower.accept();
+  test::Settle();
+}
+
+TEST_F(HelpWindowTest, SearchShowsPagesAndMarksWords) {
+  dw::ShowHelpSearch();
+  dw::HelpWindow& help = *Window();
+  EXPECT_EQ(help.focusWidget(), help.txtSearch);
+  QTest::keyClicks(help.txtSearch, "Posting is complete");
+  ASSERT_GT(help.lstResults->Found(), 0);
+  EXPECT_TRUE(help.lstResults->isVisible());
+  EXPECT_FALSE(help.treContents->isVisible());
+  test::Press(*help.txtSearch, Qt::Key_Down);
+  EXPECT_EQ(help.focusWidget(), help.lstResults);
+  EXPECT_EQ(Page(), "frmRePost.html");
+  EXPECT_FALSE(help.txtPage->extraSelections().isEmpty());
+  EXPECT_GT(help.txtPage->textCursor().position(), 0);
+
+  help.EnterSearch();
+  QTest::keyClicks(help.txtSearch, "zzz");
+  EXPECT_EQ(help.lstResults->Found(), 0);
+  EXPECT_EQ(help.lstResults->count(), 1);
+  test::Press(*help.txtSearch, Qt::Key_Return);  // nothing to open
+  EXPECT_EQ(Page(), "frmRePost.html");
+  test::Press(*help.txtSearch, Qt::Key_Escape);
+  EXPECT_TRUE(help.treContents->isVisible());
+  EXPECT_TRUE(help.txtPage->extraSelections().isEmpty());
+
+  QTest::keyClicks(help.txtSearch, "fiscal year");
+  test::Press(*help.txtSearch, Qt::Key_Return);
+  EXPECT_EQ(Page(), "frmFiscalYearSetup.html");
+}
+
+TEST_F(HelpWindowTest, ContentsBackAndForward) {
+  dw::ShowHelpContents();
+  dw::HelpWindow& help = *Window();
+  EXPECT_EQ(Page(), "contents.html");
+  EXPECT_EQ(Chosen(), "");
+  auto* topics = help.treContents->topLevelItem(0);
+  help.treContents->setCurrentItem(topics->child(1));
+  EXPECT_EQ(Page(), "costs.html");
+  help.ShowPage("frmRePost.html");
+  EXPECT_EQ(Chosen(), "Post Transactions");
+  EXPECT_FALSE(help.cmdForward->isEnabled());
+  test::Click(help, "cmdBack");
+  EXPECT_EQ(Page(), "costs.html");
+  QTest::keyClick(help.txtPage, Qt::Key_Right, Qt::AltModifier);
+  EXPECT_EQ(Page(), "frmRePost.html");
+  test::Click(help, "cmdContents");
+  EXPECT_EQ(Page(), "contents.html");
+}
+
+TEST_F(HelpWindowTest, MissingPagesAreTold) {
+  test::TempDirectory empty;
+  dw::UseHelpDirectory(empty.Path());
+  for (int i = 0; i < 3; ++i) user_->ExpectPart(empty.Path(), screen::Icon::Exclamation);
+  dw::ShowHelpContents();
+  dw::ShowHelpSearch();
+  dw::ShowHelpFor("mnuDW");
+  EXPECT_EQ(Window(), nullptr);
+}
+
+}  // namespace

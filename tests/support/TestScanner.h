@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "platform/scan/Scanner.h"
+#include "support/TempDirectory.h"
+
+namespace test {
+
+/// The scanner drivers' configuration of this process: never the machine's own, so that no test looks for
+/// real scanners. It is set before anything can load the drivers, which read the place only once.
+class ScannerConfiguration {
+ public:
+  ScannerConfiguration() {
+    setenv("SANE_CONFIG_DIR", directory_.Path().c_str(), 1);
+    unsetenv("SANE_DEFAULT_DEVICE");
+    Write("dll.conf", "");
+  }
+  void Write(const std::string& file, const std::string& lines) const {
+    std::ofstream(directory_.Path(file)) << lines;
+  }
+
+ private:
+  TempDirectory directory_;
+};
+inline const ScannerConfiguration scannerConfiguration;
+
+/// The drivers' own device for tests, connected for as long as this lives; it draws a pattern of colours.
+class TestScanner {
+ public:
+  /// `lines` are added to its configuration.
+  explicit TestScanner(const std::string& lines = {}) {
+    scannerConfiguration.Write("test.conf",
+                               "number_of_devices 1\nmode Color\ndepth 8\nresolution 50\n"
+                               "test-picture \"Color pattern\"\nhand-scanner false\nthree-pass false\n"
+                               "read-status-code \"Default\"\n" +
+                                   lines);
+    scannerConfiguration.Write("dll.conf", "test\n");
+  }
+  ~TestScanner() { scannerConfiguration.Write("dll.conf", ""); }
+  TestScanner(const TestScanner&) = delete;
+  TestScanner& operator=(const TestScanner&) = delete;
+
+  /// Whether this machine has the driver at all.
+  static bool Installed() { return sys::MakeScanner()->Available(); }
+};
+
+}  // namespace test
