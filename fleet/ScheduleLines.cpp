@@ -29,13 +29,10 @@ void Ask(const std::string& query, const std::function<void(ado::Recordset&)>& r
                        screen::Icon::Critical);
 }
 
-std::string LinesOf(const std::string& assetID) {
-  return " FROM [Maintenance Schedule] WHERE [Asset ID] = '" + QuoteSQL(assetID) + "'";
-}
-
 std::int16_t LowestFree(const std::string& assetID) {
   std::int16_t free = 1;
-  Ask("SELECT [Line Item]" + LinesOf(assetID) + " AND [Line Item] > 0 ORDER BY [Line Item]",
+  Ask("SELECT [Line Item] FROM [Maintenance Schedule] WHERE [Asset ID] = '" + QuoteSQL(assetID) +
+          "' AND [Line Item] > 0 ORDER BY [Line Item]",
       [&](ado::Recordset& lines) {
         // The same number may be there twice.
         for (; !lines.AtEnd() && lines.Get(0).AsInteger() <= free && free < kHighest; lines.MoveNext())
@@ -48,9 +45,11 @@ std::int16_t LowestFree(const std::string& assetID) {
 
 std::int16_t NextLineItem(const std::string& assetID) {
   rt::Value highest;
-  Ask("SELECT [Line Item]" + LinesOf(assetID) + " ORDER BY [Line Item] DESC", [&](ado::Recordset& lines) {
-    if (!lines.AtEnd()) highest = lines.Get(0);
-  });
+  Ask("SELECT [Line Item] FROM [Maintenance Schedule] WHERE [Asset ID] = '" + QuoteSQL(assetID) +
+          "' ORDER BY [Line Item] DESC",
+      [&](ado::Recordset& lines) {
+        if (!lines.AtEnd()) highest = lines.Get(0);
+      });
   if (highest.IsNull()) return 1;
   if (highest.AsInteger() == kHighest) return LowestFree(assetID);
   return static_cast<std::int16_t>(highest.AsInteger() + 1);
@@ -58,8 +57,8 @@ std::int16_t NextLineItem(const std::string& assetID) {
 
 bool LineItemInUse(const std::string& assetID, std::int32_t lineItem, std::int32_t id) {
   bool inUse = false;
-  Ask("SELECT *" + LinesOf(assetID) + " AND [Line Item] = " + std::to_string(lineItem) + " AND [ID] <> " +
-          std::to_string(id),
+  Ask("SELECT * FROM [Maintenance Schedule] WHERE [Asset ID] = '" + QuoteSQL(assetID) +
+          "' AND [Line Item] = " + std::to_string(lineItem) + " AND [ID] <> " + std::to_string(id),
       [&](ado::Recordset& lines) { inUse = !lines.AtEnd(); });
   return inUse;
 }

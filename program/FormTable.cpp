@@ -4,21 +4,39 @@
 #include "costing/forms/frmPeriodsList.h"
 #include "costing/forms/frmPriceLogList.h"
 #include "costing/forms/frmPricingList.h"
+#include "costing/forms/frmRePost.h"
+#include "costing/forms/frmTransactionList.h"
 #include "fleet/forms/frmClassList.h"
 #include "fleet/forms/frmDivisionList.h"
+#include "fleet/forms/frmInventoryList.h"
+#include "fleet/forms/frmMaintenanceDueReport.h"
+#include "fleet/forms/frmOdometerList.h"
 #include "fleet/forms/frmScheduleTypesList.h"
 #include "shell/forms/MenuTree.h"
 
 namespace dw {
+namespace {
+
+template <class Window>
+void Register(const char* name) {
+  InstallMenuTarget(name, [] { ui::The<Window>().ShowForm(); });
+}
+
+}  // namespace
 
 void RegisterForms() {
-  InstallMenuTarget("frmPriceLogList", [] { ui::The<frmPriceLogList>().ShowForm(); });
-  InstallMenuTarget("frmPricingList", [] { ui::The<frmPricingList>().ShowForm(); });
-  InstallMenuTarget("frmClassList", [] { ui::The<frmClassList>().ShowForm(); });
-  InstallMenuTarget("frmDivisionList", [] { ui::The<frmDivisionList>().ShowForm(); });
-  InstallMenuTarget("frmPeriodsList", [] { ui::The<frmPeriodsList>().ShowForm(); });
-  InstallMenuTarget("frmFuelTypesList", [] { ui::The<frmFuelTypesList>().ShowForm(); });
-  InstallMenuTarget("frmScheduleTypesList", [] { ui::The<frmScheduleTypesList>().ShowForm(); });
+  Register<frmInventoryList>("frmInventoryList");
+  Register<frmPriceLogList>("frmPriceLogList");
+  Register<frmPricingList>("frmPricingList");
+  Register<frmOdometerList>("frmOdometerList");
+  Register<frmTransactionList>("frmTransactionList");
+  Register<frmMaintenanceDueReport>("frmMaintenanceDueReport");
+  Register<frmClassList>("frmClassList");
+  Register<frmDivisionList>("frmDivisionList");
+  Register<frmPeriodsList>("frmPeriodsList");
+  Register<frmFuelTypesList>("frmFuelTypesList");
+  Register<frmScheduleTypesList>("frmScheduleTypesList");
+  Register<frmRePost>("frmRePost");
 }
 
 }  // namespace dw

@@ -66,7 +66,7 @@ void frmGetPictureFile::LayOut() {
   imgPreview.setAccessibleName("Preview of the file");
   for (QWidget* list : std::initializer_list<QWidget*>{&Dir1, &File1}) {
     list->setMinimumWidth(fontMetrics().averageCharWidth() * 32);
-    list->setMinimumHeight(fontMetrics().height() * 12);
+    list->setMinimumHeight(fontMetrics().height() * 16);
   }
   auto* drive = new QHBoxLayout;
   drive->addWidget(ui::Prompt("&Drive:", Drive1));
@@ -101,6 +101,7 @@ QLayout* frmGetPictureFile::LayOutRight() {
   checks->addWidget(&chkTrace);
   checks->addStretch(1);
   auto* column = new QVBoxLayout;
+  column->setSpacing(8);
   column->addWidget(&imgPreview, 1);
   column->addWidget(&ImgEdit1, 1);
   column->addWidget(&Frame1);

@@ -38,7 +38,7 @@ bool AskScanSetup(QWidget* over, sys::ScanSetup& setup) {
   auto* rows = new FieldRows;
   rows->addWidget(Caption(setup.device), 0, 0, 1, 2);
   rows->Row("&Resolution:", {&resolutions});
-  rows->Row("Color Colour &mode:mode:", {&modes});
+  rows->Row("Color &mode:", {&modes});
   auto* scan = new QPushButton("&Scan");
   auto* cancel = new QPushButton("Cancel");
   scan->setObjectName("OKButton");

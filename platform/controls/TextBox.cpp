@@ -95,7 +95,11 @@ void TextBox::focusInEvent(QFocusEvent* event) {
   // A click marks the whole once; the next one sets the caret.
   if (selectOnEntry_)
     QMetaObject::invokeMethod(
-        this, [this] { selectAll(); }, Qt::QueuedConnection);
+        this,
+        [this] {
+          if (hasFocus()) selectAll();
+        },
+        Qt::QueuedConnection);
   if (selectOnEntry_) selectAll();
 }
 

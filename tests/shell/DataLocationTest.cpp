@@ -7,10 +7,8 @@
 #include <fstream>
 
 #include "data/Application.h"
-#include "data/GenericDAO.h"
 #include "platform/system/Settings.h"
 #include "support/ScreenScript.h"
-#include "support/SmallFile.h"
 #include "support/TempDirectory.h"
 
 namespace {
@@ -73,12 +71,9 @@ TEST_F(DataLocationTest, TheCodeDecidesTheKindOfDataSource) {
   // One code leaves the choice to the user, once.
   user_->Expect("Are you using an Access version of Drovewright? ", Icon::None, Buttons::YesNo, Answer::No);
   dw::SetDataSourceKind("RZ");
+  dw::SetDataSourceKind("RZ");
   EXPECT_TRUE(dw::UseSQLServer);
   EXPECT_EQ(Kept("RZ", "Data", "Datasource Type"), "SQL Server");
-  dw::SetDataSourceKind("RZ");
-  Keep("RZ", "Data", "Datasource Type", "Access");
-  dw::SetDataSourceKind("RZ");
-  EXPECT_TRUE(dw::UseAccess);
 }
 
 TEST_F(DataLocationTest, OldPlacesOfTheSystemPathAreCleaned) {
@@ -102,10 +97,6 @@ TEST_F(DataLocationTest, OldPlacesOfTheSystemPathAreCleaned) {
   dw::CleanOldSettings();
   EXPECT_EQ(Kept("PK", "Data", "PK Data Path"), "/srv/system/");
   EXPECT_EQ(Kept("DW", "Data", "PK Data Path"), "nothing");
-
-  Keep("PK", "PK", "PK Data Path", "/srv/kept/");
-  dw::CleanOldSettings("PK");
-  EXPECT_EQ(Kept("PK", "PK", "PK Data Path"), "/srv/kept/");
 }
 
 TEST_F(DataLocationTest, FilesAreFoundWhateverTheirLetters) {
@@ -123,20 +114,13 @@ TEST_F(DataLocationTest, FilesAreFoundWhateverTheirLetters) {
   EXPECT_EQ(dw::UsersFile, data + "/DW_USERS.MDB");
   EXPECT_EQ(dw::SandsFile, data + "/dw_sands.MDB");
   EXPECT_EQ(dw::ListsFile, data + "/DW_LISTS.MDB");
-  EXPECT_EQ(dw::DataConnect, "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + data +
-                                 "/dw.mdb;Persist Security Info=False;User ID=admin;Password=;");
-  EXPECT_EQ(dw::ListsConnect, "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + data +
-                                  "/DW_LISTS.MDB;Persist Security Info=False");
+  EXPECT_EQ(dw::DataConnect, dw::MainFileConnect(data + "/dw.mdb"));
+  EXPECT_EQ(dw::ListsConnect, dw::FileConnect(data + "/DW_LISTS.MDB"));
   EXPECT_TRUE(dw::HasSystemData);
   EXPECT_EQ(dw::SystemFile, system + "/bfsys.mdb");
-  EXPECT_NE(dw::SystemConnect.find(dw::SystemFile), std::string::npos);
   struct stat state {};
   ASSERT_EQ(stat(dw::DataFile.c_str(), &state), 0);
   EXPECT_NE(state.st_mode & S_IWUSR, 0U);
-
-  sys::DeleteSetting("PK", "Data", "PK Data Path");
-  ASSERT_TRUE(Locate());
-  EXPECT_FALSE(dw::HasSystemData);
 }
 
 TEST_F(DataLocationTest, AMissingFileIsAskedForUntilItIsFound) {
@@ -172,17 +156,6 @@ TEST_F(DataLocationTest, AServerIsAskedForUntilItIsKnown) {
   EXPECT_EQ(dw::DataConnect, dw::ServerConnect("HAULER", "Keelwatch"));
   EXPECT_EQ(dw::UsersFile, data + "/TH_USERS.MDB");
   EXPECT_EQ(dw::ListsFile, "");
-
-  Keep("TH", "Data", "Trusted Connection", "No");
-  Keep("TH", "Data", "Server User ID", "anna");
-  Keep("TH", "Data", "Server Password", "secret");
-  EXPECT_TRUE(Locate("TH"));
-  EXPECT_EQ(dw::DataConnect, dw::ServerConnect("HAULER", "Keelwatch", "anna", "secret"));
-
-  dw::InstallServerLoginForm({});
-  sys::DeleteSetting("TH", "Data", "Server Name");
-  user_->ExpectPart("The database server is not known.", Icon::Critical);
-  EXPECT_THROW(Locate("TH"), dw::ApplicationEnd);
 }
 
 TEST_F(DataLocationTest, AChosenDirectoryBelongsToTheFileThatWasMissing) {
@@ -201,25 +174,6 @@ TEST_F(DataLocationTest, AChosenDirectoryBelongsToTheFileThatWasMissing) {
   dw::TakeDirectory(data, "DW.MDB");
   EXPECT_EQ(dw::DataConnect,
             "Driver={SQL Server};Integrated Security=SSPI;Server=HAULER;Database=Keelwatch;");
-}
-
-TEST_F(DataLocationTest, TheFirstRunIsNotedOnce) {
-  dw::BeginSignOn();
-  EXPECT_TRUE(dw::FirstRunPending);
-  EXPECT_EQ(dw::DataUserID, "admin");
-  dw::SettleFirstRun();
-  EXPECT_FALSE(dw::FirstRunPending);
-  EXPECT_EQ(Kept("DW", "Control", "Initialized"), "Yes");
-  Keep("DW", "Control", "Initialized", "Mine");
-  dw::SettleFirstRun();
-  EXPECT_EQ(Kept("DW", "Control", "Initialized"), "Mine");
-}
-
-TEST_F(DataLocationTest, SettingsThatCannotBeKeptAreTold) {
-  sys::UseSettingsFile(directory_.Path("settings.ini/below.ini"));
-  std::ofstream(directory_.Path("settings.ini")) << "[x]\n";
-  user_->ExpectPart("The setting 'DW Data Path' could not be saved in ", Icon::Critical);
-  dw::TakeDirectory(Directory("data", {"DW.MDB"}), "DW.MDB");
 }
 
 }  // namespace

@@ -10,11 +10,26 @@
 #include "costing/forms/frmPeriodsList.h"
 #include "costing/forms/frmPriceLogList.h"
 #include "costing/forms/frmPricingList.h"
+#include "costing/forms/frmRePost.h"
+#include "costing/forms/frmTransactionList.h"
+#include "costing/forms/frmTransactionMaint.h"
+#include "fleet/forms/PictureForms.h"
 #include "fleet/forms/frmClassList.h"
 #include "fleet/forms/frmDivisionList.h"
+#include "fleet/forms/frmInventoryList.h"
+#include "fleet/forms/frmInventoryMaint.h"
+#include "fleet/forms/frmMaintenanceDueReport.h"
 #include "fleet/forms/frmOdometerList.h"
 #include "fleet/forms/frmScheduleTypesList.h"
 #include "platform/controls/Form.h"
+#include "shell/forms/BFLogon.h"
+#include "shell/forms/GetDataPath.h"
+#include "shell/forms/HelpWindow.h"
+#include "shell/forms/Startup.h"
+#include "shell/forms/TechSupport.h"
+#include "shell/forms/frmGetSQLInfo.h"
+#include "shell/forms/frmMessage.h"
+#include "shell/forms/mnuDW.h"
 
 namespace shots {
 namespace {
@@ -59,6 +74,81 @@ void TakeAlone(Album& album) {
   Settle();
 }
 
+/// The window that has come forward, which is then closed.
+void TakeFront(Album& album) {
+  Settle();
+  ui::Form* front = ui::ActiveForm();
+  if (!front) throw std::runtime_error("no window is in front");
+  album.Take(*front, front->Name());
+  front->Unload();
+  Settle();
+}
+
+void TakeTransactions(Album& album) {
+  auto& list = ui::The<dw::frmTransactionList>();
+  list.ShowForm();
+  list.Grid().SetRow(0);
+  Settle();
+  album.Take(list, list.Name());
+  PressSpace(list.Grid());
+  Settle();
+  auto& window = ui::The<dw::frmTransactionMaint>();
+  album.Take(window, window.Name());
+  // One of its tasks, or a new one where it has none.
+  window.AddTask();
+  TakeFront(album);
+  window.Unload();
+  list.Unload();
+  Settle();
+}
+
+void TakeAssets(Album& album) {
+  auto& list = ui::The<dw::frmInventoryList>();
+  list.ShowForm();
+  list.Grid().SetRow(0);
+  Settle();
+  album.Take(list, list.Name());
+  PressSpace(list.Grid());
+  Settle();
+  auto& window = ui::The<dw::frmInventoryMaint>();
+  for (int page = 0; page < window.SSIndexTab1.count(); ++page) {
+    window.SSIndexTab1.setCurrentIndex(page);
+    album.Take(window, window.Name() + "-" + std::to_string(page + 1));
+  }
+  window.showMaximized();
+  window.SSIndexTab1.setCurrentIndex(0);
+  album.Take(window, window.Name() + "-maximised");
+  window.showNormal();
+  window.SSIndexTab1.setCurrentIndex(2);
+  Settle();
+  PressSpace(window.grdSchedule);
+  TakeFront(album);
+  dw::OpenGetPicture(window, window);
+  TakeFront(album);
+  window.Unload();
+  list.Unload();
+  Settle();
+}
+
+void TakeShell(Album& album) {
+  // Later windows look as they do to an administrator who has signed on.
+  TakeAlone<dw::BFLogon>(album);
+  TakeAlone<dw::GetDataPath>(album);
+  TakeAlone<dw::frmGetSQLInfo>(album);
+  TakeAlone<dw::TechSupport>(album);
+  auto& notice = ui::The<dw::frmMessage>();
+  notice.setWindowTitle("Drovewright");
+  notice.lblMessage.setText("Please wait...");
+  TakeAlone<dw::frmMessage>(album);
+  auto& about = ui::The<dw::Startup>();
+  about.ShowForm();
+  album.Take(about, about.Name());
+  about.Aborted = true;
+  about.Unload();
+  TakeAlone<dw::mnuDW>(album);
+  Settle();
+}
+
 }  // namespace
 
 void Album::Take(QWidget& window, const std::string& name) {
@@ -77,6 +167,11 @@ void TakeAll(Album& album) {
   TakeAlone<dw::frmFiscalYearSetup>(album);
   TakePair<dw::frmScheduleTypesList>(album);
   TakePair<dw::frmOdometerList>(album);
+  TakeTransactions(album);
+  TakeAlone<dw::frmRePost>(album);
+  TakeAlone<dw::frmMaintenanceDueReport>(album);
+  TakeAssets(album);
+  TakeShell(album);
 }
 
 }  // namespace shots

@@ -10,6 +10,8 @@
 #include "platform/controls/Application.h"
 #include "platform/runtime/Clock.h"
 #include "platform/screen/ScriptedScreen.h"
+#include "platform/system/Settings.h"
+#include "program/FormTable.h"
 #include "tools/dwadmin/Sample.h"
 #include "tools/screenshots/Shots.h"
 
@@ -54,7 +56,12 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(argv[1]);
     dw::MakeSample(data.path().toStdString(), 60, 3, 7, {});
     dw::SetDataPath(data.path().toStdString());
+    sys::UseSettingsFile((data.path() + "/settings").toStdString());
+    sys::SaveSetting("Brackenfel Software", "Settings", "Workstation Name", "OFFICE");
+    sys::SaveSetting("DW", "Data", "DW Data Path", data.path().toStdString());
     dw::CurrentUserName = "ADMIN";
+    dw::IsAdministrator = true;
+    dw::RegisterForms();
     dw::WorkstationName = "OFFICE";
     shots::Album album(argv[1]);
     shots::TakeAll(album);

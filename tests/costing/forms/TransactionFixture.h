@@ -24,8 +24,9 @@ class TransactionTest : public testing::Test {
   TransactionTest() {
     using rt::DateTime;
     dw::CurrentUserName = "Clerk";
-    fleet_.Add("Parameters",
-               {{"Internal_Fuel_Available", true}, {"Transaction Close Out Date", DateTime(2026, 2, 1)}});
+    fleet_.Add(
+        "Parameters",
+        {{"ID", 1}, {"Internal_Fuel_Available", true}, {"Transaction Close Out Date", DateTime(2026, 2, 1)}});
     for (int month = 1; month <= 3; ++month)
       fleet_.Add("Fiscal Periods", {{"Fiscal Year", 2026},
                                     {"Period", month},

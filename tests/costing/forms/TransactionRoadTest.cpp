@@ -144,7 +144,7 @@ TEST_F(TransactionRoad, ATaskNeedsATransactionOnFile) {
   auto& window = OpenNew();
   const auto id = window.DataID;
   Expect("You must specify an Asset ID");
-  QTest::mouseDClick(window.grdTasks.viewport(), Qt::LeftButton, {}, QPoint(30, 30));
+  window.AddTask();
   EXPECT_FALSE(IsOpen("frmMaintTaskMaint"));
   test::Type(window, "txtAssetID", "TRK-1");
   test::Enter(window, "grdTasks");
