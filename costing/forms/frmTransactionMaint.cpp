@@ -91,9 +91,10 @@ void frmTransactionMaint::BindFields() {
 }
 
 void frmTransactionMaint::SetRules() {
-  // Each rule holds back while Cancel is being pressed.
+  // Each rule holds back while Cancel is being pressed, and while the check of the whole window goes to the
+  // field that is wrong.
   const auto leaving = [this](ui::TextBox& field, std::function<bool()> rule) {
-    field.onLeave = [this, rule = std::move(rule)] { return CancelPressed() || rule(); };
+    field.onLeave = [this, rule = std::move(rule)] { return CancelPressed() || checking_ || rule(); };
   };
   leaving(txtAssetID, [this] {
     if (!CheckAssetID(txtAssetID.Text())) return false;
@@ -210,6 +211,13 @@ void frmTransactionMaint::PriceFocusedField() {
 
 bool frmTransactionMaint::ValidData() {
   PriceFocusedField();
+  checking_ = true;
+  const bool good = CheckAll();
+  checking_ = false;
+  return good;
+}
+
+bool frmTransactionMaint::CheckAll() {
   const auto refuse = [](QWidget& field) {
     field.setFocus();
     return false;

@@ -83,6 +83,7 @@ class frmTransactionMaint : public DetailForm {
   QWidget* TasksGroup();
 
   bool CheckDate();
+  bool CheckAll();
   void PriceField(OwnUnits kind, ui::TextBox& units, ui::TextBox& cost);
   /// The window is left as well where Enter presses OK with the focus on units.
   void PriceFocusedField();
@@ -93,6 +94,7 @@ class frmTransactionMaint : public DetailForm {
   void Unpost();
 
   std::int32_t currentTask_ = 0;
+  bool checking_ = false;
   std::vector<QWidget*> tabOrder_;
 };
 

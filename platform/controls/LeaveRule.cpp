@@ -28,7 +28,10 @@ class PressSwallower : public QObject {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (!watched->isWidgetType()) return false;
-    if (event->type() == QEvent::MouseButtonPress && pressed_) {
+    // The second press of a double click moves the focus as well.
+    const bool press =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    if (press && pressed_) {
       pressed_ = false;
       return true;
     }
@@ -38,7 +41,7 @@ class PressSwallower : public QObject {
       return true;
     }
     // A box has taken the release; what is pressed next is meant.
-    if (event->type() == QEvent::MouseButtonPress) qApp->removeEventFilter(this);
+    if (press) qApp->removeEventFilter(this);
     return false;
   }
 

@@ -85,19 +85,24 @@ void frmGetSQLInfo::EnableLogin() {
 }
 
 bool frmGetSQLInfo::Validate() {
+  ui::TextBox* faulty = nullptr;
   switch (CheckServerLogin(Login())) {
     case LoginFault::UserId:
-      Text2.setFocus();
-      return false;
-    case LoginFault::Password:
-      Text3.setFocus();
-      return false;
-    case LoginFault::None:
+      faulty = &Text2;
       break;
+    case LoginFault::Password:
+      faulty = &Text3;
+      break;
+    case LoginFault::None:
+      return true;
   }
-  return true;
+  // The focus leaves a field by this; that is no reason to say the same again.
+  correcting_ = true;
+  faulty->setFocus();
+  correcting_ = false;
+  return false;
 }
 
-bool frmGetSQLInfo::Left() { return CancelPressed() || Validate(); }
+bool frmGetSQLInfo::Left() { return correcting_ || CancelPressed() || Validate(); }
 
 }  // namespace dw

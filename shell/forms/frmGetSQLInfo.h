@@ -38,6 +38,7 @@ class frmGetSQLInfo : public ui::Form {
   bool Left();
 
   bool activated_ = false;
+  bool correcting_ = false;  ///< the focus is being sent to the field at fault
 };
 
 }  // namespace dw

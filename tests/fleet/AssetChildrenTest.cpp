@@ -13,72 +13,63 @@ using screen::Buttons;
 using screen::Icon;
 
 constexpr const char* kRemove = "Are you sure you want to remove this entry?";
-constexpr const char* kGone = "That ID is no longer on file.";
 
 struct Kind {
   const char* table;
   bool (*take)(std::int32_t id);
   const char* question;
 };
+const Kind kKinds[] = {
+    {"Maintenance Transactions", dw::RemoveTransaction, kRemove},
+    {"Odometer Entries", dw::RemoveReading, kRemove},
+    {"Maintenance Schedule", dw::DeleteScheduleLine, "Are you sure you want to delete this record?"}};
 
-class AssetChildrenTest : public testing::Test {
- protected:
-  std::int32_t Row(const std::string& table) {
-    if (table == "Maintenance Transactions") return fleet_.AddTransaction("V1", 2026, 3);
-    return fleet_.Add(table, {{"Asset ID", "V1"}});
-  }
-  std::string Count(const std::string& table) { return fleet_.Ask("SELECT COUNT(*) FROM [" + table + "]"); }
-  void Expect(const char* question, Answer answer) {
-    screen_->Expect(question, Icon::Question, Buttons::YesNo, answer);
-  }
-
-  test::OtherUser other_;
-  test::SmallFleet fleet_;
-  test::ScreenScript screen_;
-};
-
-class EachKindTest : public AssetChildrenTest, public testing::WithParamInterface<Kind> {};
-
-TEST_P(EachKindTest, OneRowGoesAfterAYes) {
-  const auto [table, take, question] = GetParam();
-  const std::int32_t id = Row(table);
-  Row(table);
-  Expect(question, Answer::No);
-  EXPECT_FALSE(take(id));
-  EXPECT_EQ(Count(table), "2");
-
-  other_.Hold(fleet_.Path(), "SELECT * FROM [" + std::string(table) + "] WHERE [ID] = " + std::to_string(id));
-  Expect(question, Answer::Yes);
-  screen_->onSleep = [&](int) {
-    if (screen_->SleepCount() == 2) other_.Leave();
+TEST(AssetChildrenTest, OneRowGoesAfterAYes) {
+  test::OtherUser other;
+  test::SmallFleet fleet;
+  test::ScreenScript screen;
+  const auto take = [&](const Kind& kind, std::int32_t id, Answer answer) {
+    screen->Expect(kind.question, Icon::Question, Buttons::YesNo, answer);
+    return kind.take(id);
   };
-  EXPECT_TRUE(take(id));
-  EXPECT_GE(screen_->SleepCount(), 2) << "a row that another user holds is waited for";
-  EXPECT_EQ(Count(table), "1");
+  for (const Kind& kind : kKinds) {
+    const std::string table = kind.table;
+    const auto count = [&] { return fleet.Ask("SELECT COUNT(*) FROM [" + table + "]"); };
+    const auto add = [&] {
+      if (kind.take == dw::RemoveTransaction) return fleet.AddTransaction("V1", 2026, 3);
+      return fleet.Add(table, {{"Asset ID", "V1"}});
+    };
+    const std::int32_t id = add();
+    add();
+    EXPECT_FALSE(take(kind, id, Answer::No));
+    EXPECT_EQ(count(), "2") << table;
 
-  // The grid still shows it.
-  Expect(question, Answer::Yes);
-  screen_->Expect(kGone, Icon::Exclamation);
-  EXPECT_TRUE(take(id));
-  EXPECT_EQ(Count(table), "1");
+    if (kind.take == dw::RemoveTransaction) {
+      other.Hold(fleet.Path(), "SELECT * FROM [" + table + "] WHERE [ID] = " + std::to_string(id));
+      screen->onSleep = [&](int) {
+        if (screen->SleepCount() == 2) other.Leave();
+      };
+    }
+    EXPECT_TRUE(take(kind, id, Answer::Yes));
+    EXPECT_EQ(screen->SleepCount(), 2) << "a row that another user holds is waited for";
+    EXPECT_EQ(count(), "1") << table;
+
+    // The grid still shows it.
+    screen->Expect(kind.question, Icon::Question, Buttons::YesNo, Answer::Yes);
+    screen->Expect("That ID is no longer on file.", Icon::Exclamation);
+    EXPECT_TRUE(kind.take(id));
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EachKindTest,
-                         testing::Values(Kind{"Maintenance Transactions", dw::RemoveTransaction, kRemove},
-                                         Kind{"Odometer Entries", dw::RemoveReading, kRemove},
-                                         Kind{"Maintenance Schedule", dw::DeleteScheduleLine,
-                                              "Are you sure you want to delete this record?"}));
-
-TEST_F(AssetChildrenTest, RecurringMaintenanceKeepsItsTransaction) {
-  const std::int32_t id = Row("Maintenance Transactions");
-  const std::int32_t bare = Row("Maintenance Transactions");
-  fleet_.Add("Maintenance_Performed", {{"Maintenance_Entry_ID", id}, {"Maintenance_Type_ID", 1}});
-  screen_->Expect("That Maintenance Entry has recurring maintenance entries which must be removed first.",
-                  Icon::Information);
+TEST(AssetChildrenTest, RecurringMaintenanceKeepsItsTransaction) {
+  test::SmallFleet fleet;
+  test::ScreenScript screen;
+  const std::int32_t id = fleet.AddTransaction("V1", 2026, 3);
+  fleet.Add("Maintenance_Performed", {{"Maintenance_Entry_ID", id}, {"Maintenance_Type_ID", 1}});
+  screen->Expect("That Maintenance Entry has recurring maintenance entries which must be removed first.",
+                 Icon::Information);
   EXPECT_FALSE(dw::RemoveTransaction(id));
-  EXPECT_EQ(Count("Maintenance Transactions"), "2");
-  Expect(kRemove, Answer::Yes);
-  EXPECT_TRUE(dw::RemoveTransaction(bare));
+  EXPECT_EQ(fleet.Ask("SELECT COUNT(*) FROM [Maintenance Transactions]"), "1");
 }
 
 }  // namespace

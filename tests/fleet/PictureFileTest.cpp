@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "data/BrackenfelGlobals.h"
+#include "platform/system/Machine.h"
 #include "support/ScreenScript.h"
 #include "support/TempDirectory.h"
 
@@ -86,6 +87,8 @@ TEST_F(PictureFileTest, WithoutANameTheSystemGivesOne) {
   EXPECT_NE(Log().find("Retrieving temporary file path\r\nRetrieved destination file name of '" + folder),
             std::string::npos);
 
+  dw::ScanTrace off(false);
+  EXPECT_EQ(dw::PrepareScanFiles("", "Truck", off)->bmp, sys::ProgramDirectory() + "/truck.bmp");
   screen_->Expect("Unable to get file name to store scanned image.", Icon::Critical);
   EXPECT_FALSE(dw::PrepareScanFiles(directory_.Path("Gone"), "", trace));
 }

@@ -19,15 +19,9 @@ using screen::Icon;
 
 class DataLocationTest : public testing::Test {
  protected:
-  DataLocationTest() {
-    sys::UseSettingsFile(directory_.Path("settings.ini"));
-    dw::UseAccess = true;
-    dw::SystemPath.clear();
-    for (std::string* text : {&dw::DataConnect, &dw::ListsConnect, &dw::ListsFile}) text->clear();
-  }
+  DataLocationTest() { sys::UseSettingsFile(directory_.Path("settings.ini")); }
   ~DataLocationTest() override {
     dw::InstallFileLocator({});
-    dw::InstallServerLoginForm({});
     dw::SetDataSourceKind("DW");
     sys::UseSettingsFile({});
   }
@@ -46,9 +40,9 @@ class DataLocationTest : public testing::Test {
     for (const char* file : files) std::ofstream(path + '/' + file);
     return path;
   }
-  static bool Locate(const std::string& code = "DW") {
+  static bool Locate() {
     bool ok = false;
-    dw::LocateData(ok, code);
+    dw::LocateData(ok);
     return ok;
   }
 
@@ -139,23 +133,6 @@ TEST_F(DataLocationTest, AMissingFileIsAskedForUntilItIsFound) {
   Keep("DW", "Data", "DW Data Path", Directory("wrong/dw.mdb/..", {}));
   dw::InstallFileLocator([](const std::string&) { throw dw::ApplicationEnd(); });
   EXPECT_THROW(Locate(), dw::ApplicationEnd);
-}
-
-TEST_F(DataLocationTest, AServerIsAskedForUntilItIsKnown) {
-  const std::string data = Directory("data", {});
-  Keep("TH", "Data", "TH Data Path", data);
-  dw::SetDataSourceKind("TH");
-  int asked = 0;
-  dw::InstallServerLoginForm([&](const std::string& code, const std::string& database) {
-    EXPECT_EQ(code + database, "THKeelwatch");
-    if (++asked == 1) Keep("TH", "Data", "Server Name", "HAULER");
-    if (asked == 2) Keep("TH", "Data", "Trusted Connection", "Yes");
-  });
-  EXPECT_TRUE(Locate("TH"));
-  EXPECT_EQ(asked, 2);
-  EXPECT_EQ(dw::DataConnect, dw::ServerConnect("HAULER", "Keelwatch"));
-  EXPECT_EQ(dw::UsersFile, data + "/TH_USERS.MDB");
-  EXPECT_EQ(dw::ListsFile, "");
 }
 
 TEST_F(DataLocationTest, AChosenDirectoryBelongsToTheFileThatWasMissing) {

@@ -12,7 +12,6 @@ using dw::frmFiscalYearSetup;
 using dw::frmPeriodsList;
 using dw::frmPeriodsMaint;
 using screen::Icon;
-using test::Type;
 
 class PeriodsTest : public test::ListTest {
  protected:
@@ -30,26 +29,21 @@ class PeriodsTest : public test::ListTest {
     test::Click(list, "SSCommand1");
     test::Settle();
   }
-  void GenerateYear(const std::string& year, const std::string& start) {
+  void GenerateYear(const char* year, const char* start) {
     SetUpYear([&](frmFiscalYearSetup& window) {
-      Type(window, "Text1", year);
-      Type(window, "Text2", start);
-      test::Click(window, "cmdProceed");
+      Fill(window, {{"Text1", year}, {"Text2", start}}, "cmdProceed");
       EXPECT_EQ(ui::Existing<frmFiscalYearSetup>(), nullptr);
     });
   }
 };
 
 TEST_F(PeriodsTest, AYearIsSetUpFromTheList) {
-  fleet_.Add("Fiscal Periods", {{"Fiscal Year", 2026},
-                                {"Period", 3},
-                                {"Start Date", rt::DateTime(2026, 3, 5)},
-                                {"End Date", rt::DateTime(2026, 3, 6)}});
+  fleet_.Add("Fiscal Periods",
+             {{"Fiscal Year", 2026}, {"Period", 3}, {"Start Date", rt::DateTime(2026, 3, 5)}});
   GenerateYear("2026", "1/31/2026");
-  auto& list = OpenList<frmPeriodsList>();
-  EXPECT_EQ(list.Grid().RecordCount(), 12) << "the list has come forward and was read anew";
+  EXPECT_EQ(OpenList<frmPeriodsList>().Grid().RecordCount(), 12) << "the list was read anew";
   EXPECT_EQ(Shown<frmPeriodsList>(6, 0), "2026|1|1/31/2026|2/27/2026|3/1/2026 2:05:00 PM|TESTER");
-  EXPECT_EQ(Shown<frmPeriodsList>(5, 2), "2026|3|3/5/2026|3/6/2026|") << "what was there stays";
+  EXPECT_EQ(Shown<frmPeriodsList>(5, 2), "2026|3|3/5/2026||") << "what was there stays";
   EXPECT_EQ(Shown<frmPeriodsList>(4, 3), "2026|4|4/28/2026|5/27/2026");
   const std::string before = fleet_.Everything("Fiscal Periods");
   GenerateYear("2026", "1/1/2026");
@@ -58,19 +52,17 @@ TEST_F(PeriodsTest, AYearIsSetUpFromTheList) {
 
 TEST_F(PeriodsTest, TheYearsWindowMindsItsFieldsOnLeaving) {
   SetUpYear([&](frmFiscalYearSetup& window) {
-    Type(window, "Text1", "a20b2");
+    Fill(window, {{"Text1", "a20b2"}});
     EXPECT_EQ(window.Text1.Text(), "202");
     screen_->Expect("Year must be four digits long. Please re-enter.", Icon::Information);
     test::Enter(window, "Text2");
     EXPECT_TRUE(window.Text1.hasFocus());
-    Type(window, "Text1", "");
     screen_->Expect("Year must be a four digit number. Please re-enter.", Icon::Information);
+    Fill(window, {{"Text1", ""}});
     test::Enter(window, "Text2");
     EXPECT_TRUE(window.Text1.hasFocus());
-    Type(window, "Text1", "2026");
-    test::Enter(window, "Text2");
     screen_->Expect(kDateRequired, Icon::Critical);
-    test::Click(window, "cmdCancel");
+    Fill(window, {{"Text1", "2026"}, {"Text2", ""}}, "cmdCancel");
     EXPECT_TRUE(window.Text2.hasFocus()) << "the date has no regard for Cancel";
   });
   SetUpYear([&](frmFiscalYearSetup& window) {
@@ -81,22 +73,19 @@ TEST_F(PeriodsTest, TheYearsWindowMindsItsFieldsOnLeaving) {
 
 TEST_F(PeriodsTest, ProceedChecksInItsOwnWords) {
   SetUpYear([&](frmFiscalYearSetup& window) {
-    const auto proceed = [&](const char* words, ui::TextBox& focused) {
+    const auto proceed = [&](const char* year, const char* start, const char* words, ui::TextBox& focused) {
+      window.Text1.SetText(year);
+      window.Text2.SetText(start);
       screen_->Expect(words, Icon::Critical);
       // Enter leaves no field.
       QTest::keyClick(window.focusWidget(), Qt::Key_Return);
-      EXPECT_TRUE(focused.hasFocus()) << words;
+      EXPECT_TRUE(focused.hasFocus()) << year << " " << start;
     };
-    proceed("The fiscal year must be numeric. Please check", window.Text1);
-    window.Text1.SetText("1E99");
-    proceed("The fiscal year must be numeric. Please check", window.Text1);
-    Type(window, "Text1", "202");
-    proceed("The fiscal year must be 4 digits long. Please check.", window.Text1);
-    Type(window, "Text1", "2026");
-    Type(window, "Text2", "2/30/2026");
-    proceed("The start date is not a real date. Please check", window.Text2);
-    Type(window, "Text2", "6/1/9999");
-    proceed("The start date is not a real date. Please check", window.Text2);
+    proceed("", "", "The fiscal year must be numeric. Please check", window.Text1);
+    proceed("1E99", "", "The fiscal year must be numeric. Please check", window.Text1);
+    proceed("202", "", "The fiscal year must be 4 digits long. Please check.", window.Text1);
+    proceed("2026", "2/30/2026", "The start date is not a real date. Please check", window.Text2);
+    proceed("2026", "6/1/9999", "The start date is not a real date. Please check", window.Text2);
   });
   EXPECT_EQ(Count("Fiscal Periods"), "0");
 }
@@ -104,33 +93,19 @@ TEST_F(PeriodsTest, ProceedChecksInItsOwnWords) {
 TEST_F(PeriodsTest, APeriodIsTypedByHand) {
   {
     auto& window = Add<frmPeriodsMaint, frmPeriodsList>();
-    Type(window, "Text3", "x2026");
-    Type(window, "Text8", "-13");
-    EXPECT_EQ(window.Text8.Text(), "13");
-    Type(window, "Text1", "1/31/2027");
+    Fill(window, {{"Text3", "x2026"}, {"Text8", "-13"}, {"Text1", "1/31/2027"}});
     test::Enter(window, "Text2");
     EXPECT_EQ(window.Text2.Text(), "2/27/2027") << "a month later less a day";
-    Type(window, "Text1", "12/31/2026");
-    test::Enter(window, "Text2");
-    EXPECT_EQ(window.Text2.Text(), "2/27/2027") << "an end that is there stays";
-    test::Click(window, "OkButton");
+    Fill(window, {{"Text1", "12/31/2026"}}, "OkButton");
   }
-  EXPECT_EQ(Shown<frmPeriodsList>(4), "2026|13|12/31/2026|2/27/2027");
+  EXPECT_EQ(Shown<frmPeriodsList>(4), "2026|13|12/31/2026|2/27/2027") << "an end that is there stays";
   {
     auto& window = Show<frmPeriodsMaint, frmPeriodsList>();
-    EXPECT_TRUE(window.Text3.hasFocus());
-    EXPECT_EQ(window.Text3.selectedText(), "2026") << "also where the focus was there before the record";
-    test::Enter(window, "Text8");
-    EXPECT_EQ(window.Text8.selectedText(), "13");
-    Type(window, "Text3", "");
-    Type(window, "Text8", "99999");
-    Type(window, "Text1", "3/1/2027");
-    test::Enter(window, "Text2");
+    EXPECT_EQ(window.Text3.selectedText(), "2026");
     screen_->Expect("'99999' is too large or too small for \"Period\".", Icon::Critical);
-    test::Click(window, "OkButton");
+    Fill(window, {{"Text1", "3/1/2027"}, {"Text3", ""}, {"Text8", "99999"}}, "OkButton");
     EXPECT_TRUE(window.Text8.hasFocus());
-    Type(window, "Text8", "");
-    test::Click(window, "OkButton");
+    Fill(window, {{"Text8", ""}}, "OkButton");
   }
   EXPECT_EQ(Shown<frmPeriodsList>(4), "||3/1/2027|2/27/2027")
       << "neither the numbers are needed nor the order of the dates";
@@ -144,16 +119,13 @@ TEST_F(PeriodsTest, APeriodNeedsBothDates) {
   screen_->Expect(kDateRequired, Icon::Critical);
   test::Press(window.Text3, Qt::Key_Return);
   EXPECT_TRUE(window.Text1.hasFocus());
-  QTest::keyClicks(&window.Text1, "12/31/1799");
   screen_->Expect("Year cannot be less than 1800. Please try again.", Icon::Exclamation);
+  Fill(window, {{"Text1", "12/31/1799"}});
   test::Enter(window, "Text2");
   EXPECT_TRUE(window.Text1.hasFocus());
   EXPECT_EQ(window.Text2.Text(), "");
-  Type(window, "Text1", "1/1/2026");
-  test::Enter(window, "Text2");
-  Type(window, "Text2", "soon");
   screen_->Expect(kNoDate, Icon::Exclamation);
-  test::Press(window.Text2, Qt::Key_Return);
+  Fill(window, {{"Text1", "1/1/2026"}, {"Text2", "soon"}}, "OkButton");
   EXPECT_TRUE(window.Text2.hasFocus());
   test::Press(window.Text2, Qt::Key_Escape);
   EXPECT_EQ(Count("Fiscal Periods"), "0");

@@ -39,7 +39,7 @@ class TransactionRoad : public test::TransactionTest {
     Post(false);
     return id;
   }
-  std::string OutsideSum() { return fleet_.Sum("Assets Period Costs", {"TRK-1", 2026, 3}, "Outside Cost"); }
+  std::string OutsideSum() { return fleet_.Sum("Assets Period Costs", {"TRK-1", 2026, 3}, "Outside Parts Cost"); }
   dw::frmMaintTaskMaint& Task() {
     return dynamic_cast<dw::frmMaintTaskMaint&>(test::Open("frmMaintTaskMaint"));
   }
@@ -144,7 +144,7 @@ TEST_F(TransactionRoad, ATaskNeedsATransactionOnFile) {
   auto& window = OpenNew();
   const auto id = window.DataID;
   Expect("You must specify an Asset ID");
-  window.AddTask();
+  QTest::mouseDClick(window.grdTasks.viewport(), Qt::LeftButton, {}, QPoint(30, 30));
   EXPECT_FALSE(IsOpen("frmMaintTaskMaint"));
   test::Type(window, "txtAssetID", "TRK-1");
   test::Enter(window, "grdTasks");

@@ -118,7 +118,7 @@ TEST_F(TransactionRules, AFieldIsNotLeftWithRubbishButCancelIsAlwaysFree) {
                         {"Text10", "14", "Period must be between 1 and 13. Please check."},
                         {"edtUnleadedCost", "", kNotACost},
                         {"MaskEdBox1", "1.2.3", kNotACost},
-                        {"MaskedEdit1", "", kNotACost},
+                        {"MaskedEdit1", "1.2.3", kNotACost},
                         {"MaskedEdit18", ".", kNotACost},
                         {"MaskedEdit2", "1.2.3", kNotACost},
                         {"MaskedEdit3", "1.2.3", kNotACost},

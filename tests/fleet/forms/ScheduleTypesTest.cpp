@@ -13,19 +13,10 @@ using screen::Icon;
 class ScheduleTypesTest : public test::ListTest {};
 
 TEST_F(ScheduleTypesTest, ATypeIsAddedAndChanged) {
-  {
-    auto& window = Add<frmScheduleTypeMaint, frmScheduleTypesList>();
-    EXPECT_EQ(Only("Maintenance Types", "Description"), "Null") << "nothing is set in the empty row";
-    test::Type(window, "Text1", "Oil change");
-    test::Click(window, "OkButton");
-  }
-  {
-    auto& window = Show<frmScheduleTypeMaint, frmScheduleTypesList>();
-    EXPECT_EQ(window.windowTitle(), "Maintenance Schedule Type");
-    test::Enter(window, "Text3");
-    QTest::keyClicks(&window.Text3, "every autumn");
-    test::Click(window, "OkButton");
-  }
+  auto& window = Add<frmScheduleTypeMaint, frmScheduleTypesList>();
+  EXPECT_EQ(Only("Maintenance Types", "Description"), "Null") << "nothing is set in the empty row";
+  Fill(window, {{"Text1", "Oil change"}}, "OkButton");
+  Fill(Show<frmScheduleTypeMaint, frmScheduleTypesList>(), {{"Text3", "every autumn"}}, "OkButton");
   EXPECT_EQ(Shown<frmScheduleTypesList>(5), "Oil change|every autumn|TESTER|3/1/2026 2:05:00 PM|TESTER");
   ExpectVanished<frmScheduleTypesList>("Maintenance Types", "Maintenance Type #", {{"Notes", "x"}});
 }

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "fleet/forms/ListForm.h"
 #include "platform/runtime/Clock.h"
@@ -46,9 +48,15 @@ class ListTest : public testing::Test {
     for (int column = 1; column <= columns; ++column) text += (column > 1 ? "|" : "") + grid.CellText(column);
     return text;
   }
+  /// Types into fields, in this order, and clicks a button where one is named.
+  void Fill(QWidget& window, const std::vector<std::pair<const char*, const char*>>& texts,
+            const char* button = nullptr) {
+    for (const auto& [field, text] : texts) Type(window, field, text);
+    if (button) Click(window, button);
+  }
   template <class List>
-  void PressDelete(int row = 0) {
-    Press(OpenList<List>(row).Grid(), Qt::Key_Delete);
+  void PressDelete() {
+    Press(OpenList<List>().Grid(), Qt::Key_Delete);
   }
   void ExpectSure(screen::Answer answer) {
     screen_->Expect("Are you sure you want to delete this record?", screen::Icon::Question,
