@@ -9,6 +9,7 @@
 #include "data/GenericADO.h"
 #include "data/GenericDAO.h"
 #include "platform/controls/Layout.h"
+#include "platform/runtime/Text.h"
 
 namespace dw {
 
@@ -102,7 +103,14 @@ void ListForm::ShowDetail() {
     TellNoRecords();
     return;
   }
-  OpenDetail(false, RowID());
+  if (!RowIsGone()) OpenDetail(false, RowID());
+}
+
+bool ListForm::RowIsGone() {
+  if (rt::IsNumeric(CellText(0))) return false;
+  screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
+  RefreshList();
+  return true;
 }
 
 void ListForm::DeleteRow(const std::function<DeleteRule()>& rule) {
@@ -114,7 +122,7 @@ void ListForm::RemoveRow(const std::function<bool()>& remove) {
   CurrentRow = grid_->Row();
   if (!HasRows())
     TellNoRecords();
-  else if (remove())
+  else if (!RowIsGone() && remove())
     RefreshList();
   SetPointer(screen::Pointer::Normal);
 }

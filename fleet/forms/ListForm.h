@@ -67,6 +67,8 @@ class ListForm : public ui::Form {
   void DeleteRow(const std::function<DeleteRule()>& rule);
   /// The same for lists that delete in a way of their own: `remove` is true if the record went.
   void RemoveRow(const std::function<bool()>& remove);
+  /// Whether another user deleted the grid's row before it was read: that is told, and the list is read anew.
+  bool RowIsGone();
   bool HasRows();
   /// The text of a column in the grid's row.
   std::string CellText(int column);

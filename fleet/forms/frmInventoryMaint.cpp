@@ -171,6 +171,8 @@ void frmInventoryMaint::RecordLoaded() {
     AssetText.setEnabled(false);
     cmdRename->setEnabled(true);
   }
+  // What is due can be read, and scrolled, in any window.
+  txtDue.setEnabled(true);
   for (const DateColumn& date : kDates) (this->*date.box).ShowValue(Stored(date.column));
   const rt::Value code = Stored("Asset ID");
   setWindowTitle(QString::fromStdString(code.IsNull() ? "Detail for New Asset"

@@ -68,7 +68,7 @@ void ImageEdit::ShowScan(const sys::ScannedPicture& soFar, int rows) {
 }
 
 std::string ImageEdit::SetImage(const std::string& path) {
-  const std::string fault = Read(path, picture_);
+  std::string fault = Read(path, picture_);
   if (fault.empty())
     Show(picture_, picture_.size());
   else

@@ -41,15 +41,11 @@ FieldRows::FieldRows() {
 void FieldRows::Row(const std::string& prompt, std::initializer_list<QWidget*> fields) {
   const int row = rowCount();
   addWidget(Prompt(prompt, **fields.begin()), row, 0);
-  if (fields.size() == 1) {
-    QWidget* field = *fields.begin();
-    const bool narrow = field->maximumWidth() < QWIDGETSIZE_MAX;
-    addWidget(field, row, 1, narrow ? Qt::AlignLeft : Qt::Alignment());
-    return;
-  }
+  // What a field of fixed width leaves over goes to its right, never to the prompts.
   auto* side = new QHBoxLayout;
-  for (QWidget* field : fields) side->addWidget(field);
-  side->addStretch(1);
+  const int share = fields.size() == 1 ? 1 : 0;
+  for (QWidget* field : fields) side->addWidget(field, share);
+  side->addStretch(0);
   addLayout(side, row, 1);
 }
 

@@ -68,7 +68,7 @@ void PictureBox::Take(rt::Binary bytes, bool changed) {
 
 std::string PictureBox::Decode() {
   DecodedPicture decoded = DecodePicture(bytes_, PlaceOnScreen());
-  const std::string fault = decoded.fault;
+  std::string fault = decoded.fault;
   ShowDecoded(std::move(decoded));
   return fault;
 }

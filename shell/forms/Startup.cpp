@@ -85,6 +85,7 @@ void Startup::LayOut() {
 
   auto* facts = new QGridLayout;
   facts->setHorizontalSpacing(12);
+  facts->setVerticalSpacing(5);
   facts->setColumnStretch(1, 1);
   int row = 0;
   for (QLabel& line : lblOrganisation) facts->addWidget(&line, row++, 0, 1, 2);

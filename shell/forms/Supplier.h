@@ -4,7 +4,7 @@
 namespace dw::supplier {
 
 inline constexpr const char* kName = "Brackenfel Software Solutions";
-inline constexpr const char* kAddress = "P.O. Box 218, Marlow Bend";
+inline constexpr const char* kAddress = "P.O. Box 218, Hartsfield Mills";
 inline constexpr const char* kTelephone = "(555) 555-0118";
 inline constexpr const char* kFax = "(555) 555-0119";
 inline constexpr const char* kMail = "support@brackenfel.example";

@@ -29,6 +29,7 @@ TechSupport::TechSupport() : Form("TechSupport") {
 
   auto* facts = new QGridLayout;
   facts->setHorizontalSpacing(14);
+  facts->setVerticalSpacing(6);
   facts->setColumnStretch(1, 1);
   const auto add = [&](const char* prompt, const QString& text) {
     auto* value = new QLabel(text);

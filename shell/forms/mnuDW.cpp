@@ -63,11 +63,7 @@ mnuDW::mnuDW() : Form("mnuDW"), menuStyle_(new MenuStyle), picture_(new PictureB
   });
 }
 
-mnuDW::~mnuDW() {
-  // The menus go before the style that they use.
-  menuBar.clear();
-  for (QMenu* menu : findChildren<QMenu*>()) menu->setStyle(nullptr);
-}
+mnuDW::~mnuDW() = default;
 
 void mnuDW::BuildMenu() {
   std::vector<QMenu*> open;  // the sub-menus around the present entry, by level

@@ -19,6 +19,8 @@ struct MenuEntry;
 
 /// Windows open from here without blocking it. Menu items are found by their names.
 class mnuDW : public ui::Form {
+  std::unique_ptr<QStyle> menuStyle_;  // outlives the menus, which use it
+
  public:
   mnuDW();
   ~mnuDW() override;
@@ -44,7 +46,6 @@ class mnuDW : public ui::Form {
   void OfferDueReport();
   void CompactMainFile();
 
-  std::unique_ptr<QStyle> menuStyle_;
   PictureBox* picture_;
 };
 

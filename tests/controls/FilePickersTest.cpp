@@ -51,7 +51,6 @@ TEST_F(FilePickersTest, ADriveIsTheOneThatHoldsThePath) {
   EXPECT_EQ(list.Drive(), "/");
   EXPECT_TRUE(list.SetDrive(path_ + "/usb/data/"));
   EXPECT_EQ(list.Drive(), path_ + "/usb");
-  EXPECT_EQ(list.currentText().toStdString(), path_ + "/usb (disc)");
   EXPECT_TRUE(list.SetDrive(path_ + "/usbstick"));
   EXPECT_EQ(list.Drive(), "/");
   EXPECT_EQ(changes, 2);

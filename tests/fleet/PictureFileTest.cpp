@@ -93,16 +93,4 @@ TEST_F(PictureFileTest, WithoutANameTheSystemGivesOne) {
   EXPECT_FALSE(dw::PrepareScanFiles(directory_.Path("Gone"), "", trace));
 }
 
-TEST_F(PictureFileTest, WhatIsThrownAwayIsDeleted) {
-  const std::string path = dw::PicturePath(directory_.Path("Scans"), "clicked.jpg");
-  EXPECT_EQ(path, directory_.Path("Scans/clicked.jpg"));
-  EXPECT_EQ(dw::PicturePath("/", "a.bmp"), "/a.bmp");
-  Touch(path);
-  dw::DiscardPicture("");
-  EXPECT_TRUE(fs::exists(path));
-  dw::DiscardPicture(path);
-  EXPECT_FALSE(fs::exists(path));
-  dw::DiscardPicture(path);
-}
-
 }  // namespace

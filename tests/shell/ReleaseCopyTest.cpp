@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -143,15 +142,6 @@ TEST_F(ReleaseCopyTest, AFailedCopyIsOfferedAsAPlainOne) {
   EXPECT_TRUE(Install());
   EXPECT_EQ(dw::SystemPath + dw::SystemFile, "");
   EXPECT_EQ(sys::GetSetting("PK", "Data", "PK Data Path", "nothing"), "nothing");
-}
-
-TEST_F(ReleaseCopyTest, NothingIsInstalledAtTheSystemsOwnRoot) {
-  const char* home = std::getenv("HOME");
-  const std::string earlier = home != nullptr ? home : "";
-  setenv("HOME", "/home/anna", 1);
-  EXPECT_EQ(dw::InstallationDirectory("/", "DW"), "/home/anna/Brackenfel Software/DW/");
-  EXPECT_EQ(dw::InstallationDirectory(drive_, "PK"), drive_ + "/Brackenfel Software/PK/");
-  setenv("HOME", earlier.c_str(), 1);
 }
 
 }  // namespace

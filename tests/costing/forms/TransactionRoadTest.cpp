@@ -222,6 +222,7 @@ TEST_F(TransactionRoad, AHeldTransactionIsForReadingAndTheRunPassesItOver) {
   EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
   EXPECT_EQ(OutsideSum(), "0");
   // While the window has it, posting cannot take it.
+  screen_->ExpectPart("Unknown error #3218 during record edit.", Icon::Critical);
   Expect("Unable to lock transaction for updating.");
   Post(false);
   EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");

@@ -165,9 +165,10 @@ TEST_F(TransactionRules, EveryNumberIsCheckedBeforeItIsSaved) {
     Expect(words);
     EXPECT_FALSE(window.ValidData());
     EXPECT_TRUE(test::Find(window, field).hasFocus()) << field;
-    Put(window, field, "");
+    Put(window, field, field == std::string("MaskedEdit18") ? "1" : "");
   }
   // What no rule looks at is still no number.
+  test::Enter(window, "Text9");
   Put(window, "MaskEdBox3", "1.2.3");
   Expect("'1.2.3' is not a number. Please check \"Mileage\".");
   window.Ok();
@@ -175,7 +176,7 @@ TEST_F(TransactionRules, EveryNumberIsCheckedBeforeItIsSaved) {
   Put(window, "MaskEdBox3", "77.5");
   window.Ok();
   EXPECT_EQ(fleet_.Ask("SELECT [Mileage] FROM [Maintenance Transactions]"), "77.5");
-  EXPECT_EQ(fleet_.Ask("SELECT [Outside Cost] FROM [Maintenance Transactions]"), "Null");
+  EXPECT_EQ(fleet_.Ask("SELECT [Oil Cost] FROM [Maintenance Transactions]"), "Null");
 }
 
 TEST_F(TransactionRules, KeysAndEmptyFields) {

@@ -5,7 +5,9 @@
 
 #include "ShellTest.h"
 #include "platform/runtime/Clock.h"
+#include "platform/system/SingleInstance.h"
 #include "shell/forms/MenuTree.h"
+#include "shell/forms/SingleInstance.h"
 #include "shell/forms/Startup.h"
 #include "shell/forms/TechSupport.h"
 #include "shell/forms/mnuDW.h"
@@ -158,6 +160,20 @@ TEST_F(MainMenuTest, EntriesOpenWindowsOrSayWhyNot) {
   EXPECT_EQ(status.currentMessage(), "Listing of the assets (not available in this version)");
   reporting->close();
   EXPECT_EQ(status.currentMessage(), "");
+}
+
+TEST_F(MainMenuTest, ASecondStartBringsItForward) {
+  ASSERT_FALSE(dw::ActivatePreviousInstance());
+  SignOn();
+  Parameters("TRUE");
+  dw::mnuDW& menu = Start();
+  menu.setWindowState(menu.windowState() | Qt::WindowMinimized);
+  test::Settle();
+  ASSERT_TRUE(menu.isMinimized());
+  EXPECT_TRUE(sys::SingleInstance::CallFirstForward());
+  test::Settle();
+  EXPECT_FALSE(menu.isMinimized());
+  EXPECT_TRUE(menu.isMaximized());
 }
 
 TEST_F(MainMenuTest, CompactsTheMainFile) {

@@ -75,15 +75,4 @@ TEST_F(GetSQLInfoTest, NobodyHasToFillInAFieldToCancel) {
   EXPECT_EQ(Kept(), "- - - - ");
 }
 
-TEST_F(GetSQLInfoTest, StringsHaveTheirForms) {
-  EXPECT_EQ(dw::TestConnect({"HAULER", true, "", "", ""}, "Ostrandry"),
-            "Provider=SQLOLEDB.1;Data Source=HAULER;Persist Security Info=False;Initial Catalog=Ostrandry;"
-            "Integrated Security=SSPI;");
-  EXPECT_EQ(dw::TestConnect({"HAULER", false, "anna", "x", "x"}, "Ostrandry"),
-            "Provider=SQLOLEDB.1;Data Source=HAULER;Persist Security Info=False;Initial Catalog=Ostrandry;"
-            "User ID=anna;Password=x;");
-  EXPECT_EQ(dw::DriverConnect("HAULER", "anna", "x"),
-            "Driver={SQL Server};Server=HAULER;Database=Keelwatch;Uid=anna;Pwd=x;");
-}
-
 }  // namespace
