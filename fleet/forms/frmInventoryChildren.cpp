@@ -7,6 +7,7 @@
 #include "fleet/forms/frmInventoryMaint.h"
 #include "fleet/forms/frmOdometerMaint.h"
 #include "fleet/forms/frmSchedMaintAsset.h"
+#include "platform/runtime/Text.h"
 
 namespace dw {
 namespace {
@@ -50,8 +51,21 @@ void frmInventoryMaint::ShowChild(int page) {
     TellNoRecords();
     return;
   }
-  const std::int32_t id = rt::Value(child.grid->CellText(0)).AsLong();
+  std::int32_t id = 0;
+  if (!RowID(child, id)) return;
   if (SaveForChild()) OpenChild(page, false, id);
+}
+
+bool frmInventoryMaint::RowID(Child& child, std::int32_t& id) {
+  const std::string text = child.grid->CellText(0);
+  if (rt::IsNumeric(text)) {
+    id = rt::Value(text).AsLong();
+    return true;
+  }
+  // Deleted elsewhere before it was read.
+  screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
+  ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+  return false;
 }
 
 void frmInventoryMaint::OpenChild(int page, bool add, std::int32_t id) {
@@ -75,7 +89,8 @@ void frmInventoryMaint::DeleteChild(int page) {
     TellNoRecords();
     return;
   }
-  const std::int32_t id = rt::Value(child.grid->CellText(0)).AsLong();
+  std::int32_t id = 0;
+  if (!RowID(child, id)) return;
   const bool gone = page == kMaintenance ? RemoveTransaction(id)
                     : page == kSchedule  ? DeleteScheduleLine(id)
                                          : RemoveReading(id);

@@ -102,6 +102,8 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   void ShowChild(int page);
   void OpenChild(int page, bool add, std::int32_t id);
   void DeleteChild(int page);
+  /// The number of the grid's row. False where another user deleted it, which is told.
+  bool RowID(Child& child, std::int32_t& id);
   Child& ChildOn(int page);
   /// The rule of a date field: left with something that is no date, it takes the focus back.
   void CheckDateOnLeaving(ui::TextBox& field);
