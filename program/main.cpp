@@ -1,26 +1,11 @@
 // The program: puts everything in place that the forms rely on, and shows the sign-on window.
-#include <QAbstractEventDispatcher>
-#include <QThread>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <string>
 
-#include "data/BrackenfelGlobals.h"
-#include "data/GenericDAO.h"
 #include "platform/controls/Application.h"
-#include "platform/controls/DataControl.h"
-#include "platform/controls/Form.h"
-#include "platform/controls/QtScreen.h"
-#include "program/FormTable.h"
-#include "shell/forms/AppIcon.h"
+#include "program/SetUp.h"
 #include "shell/forms/BFLogon.h"
-#include "shell/forms/CloseChildForm.h"
-#include "shell/forms/GetDataPath.h"
-#include "shell/forms/HelpKey.h"
-#include "shell/forms/ProgramEnd.h"
-#include "shell/forms/frmMessage.h"
 
 namespace {
 
@@ -52,36 +37,6 @@ bool DesktopIsThere(int argc, char** argv) {
          Given(argc, argv, "-platform");
 }
 
-/// Opens files for data controls with the waits and prompts of the data layer. The workspace stays for as
-/// long as the database is used.
-std::shared_ptr<dao::Database> OpenForDataControl(const std::string& path) {
-  struct Opened {
-    dw::DaoWorkspacePtr workspace;
-    dw::DaoDatabasePtr database;
-  };
-  auto opened = std::make_shared<Opened>();
-  int error = 0;
-  if (!dw::DaoOpenDatabase(path, false, dw::DataUserID, dw::DataPassword, opened->workspace, opened->database,
-                           error))
-    return nullptr;
-  return {opened, opened->database.get()};
-}
-
-std::shared_ptr<screen::Screen> Desktop() {
-  auto desktop = std::make_shared<ui::QtScreen>();
-  desktop->showNotice = dw::ShowMessageForm;
-  desktop->hideNotice = dw::HideMessageForm;
-  return desktop;
-}
-
-/// The program is over once no form is left and nothing is being done any more. A form that goes in the
-/// middle of some work does not cut it off.
-void QuitOnceIdle() {
-  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, qApp, [] {
-    if (ui::Forms().empty() && QThread::currentThread()->loopLevel() <= 1) QCoreApplication::exit(0);
-  });
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -104,15 +59,7 @@ int main(int argc, char** argv) {
     return kUsage;
   }
   QApplication::setApplicationVersion(DROVEWRIGHT_VERSION);
-  QApplication::setWindowIcon(dw::ApplicationIcon());
-  screen::Install(Desktop());
-  dw::InstallProgramEnd();
-  dw::InstallFormEnds();
-  ui::InstallLastFormGone(QuitOnceIdle);
-  dw::InstallLocators();
-  ui::InstallDatabaseOpener(OpenForDataControl);
-  dw::InstallHelpKey(application);
-  dw::RegisterForms();
+  dw::SetUpProgram(application);
 
   QMetaObject::invokeMethod(
       &application, [] { ui::Guard(dw::ShowLogon); }, Qt::QueuedConnection);

@@ -99,7 +99,7 @@ Rounded Round(const rt::ScannedNumber& number, int decimals) {
       if (at > 0) {
         ++units[at - 1];
       } else {
-        units.insert(0, "1");
+        units.insert(units.begin(), '1');
       }
     }
   }

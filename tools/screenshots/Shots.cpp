@@ -2,7 +2,9 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QPixmap>
+#include <QPushButton>
 #include <stdexcept>
 
 #include "costing/forms/frmFiscalYearSetup.h"
@@ -13,6 +15,7 @@
 #include "costing/forms/frmRePost.h"
 #include "costing/forms/frmTransactionList.h"
 #include "costing/forms/frmTransactionMaint.h"
+#include "data/BrackenfelGlobals.h"
 #include "fleet/forms/PictureForms.h"
 #include "fleet/forms/frmClassList.h"
 #include "fleet/forms/frmDivisionList.h"
@@ -22,6 +25,8 @@
 #include "fleet/forms/frmOdometerList.h"
 #include "fleet/forms/frmScheduleTypesList.h"
 #include "platform/controls/Form.h"
+#include "platform/store/Connection.h"
+#include "platform/store/Cursor.h"
 #include "shell/forms/BFLogon.h"
 #include "shell/forms/GetDataPath.h"
 #include "shell/forms/HelpWindow.h"
@@ -46,6 +51,16 @@ void PressSpace(QWidget& widget) {
   QCoreApplication::sendEvent(&widget, &press);
 }
 
+/// Leaves a window as a user does who changes nothing.
+void Leave(ui::Form& form) {
+  auto* cancel = form.findChild<QPushButton*>("CancelButton");
+  if (cancel)
+    cancel->click();
+  else
+    form.Unload();
+  Settle();
+}
+
 /// A list, and the window of its first record.
 template <class List>
 void TakePair(Album& album) {
@@ -59,7 +74,7 @@ void TakePair(Album& album) {
   ui::Form* detail = ui::ActiveForm();
   if (!detail || detail == &list) throw std::runtime_error(list.Name() + " has opened no window");
   album.Take(*detail, detail->Name());
-  detail->Unload();
+  Leave(*detail);
   list.Unload();
   Settle();
 }
@@ -80,8 +95,26 @@ void TakeFront(Album& album) {
   ui::Form* front = ui::ActiveForm();
   if (!front) throw std::runtime_error("no window is in front");
   album.Take(*front, front->Name());
-  front->Unload();
+  Leave(*front);
+}
+
+/// The first transaction in which scheduled work was done.
+std::int32_t WithTasks() {
+  const auto rows = store::Cursor::OpenQuery(
+      store::Connection::Open({.path = dw::DataFile}),
+      "SELECT TOP 1 [Maintenance_Entry_ID] FROM [Maintenance_Performed] WHERE [Cost] > 0 ORDER BY [ID]",
+      store::Locking::ReadOnly);
+  if (rows->AtEnd()) throw std::runtime_error("the sample has no scheduled work");
+  return rows->Get(0).AsLong();
+}
+
+dw::frmTransactionMaint& OpenTransaction() {
+  auto& window = ui::The<dw::frmTransactionMaint>();
+  window.LoadForm();
+  window.DataID = WithTasks();
+  window.ShowForm();
   Settle();
+  return window;
 }
 
 void TakeTransactions(Album& album) {
@@ -90,14 +123,12 @@ void TakeTransactions(Album& album) {
   list.Grid().SetRow(0);
   Settle();
   album.Take(list, list.Name());
-  PressSpace(list.Grid());
-  Settle();
-  auto& window = ui::The<dw::frmTransactionMaint>();
+  auto& window = OpenTransaction();
   album.Take(window, window.Name());
-  // One of its tasks, or a new one where it has none.
-  window.AddTask();
+  window.grdTasks.SetRow(0);
+  window.ShowTask();
   TakeFront(album);
-  window.Unload();
+  Leave(window);
   list.Unload();
   Settle();
 }
@@ -130,6 +161,32 @@ void TakeAssets(Album& album) {
   Settle();
 }
 
+/// The main window with a list and one of its records in front of it, as a clerk has them.
+void TakeDesk(Album& album) {
+  auto& menu = ui::The<dw::mnuDW>();
+  menu.ShowForm();
+  menu.resize(1280, 800);
+  auto& list = ui::The<dw::frmTransactionList>();
+  list.ShowForm();
+  Settle();
+  auto& window = OpenTransaction();
+  QPixmap desk = menu.grab();
+  QPainter painter(&desk);
+  const auto place = [&](QWidget& shown, QPoint at) {
+    painter.drawPixmap(at, shown.grab());
+    painter.setPen(shown.palette().color(QPalette::Mid));
+    painter.drawRect(QRect(at, shown.size()).adjusted(-1, -1, 0, 0));
+  };
+  place(list, {40, 60});
+  place(window, {menu.width() - window.width() - 40, menu.height() - window.height() - 40});
+  painter.end();
+  album.Keep(desk, "desk");
+  Leave(window);
+  list.Unload();
+  menu.Unload();
+  Settle();
+}
+
 void TakeShell(Album& album) {
   // Later windows look as they do to an administrator who has signed on.
   TakeAlone<dw::BFLogon>(album);
@@ -153,8 +210,12 @@ void TakeShell(Album& album) {
 
 void Album::Take(QWidget& window, const std::string& name) {
   Settle();
+  Keep(window.grab(), name);
+}
+
+void Album::Keep(const QPixmap& picture, const std::string& name) {
   const std::string path = folder_ + "/" + name + ".png";
-  if (!window.grab().save(QString::fromStdString(path))) throw std::runtime_error("cannot write " + path);
+  if (!picture.save(QString::fromStdString(path))) throw std::runtime_error("cannot write " + path);
 }
 
 void TakeAll(Album& album) {
@@ -172,6 +233,7 @@ void TakeAll(Album& album) {
   TakeAlone<dw::frmMaintenanceDueReport>(album);
   TakeAssets(album);
   TakeShell(album);
+  TakeDesk(album);
 }
 
 }  // namespace shots

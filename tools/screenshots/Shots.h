@@ -4,6 +4,7 @@
 #include <QString>
 #include <string>
 
+class QPixmap;
 class QWidget;
 
 namespace shots {
@@ -14,6 +15,7 @@ class Album {
   explicit Album(std::string folder) : folder_(std::move(folder)) {}
   /// Lets a window settle and takes its picture. Throws std::runtime_error where the file cannot be written.
   void Take(QWidget& window, const std::string& name);
+  void Keep(const QPixmap& picture, const std::string& name);
 
  private:
   std::string folder_;

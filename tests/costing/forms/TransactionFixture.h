@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QPushButton>
 #include <string>
 
 #include "costing/CostCheck.h"

@@ -1,7 +1,5 @@
 // The road of a transaction: entered, posted, unposted; its tasks; and who else holds it.
 #include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>

@@ -1,7 +1,6 @@
 // The window that asks how far ahead the report of what is due looks.
 #include <sys/stat.h>
 
-#include <QPushButton>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,7 +10,6 @@
 #include "platform/runtime/Clock.h"
 #include "platform/system/Machine.h"
 #include "support/DueFleet.h"
-#include "support/Program.h"
 #include "support/ScreenScript.h"
 #include "support/desktop/FormDriver.h"
 

@@ -1,8 +1,11 @@
 #include "shell/forms/BFLogon.h"
 
-#include <fstream>
+#include <QTimer>
 
 #include "ShellTest.h"
+#include "platform/controls/Application.h"
+#include "shell/DataLocation.h"
+#include "shell/forms/GetDataPath.h"
 
 namespace {
 
@@ -116,17 +119,23 @@ TEST_F(BFLogonTest, AsksForTheNameOfTheWorkstation) {
   EXPECT_EQ(sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name", "none"), "none");
 }
 
-TEST_F(BFLogonTest, AUsersFileThatIsNoDataFileEndsTheProgram) {
-  NameWorkstation("Front Desk");
-  dw::BFLogon& form = Show();
-  { std::ofstream(files_.Path("BROKEN.MDB")) << "no data file"; }
-  dw::UsersConnect = dw::FileConnect(files_.Path("BROKEN.MDB"));
-  screen_->ExpectPart("trying to open connection.", Icon::Critical);
-  screen_->Expect("There is a problem with the registry entry for opening the connection '" +
-                      dw::UsersConnect + "'.\rApplication is being terminated.",
-                  Icon::Critical);
-  test::Click(form, "OKButton");
+TEST_F(BFLogonTest, WhoCannotFindTheDataEndsTheProgram) {
+  sys::SaveSetting("DW", "Data", "DW Data Path", directory_.Path());
+  dw::InstallLocators();
+  int ends = 0;
+  const auto earlier = ui::InstallUncaught([&](std::exception_ptr error) {
+    EXPECT_THROW(std::rethrow_exception(error), dw::ApplicationEnd);
+    ++ends;
+  });
+  QTimer::singleShot(0, [] { test::Click(test::Open("GetDataPath"), "cmdCancel"); });
+  screen_->Expect("This must be set up before you may use the application.", Icon::Critical,
+                  screen::Buttons::Ok, screen::Answer::Ok, "Brackenfel Software Solutions Setup");
+  dw::ShowLogon();
   ExpectOver();
+  EXPECT_EQ(ends, 1);
+  ui::InstallUncaught(earlier);
+  dw::InstallFileLocator({});
+  dw::InstallServerLoginForm({});
 }
 
 }  // namespace

@@ -1,0 +1,73 @@
+// What the measurements of the desktop program share: the program set up without a user, and the times until
+// its windows are painted.
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "bench/Measure.h"
+#include "platform/controls/Application.h"
+#include "platform/runtime/Clock.h"
+
+class QWidget;
+
+namespace bench {
+
+/// The program on a sample fleet, set up as main() does it, signed on as an administrator. A message box that
+/// comes up is answered by "OK" or "No" and fails the measurement.
+class Desk {
+ public:
+  Desk(int& argc, char** argv, int assets, int years);
+  ~Desk();
+  Desk(const Desk&) = delete;
+  Desk& operator=(const Desk&) = delete;
+
+  /// Runs `work`, then lets events happen until something in the window of that name has been painted and
+  /// nothing is left to do. Milliseconds from the beginning of the work. Throws where a box came up, or
+  /// nothing was painted.
+  double UntilPainted(const std::string& window, const std::function<void()>& work);
+  /// A key goes down and up in a control.
+  void Press(QWidget& control, int key, const std::string& text = {});
+  /// Unloads all forms and lets the rest happen.
+  void CloseAll();
+  void Settle();
+
+  const std::string MainFile() const { return directory_.Path("DW.MDB"); }
+  const Directory& Files() const { return directory_; }
+
+ private:
+  class Boxes;
+  void CheckBoxes();
+
+  Directory directory_;
+  rt::FixedClock today_;
+  ui::Application application_;
+  std::shared_ptr<Boxes> boxes_;
+};
+
+/// The least of some rounds of a measurement.
+template <class Measurement>
+double Best(int rounds, Measurement measurement) {
+  double best = 1e12;
+  for (int round = 0; round < rounds; ++round) best = std::min(best, measurement());
+  return best;
+}
+
+/// The most memory that this process has had since the last call of ForgetPeak, in MB.
+double PeakMegabytes();
+void ForgetPeak();
+/// Gives freed memory back to the system, so that what is resident is in use.
+void TrimMemory();
+
+// The measurements; each gives 0 when it could measure.
+int Start(int rounds, char** argv);
+/// The program that Start starts: from `began` (nanoseconds of the steady clock) it tells its steps on its
+/// output.
+int StartedProgram(int& argc, char** argv, std::int64_t began);
+int DeskList(int& argc, char** argv, int transactions);
+int DeskDetail(int& argc, char** argv, int transactions);
+int DeskAsset(int& argc, char** argv, int transactions);
+
+}  // namespace bench

@@ -1,0 +1,68 @@
+#include "program/SetUp.h"
+
+#include <QAbstractEventDispatcher>
+#include <QThread>
+#include <memory>
+#include <string>
+
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericDAO.h"
+#include "platform/controls/Application.h"
+#include "platform/controls/DataControl.h"
+#include "platform/controls/Form.h"
+#include "platform/controls/QtScreen.h"
+#include "program/FormTable.h"
+#include "shell/forms/AppIcon.h"
+#include "shell/forms/CloseChildForm.h"
+#include "shell/forms/GetDataPath.h"
+#include "shell/forms/HelpKey.h"
+#include "shell/forms/ProgramEnd.h"
+#include "shell/forms/frmMessage.h"
+
+namespace dw {
+namespace {
+
+/// Opens files for data controls with the waits and prompts of the data layer. The workspace stays for as
+/// long as the database is used.
+std::shared_ptr<dao::Database> OpenForDataControl(const std::string& path) {
+  struct Opened {
+    DaoWorkspacePtr workspace;
+    DaoDatabasePtr database;
+  };
+  auto opened = std::make_shared<Opened>();
+  int error = 0;
+  if (!DaoOpenDatabase(path, false, DataUserID, DataPassword, opened->workspace, opened->database, error))
+    return nullptr;
+  return {opened, opened->database.get()};
+}
+
+std::shared_ptr<screen::Screen> Desktop() {
+  auto desktop = std::make_shared<ui::QtScreen>();
+  desktop->showNotice = ShowMessageForm;
+  desktop->hideNotice = HideMessageForm;
+  return desktop;
+}
+
+/// The program is over once no form is left and nothing is being done any more. A form that goes in the
+/// middle of some work does not cut it off.
+void QuitOnceIdle() {
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, qApp, [] {
+    if (ui::Forms().empty() && QThread::currentThread()->loopLevel() <= 1) QCoreApplication::exit(0);
+  });
+}
+
+}  // namespace
+
+void SetUpProgram(ui::Application& application) {
+  QApplication::setWindowIcon(ApplicationIcon());
+  screen::Install(Desktop());
+  InstallProgramEnd();
+  InstallFormEnds();
+  ui::InstallLastFormGone(QuitOnceIdle);
+  InstallLocators();
+  ui::InstallDatabaseOpener(OpenForDataControl);
+  InstallHelpKey(application);
+  RegisterForms();
+}
+
+}  // namespace dw
