@@ -10,7 +10,7 @@
 #include "costing/forms/frmMaintTaskMaint.h"
 #include "costing/forms/frmRePost.h"
 #include "support/OtherUser.h"
-#include "support/Program.h"
+#include "support/desktop/Role.h"
 
 namespace {
 
@@ -231,32 +231,29 @@ TEST_F(TransactionRoad, AHeldTransactionIsForReadingAndTheRunPassesItOver) {
 
 constexpr const char* kDataOfVictim = "DROVEWRIGHT_TEST_DATA";
 
-/// Not a test: another workstation, which opens its window on the first transaction and stays.
-TEST(OtherWorkstation, DISABLED_HoldsATransaction) {
-  const char* data = std::getenv(kDataOfVictim);
-  ASSERT_NE(data, nullptr);
-  dw::SetDataPath(data);
+/// Another workstation, which opens its window on the first transaction and stays.
+const test::Role kHolder("holder", [] {
+  dw::SetDataPath(std::getenv(kDataOfVictim));
   auto& list = ui::The<dw::frmTransactionList>();
   list.ShowForm();
   list.ShowDetail();
   test::Settle();
-  ASSERT_TRUE(ui::Existing<dw::frmTransactionMaint>()->Data().Recordset()->Editing());
-  std::cerr << "holds it" << std::endl;
+  if (ui::Existing<dw::frmTransactionMaint>()->Data().Recordset()->Editing())
+    std::cerr << "holds it" << std::endl;
   std::this_thread::sleep_for(std::chrono::minutes(1));
-}
+});
 
 TEST_F(TransactionRoad, AKilledProgramHoldsNothing) {
   fleet_.AddTransaction("TRK-1", 2026, 3);
   setenv(kDataOfVictim, dw::DataPath.c_str(), 1);
-  test::Program victim({"/proc/self/exe", "--gtest_also_run_disabled_tests",
-                        "--gtest_filter=OtherWorkstation.DISABLED_HoldsATransaction"});
-  ASSERT_TRUE(victim.WaitForError("holds it"));
+  const auto victim = test::Role::Start("holder");
+  ASSERT_TRUE(victim->WaitForError("holds it"));
   Expect("Record is currently locked elsewhere.", Icon::Information);
   Expect(kHeldElsewhere, Icon::Exclamation);
   EXPECT_FALSE(OpenFirst().OkButton->isEnabled());
   test::Click(Window(), "CancelButton");
-  victim.Signal(SIGKILL);
-  EXPECT_EQ(victim.Join().code, -SIGKILL);
+  victim->Signal(SIGKILL);
+  EXPECT_EQ(victim->Join().code, -SIGKILL);
   EXPECT_TRUE(OpenFirst().OkButton->isEnabled());
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/controls/Application.h"
+#include "support/desktop/Role.h"
 
 namespace {
 
@@ -19,5 +20,6 @@ int main(int argc, char** argv) {
   usual = qInstallMessageHandler(WithoutRaise);
   ui::Application application(argc, argv);
   ui::InstallUncaught([](std::exception_ptr error) { ADD_FAILURE() << ui::UncaughtText(error); });
-  return RUN_ALL_TESTS();
+  const int role = test::Role::Run();
+  return role >= 0 ? role : RUN_ALL_TESTS();
 }
