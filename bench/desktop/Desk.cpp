@@ -12,7 +12,6 @@
 
 #include "data/BrackenfelGlobals.h"
 #include "platform/controls/Form.h"
-#include "platform/screen/Screen.h"
 #include "platform/system/Settings.h"
 #include "program/SetUp.h"
 
@@ -43,10 +42,10 @@ class PaintWatch : public QObject {
 
 }  // namespace
 
-/// Remembers the first box that came up. Pointers and notices are the program's own.
-class Desk::Boxes : public screen::Screen {
+/// Remembers the first box that came up.
+class Desk::Boxes : public WithoutPauses {
  public:
-  explicit Boxes(std::shared_ptr<screen::Screen> program) : program_(std::move(program)) {}
+  using WithoutPauses::WithoutPauses;
   screen::Answer ShowBox(const screen::Box& box) override {
     if (first_.empty()) first_ = box.text;
     return box.buttons == screen::Buttons::YesNo ? screen::Answer::No : screen::Answer::Ok;
@@ -55,17 +54,9 @@ class Desk::Boxes : public screen::Screen {
     if (first_.empty()) first_ = prompt;
     return text;
   }
-  void SetPointer(screen::Pointer pointer) override { program_->SetPointer(pointer); }
-  void DoEvents() override { program_->DoEvents(); }
-  void Sleep(int milliseconds) override { program_->Sleep(milliseconds); }
-  void ShowNotice(const std::string& title, const std::string& text) override {
-    program_->ShowNotice(title, text);
-  }
-  void HideNotice() override { program_->HideNotice(); }
   std::string TakeFirst() { return std::exchange(first_, {}); }
 
  private:
-  std::shared_ptr<screen::Screen> program_;
   std::string first_;
 };
 

@@ -127,15 +127,14 @@ std::string OneStart(char** argv) {
 }  // namespace
 
 int StartedProgram(int& argc, char** argv, std::int64_t began) {
-  Walk* walk = nullptr;
-  const double loaded = static_cast<double>(Now() - began) / 1e6;
+  const double reached = static_cast<double>(Now() - began) / 1e6;
   ui::Application application(argc, argv);
-  Walk steps(began);
-  walk = &steps;
-  std::printf("start until main() is reached\t%.3f\n", loaded);
-  walk->Tell("start until the toolkit is up");
+  const Walk walk(began);
+  std::printf("start until main() is reached\t%.3f\n", reached);
+  walk.Tell("start until the toolkit is up");
   dw::SetUpProgram(application);
-  walk->Tell("start until everything is in place");
+  screen::Install(std::make_shared<WithoutPauses>(screen::Install(nullptr)));
+  walk.Tell("start until everything is in place");
   QMetaObject::invokeMethod(
       &application, [] { ui::Guard(dw::ShowLogon); }, Qt::QueuedConnection);
   QTimer::singleShot(kPatience, &application, [] { QCoreApplication::exit(1); });
