@@ -30,7 +30,7 @@ std::string EntryIn(const std::string& folder, const std::string& name, bool wan
   std::string found;
   std::error_code error;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    const std::string candidate = entry->path().filename().string();
+    std::string candidate = entry->path().filename().string();
     if (!rt::EqualNoCase(candidate, name)) continue;
     std::error_code gone;
     if (entry->is_directory(gone) != wantsFolder || gone) continue;
@@ -92,7 +92,7 @@ std::string WithSeparator(const std::string& directory) {
 bool FileExists(const std::string& path) { return sys::FileExists(path); }
 
 std::string FindFile(const std::string& directory, const std::string& name) {
-  const std::string asGiven = WithSeparator(directory) + name;
+  std::string asGiven = WithSeparator(directory) + name;
   if (FileExists(asGiven)) return asGiven;
   std::string path = WithSeparator(directory);
   for (std::size_t begin = 0; begin < name.size();) {

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/controls/Application.h"
+#include "platform/controls/Later.h"
 #include "program/SetUp.h"
 #include "shell/forms/BFLogon.h"
 
@@ -61,7 +62,6 @@ int main(int argc, char** argv) {
   QApplication::setApplicationVersion(DROVEWRIGHT_VERSION);
   dw::SetUpProgram(application);
 
-  QMetaObject::invokeMethod(
-      &application, [] { ui::Guard(dw::ShowLogon); }, Qt::QueuedConnection);
+  ui::Later(application, [] { ui::Guard(dw::ShowLogon); });
   return QApplication::exec();
 }

@@ -178,7 +178,7 @@ int DeskAsset(int& argc, char** argv, int transactions) {
   asset.Window("no picture");
   asset.List("no pictures");
 
-  const QByteArray photo = Encoded(Scene(4608, 3456), "jpg", 88);
+  const QByteArray photo = Encoded(Scene(4608, 3456), "jpg", 97);
   Tell("picture of 16 megapixels as JPEG", static_cast<double>(photo.size()) / kMegabyte, "MB");
   asset.Store(photo);
   asset.Window("with the JPEG");
@@ -191,7 +191,7 @@ int DeskAsset(int& argc, char** argv, int transactions) {
   asset.Window("with the BMP");
   asset.Photo("with the BMP");
 
-  const QByteArray small = Encoded(Scene(2592, 1944), "jpg", 85);
+  const QByteArray small = Encoded(Scene(2592, 1944), "jpg", 97);
   Tell("picture of 5 megapixels as JPEG", static_cast<double>(small.size()) / kMegabyte, "MB");
   asset.Store(small, kPhotos);
   asset.List("60 assets with one each");

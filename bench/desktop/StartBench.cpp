@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -18,6 +19,7 @@
 
 #include "bench/desktop/Desk.h"
 #include "platform/controls/Form.h"
+#include "platform/controls/Later.h"
 #include "platform/system/Settings.h"
 #include "program/SetUp.h"
 #include "shell/forms/BFLogon.h"
@@ -34,6 +36,15 @@ std::int64_t Now() {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(
              std::chrono::steady_clock::now().time_since_epoch())
       .count();
+}
+
+/// Runs the work once, so many milliseconds from now, unless the object is gone by then.
+void After(int pause, QObject& object, const std::function<void()>& work) {
+  auto* timer = new QTimer(&object);
+  timer->setSingleShot(true);
+  QObject::connect(timer, &QTimer::timeout, &object, work);
+  QObject::connect(timer, &QTimer::timeout, timer, &QObject::deleteLater);
+  timer->start(pause);
 }
 
 /// Goes through the windows of a start as a user does who clicks at once, and tells when each one was
@@ -54,8 +65,7 @@ class Walk : public QObject {
     if (std::find(seen_.begin(), seen_.end(), window) != seen_.end()) return false;
     seen_.push_back(window);
     // Behind the event that paints, when the window system has the pixels.
-    QMetaObject::invokeMethod(
-        this, [this, window] { Painted(window); }, Qt::QueuedConnection);
+    ui::Later(*this, [this, window] { Painted(window); });
     return false;
   }
 
@@ -86,10 +96,10 @@ class Walk : public QObject {
   /// Says "No" to the question over the main window, and goes home.
   void Answer() {
     if (++atTheEnd_ < 2) return;
-    QTimer::singleShot(0, this, [] {
+    After(0, *this, [] {
       if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
         box->button(QMessageBox::No)->click();
-      if (ui::Form* menu = ui::FindForm("mnuDW")) QTimer::singleShot(0, menu, [menu] { menu->Unload(); });
+      if (ui::Form* menu = ui::FindForm("mnuDW")) After(0, *menu, [menu] { menu->Unload(); });
     });
   }
 
@@ -135,9 +145,8 @@ int StartedProgram(int& argc, char** argv, std::int64_t began) {
   dw::SetUpProgram(application);
   screen::Install(std::make_shared<WithoutPauses>(screen::Install(nullptr)));
   walk.Tell("start until everything is in place");
-  QMetaObject::invokeMethod(
-      &application, [] { ui::Guard(dw::ShowLogon); }, Qt::QueuedConnection);
-  QTimer::singleShot(kPatience, &application, [] { QCoreApplication::exit(1); });
+  ui::Later(application, [] { ui::Guard(dw::ShowLogon); });
+  After(kPatience, application, [] { QCoreApplication::exit(1); });
   return QApplication::exec();
 }
 

@@ -10,6 +10,7 @@
 #include "costing/Unposting.h"
 #include "costing/forms/frmMaintTaskMaint.h"
 #include "fleet/forms/ListForm.h"
+#include "platform/controls/NoInput.h"
 #include "platform/runtime/Text.h"
 
 namespace dw {
@@ -226,7 +227,7 @@ bool frmTransactionMaint::CheckAll() {
   if (!CheckDate()) return refuse(Text8);
   if (!CheckPeriod(Text10.Text())) return refuse(Text10);
   for (const NumericRule& rule : kNumericRules) {
-    auto& field = *dynamic_cast<ui::TextBox*>(findChild<QWidget*>(rule.control));
+    auto& field = dynamic_cast<ui::TextBox&>(*findChild<QWidget*>(rule.control));
     if (field.Text().empty() || rt::IsNumeric(field.Text())) continue;
     screen::MessageBox(rule.words, screen::Icon::Critical);
     return refuse(field);
@@ -249,12 +250,18 @@ void frmTransactionMaint::AddTask() {
 
 void frmTransactionMaint::ShowTask() {
   if (!CommitForTask()) return;
-  if (adoSchedule.HasRows()) {
-    OpenTask(false, rt::Value(grdTasks.CellText(0)).AsLong());
-  } else {
+  if (!adoSchedule.HasRows())
     TellNoRecords();
-    OnActivate();
-  }
+  else if (!TaskIsGone())
+    return OpenTask(false, rt::Value(grdTasks.CellText(0)).AsLong());
+  OnActivate();
+}
+
+bool frmTransactionMaint::TaskIsGone() {
+  if (rt::IsNumeric(grdTasks.CellText(0))) return false;
+  screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
+  RefreshGrid();
+  return true;
 }
 
 void frmTransactionMaint::OpenTask(bool add, std::int32_t id) {
@@ -270,6 +277,7 @@ void frmTransactionMaint::DeleteTask() {
     TellNoRecords();
     return;
   }
+  if (TaskIsGone()) return;
   if (DeleteRecord(
           {.recordQuery = "SELECT * FROM [Maintenance_Performed] WHERE [ID] = " + grdTasks.CellText(0)}))
     RefreshGrid();
@@ -282,18 +290,26 @@ void frmTransactionMaint::Unpost() {
     return;
   }
   const DaoRecordsetPtr record = Data().Recordset();
-  const rt::Value postedYear = record->Get("Year");
-  const rt::Value postedPeriod = record->Get("Period");
+  // Since the posting the calendar may have changed, and a code may have been typed where the window was
+  // opened for no asset. The figures leave the asset and the period that they went into.
+  static constexpr std::array kPlace{"Asset ID", "Year", "Period"};
+  std::array<rt::Value, kPlace.size()> posted;
+  std::array<rt::Value, kPlace.size()> now;
+  for (std::size_t i = 0; i < kPlace.size(); ++i) posted[i] = record->Get(kPlace[i]);
   if (!StoreControls()) return;
-  const rt::Value year = record->Get("Year");
-  const rt::Value period = record->Get("Period");
-  // The calendar may have changed since the posting. The figures leave the period that they went into.
-  record->Set("Year", postedYear);
-  record->Set("Period", postedPeriod);
-  const bool held = UnpostHeldTransaction(record, [&] {
-    record->Set("Year", year);
-    record->Set("Period", period);
-  });
+  for (std::size_t i = 0; i < kPlace.size(); ++i) {
+    now[i] = record->Get(kPlace[i]);
+    record->Set(kPlace[i], posted[i]);
+  }
+  const std::int16_t last = LastTabIndex;
+  bool held = false;
+  {
+    const ui::NoInput untouched(*this);
+    held = UnpostHeldTransaction(record, [&] {
+      for (std::size_t i = 0; i < kPlace.size(); ++i) record->Set(kPlace[i], now[i]);
+    });
+  }
+  LastTabIndex = last;
   if (held) {
     // The fields stay as they are, closed ones too: only opening the record anew frees them.
     Data().ShowRecord();

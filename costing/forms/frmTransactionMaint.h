@@ -91,6 +91,8 @@ class frmTransactionMaint : public DetailForm {
   /// Stores the transaction for a task. False where it does not pass.
   bool CommitForTask();
   void OpenTask(bool add, std::int32_t id);
+  /// Whether another user deleted the grid's task before it was read: that is told.
+  bool TaskIsGone();
   void Unpost();
 
   std::int32_t currentTask_ = 0;

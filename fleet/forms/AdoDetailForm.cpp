@@ -3,6 +3,7 @@
 #include <QPushButton>
 #include <utility>
 
+#include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericADO.h"
 #include "fleet/forms/ListForm.h"
@@ -27,11 +28,27 @@ class AdoRecord : public ui::BoundRecord {
     }
   }
   rt::Value Get(int field) override { return recordset_->Get(field); }
-  void Set(int field, const rt::Value& value) override { recordset_->Set(field, value); }
+  void Set(int field, const rt::Value& value) override {
+    try {
+      recordset_->Set(field, value);
+    } catch (const ado::Error& error) {
+      // The bindings know the engine's own numbers.
+      throw store::StoreError(error.Native(), error.what());
+    }
+  }
 
  private:
   ado::Recordset* recordset_;
 };
+
+/// Runs a step of a transaction; false after a message.
+bool Done(const std::function<void()>& step) {
+  const Failure failure = Try(step);
+  if (failure)
+    screen::MessageBox("Error #" + std::to_string(failure.number) + "\r\r" + failure.description,
+                       screen::Icon::Critical);
+  return !failure;
+}
 
 }  // namespace
 
@@ -104,7 +121,10 @@ bool AdoDetailForm::AddRow() {
     return false;
   }
   DataID = Record().Get("ID").AsLong();
-  connection->CommitTrans();
+  if (!Done([&] { connection->CommitTrans(); })) {
+    data_.Close();
+    return false;
+  }
   AdoRefreshCache(connection, UseAccess);
   data_.Close();
   return true;
@@ -147,6 +167,8 @@ void AdoDetailForm::LoadRecord() {
 }
 
 void AdoDetailForm::Hold() {
+  // A box may have been answered by the end of the program.
+  if (!HasRow()) return;
   Record().ActiveConnection()->BeginTrans();
   held_ = true;
 }
@@ -157,6 +179,7 @@ void AdoDetailForm::LetGo() {
 }
 
 bool AdoDetailForm::SaveRecord() {
+  if (!HasRow()) return false;
   ado::Recordset& record = Record();
   AdoRecord bound(&record);
   try {
@@ -174,7 +197,8 @@ bool AdoDetailForm::SaveRecord() {
     screen::SetPointer(screen::Pointer::Normal);
     return false;
   }
-  if (held_) connection->CommitTrans();
+  // What was typed is still in the controls, and is stored again at the next try.
+  if (held_ && !Done([&] { connection->CommitTrans(); })) return false;
   AdoRefreshCache(connection, UseAccess);
   LetGo();
   return true;
@@ -204,12 +228,13 @@ void AdoDetailForm::Cancel() {
     AdoCancelUpdateRS(Record());
     Record().Move(0);
     AdoDeleteRS(Record(), false, false);
-    if (held_) connection->CommitTrans();
+    // Whatever fails, the user gets out: letting go takes back what is not committed.
+    if (held_) Done([&] { connection->CommitTrans(); });
     AdoRefreshCache(connection, UseAccess);
   } else if (HasRow() && !ReadOnly()) {
     const AdoConnectionPtr connection = Record().ActiveConnection();
     AdoCancelUpdateRS(Record());
-    if (held_) connection->RollbackTrans();
+    if (held_) Done([&] { connection->RollbackTrans(); });
   }
   LetGo();
   Unload();

@@ -9,7 +9,7 @@ QLayout* AuditLines(std::deque<ui::BoundLabel>& labels) {
   auto* audit = new QGridLayout;
   const char* const prompts[] = {"Date Created:", "Last Updated:"};
   for (int row = 0; row < 2; ++row) {
-    const auto who = static_cast<std::size_t>(2 * row);
+    const std::size_t who = 2 * static_cast<std::size_t>(row);
     audit->addWidget(new QLabel(prompts[row]), row, 0);
     audit->addWidget(&labels[who + 1], row, 1);
     audit->addWidget(&labels[who], row, 2);

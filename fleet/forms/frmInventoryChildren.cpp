@@ -64,8 +64,14 @@ bool frmInventoryMaint::RowID(Child& child, std::int32_t& id) {
   }
   // Deleted elsewhere before it was read.
   screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
-  ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+  RefreshChild(child);
   return false;
+}
+
+void frmInventoryMaint::RefreshChild(Child& child) {
+  if (!child.armed) ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+  ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+  child.armed = false;
 }
 
 void frmInventoryMaint::OpenChild(int page, bool add, std::int32_t id) {
@@ -94,7 +100,7 @@ void frmInventoryMaint::DeleteChild(int page) {
   const bool gone = page == kMaintenance ? RemoveTransaction(id)
                     : page == kSchedule  ? DeleteScheduleLine(id)
                                          : RemoveReading(id);
-  if (gone) ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+  if (gone) RefreshChild(child);
 }
 
 }  // namespace dw

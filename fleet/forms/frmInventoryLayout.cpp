@@ -3,10 +3,12 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "fleet/forms/AuditLine.h"
 #include "fleet/forms/frmInventoryMaint.h"
+#include "platform/controls/Application.h"
 #include "platform/controls/Layout.h"
 
 namespace dw {
@@ -197,6 +199,19 @@ void frmInventoryMaint::AddTabs() {
     SetDefault(OKButton);
     return true;
   };
+  const std::pair<const char*, int> turns[] = {
+      {"Ctrl+Tab", 1}, {"Ctrl+PgDown", 1}, {"Ctrl+Shift+Tab", -1}, {"Ctrl+PgUp", -1}};
+  for (const auto& [keys, step] : turns) {
+    auto* turn = new QShortcut(QKeySequence(QString(keys)), this);
+    connect(turn, &QShortcut::activated, this, [this, by = step] { ui::Guard([&] { TurnPage(by); }); });
+  }
+}
+
+void frmInventoryMaint::TurnPage(int step) {
+  SSIndexTab1.setCurrentIndex((SSIndexTab1.currentIndex() + step + SSIndexTab1.count()) %
+                              SSIndexTab1.count());
+  // From elsewhere in the window the way into the page is one step then.
+  if (!SSIndexTab1.isAncestorOf(focusWidget())) SSIndexTab1.tabBar()->setFocus(Qt::ShortcutFocusReason);
 }
 
 void frmInventoryMaint::LayOut() {

@@ -15,6 +15,9 @@
 #include "fleet/forms/ListForm.h"
 #include "fleet/forms/PictureForms.h"
 #include "platform/controls/Application.h"
+#include "platform/controls/GridSearch.h"
+#include "platform/controls/Later.h"
+#include "platform/controls/NoInput.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
@@ -30,6 +33,15 @@ QPushButton* Button(const char* name, const char* caption) {
   button->setObjectName(name);
   return button;
 }
+
+/// The pointer over a form while it works, whichever way the work ends.
+struct Busy {
+  explicit Busy(ui::Form& busy) : form(busy) { form.SetPointer(screen::Pointer::Hourglass); }
+  ~Busy() { form.SetPointer(screen::Pointer::Normal); }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+  ui::Form& form;
+};
 
 /// The dates that code moves between box and column, so that an empty box is a Null.
 struct DateColumn {
@@ -78,23 +90,42 @@ frmInventoryMaint::frmInventoryMaint()
   ui::OnClick(*cmdPicture[1], [this] { OpenGetPicture(*this, *this); });
 
   for (const DateColumn& date : kDates) CheckDateOnLeaving(this->*date.box);
-  CheckDateOnLeaving(txtDueBy);
+  txtDueBy.onLeave = [this] {
+    if (CancelPressed() || comingBack_ || ValidDate(txtDueBy.Text(), false)) return true;
+    ComeBackTo(txtDueBy);
+    return false;
+  };
   txtUsage.onLeave = [this] {
-    if (CancelPressed() || rt::IsNumeric(txtUsage.Text())) return true;
+    if (CancelPressed() || comingBack_ || rt::IsNumeric(txtUsage.Text())) return true;
     screen::MessageBox("Usage must be a valid number.", screen::Icon::Information);
+    ComeBackTo(txtUsage);
     return false;
   };
   Text14.SelectOnEntry();
   Text1.SelectOnEntry();
   // Whatever loses the focus is what gets it back when the window comes forward again.
-  connect(qApp, &QApplication::focusChanged, this, [this](QWidget* earlier, QWidget*) {
-    const auto stop = std::find(stops_.begin(), stops_.end(), earlier);
-    if (stop != stops_.end()) LastTabIndex = static_cast<int>(stop - stops_.begin());
-  });
+  connect(qApp, &QApplication::focusChanged, this,
+          [this](QWidget* earlier, QWidget*) { NoteFocus(earlier); });
 }
 
 void frmInventoryMaint::CheckDateOnLeaving(ui::TextBox& field) {
   field.onLeave = [this, &field] { return CancelPressed() || ValidDate(field.Text(), false); };
+}
+
+void frmInventoryMaint::NoteFocus(QWidget* widget) {
+  const auto stop = std::find(stops_.begin(), stops_.end(), widget);
+  if (stop != stops_.end()) LastTabIndex = static_cast<int>(stop - stops_.begin());
+}
+
+void frmInventoryMaint::ComeBackTo(ui::TextBox& field) {
+  if (SSIndexTab1.currentIndex() == 0) return;
+  // The page is being turned just now, and the focus has more than one step to go.
+  comingBack_ = true;
+  ui::Later(field, [this, &field] {
+    comingBack_ = false;
+    SSIndexTab1.setCurrentIndex(0);
+    field.setFocus();
+  });
 }
 
 void frmInventoryMaint::OnLoad() {
@@ -143,6 +174,10 @@ std::string frmInventoryMaint::CodeForQuery() {
 }
 
 void frmInventoryMaint::OpenLists() {
+  for (Child& child : children_)
+    if (!child.armed && child.grid->Row() > 0)
+      ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+  justRead_ = true;
   FillCombos();
   const std::string code = CodeForQuery();
   adoOdometers_.RecordSource =
@@ -169,7 +204,7 @@ void frmInventoryMaint::RefreshMaintenance() {
 void frmInventoryMaint::RecordLoaded() {
   if (!AddMode) {
     AssetText.setEnabled(false);
-    cmdRename->setEnabled(true);
+    cmdRename->setEnabled(!ReadOnly());
   }
   // What is due can be read, and scrolled, in any window.
   txtDue.setEnabled(true);
@@ -178,7 +213,11 @@ void frmInventoryMaint::RecordLoaded() {
   setWindowTitle(QString::fromStdString(code.IsNull() ? "Detail for New Asset"
                                                       : "Detail for Asset ID " + code.AsText()));
   CheckPosted();
+  // What has the focus may lose it with its page.
+  NoteFocus(focusWidget());
+  const int last = LastTabIndex;
   SSIndexTab1.setCurrentIndex(0);
+  LastTabIndex = last;
   RestoreFocus();
   ProposeDue();
   RunDue();
@@ -186,10 +225,7 @@ void frmInventoryMaint::RecordLoaded() {
 
 void frmInventoryMaint::CheckPosted() {
   if (!adoMaintenance_.HasRows()) return;
-  ado::Recordset& rows = *adoMaintenance_.Recordset();
-  rows.Find("[When Posted] IS NOT NULL", true);
-  const bool posted = !rows.AtEnd();
-  rows.MoveFirst();
+  const bool posted = ui::FirstRowWhere(adoMaintenance_, "[When Posted] IS NOT NULL").has_value();
   cmdUnpost->setEnabled(posted);
   // Posted costs stand under the fuel type that the asset has now.
   dcFuelTypes.setEnabled(!posted && !ReadOnly());
@@ -203,7 +239,7 @@ void frmInventoryMaint::ProposeDue() {
 }
 
 void frmInventoryMaint::RunDue() {
-  SetPointer(screen::Pointer::Hourglass);
+  const Busy busy(*this);
   txtDue.SetText("");
   const auto dueBy = rt::ParseDate(txtDueBy.Text());
   const auto usage = rt::ParseNumber(txtUsage.Text());
@@ -213,10 +249,14 @@ void frmInventoryMaint::RunDue() {
     screen::MessageBox("Usage must be a valid number.", screen::Icon::Information);
   else
     txtDue.SetText(CalculateDue(AssetText.Text(), *dueBy, static_cast<float>(*usage)));
-  SetPointer(screen::Pointer::Normal);
 }
 
 bool frmInventoryMaint::Refreshed() {
+  // A record that somebody else holds takes no picture.
+  if (ReadOnly()) {
+    photo_.clear();
+    removePhoto_ = false;
+  }
   if (!photo_.empty() && !TakePhoto()) return true;
   if (!Activated) return false;
   if (removePhoto_) {
@@ -224,7 +264,9 @@ bool frmInventoryMaint::Refreshed() {
     removePhoto_ = false;
   }
   const int page = SSIndexTab1.currentIndex();
-  for (Child& child : children_) ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+  const bool justRead = std::exchange(justRead_, false);
+  for (Child& child : children_)
+    if (child.armed || !justRead) RefreshChild(child);
   SSIndexTab1.setCurrentIndex(page);
   ShowPictureButtons();
   RestoreFocus();
@@ -251,12 +293,20 @@ void frmInventoryMaint::ShowPictureButtons() {
 
 void frmInventoryMaint::RestoreFocus() {
   if (LastTabIndex < 0 || LastTabIndex >= static_cast<int>(stops_.size())) return;
-  QWidget* stop = stops_[static_cast<std::size_t>(LastTabIndex)];
-  for (int page = 0; page < SSIndexTab1.count(); ++page)
-    if (SSIndexTab1.widget(page)->isAncestorOf(stop) && page != SSIndexTab1.currentIndex()) return;
-  // A field that takes no input now gives the focus to the next one that does.
+  const int last = LastTabIndex;
+  QWidget* stop = stops_[static_cast<std::size_t>(last)];
+  for (int page = 0; page < SSIndexTab1.count(); ++page) {
+    if (!SSIndexTab1.widget(page)->isAncestorOf(stop) || page == SSIndexTab1.currentIndex()) continue;
+    // The grids leave the page as it is; the others bring their own with them.
+    for (const Child& child : children_)
+      if (child.grid == stop) return;
+    SSIndexTab1.setCurrentIndex(page);
+  }
+  // A field that takes no input now gives the focus to one that does.
   if (!stop->isEnabled()) stop = &Text9;
+  if (!stop->isEnabled()) stop = SSIndexTab1.tabBar();
   stop->setFocus();
+  LastTabIndex = last;
 }
 
 bool frmInventoryMaint::ValidData() {
@@ -288,17 +338,19 @@ bool frmInventoryMaint::StoreMore(ado::Recordset& record) {
 
 void frmInventoryMaint::Rename() {
   if (ReadOnly() || !ValidData() || !AddAsset()) return;
-  RenameAsset(AssetText.Text());
   Rearm();
+  RenameAsset(AssetText.Text());
   OnActivate();
 }
 
 void frmInventoryMaint::Unpost() {
-  SetPointer(screen::Pointer::Hourglass);
-  UnpostAll();
+  const Busy busy(*this);
+  {
+    const ui::NoInput untouched(*this);
+    UnpostAll();
+  }
   OnActivate();
   CheckPosted();
-  SetPointer(screen::Pointer::Normal);
 }
 
 }  // namespace dw

@@ -75,7 +75,7 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
     ui::DataGrid* grid = nullptr;
     ui::Adodc* data = nullptr;
     long topRow = 0;
-    bool armed = false;
+    bool armed = false;  ///< `topRow` is the row to go back to
     std::int32_t currentRow = 0;
   };
 
@@ -95,12 +95,20 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   void RunDue();
   bool TakePhoto();
   void ShowPictureButtons();
+  /// Takes down what had the focus last.
+  void NoteFocus(QWidget* widget);
   void RestoreFocus();
   void Rename();
   void Unpost();
   void AddChild(int page);
   void ShowChild(int page);
   void OpenChild(int page, bool add, std::int32_t id);
+  /// Reads the rows of a grid anew and goes back to where it stood.
+  void RefreshChild(Child& child);
+  /// The next page but so many, round and round.
+  void TurnPage(int step);
+  /// Brings the focus back to a field of the first page, which another page may cover by then.
+  void ComeBackTo(ui::TextBox& field);
   void DeleteChild(int page);
   /// The number of the grid's row. False where another user deleted it, which is told.
   bool RowID(Child& child, std::int32_t& id);
@@ -115,6 +123,8 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   ui::Adodc adoSchedule_;
   ui::Adodc adoOdometers_;
   std::vector<Child> children_;
+  bool comingBack_ = false;      ///< the focus is on its way back to a field that was left too early
+  bool justRead_ = false;        ///< the grids show the record that was read a moment ago
   std::vector<QWidget*> stops_;  ///< what the Tab key reaches, in its order
   int LastTabIndex = 0;          ///< the place among them that had the focus last
 };

@@ -26,16 +26,16 @@ Uncaught InstallUncaught(Uncaught handler) { return std::exchange(Installed(), s
 
 void HandleUncaught(std::exception_ptr error) {
   if (Installed()) {
-    Installed()(error);
+    Installed()(std::move(error));
     return;
   }
-  std::fprintf(stderr, "%s\n", UncaughtText(error).c_str());
+  std::fprintf(stderr, "%s\n", UncaughtText(std::move(error)).c_str());
   std::abort();
 }
 
 std::string UncaughtText(std::exception_ptr error) {
   try {
-    std::rethrow_exception(error);
+    std::rethrow_exception(std::move(error));
   } catch (const store::StoreError& e) {
     return Numbered(e.Number(), e.what());
   } catch (const ado::Error& e) {

@@ -28,6 +28,11 @@ DataCombo::DataCombo(const char* name, std::string listField, std::string boundC
   setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   setMinimumContentsLength(24);
   setMaxVisibleItems(16);
+  // A choice that is closed has to be read like the text of any other field.
+  QPalette colours = palette();
+  colours.setColor(QPalette::Disabled, QPalette::ButtonText,
+                   colours.color(QPalette::Disabled, QPalette::Text));
+  setPalette(colours);
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) { Picked(index); });
 }
 

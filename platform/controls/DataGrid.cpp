@@ -278,8 +278,8 @@ bool DataGrid::viewportEvent(QEvent* event) {
   // What does not fit into its cell is shown whole.
   const auto* help = static_cast<QHelpEvent*>(event);
   const QModelIndex index = indexAt(help->pos());
-  const QString text = index.isValid() ? model_.Text(index.row(), index.column()) : QString();
-  if (fontMetrics().horizontalAdvance(text) + kRowMargin < visualRect(index).width()) {
+  const QString text = model_.Text(index.row(), index.column());
+  if (!index.isValid() || fontMetrics().horizontalAdvance(text) + kRowMargin < visualRect(index).width()) {
     QToolTip::hideText();
     return true;
   }

@@ -211,6 +211,9 @@ void DataGrid::ShowSought(bool found, int column) {
   soughtShown_->adjustSize();
   const QRect area = viewport()->geometry();
   soughtShown_->move(area.left() + 4, area.bottom() - soughtShown_->height() - 3);
+  // Not over the row that was found.
+  if (visualRect(currentIndex()).translated(area.topLeft()).bottom() >= soughtShown_->y())
+    soughtShown_->move(area.left() + 4, area.top() + 3);
   soughtShown_->show();
   soughtShown_->raise();
 }

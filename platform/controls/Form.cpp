@@ -116,7 +116,13 @@ void Form::BecomeActive() {
   std::erase(all.active, this);
   all.active.push_back(this);
   all.current = this;
+  // What an activation opens over its form, such as the window for a missing file, gives the form back when
+  // it closes: that goes on with the same activation and begins no other.
+  if (activating_) return;
+  activating_ = true;
+  const QPointer<Form> alive(this);
   Guard([this] { OnActivate(); });
+  if (alive) activating_ = false;
 }
 
 void Form::Unload() {

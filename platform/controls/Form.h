@@ -72,6 +72,7 @@ class Form : public QWidget {
 
   bool loaded_ = false;
   bool unloading_ = false;
+  bool activating_ = false;
   bool closable_ = true;
   bool cancelPressed_ = false;
   QPushButton* default_ = nullptr;

@@ -49,10 +49,10 @@ bool PictureBox::HasPicture() {
 }
 
 void PictureBox::ShowValue(const rt::Value& value) {
-  rt::Binary bytes;
-  if (value.Type() == rt::ValueType::Binary) bytes = value.AsBinary();
+  static const rt::Binary kNothing;
+  const rt::Binary& bytes = value.Type() == rt::ValueType::Binary ? value.AsBinary() : kNothing;
   // Records are read again and again; their pictures are mostly the same.
-  if (bytes != bytes_ || bytes.empty()) Take(std::move(bytes), false);
+  if (bytes != bytes_ || bytes.empty()) Take(bytes, false);
   changed_ = false;
 }
 

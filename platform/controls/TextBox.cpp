@@ -6,6 +6,7 @@
 
 #include "platform/controls/Application.h"
 #include "platform/controls/Format.h"
+#include "platform/controls/Later.h"
 #include "platform/controls/LeaveRule.h"
 #include "platform/runtime/Text.h"
 
@@ -94,12 +95,9 @@ void TextBox::focusInEvent(QFocusEvent* event) {
   if (onEnter) Guard([this] { onEnter(); });
   // A click marks the whole once; the next one sets the caret.
   if (selectOnEntry_)
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-          if (hasFocus()) selectAll();
-        },
-        Qt::QueuedConnection);
+    Later(*this, [this] {
+      if (hasFocus()) selectAll();
+    });
   if (selectOnEntry_) selectAll();
 }
 

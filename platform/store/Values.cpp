@@ -50,7 +50,9 @@ rt::Value RawRow::Decode(int index, ColumnType type) const {
       return rt::Value(bytes());
     case SQLITE_BLOB: {
       const auto content = bytes();
-      return rt::Value(rt::Binary(content.begin(), content.end()));
+      // In one piece, which pictures of many megabytes need.
+      const auto* first = reinterpret_cast<const rt::Binary::value_type*>(content.data());
+      return rt::Value(rt::Binary(first, first + content.size()));
     }
     case SQLITE_INTEGER:
       switch (type) {

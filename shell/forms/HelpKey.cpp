@@ -16,7 +16,7 @@ namespace {
 /// The nearest window above the widget that has a page, else the active form.
 std::string WindowToExplain(const QWidget* widget) {
   for (const QWidget* window = widget->window(); window != nullptr;) {
-    const std::string name = window->objectName().toStdString();
+    std::string name = window->objectName().toStdString();
     if (!PageOf(name).empty()) return name;
     window = window->parentWidget() != nullptr ? window->parentWidget()->window() : nullptr;
   }

@@ -12,7 +12,6 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QUrl>
@@ -20,6 +19,7 @@
 #include <functional>
 #include <utility>
 
+#include "platform/controls/Later.h"
 #include "platform/screen/Screen.h"
 #include "shell/Help.h"
 #include "shell/forms/HelpResults.h"
@@ -240,7 +240,9 @@ void HelpWindow::MarkWords() {
 
 void HelpWindow::PageShown(const QUrl& url) {
   const QString title = txtPage->documentTitle();
-  setWindowTitle(title.isEmpty() ? "Drovewright Help" : title + " - Drovewright Help");
+  // The page of contents bears the name of the whole.
+  const QString whole = "Drovewright Help";
+  setWindowTitle(title.isEmpty() || title == whole ? whole : title + " - " + whole);
   txtPage->setExtraSelections({});
   SelectInContents(url.fileName());
 }
@@ -279,7 +281,7 @@ void HelpWindow::LeaveModal() {
   setParent(nullptr, Qt::Window);
   if (!shown) return;
   // Another modal window may have been below this one; which it is shows once this one has gone.
-  QTimer::singleShot(0, this, [this] {
+  ui::Later(*this, [this] {
     JoinModal();
     show();
   });

@@ -13,6 +13,7 @@
 #include <memory>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "data/Application.h"
 #include "data/BrackenfelGlobals.h"
@@ -91,7 +92,7 @@ bool ending = false;  ///< the forms are being unloaded for good
 
 bool IsApplicationEnd(std::exception_ptr error) {
   try {
-    std::rethrow_exception(error);
+    std::rethrow_exception(std::move(error));
   } catch (const ApplicationEnd&) {
     return true;
   } catch (...) {
@@ -99,7 +100,7 @@ bool IsApplicationEnd(std::exception_ptr error) {
   }
 }
 
-void EndAfter(std::exception_ptr error) {
+void EndAfter(const std::exception_ptr& error) {
   // One error is enough: what fails while the program ends is its consequence.
   if (told || ending) return;
   if (IsApplicationEnd(error)) EndProcess(0);

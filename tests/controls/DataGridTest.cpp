@@ -219,7 +219,11 @@ TEST_F(DataGridTest, TypingFindsARow) {
   grid->setFocus();
   QTest::keyClicks(grid, "k30");
   EXPECT_EQ(grid->CellText(1), "K300");
-  EXPECT_EQ(grid->findChild<QLabel*>("lblSought")->text(), "Asset Code: k30");
+  const auto* sought = grid->findChild<QLabel*>("lblSought");
+  EXPECT_EQ(sought->text(), "Asset Code: k30");
+  EXPECT_FALSE(sought->geometry().intersects(
+      grid->visualRect(grid->currentIndex()).translated(grid->viewport()->pos())))
+      << "the row that was found can be read";
   QTest::keyClicks(grid, "x");
   EXPECT_EQ(grid->CellText(1), "K300");
   EXPECT_EQ(grid->findChild<QLabel*>("lblSought")->text(), "Asset Code: k30x - not found");

@@ -102,7 +102,7 @@ class DataTest : public ::testing::Test {
                           "', 100)");
   }
   std::string MakeVehicles() const {
-    const std::string path = directory_.Path("DW.MDB");
+    std::string path = directory_.Path("DW.MDB");
     MakeVehicles(path);
     return path;
   }

@@ -35,7 +35,7 @@ class DataLocationTest : public testing::Test {
   }
   /// A directory with empty files of these names.
   std::string Directory(const std::string& name, std::initializer_list<const char*> files) {
-    const std::string path = directory_.Path(name);
+    std::string path = directory_.Path(name);
     std::filesystem::create_directories(path);
     for (const char* file : files) std::ofstream(path + '/' + file);
     return path;

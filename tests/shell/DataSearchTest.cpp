@@ -23,7 +23,7 @@ class DataSearchTest : public testing::Test {
   ~DataSearchTest() override { dw::InstallDrives({}); }
   /// Makes a directory below the drive with these files; its path.
   std::string Make(const std::string& name, std::initializer_list<const char*> files = {}) {
-    const std::string path = name.empty() ? root_ : root_ + '/' + name;
+    std::string path = name.empty() ? root_ : root_ + '/' + name;
     fs::create_directories(path);
     for (const char* file : files) std::ofstream(path + '/' + file);
     return path;

@@ -130,7 +130,7 @@ TEST_F(ReleaseCopyTest, AFileThatSomebodyHasOpenStaysAsItIs) {
 
 TEST_F(ReleaseCopyTest, AFailedCopyIsOfferedAsAPlainOne) {
   // The drive holds a plain file where the folder should be: no copy can work.
-  std::ofstream(drive_ + "/Brackenfel Software");
+  std::ofstream(drive_ + "/Brackenfel Software").close();
   ExpectFailure(3, Answer::Ok);
   user_->ExpectPart("Could not copy file.\rCould not copy '" + Source("dw.mdb"), Icon::Critical);
   EXPECT_FALSE(Install());

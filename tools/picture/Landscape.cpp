@@ -34,7 +34,7 @@ double RidgeAt(const Ridge& ridge, double x) {
 
 void DrawRidge(QPainter& painter, const Ridge& ridge) {
   QPainterPath path(QPointF(0, kHeight));
-  for (double x = 0; x <= kWidth; x += 4) path.lineTo(x, RidgeAt(ridge, x));
+  for (int x = 0; x <= kWidth; x += 4) path.lineTo(x, RidgeAt(ridge, x));
   path.lineTo(kWidth, kHeight);
   path.closeSubpath();
   QLinearGradient colour(0, ridge.height - ridge.swing, 0, ridge.height + 130);
@@ -205,7 +205,7 @@ void DrawRoad(QPainter& painter) {
   const QColor paint(226, 222, 206);
   painter.fillRect(QRectF(0, kRoadTop + 20, kWidth, 3), paint);
   painter.fillRect(QRectF(0, kRoadBottom - 14, kWidth, 5), paint);
-  for (double x = -30; x < kWidth; x += 120) {
+  for (int x = -30; x < kWidth; x += 120) {
     QPolygonF dash;
     dash << QPointF(x, 788) << QPointF(x + 58, 788) << QPointF(x + 55, 794) << QPointF(x - 4, 794);
     painter.setBrush(QColor(224, 190, 104));
@@ -218,7 +218,7 @@ void DrawForeground(QPainter& painter) {
   const auto throwDice = [&](double from, double to) {
     return from + (to - from) * static_cast<double>(dice()) / static_cast<double>(std::mt19937::max());
   };
-  for (double x = 90; x < kWidth; x += 210) {
+  for (int x = 90; x < kWidth; x += 210) {
     painter.fillRect(QRectF(x, kRoadBottom - 16, 8, 46), QColor(232, 230, 220));
     painter.fillRect(QRectF(x, kRoadBottom - 6, 8, 9), QColor(176, 78, 58));
   }

@@ -113,7 +113,7 @@ void DrawSemitrailer(QPainter& painter) {
   Box(painter, box.darker(112), 0, -92, 486, 22, 2);
   painter.fillRect(QRectF(0, -176, 486, 26), cab);
   painter.fillRect(QRectF(0, -146, 486, 7), QColor(214, 152, 52));
-  for (double x = 48; x < 480; x += 48) painter.fillRect(QRectF(x, -242, 1.4, 170), QColor(0, 0, 0, 22));
+  for (int x = 48; x < 480; x += 48) painter.fillRect(QRectF(x, -242, 1.4, 170), QColor(0, 0, 0, 22));
   Box(painter, kDark.lighter(130), 300, -62, 8, 42);
   Box(painter, kTaillight, 0, -86, 6, 12, 1);
   // The tractor.
@@ -136,7 +136,7 @@ void DrawSemitrailer(QPainter& painter) {
   painter.fillRect(QRectF(596, -150, 1.8, 84), cab.darker(140));
   painter.fillRect(QRectF(536, -136, 14, 4), cab.darker(160));
   Box(painter, QColor(150, 156, 158), 492, -252, 9, 190, 4);
-  for (double y = -128; y < -84; y += 9) painter.fillRect(QRectF(668, y, 15, 4), cab.darker(140));
+  for (int y = -128; y < -84; y += 9) painter.fillRect(QRectF(668, y, 15, 4), cab.darker(140));
   Box(painter, kHeadlight, 672, -80, 12, 16, 3);
   Box(painter, kDark, 668, -56, 22, 20, 4);
   Arch(painter, 626, 37);

@@ -1,9 +1,10 @@
 // Fiscal periods: the list, the window of one, and the window that sets up a year.
-#include <QTimer>
+#include <QApplication>
 
 #include "costing/forms/frmFiscalYearSetup.h"
 #include "costing/forms/frmPeriodsList.h"
 #include "costing/forms/frmPeriodsMaint.h"
+#include "platform/controls/Later.h"
 #include "support/desktop/ListTest.h"
 
 namespace {
@@ -18,7 +19,7 @@ class PeriodsTest : public test::ListTest {
   /// Opens the window that sets up a year, from the list, and works in it; it is gone afterwards.
   void SetUpYear(const std::function<void(frmFiscalYearSetup&)>& work) {
     auto& list = OpenList<frmPeriodsList>();
-    QTimer::singleShot(0, [&] {
+    ui::Later(*qApp, [&] {
       auto* window = ui::Existing<frmFiscalYearSetup>();
       ASSERT_NE(window, nullptr);
       test::Settle();

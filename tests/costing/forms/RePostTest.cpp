@@ -74,7 +74,8 @@ TEST_F(RePost, SurvivesTheEndOfItsWindow) {
 
 TEST_F(RePost, ARunOnAnEmptyTableEndsWithTheEnginesError) {
   std::string told;
-  auto earlier = ui::InstallUncaught([&](std::exception_ptr error) { told = ui::UncaughtText(error); });
+  auto earlier =
+      ui::InstallUncaught([&](const std::exception_ptr& error) { told = ui::UncaughtText(error); });
   auto& form = Shown();
   test::Click(form, "cmdProceed");
   ui::InstallUncaught(std::move(earlier));

@@ -9,6 +9,7 @@
 #include "costing/forms/TransactionFixture.h"
 #include "costing/forms/frmMaintTaskMaint.h"
 #include "costing/forms/frmRePost.h"
+#include "platform/runtime/Waits.h"
 #include "support/OtherUser.h"
 #include "support/desktop/Role.h"
 
@@ -139,6 +140,42 @@ TEST_F(TransactionRoad, APostedTransactionKeepsItsFiguresAndTakesNotes) {
   EXPECT_EQ(fleet_.OfTransaction(id, "Mileage"), "55");
 }
 
+TEST_F(TransactionRoad, AWaitForCostsLeavesTheWindowAlone) {
+  test::SecondProcess other([](test::SecondProcess::Channel& channel) {
+    channel.Hear();
+    const auto workspace = dao::DBEngine::CreateWorkspace("Other", "admin", "");
+    const auto database = workspace->OpenDatabase(dw::DataFile);
+    const auto rows = database->OpenRecordset("Assets Annual Costs", dao::RecordsetType::Table);
+    workspace->BeginTrans();
+    rows->Edit();
+    rows->Set("Oil Cost", test::Money(1));
+    rows->Update();
+    rt::AboutToWait();
+    channel.Say("changed");
+    channel.Hear();
+    workspace->Rollback();
+  });
+  const auto id = Posted();
+  auto& window = OpenFirst();
+  window.txtAssetID.setEnabled(true);  // as where it was opened for no asset
+  window.txtAssetID.SetText("TRK-2");
+  other.Talk().Say("change");
+  ASSERT_EQ(other.Talk().Hear(), "changed");
+  screen_->onEvents = [&, waits = 0]() mutable {
+    if (++waits > 1) return;
+    test::Click(window, "cmdUnpost");
+    QTest::keyClick(&window, Qt::Key_Escape);
+    other.Talk().Say("enough");
+    EXPECT_EQ(other.Join(), 0);
+  };
+  test::Click(window, "cmdUnpost");
+  ASSERT_TRUE(IsOpen("frmTransactionMaint"));
+  EXPECT_TRUE(window.OkButton->isEnabled() && window.isEnabled());
+  EXPECT_EQ(OutsideSum(), "0") << "once, and from the asset that the costs went to";
+  EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
+  EXPECT_EQ(fleet_.OfTransaction(id, "Asset ID"), "TRK-2");
+}
+
 TEST_F(TransactionRoad, ATaskNeedsATransactionOnFile) {
   fleet_.Add("Maintenance Types", {{"Description", "Oil Change"}});
   const std::int32_t second = fleet_.Add("Maintenance Types", {{"Description", "Brakes"}});
@@ -233,7 +270,7 @@ constexpr const char* kDataOfVictim = "DROVEWRIGHT_TEST_DATA";
 
 /// Another workstation, which opens its window on the first transaction and stays.
 const test::Role kHolder("holder", [] {
-  dw::SetDataPath(std::getenv(kDataOfVictim));
+  dw::SetDataPath(qgetenv(kDataOfVictim).toStdString());
   auto& list = ui::The<dw::frmTransactionList>();
   list.ShowForm();
   list.ShowDetail();

@@ -69,19 +69,19 @@ TEST_F(TransactionRules, DatesAreCheckedAndFillTheFiscalPeriod) {
   fleet_.AddTransaction("TRK-1", 2026, 3);
   struct Case {
     const char* date;
-    bool adding;
     const char* words;
+    bool adding;
     Icon icon = Icon::Critical;
   };
   const Case cases[] = {
-      {"", true, "A date is required for this field."},
-      {"soon", true, "That is not a valid date. Please try again.", Icon::Exclamation},
-      {"12/31/1799", true, "Year cannot be less than 1800. Please try again.", Icon::Exclamation},
-      {"1/31/2026", true, "That date is before the transaction close out date."},
-      {"2/1/2026", true, ""},
-      {"1/1/2026", false, ""},
-      {"3/28/2026", false, ""},
-      {"3/29/2026", false, kOutsideCalendar, Icon::Information}};
+      {"", "A date is required for this field.", true},
+      {"soon", "That is not a valid date. Please try again.", true, Icon::Exclamation},
+      {"12/31/1799", "Year cannot be less than 1800. Please try again.", true, Icon::Exclamation},
+      {"1/31/2026", "That date is before the transaction close out date.", true},
+      {"2/1/2026", "", true},
+      {"1/1/2026", "", false},
+      {"3/28/2026", "", false},
+      {"3/29/2026", kOutsideCalendar, false, Icon::Information}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.date);
     auto& window = c.adding ? OpenNew() : OpenFirst();

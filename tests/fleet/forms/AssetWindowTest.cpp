@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QTabBar>
 
+#include "costing/CostCheck.h"
+#include "costing/Posting.h"
 #include "data/BrackenfelGlobals.h"
 #include "fleet/forms/frmInventoryMaint.h"
 #include "platform/runtime/Clock.h"
@@ -57,6 +59,14 @@ class AssetWindowTest : public testing::Test {
   std::string Pictures() {
     return fleet_.Ask("SELECT COUNT(*) FROM [Vehicles] WHERE [Photograph] IS NOT NULL");
   }
+  void Post() {
+    screen_->Expect("Posting is Complete.", Icon::Information);
+    dw::RunPosting(false, {});
+  }
+  /// Whether the cost tables are what the posted transactions add up to.
+  static bool InStep() {
+    return dw::CheckCosts(*store::Connection::Open({.path = dw::DataFile, .readOnly = true})).empty();
+  }
   void ShowPage(dw::frmInventoryMaint& window, int page) {
     window.SSIndexTab1.setCurrentIndex(page);
     test::Settle();
@@ -108,6 +118,26 @@ TEST_F(AssetWindowTest, ACancelledAddLeavesNothing) {
   test::Type(window, "AssetText", "TRK-9");
   test::Click(window, "CancelButton");
   EXPECT_EQ(fleet_.Ask("SELECT COUNT(*) FROM [Vehicles]"), "0");
+}
+
+TEST_F(AssetWindowTest, AnAssetThatCannotBeStoredKeepsItsWindowItsRecordAndWhatWasTyped) {
+  fleet_.AddAsset("TRK-1");
+  fleet_.Run("CREATE UNIQUE INDEX [Once] ON [Vehicles] ([Asset ID])");
+  auto& window = OpenNew();
+  test::Type(window, "AssetText", "trk-1");
+  test::Type(window, "Text16", "2/28/2019");
+  screen_->ExpectPart("Contact your System Administrator about performing this function.", Icon::Information,
+                      Buttons::OkCancel, Answer::Cancel);
+  test::Press(window.AssetText, Qt::Key_Return);
+  ASSERT_EQ(ui::FindForm("frmInventoryMaint"), &window);
+  EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
+  EXPECT_FALSE(Free(window.DataID));
+  test::Type(window, "AssetText", "TRK-2");
+  const std::int32_t id = window.DataID;
+  test::Click(window, "OKButton");
+  EXPECT_EQ(Ask("Asset ID", id), "TRK-2");
+  EXPECT_EQ(Ask("Purchase Date", id), "2/28/2019");
+  EXPECT_EQ(Ask("Created By", id), "Clerk");
 }
 
 TEST_F(AssetWindowTest, ABlankCodeGetsNoChildren) {
@@ -164,6 +194,8 @@ TEST_F(AssetWindowTest, AnAssetHeldElsewhereIsForReading) {
   EXPECT_FALSE(window.OKButton->isEnabled());
   EXPECT_FALSE(window.Text9.isEnabled());
   EXPECT_FALSE(window.dcClasses.isEnabled());
+  EXPECT_FALSE(window.cmdRename->isEnabled());
+  EXPECT_TRUE(window.focusWidget() && window.focusWidget()->isEnabled());
   EXPECT_TRUE(window.grdMaintenance.isEnabled());
   test::Click(window, "CancelButton");
   other_.Leave();
@@ -215,6 +247,109 @@ TEST_F(AssetWindowTest, ARenameReachesTheReadingsAndTakesTheRecordAgain) {
   EXPECT_EQ(window.windowTitle(), "Detail for Asset ID TRK-9");
   EXPECT_EQ(window.OdometerGrid.RecordCount(), 1);
   EXPECT_FALSE(Free(id));
+}
+
+TEST_F(AssetWindowTest, TheSumsFollowARenameAnUnpostingAndTheNextPosting) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  fleet_.AddAsset("TRK-2");
+  const test::Row costs{{"Outside Cost", test::Money(7)},
+                        {"Internal Fuel Units", 10.5F},
+                        {"Internal Fuel Cost", test::Money(31.25)}};
+  const std::int32_t transaction = fleet_.AddTransaction("TRK-1", 2026, 3, costs);
+  fleet_.AddTransaction("TRK-2", 2026, 2, costs);
+  const auto sum = [this](const char* asset) {
+    return fleet_.Sum("Assets Period Costs", {asset, 2026, 3}, "Outside Parts Cost");
+  };
+  Post();
+  auto& window = Open(id);
+  screen_->ExpectInput("Enter New Asset ID:", "TRK-9");
+  test::Click(window, "cmdRename");
+  EXPECT_TRUE(InStep());
+  EXPECT_EQ(sum("TRK-9"), "7");
+  test::Click(window, "cmdUnpost");
+  EXPECT_TRUE(InStep());
+  EXPECT_EQ(sum("TRK-9"), "0");
+  EXPECT_EQ(fleet_.OfTransaction(transaction, "When Posted"), "Null");
+  Post();
+  EXPECT_TRUE(InStep());
+  EXPECT_EQ(sum("TRK-9"), "7");
+  EXPECT_EQ(fleet_.Sum("Fuel Annual Costs", {1, 2026}, "Internal Cost"), "62.5");
+}
+
+TEST_F(AssetWindowTest, AllPagesAreReachedByKeys) {
+  auto& window = Open(fleet_.AddAsset("TRK-1"));
+  const auto press = [&](Qt::Key key, Qt::KeyboardModifiers with) {
+    QTest::keyClick(window.focusWidget(), key, with);
+    test::Settle();
+    return window.focusWidget();
+  };
+  test::Enter(window, "Text9");
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), window.SSIndexTab1.tabBar());
+  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 1);
+  EXPECT_EQ(press(Qt::Key_Tab, {}), &window.chkNonFuelOnly);
+  EXPECT_EQ(press(Qt::Key_Tab, {}), &window.grdMaintenance);
+  EXPECT_EQ(press(Qt::Key_Tab, {}), window.OKButton) << "not into the pages behind";
+  test::Enter(window, "grdMaintenance");
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.grdSchedule);
+  EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), &window.Text8);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.OdometerGrid);
+  press(Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 0);
+  EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), &window.OdometerGrid);
+
+  // A page that is turned leaves a field as the Tab key does.
+  press(Qt::Key_Tab, Qt::ControlModifier);
+  test::Type(window, "txtDueBy", "soon");
+  screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.txtDueBy);
+  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 0);
+}
+
+TEST_F(AssetWindowTest, GridsAndNotesKeepTheirPlace) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  for (int mile = 9; mile > 0; --mile)
+    fleet_.Add("Odometer Entries", {{"Asset ID", "TRK-1"}, {"Mileage", static_cast<float>(mile)}});
+  auto& window = Open(id);
+  ShowPage(window, 4);
+  window.OdometerGrid.SetRow(6);
+  test::Press(window.OdometerGrid, Qt::Key_Space);
+  test::Click(test::Open("frmOdometerMaint"), "CancelButton");
+  ASSERT_EQ(ui::ActiveForm(), &window);
+  EXPECT_EQ(window.OdometerGrid.Row(), 6);
+  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 0);
+  ShowPage(window, 4);
+  screen_->Expect("Are you sure you want to remove this entry?", Icon::Question, Buttons::YesNo, Answer::Yes);
+  test::Press(window.OdometerGrid, Qt::Key_Delete);
+  EXPECT_EQ(window.OdometerGrid.CellText(1), "2.0");
+  ShowPage(window, 3);
+  test::Enter(window, "Text8");
+  screen_->ExpectInput("Enter New Asset ID:", "TRK-9");
+  window.cmdRename->click();
+  test::Settle();
+  EXPECT_TRUE(window.Text8.hasFocus());
+}
+
+TEST_F(AssetWindowTest, CodesThatNoListOffersStay) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1", 77, {{"Division ID", "OLD"}, {"Class ID", "old"}});
+  auto& window = Open(id);
+  test::Type(window, "Text9", "Truck");
+  test::Enter(window, "dcDivisions");
+  test::Enter(window, "dcClasses");
+  test::Click(window, "OKButton");
+  EXPECT_EQ(Ask("Description", id), "Truck");
+  EXPECT_EQ(Ask("Division ID", id), "OLD");
+  EXPECT_EQ(Ask("Class ID", id), "old");
+  EXPECT_EQ(Ask("Fuel Type", id), "77");
+}
+
+TEST_F(AssetWindowTest, TheEndOfTheProgramLetsGoOfTheRecord) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1", 1, {{"Description", "Old"}});
+  auto& window = Open(id);
+  test::Type(window, "Text9", "Never kept");
+  EXPECT_FALSE(Free(id));
+  window.Unload();
+  EXPECT_EQ(Ask("Description", id), "Old");
+  EXPECT_TRUE(Free(id));
 }
 
 TEST_F(AssetWindowTest, ADateThatIsNoneKeepsTheFocusButNotAnybodyFromCancel) {

@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QComboBox>
-#include <QTimer>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -13,6 +12,7 @@
 #include "fleet/forms/PictureForms.h"
 #include "fleet/forms/frmAssetPicture.h"
 #include "fleet/forms/frmGetPictureFile.h"
+#include "platform/controls/Later.h"
 #include "platform/runtime/Clock.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFleet.h"
@@ -73,7 +73,7 @@ class PictureFormsTest : public testing::Test {
   static bool IsOpen() { return ui::FindForm("frmGetPictureFile") != nullptr; }
   /// Answers the set-up of the scanner that the next click opens.
   static void AnswerSetup(const char* button) {
-    QTimer::singleShot(0, qApp, [button] {
+    ui::Later(*qApp, [button] {
       QWidget* dialog = QApplication::activeModalWidget();
       ASSERT_NE(dialog, nullptr);
       auto& resolution = test::Find<QComboBox>(*dialog, "cboResolution");

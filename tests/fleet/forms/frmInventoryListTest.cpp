@@ -1,9 +1,17 @@
 // The list of assets: what it shows, what it opens, and how an asset is removed from it.
 #include "fleet/forms/frmInventoryList.h"
 
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <thread>
+
+#include "data/BrackenfelGlobals.h"
 #include "fleet/forms/frmInventoryMaint.h"
 #include "support/OtherUser.h"
 #include "support/desktop/ListTest.h"
+#include "support/desktop/Role.h"
 
 namespace {
 
@@ -99,6 +107,53 @@ TEST_F(frmInventoryListTest, RemovesAnAssetAfterItsQuestions) {
   EXPECT_EQ(list.Grid().RecordCount(), 2);
   EXPECT_EQ(fleet_.Ask("SELECT COUNT(*) FROM [Vehicles] WHERE [Asset ID] = 'TRK-1'"), "0");
   EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
+}
+
+constexpr const char* kOtherData = "DROVEWRIGHT_TEST_DATA";
+
+/// Another workstation, which has the window of the first asset open.
+const test::Role kAssetHolder("asset holder", [] {
+  dw::SetDataPath(std::getenv(kOtherData));
+  auto& list = ui::The<frmInventoryList>();
+  list.ShowForm();
+  list.ShowDetail();
+  test::Settle();
+  if (ui::Existing<dw::frmInventoryMaint>()->Data().Recordset()->Cursor().Editing())
+    std::cerr << "holds it" << std::endl;
+  std::this_thread::sleep_for(std::chrono::minutes(1));
+});
+
+TEST_F(frmInventoryListTest, AnAssetWithItsWindowOpenElsewhereGoesWhenTheWindowDoes) {
+  setenv(kOtherData, dw::DataPath.c_str(), 1);
+  const auto holder = test::Role::Start("asset holder");
+  ASSERT_TRUE(holder->WaitForError("holds it"));
+  Expect(kReadings, Answer::Yes);
+  Expect(kTransactions, Answer::Yes);
+  Expect(kSure, Answer::Yes);
+  screen_->ExpectPart("WARNING: Accumulating rermoved Asset costs", Icon::Information);
+  bool alive = true;
+  screen_->onSleep = [&](int) {
+    if (!std::exchange(alive, false)) return;
+    EXPECT_EQ(Count("Odometer Entries"), "1") << "nothing is gone while the removal waits";
+    EXPECT_EQ(Count("Vehicles"), "2");
+    holder->Signal(SIGKILL);
+    holder->Join();
+  };
+  PressDelete<frmInventoryList>();
+  EXPECT_EQ(screen_->SleepCount(), 1);
+  EXPECT_EQ(Count("Odometer Entries"), "0");
+  EXPECT_EQ(Count("Vehicles"), "1");
+}
+
+TEST_F(frmInventoryListTest, AWindowMissesItsAssetWhenItComesBackFromAChild) {
+  auto& window = Show<dw::frmInventoryMaint, frmInventoryList>();
+  window.SSIndexTab1.setCurrentIndex(4);
+  test::Press(window.OdometerGrid, Qt::Key_Insert);
+  fleet_.Run("DELETE * FROM [Vehicles] WHERE [ID] = " + std::to_string(id_));
+  screen_->Expect("Internal Error. Unable to re-read Inventory #" + std::to_string(id_) + "'s record.",
+                  Icon::None);
+  test::Click(test::Open("frmOdometerMaint"), "CancelButton");
+  EXPECT_EQ(ui::ActiveForm(), ui::Existing<frmInventoryList>());
 }
 
 TEST_F(frmInventoryListTest, TheReservedAssetAndAnEmptyListRemoveNothing) {

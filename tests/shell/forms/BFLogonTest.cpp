@@ -1,9 +1,10 @@
 #include "shell/forms/BFLogon.h"
 
-#include <QTimer>
+#include <QApplication>
 
 #include "ShellTest.h"
 #include "platform/controls/Application.h"
+#include "platform/controls/Later.h"
 #include "shell/DataLocation.h"
 #include "shell/forms/GetDataPath.h"
 
@@ -123,11 +124,11 @@ TEST_F(BFLogonTest, WhoCannotFindTheDataEndsTheProgram) {
   sys::SaveSetting("DW", "Data", "DW Data Path", directory_.Path());
   dw::InstallLocators();
   int ends = 0;
-  const auto earlier = ui::InstallUncaught([&](std::exception_ptr error) {
+  const auto earlier = ui::InstallUncaught([&](const std::exception_ptr& error) {
     EXPECT_THROW(std::rethrow_exception(error), dw::ApplicationEnd);
     ++ends;
   });
-  QTimer::singleShot(0, [] { test::Click(test::Open("GetDataPath"), "cmdCancel"); });
+  ui::Later(*qApp, [] { test::Click(test::Open("GetDataPath"), "cmdCancel"); });
   screen_->Expect("This must be set up before you may use the application.", Icon::Critical,
                   screen::Buttons::Ok, screen::Answer::Ok, "Brackenfel Software Solutions Setup");
   dw::ShowLogon();

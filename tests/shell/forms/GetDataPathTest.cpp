@@ -3,13 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QTest>
-#include <QTimer>
 #include <filesystem>
 #include <fstream>
 
 #include "data/Application.h"
 #include "data/GenericADO.h"
 #include "data/GenericDAO.h"
+#include "platform/controls/Application.h"
+#include "platform/controls/Later.h"
 #include "platform/system/Settings.h"
 #include "shell/DataLocation.h"
 #include "support/ScreenScript.h"
@@ -54,7 +55,7 @@ class GetDataPathTest : public testing::Test {
   }
   /// Does `work` as soon as the window is open.
   static void WhenOpen(std::function<void(dw::GetDataPath&)> work) {
-    QTimer::singleShot(0, [work = std::move(work)] { work(ui::The<dw::GetDataPath>()); });
+    ui::Later(*qApp, [work = std::move(work)] { work(ui::The<dw::GetDataPath>()); });
   }
   static bool IsOpen() { return ui::Existing<dw::GetDataPath>() != nullptr; }
   static std::string Kept() { return sys::GetSetting("DW", "Data", "DW Data Path"); }
@@ -172,6 +173,35 @@ TEST_F(GetDataPathTest, AFileThatVanishesLaterIsOpenedWhereItIsFound) {
   EXPECT_TRUE(dw::AdoOpenConnection(connection, dw::SandsConnect, false));
   EXPECT_TRUE(dw::AdoTableExists(connection, "Assets"));
   dw::CloseObject(connection);
+}
+
+/// Opens a file in its activation, as lists and the About box do.
+class NeedsFile : public ui::Form {
+ public:
+  NeedsFile() : Form("NeedsFile") {}
+  int activations = 0;
+
+ protected:
+  void OnActivate() override {
+    if (++activations > 1) return;
+    dw::DaoWorkspacePtr workspace;
+    dw::DaoDatabasePtr database;
+    int error = 0;
+    dw::DaoOpenDatabase("/gone/DW.MDB", false, "admin", "", workspace, database, error);
+  }
+};
+
+TEST_F(GetDataPathTest, AWindowThatMissesItsFileAsItOpensDoesNotAskTwice) {
+  bool ended = false;
+  const auto earlier = ui::InstallUncaught([&](const std::exception_ptr&) { ended = true; });
+  user_->Expect("This must be set up before you may use the application.", Icon::Critical, Buttons::Ok,
+                Answer::Ok, "Brackenfel Software Solutions Setup");
+  WhenOpen([](dw::GetDataPath& form) { test::Click(form, "cmdCancel"); });
+  auto& form = *new NeedsFile;
+  form.ShowForm();
+  EXPECT_TRUE(ended);
+  EXPECT_EQ(form.activations, 1);
+  ui::InstallUncaught(earlier);
 }
 
 }  // namespace

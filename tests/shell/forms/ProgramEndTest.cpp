@@ -3,11 +3,12 @@
 #include <signal.h>
 
 #include <QMessageBox>
-#include <QTimer>
 #include <filesystem>
+#include <utility>
 
 #include "ShellTest.h"
 #include "platform/controls/Application.h"
+#include "platform/controls/Later.h"
 #include "platform/controls/QtScreen.h"
 #include "platform/dao/Dao.h"
 #include "support/SecondProcess.h"
@@ -64,7 +65,7 @@ class ProgramEndTest : public testing::Test {
  protected:
   /// Runs `work` in the program once its windows are open.
   static std::function<void(Channel&)> WithWindows(std::function<void(ToldScreen&)> work) {
-    return [work](Channel& channel) {
+    return [work = std::move(work)](Channel& channel) {
       dw::SetDataPath(channel.Hear());
       dw::CurrentUserID = 3;
       dw::SignedOn = true;
@@ -101,7 +102,7 @@ TEST_F(ProgramEndTest, AnErrorThatNothingCatchesIsShownOnceAndEndsTheProgram) {
   SecondProcess program(WithWindows([](ToldScreen& screen) {
     // It comes up in the event loop of a modal window, and another one while its box is shown.
     screen.onBox = [] { ui::Guard([] { throw std::runtime_error("another"); }); };
-    QTimer::singleShot(0, [] { ui::Guard([] { throw store::StoreError(3021, "No current record."); }); });
+    ui::Later(*qApp, [] { ui::Guard([] { throw store::StoreError(3021, "No current record."); }); });
     auto* modal = new ui::Form("frmModal");
     modal->ShowModal();
   }));
@@ -124,7 +125,7 @@ TEST_F(ProgramEndTest, TheOrderlyEndSaysNothing) {
 TEST_F(ProgramEndTest, TheSystemCanEndItFromWithinABox) {
   SecondProcess program(WithWindows([](ToldScreen&) {
     QMessageBox box;
-    QTimer::singleShot(0, [] { kill(getpid(), SIGTERM); });
+    ui::Later(*qApp, [] { kill(getpid(), SIGTERM); });
     box.exec();
   }));
   Begin(program);

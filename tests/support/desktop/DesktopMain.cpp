@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   usual = qInstallMessageHandler(WithoutRaise);
   ui::Application application(argc, argv);
-  ui::InstallUncaught([](std::exception_ptr error) { ADD_FAILURE() << ui::UncaughtText(error); });
+  ui::InstallUncaught([](const std::exception_ptr& error) { ADD_FAILURE() << ui::UncaughtText(error); });
   const int role = test::Role::Run();
   return role >= 0 ? role : RUN_ALL_TESTS();
 }
