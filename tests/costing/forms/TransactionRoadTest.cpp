@@ -153,7 +153,7 @@ TEST_F(TransactionRoad, AWaitForCostsLeavesTheWindowAlone) {
     rt::AboutToWait();
     channel.Say("changed");
     channel.Hear();
-    workspace->Rollback();
+    workspace->RollbackTrans();
   });
   const auto id = Posted();
   auto& window = OpenFirst();
