@@ -123,15 +123,16 @@ CatalogueFile MainFile() {
              Long({"Deleted Inventory ID"})}),
 
       // A code that two assets share would mix their costs, so the table itself refuses it. Assets that are
-      // still being entered have a Null there, of which there may be several.
+      // still being entered have a Null there, of which there may be several. The picture stands last: the
+      // engine has to go through all of it to reach a column behind it.
       Table("Vehicles",
             {Counter(), AssetCode(), Description(), Text(30, {"VIN/Serial Number"}),
              Text(kGroupCode, {"Division ID", "Class ID"}), Long({"Fuel Type"}),
              Text(20, {"Location ID", "Type", "Meter Type"}), Text(10, {"Model Year"}),
              Date({"Entry Date", "Purchase Date", "Replacement Date"}), Money({"Purchase Price"}),
-             Flag({"No_Longer_In_Service"}), Picture({"Photograph"}),
+             Flag({"No_Longer_In_Service"}),
              Money({"Life Maintenance Cost", "Life Operational Cost", "Life Fuel Cost", "Life Usage Cost"}),
-             Text(kAssetCode, {"Secondary Asset ID"}), Notes(), Audit()},
+             Text(kAssetCode, {"Secondary Asset ID"}), Notes(), Audit(), Picture({"Photograph"})},
             {Index("Asset ID", {"Asset ID"}), Index("Division ID", {"Division ID"}),
              Index("Class ID", {"Class ID"}), Index("Fuel Type", {"Fuel Type"})}),
 

@@ -60,6 +60,7 @@ struct QueryPlan {
   std::string keys;                    ///< the keys of all rows, in order
   std::string row;                     ///< one row by its keys :k0, :k1 …
   std::string whole;                   ///< all rows, where they have no keys
+  std::vector<std::string> apart;  ///< of each field: its value alone by the keys, where rows leave it out
 };
 
 class Handle;

@@ -29,10 +29,9 @@ std::string KeyStatement(const Translation& t) {
          Limit(t);
 }
 
-std::string RowStatement(const Translation& t) {
-  std::string keys;
-  for (const auto& table : t.tables) keys += (keys.empty() ? "" : ", ") + RowId(table);
-  std::string sql = "SELECT " + keys + ", " + SelectList(t) + " FROM ";
+/// What is selected of one row, which the keys name.
+std::string OfOneRow(const Translation& t, const std::string& selected) {
+  std::string sql = "SELECT " + selected + " FROM ";
   if (t.tables.size() == 1)
     return sql + QuoteName(t.tables[0].name) + " AS " + QuoteName(t.tables[0].alias) + " WHERE " +
            RowId(t.tables[0]) + " = :k0";
@@ -42,6 +41,25 @@ std::string RowStatement(const Translation& t) {
     sql += " LEFT JOIN " + QuoteName(t.tables[i].name) + " AS " + QuoteName(t.tables[i].alias) + " ON " +
            RowId(t.tables[i]) + " = :k" + std::to_string(i);
   return sql;
+}
+
+std::string RowStatement(const Translation& t) {
+  std::string keys;
+  for (const auto& table : t.tables) keys += (keys.empty() ? "" : ", ") + RowId(table);
+  return OfOneRow(t, keys + ", " + SelectList(t));
+}
+
+/// Pictures may be larger than all else in a file, and who goes through rows seldom looks at them. Rows say
+/// only whether there is one; the engine knows that without reading it.
+std::vector<std::string> SetPicturesApart(Translation& t) {
+  std::vector<std::string> apart(t.columns.size());
+  for (std::size_t i = 0; i < t.columns.size(); ++i) {
+    auto& column = t.columns[i];
+    if (column.type != ColumnType::LongBinary || column.table < 0) continue;
+    apart[i] = OfOneRow(t, column.expression);
+    column.expression = "CASE typeof(" + column.expression + ") WHEN 'null' THEN NULL ELSE 1 END";
+  }
+  return apart;
 }
 
 std::string WholeStatement(const Translation& t) {
@@ -57,7 +75,7 @@ std::string WholeStatement(const Translation& t) {
 std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_ptr<const Schema> schema) {
   auto plan = std::make_shared<QueryPlan>();
   plan->schema = std::move(schema);
-  const Translation& t = plan->translation = std::move(translation);
+  Translation& t = plan->translation = std::move(translation);
   if (t.kind != StatementKind::Select) return plan;
   if (!t.tables.empty()) plan->leading = plan->schema->Find(t.tables[0].name);
   for (const auto& column : t.columns) {
@@ -76,7 +94,9 @@ std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_p
   }
   plan->keyed = !t.distinct && !t.grouped && !t.tables.empty();
   if (t.tables.size() > 8) throw StoreError(kSyntax, "A query can join eight tables at most.");
+  plan->apart.resize(t.columns.size());
   if (plan->keyed) {
+    plan->apart = SetPicturesApart(t);
     plan->keys = KeyStatement(t);
     plan->row = RowStatement(t);
   } else {

@@ -63,6 +63,20 @@ bool RecordCursor::FetchByKeys(const std::int64_t* keys, RawRow& row) {
   return true;
 }
 
+rt::Value RecordCursor::ValueOf(int field, const RawRow& row) {
+  const auto at = static_cast<std::size_t>(field);
+  rt::Value value = row.Decode(field, plan_->types[at]);
+  if (plan_->apart[at].empty() || value.IsNull()) return value;
+  const Bookmark keys = Mark();
+  impl_->BeforeRead(plan_->translation);
+  Use use(impl_->Db(), plan_->apart[at]);
+  for (std::size_t i = 0; i < keys.size(); ++i) use.BindKey(static_cast<int>(i), keys[i]);
+  if (!use.Step()) throw StoreError(kRecordDeleted, "Record is deleted.");
+  RawRow alone;
+  alone.Read(use.Raw(), 0, 1);
+  return alone.Decode(0, plan_->types[at]);
+}
+
 rt::Value RecordCursor::Get(int field) {
   const auto at = static_cast<std::size_t>(field);
   const int column = plan_->leadingColumn[at];
@@ -83,7 +97,7 @@ rt::Value RecordCursor::Get(int field) {
   LeaveRetiredCache();
   if (cachedRow_) return cachedRow_->values[static_cast<std::size_t>(column)];
   ReadRow();
-  return row_->Decode(field, plan_->types[at]);
+  return ValueOf(field, *row_);
 }
 
 void RecordCursor::Set(int field, const rt::Value& value) {

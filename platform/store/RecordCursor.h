@@ -66,6 +66,8 @@ class RecordCursor : public Cursor {
   int Table() const { return plan_->leading ? plan_->leading->number : 0; }
   /// Reads one row by its keys; false when the leading record is gone.
   bool FetchByKeys(const std::int64_t* keys, RawRow& row);
+  /// The value of a field in a row that has been read, fetched now where rows leave it out.
+  rt::Value ValueOf(int field, const RawRow& row);
 
   std::shared_ptr<Connection> connection_;
   Connection::Impl* impl_;

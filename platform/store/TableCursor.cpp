@@ -325,7 +325,7 @@ class TableCursor : public RecordCursor {
         const auto count = plan_->fields.size();
         row->values.reserve(count);
         for (std::size_t i = 0; i < count; ++i)
-          row->values.push_back(window_[0].Decode(static_cast<int>(i), plan_->types[i]));
+          row->values.push_back(ValueOf(static_cast<int>(i), window_[0]));
       }
       found = rows.emplace(cacheKey_, std::move(row)).first;
     }

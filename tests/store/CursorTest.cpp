@@ -144,4 +144,52 @@ TEST_F(CursorTest, GroupedRowsHaveNoKeysAndStayAsTheyAre) {
   EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Assets WHERE Cost > 99.5 AND Cost < 100.5"), Value(300));
 }
 
+TEST_F(CursorTest, PicturesAreFetchedApartFromTheirRows) {
+  store::TableInfo photos;
+  photos.name = "Photos";
+  photos.columns = {{"ID", store::ColumnType::Counter},
+                    {"Code", store::ColumnType::Text, 10},
+                    {"Picture", store::ColumnType::LongBinary}};
+  photos.indexes = {{"Code", {"Code"}, false, true, false}};
+  file->CreateTable(photos);
+  const Value picture(rt::Binary(20000, 7));
+  auto table = Cursor::OpenTable(file, "Photos", Locking::Pessimistic);
+  for (const char* code : {"A1", "A2"}) {
+    table->AddNew();
+    table->Set(1, std::string(code));
+    if (table->Get(1) == Value("A1")) table->Set(2, picture);
+    table->Update();
+  }
+  table->SetIndex("Code");
+  table->Seek({Value("A1")});
+  EXPECT_TRUE(table->Get(2) == picture);
+
+  for (const char* sql : {"SELECT * FROM Photos ORDER BY ID", "SELECT DISTINCT * FROM Photos ORDER BY ID",
+                          "SELECT Assets.*, Photos.* FROM Assets INNER JOIN Photos ON Assets.Code = "
+                          "Photos.Code ORDER BY Photos.ID"}) {
+    auto rows = Query(sql);
+    const int field = rows->FieldIndex("Picture");
+    EXPECT_TRUE(rows->Get(field) == picture) << sql;
+    rows->MoveNext();
+    EXPECT_TRUE(rows->Get(field).IsNull()) << sql;
+  }
+
+  // A change of another field leaves it, and the edit shows its own.
+  auto rows = Query("SELECT * FROM Photos WHERE Code = 'A1'");
+  rows->Edit();
+  rows->Set(1, std::string("B1"));
+  EXPECT_TRUE(rows->Get(2) == picture);
+  rows->Update();
+  EXPECT_TRUE(rows->Get(2) == picture);
+  rows->Edit();
+  rows->Set(2, rt::Null{});
+  EXPECT_TRUE(rows->Get(2).IsNull());
+  rows->CancelUpdate();
+  EXPECT_TRUE(rows->Get(2) == picture);
+
+  // Gone after its row was read, before it was asked for.
+  test::OpenSmallFile(path)->Execute("DELETE * FROM Photos WHERE Code = 'B1'");
+  EXPECT_EQ(ErrorOf([&] { rows->Get(2); }), 3167);
+}
+
 }  // namespace
