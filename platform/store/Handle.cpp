@@ -19,6 +19,8 @@ namespace {
 constexpr std::size_t kMostStatements = 256;
 constexpr std::size_t kMostPlans = 512;
 constexpr std::size_t kMostParked = 8;
+/// What a parked handle may keep in memory of the file, in bytes.
+constexpr int kMostPages = 4'000'000;
 
 std::vector<std::unique_ptr<Handle>>& Parked() {
   static std::vector<std::unique_ptr<Handle>> parked;
@@ -122,6 +124,12 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
 }
 
 void Handle::Park(std::unique_ptr<Handle> handle) {
+  // A long list or a large picture fills the memory of a handle with pages that nobody may want again.
+  int pages = 0;
+  int most = 0;
+  if (sqlite3_db_status(handle->db_, SQLITE_DBSTATUS_CACHE_USED, &pages, &most, 0) == SQLITE_OK &&
+      pages > kMostPages)
+    sqlite3_db_release_memory(handle->db_);
   auto& parked = Parked();
   if (parked.size() >= kMostParked) parked.erase(parked.begin());
   parked.push_back(std::move(handle));
