@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "platform/runtime/Value.h"
-#include "platform/store/Dialect.h"
 #include "platform/store/Schema.h"
 #include "platform/store/SideFile.h"
 #include "platform/store/StoreError.h"

@@ -87,7 +87,7 @@ class Cursor {
 
   /// Table cursors: 3015 for no such index.
   virtual void SetIndex(std::string_view name) = 0;
-  /// The first record with these leading key values; NoMatch tells. A Null never matches.
+  /// The first record with these leading key values; NoMatch tells. A Null finds the record with Null there.
   virtual void Seek(const std::vector<rt::Value>& key) = 0;
   virtual bool NoMatch() const = 0;
   /// The first row, or the next one behind the place, for which a condition of the dialect holds; NoMatch

@@ -9,7 +9,11 @@ namespace {
 
 void AppendKey(std::string& key, const rt::Value& value) {
   switch (value.Type()) {
+    case rt::ValueType::Null:
+      key += 'z';
+      break;
     case rt::ValueType::Text:
+      key += 's';
       for (const char c : std::get<std::string>(value.Data()))
         key += c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
       key += '\0';
@@ -57,19 +61,13 @@ RowCache::RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table,
 
 std::string RowCache::KeyOf(const std::vector<rt::Value>& key) {
   std::string text;
-  for (const auto& value : key) {
-    if (value.IsNull()) return {};
-    AppendKey(text, value);
-  }
+  for (const auto& value : key) AppendKey(text, value);
   return text;
 }
 
 std::string RowCache::KeyOfRow(const std::vector<rt::Value>& values) const {
   std::string text;
-  for (const std::size_t column : keyColumns_) {
-    if (values[column].IsNull()) return {};
-    AppendKey(text, values[column]);
-  }
+  for (const std::size_t column : keyColumns_) AppendKey(text, values[column]);
   return text;
 }
 

@@ -29,8 +29,7 @@ class RowCache {
  public:
   RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index);
 
-  /// The key as the index compares it: texts without regard to case. Empty where a Null is in it, which
-  /// matches nothing.
+  /// The key as the index compares it: texts without regard to case, Null equal to Null.
   static std::string KeyOf(const std::vector<rt::Value>& key);
   std::string KeyOfRow(const std::vector<rt::Value>& values) const;
 

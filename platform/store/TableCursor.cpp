@@ -125,15 +125,16 @@ class TableCursor : public RecordCursor {
       throw StoreError(kTypeMismatch, "The index '" + index_->name + "' has " +
                                           std::to_string(index_->columns.size()) + " fields.");
     noMatch_ = true;
+    const std::vector<rt::Value> values = Fitted(key);
     if (key.size() == index_->columns.size() && locking_ == Locking::Pessimistic) {
       cache_ = Impl().CacheFor(plan_->schema, *plan_->leading, *index_);
       if (cache_) {
-        SeekInCache(key);
+        SeekInCache(values);
         return;
       }
     }
     Impl().BeforeRead(*plan_->leading);
-    SeekInFile(key);
+    SeekInFile(values);
   }
 
  protected:
@@ -274,28 +275,32 @@ class TableCursor : public RecordCursor {
     orderPlace_ = std::find(order_.begin(), order_.end(), key_) - order_.begin();
   }
 
+  /// The values as the index holds them.
+  std::vector<rt::Value> Fitted(const std::vector<rt::Value>& key) const {
+    std::vector<rt::Value> values;
+    values.reserve(key.size());
+    for (std::size_t i = 0; i < key.size(); ++i) {
+      const auto column = static_cast<std::size_t>(plan_->leading->Find(index_->columns[i]));
+      values.push_back(FitToColumn(plan_->leading->columns[column], key[i]));
+    }
+    return values;
+  }
+
   // Finds the row and reads it in one query; true where there is one.
   bool SeekInFile(const std::vector<rt::Value>& key) {
     std::string condition;
     std::string order;
-    std::vector<rt::Value> values;
     for (std::size_t i = 0; i < index_->columns.size(); ++i) {
-      const auto column = static_cast<std::size_t>(plan_->leading->Find(index_->columns[i]));
       const std::string name = QuoteName(index_->columns[i]);
       if (i < key.size()) {
-        if (key[i].IsNull()) {
-          place_ = Place::End;
-          return false;
-        }
-        values.push_back(FitToColumn(plan_->leading->columns[column], key[i]));
-        condition +=
-            (condition.empty() ? " WHERE " : " AND ") + name + " = ?" + std::to_string(values.size());
+        condition += (condition.empty() ? " WHERE " : " AND ") + name;
+        condition += key[i].IsNull() ? " IS NULL" : " = ?" + std::to_string(i + 1);
       } else {
         order += name + ", ";
       }
     }
     Use use(Impl().Db(), list_ + condition + " ORDER BY " + order + "_rowid_ LIMIT 1");
-    use.BindAll(values);
+    use.BindAll(key);
     if (!use.Step()) {
       place_ = Place::End;
       return false;
@@ -311,10 +316,6 @@ class TableCursor : public RecordCursor {
 
   void SeekInCache(const std::vector<rt::Value>& key) {
     cacheKey_ = RowCache::KeyOf(key);
-    if (cacheKey_.empty()) {
-      place_ = Place::End;
-      return;
-    }
     auto& rows = cache_->Rows();
     auto found = rows.find(cacheKey_);
     if (found == rows.end()) {

@@ -100,6 +100,26 @@ TEST(Unposting, OutAndInAgainLeavesTheSumsAsTheyWere) {
   EXPECT_EQ(fleet.OfTransaction(id, "When Posted"), "Null");
 }
 
+TEST(Unposting, AnAssetWithoutAFuelTypeHasOneRowInEachFuelTable) {
+  test::SmallFleet fleet;
+  fleet.AddAsset("TRAILER", rt::Null{});
+  const auto id = fleet.AddTransaction("TRAILER", 2026, 3, Figures());
+  fleet.AddTransaction("TRAILER", 2026, 3, Figures());
+  Post();
+  fleet.AddTransaction("TRAILER", 2026, 3, Figures());
+  Post();
+  for (const char* table : {"Fuel Period Costs", "Fuel Annual Costs"}) {
+    EXPECT_EQ(fleet.Ask("SELECT COUNT(*) FROM [" + std::string(table) + "]"), "1") << table;
+    EXPECT_EQ(fleet.Ask("SELECT [Internal Units] FROM [" + std::string(table) + "]"), "31.5") << table;
+  }
+  const std::string before = Sums(fleet);
+  test::ScreenScript script;
+  WithHeldTransaction(id, [&](const auto& record) { EXPECT_TRUE(dw::UnpostHeldTransaction(record)); });
+  EXPECT_EQ(fleet.Ask("SELECT [Internal Units] FROM [Fuel Annual Costs]"), "21");
+  Post();
+  EXPECT_EQ(Sums(fleet), before);
+}
+
 TEST(Unposting, WhatIsMissingIsToldAndTheRestIsReduced) {
   test::SmallFleet fleet;
   fleet.AddAsset("TRK-1", 4);

@@ -116,8 +116,6 @@ TEST_F(CursorTest, TablesSeekOnTheirIndexes) {
   EXPECT_EQ(table->Get(table->FieldIndex("Code")), Value("A170"));
   table->Seek({Value("B")});
   EXPECT_TRUE(table->NoMatch());
-  table->Seek({Value()});
-  EXPECT_TRUE(table->NoMatch());
   table->SetIndex("PrimaryKey");
   table->Seek({Value(5)});
   EXPECT_EQ(table->Get(table->FieldIndex("Code")), Value("A4"));
@@ -132,6 +130,59 @@ TEST_F(CursorTest, TablesSeekOnTheirIndexes) {
   table->FindFirst("[Year]=1");
   EXPECT_TRUE(table->NoMatch());
   EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(6));
+}
+
+TEST_F(CursorTest, ANullInAKeyFindsTheRecordWithNull) {
+  const auto code = [](Cursor& rows) { return rows.FieldIndex("Code"); };
+  const auto addMiles = [&](Cursor& rows) {
+    rows.Seek({Value()});
+    if (rows.NoMatch())
+      rows.AddNew();
+    else
+      rows.Edit();
+    const int miles = rows.FieldIndex("Miles");
+    rows.Set(code(rows), Value());
+    rows.Set(miles, rt::Add(rows.Get(miles).IsNull() ? Value(0.0F) : rows.Get(miles), Value(2.0F)));
+    rows.Update();
+  };
+  auto table = Cursor::OpenTable(file, "Assets", Locking::Pessimistic);
+  table->SetIndex("Code");
+  table->Seek({Value()});
+  EXPECT_TRUE(table->NoMatch());
+  addMiles(*table);
+  addMiles(*table);
+  // The same row inside a group, where rows are kept in memory.
+  for (int round = 0; round < 2; ++round) {
+    file->EnterGroup();
+    for (int i = 0; i < 2; ++i) {
+      file->BeginTrans();
+      addMiles(*table);
+      file->CommitTrans(store::Commit::WithGroup);
+    }
+    file->FinishGroup();
+  }
+  EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Assets WHERE Code IS NULL"), Value(1));
+  EXPECT_EQ(Ask(file, "SELECT Miles FROM Assets WHERE Code IS NULL"), Value(12.0F));
+
+  // A group that makes the row itself; and a key that is not written as the column is finds the same row.
+  file->Execute("DELETE FROM Assets WHERE Code IS NULL");
+  file->EnterGroup();
+  for (const Value& key : {Value(), Value(), Value("a7"), Value("A7"), Value()}) {
+    file->BeginTrans();
+    if (key.IsNull()) {
+      addMiles(*table);
+    } else {
+      table->Seek({key});
+      table->Edit();
+      const int cost = table->FieldIndex("Cost");
+      table->Set(cost, rt::Add(table->Get(cost), Value(rt::Currency::FromWhole(1))));
+      table->Update();
+    }
+    file->CommitTrans(store::Commit::WithGroup);
+  }
+  file->FinishGroup();
+  EXPECT_EQ(Ask(file, "SELECT Miles FROM Assets WHERE Code IS NULL"), Value(6.0F));
+  EXPECT_EQ(Ask(file, "SELECT Cost FROM Assets WHERE Code = 'A7'"), Value(rt::Currency::FromWhole(102)));
 }
 
 TEST_F(CursorTest, GroupedRowsHaveNoKeysAndStayAsTheyAre) {
