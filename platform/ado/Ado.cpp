@@ -16,14 +16,35 @@ using store::StoreError;
 
 bool IsLocked(int number) {
   return number == store::kSaveLocked || number == store::kSessionLocked || number == store::kEditLocked ||
-         number == store::kRecordLocked;
+         number == store::kRecordLocked || number == store::kTableLocked;
 }
 
+bool IsTransient(int number) { return number == store::kFileInUse || number == store::kOpenedExclusively; }
+
+/// A value that the file does not accept; whoever entered it can correct it and try again.
+bool IsRefusedValue(int number) {
+  switch (number) {
+    case store::kDuplicateKey:
+    case store::kFieldRequired:
+    case store::kFieldTooSmall:
+    case store::kZeroLength:
+    case store::kOverflow:
+    case store::kTypeMismatch:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// Only what another try can cure becomes a number that callers wait for. Everything else keeps the engine's
+/// own number, so that a row that is gone, a damaged file or a lost directory ends the operation at once.
 std::int32_t NumberOf(int number, bool writingBack, bool executing) {
   if (IsLocked(number)) {
     if (executing && number == store::kSessionLocked) return kTimeout;
     return writingBack ? kProviderFailure : kUnspecified;
   }
+  if (IsTransient(number)) return kUnspecified;
+  if (IsRefusedValue(number)) return kErrorsOccurred;
   switch (number) {
     case store::kSyntax:
     case store::kAmbiguousColumn:
@@ -33,20 +54,8 @@ std::int32_t NumberOf(int number, bool writingBack, bool executing) {
       return kNoTable;
     case store::kTooFewParameters:
       return kTooFewParameters;
-    case store::kNoCurrentRecord:
-    case store::kItemNotFound:
-    case store::kCannotUpdate:
-      return number;
-    case store::kDuplicateKey:
-    case store::kFieldRequired:
-    case store::kFieldTooSmall:
-    case store::kZeroLength:
-    case store::kOverflow:
-    case store::kTypeMismatch:
-    case store::kRecordDeleted:
-      return kErrorsOccurred;
     default:
-      return kUnspecified;
+      return number;
   }
 }
 

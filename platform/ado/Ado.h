@@ -13,9 +13,9 @@
 
 namespace ado {
 
-/// Error numbers of the provider.
+/// Error numbers of the provider. Any other error keeps the engine's own number: no wait can cure it.
 constexpr std::int32_t kUnspecified = -2147467259;       // 80004005: locked, in use
-constexpr std::int32_t kErrorsOccurred = -2147217887;    // 80040E21
+constexpr std::int32_t kErrorsOccurred = -2147217887;    // 80040E21: the file does not accept a value
 constexpr std::int32_t kProviderFailure = -2147217888;   // 80040E20: the write-back of a locked record
 constexpr std::int32_t kTimeout = -2147217871;           // 80040E31
 constexpr std::int32_t kSyntax = -2147217900;            // 80040E14

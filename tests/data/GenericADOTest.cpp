@@ -205,6 +205,32 @@ TEST_F(GenericADOTest, ALockedDeleteWaits) {
   EXPECT_EQ(AssetOf(path, 1), "");
 }
 
+TEST_F(GenericADOTest, WhatNoWaitCuresEndsAtOnce) {
+  const std::string path = MakeVehicles();
+  const AdoConnectionPtr connection = Opened(path);
+  const auto open = [&](int lock) {
+    return AdoOpenRecordset(connection, kFirstVehicle, ado::adOpenKeyset, lock);
+  };
+  user_->onSleep = [](int) { throw std::runtime_error("it waits"); };
+  const auto gone = open(ado::adLockOptimistic);
+  const auto changed = open(ado::adLockOptimistic);
+  changed->Set("Odometer", 7);
+  ASSERT_EQ(AdoExecute(connection, "DELETE * FROM [Vehicles] WHERE [ID] = 1"), 0);
+  user_->ExpectPart("Unknown error #3167 during record delete.", Icon::Critical);
+  EXPECT_FALSE(AdoDeleteRS(*gone, true, true));
+  user_->ExpectPart("Unknown error #3167 during record update.", Icon::Critical);
+  EXPECT_FALSE(AdoUpdateRS(*changed, true, true));
+
+  const auto second = AdoOpenRecordset(connection, "SELECT * FROM [Vehicles] WHERE [ID] = 2",
+                                       ado::adOpenKeyset, ado::adLockPessimistic);
+  const std::string home = std::filesystem::path(path).parent_path().string();
+  std::filesystem::rename(home, home + ".away");
+  user_->ExpectPart(" during record delete.", Icon::Critical);
+  EXPECT_FALSE(AdoDeleteRS(*second, true, true));
+  std::filesystem::rename(home + ".away", home);
+  EXPECT_EQ(AssetOf(path, 2), "TRUCK 2");
+}
+
 TEST_F(GenericADOTest, TheProbeTellsFreeLockedAndFailed) {
   const std::string path = MakeVehicles();
   other_.Keep(path, OtherWorkstation::Keeps::Record);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "support/OtherUser.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFleet.h"
@@ -162,6 +164,54 @@ TEST_F(AssetRemovalTest, AnAssetHeldInItsWindowIsWaitedFor) {
   EXPECT_EQ(dw::RemoveAsset(7, "V1", 2), dw::RemovalResult::Removed);
   EXPECT_GE(screen_->SleepCount(), 3);
   EXPECT_EQ(CountOf("Odometer Entries", "V1"), 0) << "what was taken back for the wait is written again";
+}
+
+/// Fails a removal that goes on waiting for what no wait can cure.
+void EndAfterWaits(test::ScreenScript& screen, int most) {
+  screen->onSleep = [&screen, most](int) {
+    if (screen->SleepCount() > most) throw std::runtime_error("the removal does not end");
+  };
+}
+
+TEST_F(AssetRemovalTest, AnAssetThatAnotherUserDeletesMeanwhileEndsTheRemoval) {
+  ExpectQuestion(kReadings, Icon::Question, Answer::Yes);
+  ExpectQuestion(kTransactions, Icon::Question, Answer::Yes);
+  ExpectQuestion(kSure, Icon::None, Answer::Yes);
+  screen_->Expect(kWarning, Icon::Information);
+  screen_->ExpectPart("Unknown error #3167 during record delete.", Icon::Critical);
+  screen_->onBox = [&](const screen::Box& box) {
+    if (box.text != kWarning) return;
+    EXPECT_EQ(other_.Run(fleet_.Path(), "DELETE * FROM [Vehicles] WHERE [ID] = 7"), "done");
+  };
+  EndAfterWaits(screen_, 3);
+  EXPECT_EQ(dw::RemoveAsset(7, "V1", 2), dw::RemovalResult::RolledBack);
+  EXPECT_EQ(CountOf("Odometer Entries", "V1"), 1) << "what the removal had deleted is back";
+  EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
+  ExpectWhole("V2");
+}
+
+TEST_F(AssetRemovalTest, AReadingThatAnotherUserAddsMeanwhileDoesNotKeepTheRemovalWaiting) {
+  ExpectQuestion(kReadings, Icon::Question, Answer::Yes);
+  ExpectQuestion(kTransactions, Icon::Question, Answer::Yes);
+  ExpectQuestion(kSure, Icon::None, Answer::Yes);
+  screen_->Expect(kWarning, Icon::Information);
+  std::string added;
+  screen_->onBox = [&](const screen::Box& box) {
+    if (box.text != kWarning) return;
+    added = other_.Run(fleet_.Path(), "INSERT INTO [Odometer Entries] ([Asset ID]) VALUES ('V1')");
+    // Where the store accepts the reading, the removal has been prepared for other rows and says so.
+    if (added == "done") screen_->ExpectPart("Unknown error #3197 during record delete.", Icon::Critical);
+  };
+  EndAfterWaits(screen_, 3);
+  const dw::RemovalResult result = dw::RemoveAsset(7, "V1", 2);
+  if (added == "done") {
+    EXPECT_EQ(result, dw::RemovalResult::RolledBack);
+    EXPECT_EQ(CountOf("Odometer Entries", "V1"), 2);
+    EXPECT_EQ(CountOf("Vehicles", "V1"), 1);
+  } else {
+    EXPECT_EQ(result, dw::RemovalResult::Removed) << added;
+    EXPECT_EQ(CountOf("Odometer Entries", "V1"), 0);
+  }
 }
 
 }  // namespace
