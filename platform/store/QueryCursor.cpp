@@ -101,6 +101,14 @@ class QueryCursor : public RecordCursor {
     windowEpoch_ = 0;
     onDeleted_ = true;
   }
+  bool MoveToOneOf(const std::vector<std::int64_t>& keys, bool first) override {
+    for (std::int64_t at = first ? 0 : place_ + (onDeleted_ ? 0 : 1); at < Rows(); ++at) {
+      if (!std::binary_search(keys.begin(), keys.end(), KeysAt(at)[0])) continue;
+      MoveTo(at);
+      return true;
+    }
+    return false;
+  }
 
  private:
   std::int64_t Rows() const {

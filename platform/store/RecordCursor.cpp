@@ -2,6 +2,7 @@
 
 #include "platform/runtime/Text.h"
 #include "platform/store/FileFormat.h"
+#include "platform/store/Statements.h"
 
 namespace store {
 
@@ -349,32 +350,46 @@ void RecordCursor::Find(std::string_view condition, bool first) {
   LeaveEdit();
   noMatch_ = true;
   if (!plan_->keyed) throw StoreError(kCannotUpdate, "This recordset cannot be searched.");
-  // The keys that satisfy the condition, asked of the file in one query; then the first of them in this set's
-  // order.
-  const Translation& t = plan_->translation;
-  std::vector<rt::Value> found;
-  const auto probe =
-      connection_->Plan("SELECT * FROM [" + t.tables[0].name + "] WHERE " + std::string(condition), &found);
-  const Bookmark place = OnRow() ? Mark() : Bookmark{};
-  const auto matches = [&](std::int64_t key) {
-    impl_->BeforeRead(probe->translation);
-    Use use(impl_->Db(), "SELECT 1 FROM " + probe->translation.from + " WHERE (" + probe->translation.where +
-                             ") AND " + QuoteName(probe->translation.tables[0].alias) + "._rowid_ = :k0");
-    use.BindAll(found);
-    use.BindKey(0, key);
-    return use.Step();
-  };
-  if (first) {
-    MoveFirst();
-  } else if (!AtEnd()) {
-    MoveNext();
-  }
-  for (; !AtEnd(); MoveNext()) {
-    if (!matches(RowKey())) continue;
+  std::vector<rt::Value> values;
+  const auto probe = connection_->Plan(
+      "SELECT * FROM [" + plan_->translation.tables[0].name + "] WHERE " + std::string(condition), &values);
+  impl_->BeforeRead(probe->translation);
+  // Read before the keys are: a change that comes in between leads to another query the next time.
+  const FoundKeys::State now{impl_->Db().Number("PRAGMA data_version"), impl_->EpochOf(Table())};
+  const bool known = found_.condition == condition && found_.state == now;
+  if (!known && !first && FindNear(*probe, values)) {
     noMatch_ = false;
     return;
   }
-  if (!place.empty()) GoTo(place);
+  if (!known) {
+    found_ = {std::string(condition), now, {}};
+    Use use(impl_->Db(), KeysWhere(probe->translation));
+    use.BindAll(values);
+    while (use.Step()) found_.keys.push_back(use.Int64(0));
+  }
+  const bool hadRow = OnRow();
+  noMatch_ = !MoveToOneOf(found_.keys, first);
+  if (!noMatch_ || hadRow) return;
+  MoveLast();
+  if (!AtEnd()) MoveNext();
+}
+
+// A caller that changes each row it finds would otherwise ask for all keys again after each change, although
+// the next row is near.
+bool RecordCursor::FindNear(const QueryPlan& probe, const std::vector<rt::Value>& values) {
+  constexpr int kNear = 256;
+  if (!OnRow()) return false;
+  const Bookmark place = Mark();
+  const std::string sql = KeysWhere(probe.translation, WhichKeys::One);
+  MoveNext();
+  for (int i = 0; i < kNear && !AtEnd(); ++i, MoveNext()) {
+    Use use(impl_->Db(), sql);
+    use.BindAll(values);
+    use.BindKey(0, RowKey());
+    if (use.Step()) return true;
+  }
+  GoTo(place);
+  return false;
 }
 
 }  // namespace store

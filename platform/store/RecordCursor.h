@@ -12,6 +12,18 @@
 
 namespace store {
 
+/// The keys that satisfied a condition, for as long as nothing has changed since they were read.
+struct FoundKeys {
+  struct State {
+    std::int64_t version = -1;  ///< of the file: changes with every commit of another user
+    std::uint64_t epoch = 0;    ///< of the table, as this connection has changed it
+    friend bool operator==(const State&, const State&) = default;
+  };
+  std::string condition;
+  State state;
+  std::vector<std::int64_t> keys;  ///< ascending
+};
+
 class RecordCursor : public Cursor {
  public:
   RecordCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan,
@@ -55,6 +67,9 @@ class RecordCursor : public Cursor {
   virtual void RowStored(std::int64_t key) = 0;
   virtual void RowAdded(std::int64_t key) = 0;
   virtual void RowDeleted() = 0;
+  /// Moves to the first row, or to the next one behind the place, whose leading key is among these (in
+  /// ascending order). False, and no move, where there is none.
+  virtual bool MoveToOneOf(const std::vector<std::int64_t>& keys, bool first) = 0;
 
   /// Goes on in the file where the cache of the row is no longer kept.
   void LeaveRetiredCache();
@@ -83,6 +98,9 @@ class RecordCursor : public Cursor {
 
  private:
   void Find(std::string_view condition, bool first);
+  /// Looks for a row that satisfies the probe's condition among the next ones; the place stays where there is
+  /// none.
+  bool FindNear(const QueryPlan& probe, const std::vector<rt::Value>& values);
   void HoldForEdit();
   void ReleaseEdit();
   void StoreEdit();
@@ -95,6 +113,7 @@ class RecordCursor : public Cursor {
   bool changed_ = false;
   std::vector<bool> changedBefore_;  ///< the columns that updateStatement_ changes
   std::string updateStatement_;
+  FoundKeys found_;
   bool holding_ = false;
   int heldTable_ = 0;
   std::int64_t heldRow_ = 0;

@@ -180,6 +180,33 @@ class TableCursor : public RecordCursor {
     if (byIndex_ && orderRead_ && orderPlace_ < static_cast<std::int64_t>(order_.size()))
       order_.erase(order_.begin() + orderPlace_);
   }
+  bool MoveToOneOf(const std::vector<std::int64_t>& keys, bool first) override {
+    if (!first && AtEnd()) return false;
+    const bool fromStart = first || place_ == Place::Begin;
+    if (!byIndex_) {
+      const auto next = fromStart ? keys.begin() : std::upper_bound(keys.begin(), keys.end(), key_);
+      if (next == keys.end()) return false;
+      Leave();
+      onDeleted_ = false;
+      place_ = Place::Row;
+      empty_ = false;
+      key_ = *next;
+      windowEpoch_ = 0;
+      return true;
+    }
+    if (fromStart)
+      ReadOrder();
+    else if (!orderRead_)
+      FindInOrder();
+    auto at = fromStart ? 0 : orderPlace_ + (onDeleted_ ? 0 : 1);
+    for (; at < static_cast<std::int64_t>(order_.size()); ++at) {
+      if (!std::binary_search(keys.begin(), keys.end(), order_[static_cast<std::size_t>(at)])) continue;
+      Leave();
+      StandAt(at);
+      return true;
+    }
+    return false;
+  }
 
  private:
   enum class Place { Begin, Row, End };

@@ -127,6 +127,15 @@ TEST_F(CursorTest, TablesSeekOnTheirIndexes) {
   EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(3));
   table->FindNext("[Year]=2002");
   EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(6));
+  table->SetIndex("By Year");
+  table->FindFirst("Code LIKE 'A1*'");
+  EXPECT_EQ(table->Get(table->FieldIndex("Code")), Value("A12")) << "the first one of the lowest year";
+  table->FindNext("Code = 'A1'");
+  EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(2));
+  table->FindNext("Code = 'A102'");
+  EXPECT_TRUE(table->NoMatch());
+  table->SetIndex("PrimaryKey");
+  table->FindNext("ID = 6");
   table->FindFirst("[Year]=1");
   EXPECT_TRUE(table->NoMatch());
   EXPECT_EQ(table->Get(table->FieldIndex("ID")), Value(6));
@@ -183,6 +192,46 @@ TEST_F(CursorTest, ANullInAKeyFindsTheRecordWithNull) {
   file->FinishGroup();
   EXPECT_EQ(Ask(file, "SELECT Miles FROM Assets WHERE Code IS NULL"), Value(6.0F));
   EXPECT_EQ(Ask(file, "SELECT Cost FROM Assets WHERE Code = 'A7'"), Value(rt::Currency::FromWhole(102)));
+}
+
+TEST_F(CursorTest, FindingKeepsToTheRowsAndTheOrderOfTheSet) {
+  auto rows = Query("SELECT * FROM Assets WHERE ID < 200 ORDER BY ID DESC");
+  const auto others = test::OpenSmallFile(path);
+  const int id = rows->FieldIndex("ID");
+  const auto found = [&](bool first, const char* condition) {
+    first ? rows->FindFirst(condition) : rows->FindNext(condition);
+    return rows->NoMatch() ? 0 : rows->Get(id).AsLong();
+  };
+  EXPECT_EQ(found(true, "[Year]=2001"), 197);
+  EXPECT_EQ(found(false, "[Year]=2001"), 194);
+  // What others do between two steps counts at the next one, but for rows that they add.
+  others->Execute("UPDATE Assets SET [Year] = 1999 WHERE ID IN (191, 188)");
+  others->Execute("DELETE * FROM Assets WHERE ID = 185");
+  others->Execute("INSERT INTO Assets (Code, [Year]) VALUES ('NEW', 2001)");
+  EXPECT_EQ(found(false, "[Year]=2001"), 182);
+  EXPECT_EQ(found(true, "[Code]='NEW'"), 0);
+  EXPECT_EQ(rows->Get(id), Value(182));
+  EXPECT_EQ(found(false, "[Code]='A198'"), 0) << "it is before the place";
+  EXPECT_EQ(found(false, "[Code]='A0'"), 1) << "it is the last row";
+
+  // Each row that is found is changed, also where the change is not committed, and the next one is still
+  // found.
+  file->BeginTrans();
+  int changed = 0;
+  for (found(true, "[Year]=2002"); !rows->NoMatch(); found(false, "[Year]=2002"), ++changed) {
+    rows->Edit();
+    rows->Set(rows->FieldIndex("Year"), 2003);
+    rows->Update();
+  }
+  EXPECT_EQ(changed, 66);
+  EXPECT_EQ(found(true, "[Year]=2002"), 0);
+  file->RollbackTrans();
+  EXPECT_EQ(found(true, "[Year]=2002"), 198);
+  rows->Delete();
+  EXPECT_EQ(found(false, "[Year]=2002"), 195) << "the row behind the deleted one is not left out";
+  rows->MoveTo(rows->Count());
+  EXPECT_EQ(found(false, "[Year]=2002"), 0);
+  EXPECT_TRUE(rows->AtEnd());
 }
 
 TEST_F(CursorTest, GroupedRowsHaveNoKeysAndStayAsTheyAre) {

@@ -1,0 +1,57 @@
+#include "platform/store/Statements.h"
+
+#include "platform/store/Schema.h"
+
+namespace store {
+namespace {
+
+constexpr std::string_view kKey = "_rowid_";
+
+std::string KeyOf(const SourceTable& table) { return QuoteName(table.alias) + "." + std::string(kKey); }
+
+std::string KeysOf(const Translation& query) {
+  std::string keys;
+  for (const auto& table : query.tables) keys += (keys.empty() ? "" : ", ") + KeyOf(table);
+  return keys;
+}
+
+std::string FromOneRow(const Translation& query) {
+  const auto& first = query.tables[0];
+  if (query.tables.size() == 1)
+    return " FROM " + QuoteName(first.name) + " AS " + QuoteName(first.alias) + " WHERE " + KeyOf(first) +
+           " = :k0";
+  // Each table's row by its own key. A table whose row is missing gives Nulls; with an inner join the whole
+  // row would be missing.
+  std::string sql = " FROM (SELECT 1)";
+  for (std::size_t i = 0; i < query.tables.size(); ++i)
+    sql += " LEFT JOIN " + QuoteName(query.tables[i].name) + " AS " + QuoteName(query.tables[i].alias) +
+           " ON " + KeyOf(query.tables[i]) + " = :k" + std::to_string(i);
+  return sql;
+}
+
+}  // namespace
+
+std::string KeysInOrder(const Translation& query) {
+  const std::string keys = KeysOf(query);
+  return "SELECT " + keys + " FROM " + query.from + (query.where.empty() ? "" : " WHERE " + query.where) +
+         " ORDER BY " + (query.orderBy.empty() ? "" : query.orderBy + ", ") + keys +
+         (query.top ? " LIMIT " + std::to_string(*query.top) : "");
+}
+
+std::string KeysWhere(const Translation& query, WhichKeys which) {
+  const std::string key = KeyOf(query.tables[0]);
+  const std::string from = "SELECT " + key + " FROM " + query.from + " WHERE (" + query.where + ")";
+  return which == WhichKeys::One ? from + " AND " + key + " = :k0" : from + " ORDER BY " + key;
+}
+
+std::string RowByKeys(const Translation& query) {
+  std::string list = KeysOf(query);
+  for (const auto& column : query.columns) list += ", " + column.expression;
+  return "SELECT " + list + FromOneRow(query);
+}
+
+std::string ValueByKeys(const Translation& query, const std::string& expression) {
+  return "SELECT " + expression + FromOneRow(query);
+}
+
+}  // namespace store
