@@ -2,15 +2,13 @@
 
 #include <optional>
 
-#include "costing/MainFile.h"
 #include "data/GenericTools.h"
+#include "data/MainFile.h"
 #include "platform/runtime/DateTime.h"
 #include "platform/screen/Screen.h"
 
 namespace dw {
 namespace {
-
-constexpr const char* kParametersQuery = "SELECT * FROM [Parameters] WHERE [ID] = 1";
 
 /// The date of a price look-up in the short form, or empty where there is nothing to look up: an empty text
 /// is passed over in silence, a text that is no date is told.
@@ -88,25 +86,6 @@ void GetFiscalPeriod(const rt::DateTime& date, std::int16_t& year, std::int16_t&
   if (!periodFound.IsNull()) period = periodFound.AsInteger();
 }
 
-rt::DateTime GetCloseOutDate() {
-  const rt::DateTime none(1800, 1, 1);
-  MainFile file;
-  if (!file.IsOpen()) return none;
-  dao::Recordset& parameters = file.Read("Parameters");
-  if (parameters.AtEnd()) return none;
-  const rt::Value date = parameters.Get("Transaction Close Out Date");
-  return date.Type() == rt::ValueType::Date ? date.AsDate() : none;
-}
-
-std::int32_t GetDeletedInventoryID() {
-  MainFile file;
-  if (!file.IsOpen()) return 0;
-  dao::Recordset& parameters = file.Read(kParametersQuery);
-  if (parameters.AtEnd()) return 0;
-  const rt::Value id = parameters.Get("Deleted Inventory ID");
-  return id.IsNull() ? 0 : id.AsLong();
-}
-
 std::int32_t GetAssetFuelType(const std::string& assetID) {
   MainFile file;
   if (!file.IsOpen()) return 0;
@@ -118,15 +97,6 @@ std::int32_t GetAssetFuelType(const std::string& assetID) {
   }
   const rt::Value fuelType = asset.Get("Fuel Type");
   return fuelType.IsNull() ? 0 : fuelType.AsLong();
-}
-
-bool InternalFuelAvailable() {
-  MainFile file;
-  if (!file.IsOpen()) return false;
-  dao::Recordset& parameters = file.Read(kParametersQuery);
-  if (parameters.AtEnd()) return false;
-  const rt::Value available = parameters.Get("Internal_Fuel_Available");
-  return !available.IsNull() && available.AsBoolean();
 }
 
 }  // namespace dw

@@ -20,13 +20,7 @@ rt::Currency GetLaborCost(float hours, const std::string& date);
 rt::Currency GetOilCost(float units, const std::string& date);
 /// Both 0 when the date lies in no row of `Fiscal Periods`; overlapping periods: the lowest ID.
 void GetFiscalPeriod(const rt::DateTime& date, std::int16_t& year, std::int16_t& period);
-/// `Transaction Close Out Date` of `Parameters`; 1/1/1800 where none is set.
-rt::DateTime GetCloseOutDate();
-/// `Deleted Inventory ID` of `Parameters`, 0 where none is set.
-std::int32_t GetDeletedInventoryID();
 /// `Fuel Type` of the asset, 0 with a message when it is not on file.
 std::int32_t GetAssetFuelType(const std::string& assetID);
-/// `Internal_Fuel_Available` of `Parameters`.
-bool InternalFuelAvailable();
 
 }  // namespace dw

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "costing/CostRows.h"
-#include "costing/MainFile.h"
 #include "costing/PostTransaction.h"
+#include "data/MainFile.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/screen/Screen.h"
 

@@ -6,8 +6,9 @@
 #include <utility>
 
 #include "costing/Lookups.h"
-#include "costing/MainFile.h"
 #include "data/GenericTools.h"
+#include "data/MainFile.h"
+#include "data/Parameters.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "costing/CostRows.h"
-#include "costing/MainFile.h"
 #include "data/BrackenfelGlobals.h"
+#include "data/MainFile.h"
 #include "platform/runtime/Clock.h"
 #include "platform/screen/Screen.h"
 

@@ -2,11 +2,11 @@
 
 #include <array>
 
-#include "costing/Lookups.h"
 #include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericADO.h"
 #include "data/GenericDAO.h"
+#include "data/Parameters.h"
 #include "platform/screen/Screen.h"
 
 namespace dw {

@@ -1,7 +1,7 @@
 // One fuel type.
 #pragma once
 
-#include "fleet/forms/TypeDetail.h"
+#include "windows/TypeDetail.h"
 
 namespace dw {
 

@@ -1,8 +1,8 @@
 // One scheduled kind of maintenance that a transaction's work counted as.
 #pragma once
 
-#include "fleet/forms/DetailForm.h"
 #include "platform/controls/DataCombo.h"
+#include "windows/DetailForm.h"
 
 namespace dw {
 

@@ -3,7 +3,7 @@
 
 #include <QPushButton>
 
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 

@@ -1,7 +1,7 @@
 // One fiscal period.
 #pragma once
 
-#include "fleet/forms/DetailForm.h"
+#include "windows/DetailForm.h"
 
 namespace dw {
 

@@ -1,7 +1,7 @@
 // The prices of the fuel types, by date.
 #pragma once
 
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 

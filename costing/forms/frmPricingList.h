@@ -1,7 +1,7 @@
 // The prices of labor and oil, by date.
 #pragma once
 
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 

@@ -1,7 +1,7 @@
 // The prices of labor and oil from a date on.
 #pragma once
 
-#include "fleet/forms/DetailForm.h"
+#include "windows/DetailForm.h"
 
 namespace dw {
 

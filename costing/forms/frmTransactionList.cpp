@@ -1,7 +1,7 @@
 #include "costing/forms/frmTransactionList.h"
 
 #include "costing/forms/frmTransactionMaint.h"
-#include "fleet/AssetsDefined.h"
+#include "windows/AssetsDefined.h"
 
 namespace dw {
 namespace {

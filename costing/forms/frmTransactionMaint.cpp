@@ -9,9 +9,10 @@
 #include "costing/Lookups.h"
 #include "costing/Unposting.h"
 #include "costing/forms/frmMaintTaskMaint.h"
-#include "fleet/forms/ListForm.h"
+#include "data/Parameters.h"
 #include "platform/controls/NoInput.h"
 #include "platform/runtime/Text.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "costing/TransactionEntry.h"
-#include "fleet/forms/DetailForm.h"
+#include "windows/DetailForm.h"
 
 class QGroupBox;
 class QLabel;

@@ -1,7 +1,7 @@
 // All inventory classes.
 #pragma once
 
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 

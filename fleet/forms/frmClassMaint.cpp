@@ -1,7 +1,7 @@
 #include "fleet/forms/frmClassMaint.h"
 
-#include "fleet/forms/CodeDetail.h"
 #include "platform/controls/Layout.h"
+#include "windows/CodeDetail.h"
 
 namespace dw {
 

@@ -1,7 +1,7 @@
 // All divisions.
 #pragma once
 
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 

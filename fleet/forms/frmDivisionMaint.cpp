@@ -1,7 +1,7 @@
 #include "fleet/forms/frmDivisionMaint.h"
 
-#include "fleet/forms/CodeDetail.h"
 #include "platform/controls/Layout.h"
+#include "windows/CodeDetail.h"
 
 namespace dw {
 

@@ -1,7 +1,7 @@
 // One division, and the assets in it.
 #pragma once
 
-#include "fleet/forms/DetailForm.h"
+#include "windows/DetailForm.h"
 
 namespace dw {
 

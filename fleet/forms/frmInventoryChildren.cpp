@@ -3,11 +3,11 @@
 
 #include "costing/forms/frmTransactionMaint.h"
 #include "fleet/AssetChildren.h"
-#include "fleet/forms/OpenDetailForm.h"
 #include "fleet/forms/frmInventoryMaint.h"
 #include "fleet/forms/frmOdometerMaint.h"
 #include "fleet/forms/frmSchedMaintAsset.h"
 #include "platform/runtime/Text.h"
+#include "windows/OpenDetailForm.h"
 
 namespace dw {
 namespace {

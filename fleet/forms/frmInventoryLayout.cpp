@@ -6,10 +6,10 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
-#include "fleet/forms/AuditLine.h"
 #include "fleet/forms/frmInventoryMaint.h"
 #include "platform/controls/Application.h"
 #include "platform/controls/Layout.h"
+#include "windows/AuditLine.h"
 
 namespace dw {
 namespace {

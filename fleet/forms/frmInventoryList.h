@@ -3,7 +3,7 @@
 
 #include <QCheckBox>
 
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 

@@ -12,7 +12,6 @@
 #include "fleet/AssetRename.h"
 #include "fleet/DueAnalysis.h"
 #include "fleet/ExtraUsage.h"
-#include "fleet/forms/ListForm.h"
 #include "fleet/forms/PictureForms.h"
 #include "platform/controls/Application.h"
 #include "platform/controls/GridSearch.h"
@@ -21,6 +20,7 @@
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 namespace {

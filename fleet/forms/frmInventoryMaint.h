@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "fleet/forms/AdoDetailForm.h"
 #include "fleet/forms/PictureCaller.h"
 #include "platform/controls/CheckBox.h"
 #include "platform/controls/DataCombo.h"
 #include "platform/controls/DataGrid.h"
 #include "platform/controls/PictureBox.h"
+#include "windows/AdoDetailForm.h"
 
 class QLabel;
 

@@ -1,8 +1,8 @@
 #include "fleet/forms/frmOdometerList.h"
 
-#include "fleet/AssetsDefined.h"
-#include "fleet/forms/DaoDelete.h"
 #include "fleet/forms/frmOdometerMaint.h"
+#include "windows/AssetsDefined.h"
+#include "windows/DaoDelete.h"
 
 namespace dw {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "fleet/forms/DetailForm.h"
 #include "platform/controls/DataCombo.h"
+#include "windows/DetailForm.h"
 
 namespace dw {
 

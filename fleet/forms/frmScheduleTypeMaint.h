@@ -1,7 +1,7 @@
 // One type of scheduled maintenance.
 #pragma once
 
-#include "fleet/forms/TypeDetail.h"
+#include "windows/TypeDetail.h"
 
 namespace dw {
 

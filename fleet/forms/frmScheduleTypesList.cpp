@@ -1,7 +1,7 @@
 #include "fleet/forms/frmScheduleTypesList.h"
 
-#include "fleet/forms/DaoDelete.h"
 #include "fleet/forms/frmScheduleTypeMaint.h"
+#include "windows/DaoDelete.h"
 
 namespace dw {
 

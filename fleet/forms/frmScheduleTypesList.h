@@ -1,7 +1,7 @@
 // All types of scheduled maintenance.
 #pragma once
 
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 

@@ -8,9 +8,9 @@
 #include <QVBoxLayout>
 #include <vector>
 
-#include "costing/Lookups.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/Compact.h"
+#include "data/Parameters.h"
 #include "platform/controls/Application.h"
 #include "platform/system/Machine.h"
 #include "shell/Help.h"

@@ -98,26 +98,9 @@ TEST(Lookups, PeriodsTakeBothTheirEndsAndTheFirstRowWins) {
   EXPECT_EQ(period(DateTime(2026, 5, 2)), "0/0");  // a period saved without its numbers
 }
 
-TEST(Lookups, ParametersAndAssets) {
+TEST(Lookups, FuelTypeOfAnAsset) {
   test::SmallFleet fleet;
   test::ScreenScript script;
-  const DateTime none(1800, 1, 1);
-  EXPECT_EQ(dw::GetCloseOutDate(), none);
-  EXPECT_EQ(dw::GetDeletedInventoryID(), 0);
-  EXPECT_FALSE(dw::InternalFuelAvailable());
-
-  fleet.Add("Parameters", {{"ID", 1}});
-  EXPECT_EQ(dw::GetCloseOutDate(), none);
-  EXPECT_EQ(dw::GetDeletedInventoryID(), 0);
-  EXPECT_FALSE(dw::InternalFuelAvailable());
-
-  fleet.Run(
-      "UPDATE [Parameters] SET [Transaction Close Out Date] = #2/1/2026#, [Deleted Inventory ID] = 70000, "
-      "[Internal_Fuel_Available] = TRUE");
-  EXPECT_EQ(dw::GetCloseOutDate(), DateTime(2026, 2, 1));
-  EXPECT_EQ(dw::GetDeletedInventoryID(), 70000);
-  EXPECT_TRUE(dw::InternalFuelAvailable());
-
   fleet.AddAsset("O'NEIL", 4);
   fleet.AddAsset("NEW", rt::Null{});
   EXPECT_EQ(dw::GetAssetFuelType("o'neil"), 4);

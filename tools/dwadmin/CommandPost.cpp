@@ -2,11 +2,11 @@
 #include <filesystem>
 #include <iostream>
 
-#include "costing/MainFile.h"
 #include "costing/Posting.h"
 #include "costing/Unposting.h"
 #include "data/Compact.h"
 #include "data/GenericDAO.h"
+#include "data/MainFile.h"
 #include "tools/dwadmin/Commands.h"
 
 namespace dw {

@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "fleet/forms/OpenDetailForm.h"
 #include "platform/runtime/Clock.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFleet.h"
 #include "support/desktop/FormDriver.h"
+#include "windows/OpenDetailForm.h"
 
 namespace {
 

@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "fleet/forms/ListForm.h"
 #include "platform/runtime/Clock.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFleet.h"
 #include "support/desktop/FormDriver.h"
+#include "windows/ListForm.h"
 
 namespace test {
 

@@ -1,4 +1,4 @@
-#include "fleet/forms/DetailForm.h"
+#include "windows/DetailForm.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -9,10 +9,10 @@
 
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericDAO.h"
-#include "fleet/forms/AuditLine.h"
-#include "fleet/forms/ListForm.h"
 #include "platform/controls/Layout.h"
 #include "platform/runtime/Clock.h"
+#include "windows/AuditLine.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 namespace {

@@ -1,4 +1,4 @@
-#include "fleet/forms/CodeDetail.h"
+#include "windows/CodeDetail.h"
 
 #include <QGroupBox>
 #include <QVBoxLayout>

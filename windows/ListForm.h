@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "fleet/forms/OpenDetailForm.h"
 #include "platform/controls/Adodc.h"
 #include "platform/controls/DataGrid.h"
 #include "platform/controls/Form.h"
+#include "windows/OpenDetailForm.h"
 
 class QPushButton;
 

@@ -1,4 +1,4 @@
-#include "fleet/forms/ListForm.h"
+#include "windows/ListForm.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

@@ -1,4 +1,4 @@
-#include "fleet/forms/TypeDetail.h"
+#include "windows/TypeDetail.h"
 
 #include "platform/controls/Layout.h"
 

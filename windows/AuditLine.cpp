@@ -1,4 +1,4 @@
-#include "fleet/forms/AuditLine.h"
+#include "windows/AuditLine.h"
 
 #include <QFontMetrics>
 #include <QGridLayout>

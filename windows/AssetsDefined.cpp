@@ -1,4 +1,4 @@
-#include "fleet/AssetsDefined.h"
+#include "windows/AssetsDefined.h"
 
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericADO.h"

@@ -1,4 +1,4 @@
-#include "fleet/forms/DaoDelete.h"
+#include "windows/DaoDelete.h"
 
 #include <algorithm>
 

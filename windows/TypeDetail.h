@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "fleet/forms/DetailForm.h"
+#include "windows/DetailForm.h"
 
 namespace dw {
 

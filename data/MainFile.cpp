@@ -1,4 +1,4 @@
-#include "costing/MainFile.h"
+#include "data/MainFile.h"
 
 #include "data/BrackenfelGlobals.h"
 

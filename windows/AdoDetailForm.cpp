@@ -1,4 +1,4 @@
-#include "fleet/forms/AdoDetailForm.h"
+#include "windows/AdoDetailForm.h"
 
 #include <QPushButton>
 #include <utility>
@@ -6,10 +6,10 @@
 #include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericADO.h"
-#include "fleet/forms/ListForm.h"
 #include "platform/controls/Application.h"
 #include "platform/controls/DisableEntry.h"
 #include "platform/runtime/Clock.h"
+#include "windows/ListForm.h"
 
 namespace dw {
 namespace {
