@@ -133,7 +133,7 @@ class Database {
   std::shared_ptr<Recordset> OpenRecordset(std::string_view source,
                                            RecordsetType type = RecordsetType::Dynaset,
                                            Access access = Access::ReadWrite);
-  /// Runs a statement; the number of records that it changed.
+  /// Runs a statement and returns the number of records that it changed.
   std::int64_t Execute(std::string_view sql);
   std::vector<std::string> TableNames();
   /// 3265 if there is none.
@@ -194,7 +194,7 @@ std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::s
 std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string& path);
 /// See store::CompactFile: the source stays closed to everybody for as long as the result lives.
 [[nodiscard]] std::shared_ptr<void> CompactDatabase(const std::string& source, const std::string& target);
-/// Lets go of what is no longer needed (1: locks of reading). Reading holds no locks here.
+/// Releases what is no longer needed (1: read locks). Reading holds no locks here.
 void Idle(int what);
 /// "4.0": this engine has no repair method of its own.
 std::string Version();

@@ -15,7 +15,7 @@ DateTime WorkstationTime() {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
   localtime_r(&now, &local);
-  // A leap second would be no time of day.
+  // A leap second is not a time of day.
   const int second = local.tm_sec > 59 ? 59 : local.tm_sec;
   return DateTime(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, second);
 }

@@ -11,7 +11,7 @@ namespace rt {
 DateTime Now();
 /// Today at 0:00.
 DateTime Today();
-/// Replaces the clock; an empty function brings the workstation's own back. Gives the earlier one.
+/// Replaces the clock; an empty function restores the workstation's own. Returns the earlier one.
 std::function<DateTime()> SetClock(std::function<DateTime()> clock);
 
 /// Fixes the present time for as long as it lives.

@@ -135,7 +135,7 @@ std::string Currency::DisplayText() const {
   text.push_back('.');
   text.push_back(static_cast<char>('0' + cents % 100 / 10));
   text.push_back(static_cast<char>('0' + cents % 10));
-  // What rounds to nothing is shown as nothing, not as a negative nothing.
+  // What rounds to zero shows as zero, without a sign.
   return units_ < 0 && cents != 0 ? "(" + text + ")" : text;
 }
 

@@ -58,7 +58,7 @@ struct TimeOfDay {
   int second = 0;
 };
 
-/// One or two digits stand for a year from 1930 to 2029.
+/// One or two digits mean a year from 1930 to 2029.
 int YearOf(Number n) {
   if (n.digits > 2) return n.value;
   return n.value < 30 ? 2000 + n.value : 1900 + n.value;

@@ -24,7 +24,7 @@ bool IsTime(int hour, int minute, int second) {
   return hour >= 0 && hour < 24 && minute >= 0 && minute < 60 && second >= 0 && second < 60;
 }
 
-/// Empty where there is no such day or time.
+/// Empty if there is no such day or time.
 std::optional<chr::local_seconds> Moment(int year, int month, int day, int hour, int minute, int second) {
   if (year < kFirstYear || year > kLastYear || month < 1 || month > 12 || day < 1 || day > 31)
     return std::nullopt;
@@ -35,7 +35,7 @@ std::optional<chr::local_seconds> Moment(int year, int month, int day, int hour,
   return chr::local_days{civil} + chr::hours{hour} + chr::minutes{minute} + chr::seconds{second};
 }
 
-/// The number that `count` digits from `at` form; -1 where one of them is no digit.
+/// The number that `count` digits from `at` form; -1 if one of them is not a digit.
 int Digits(std::string_view text, std::size_t at, std::size_t count) {
   int number = 0;
   for (std::size_t i = at; i < at + count; ++i) {

@@ -15,7 +15,7 @@ class DateTime {
   /// 12/30/1899 0:00, the day zero of the field's calendar.
   DateTime() = default;
   explicit DateTime(std::chrono::local_seconds t) : t_(t) {}
-  /// Throws RuntimeError 5 where there is no such day or time.
+  /// Throws RuntimeError 5 if there is no such day or time.
   DateTime(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 
   int Year() const;
@@ -29,7 +29,7 @@ class DateTime {
   DateTime DateOnly() const;
   std::chrono::local_seconds Time() const { return t_; }
 
-  /// "YYYY-MM-DD HH:MM:SS", the form that data files hold. FromIso also takes the date alone; empty for
+  /// "YYYY-MM-DD HH:MM:SS", the form in data files. FromIso also takes the date alone; empty for
   /// anything else.
   std::string ToIso() const;
   static std::optional<DateTime> FromIso(std::string_view text);
@@ -53,7 +53,7 @@ std::string PaddedDate(const DateTime& d);
 /// Reads a date as people type it: M/d/yyyy, M-d-yyyy, M/d/yy (00 to 29 are 2000s, 30 to 99 are 1900s), M/d
 /// (this year by the Clock), yyyy-M-d, d-MMM-yy, d MMM yyyy, MMM d, yyyy; each with an optional time
 /// h:mm[:ss] [AM|PM]; or a time alone. Where the first number cannot be a month and the second can, they are
-/// read as day and month. Empty when the text is no date.
+/// read as day and month. Empty when the text is not a date.
 std::optional<DateTime> ParseDate(std::string_view text);
 
 /// "m": months, keeping the day and cutting it to the last day of a shorter month; "d": days; "yyyy": years;

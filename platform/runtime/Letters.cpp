@@ -8,7 +8,7 @@
 namespace rt {
 namespace {
 
-/// A character and the number of bytes it takes; no character where the bytes are no UTF-8 (one byte then).
+/// A character and the number of bytes it takes; no character, and one byte, if the bytes are not UTF-8.
 struct Character {
   std::uint32_t code = 0;
   std::size_t bytes = 1;

@@ -15,8 +15,8 @@ struct ScannedNumber {
 };
 
 /// Reads one number: blanks around it, a sign and "$" in either order, or parentheses for a negative;
-/// thousands commas in groups of three; a decimal point; an exponent. Empty when anything else stands in the
-/// text or no digit does.
+/// thousands commas in groups of three; a decimal point; an exponent. Empty when the text has anything
+/// else in it or has no digit.
 std::optional<ScannedNumber> ScanNumber(std::string_view text);
 
 }  // namespace rt

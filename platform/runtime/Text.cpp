@@ -30,7 +30,7 @@ Decimal DecimalOf(Float number, int most) {
     while (at != end && *at != 'e') ++at;
     return at;
   };
-  // Digits stand before the mark, one of them before a point.
+  // Digits come before the mark, one of them before a point.
   if (mark() - text.data() > most + 1) {
     end =
         std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific, most - 1)

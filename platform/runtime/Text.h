@@ -14,14 +14,14 @@ std::string PlainText(float number);
 std::string PlainText(double number);
 
 /// Whether the text reads as a number: blanks around it, a sign, "$", thousands commas, parentheses for a
-/// negative, a decimal point and an exponent are let through. The empty text is no number.
+/// negative, a decimal point and an exponent are accepted. The empty text is not a number.
 bool IsNumeric(std::string_view text);
-/// The number that IsNumeric let through; empty otherwise.
+/// The number that IsNumeric accepts; empty otherwise.
 std::optional<double> ParseNumber(std::string_view text);
 /// Whether ParseDate reads the text.
 bool IsDate(std::string_view text);
 
-/// Upper and lower case of all letters, in UTF-8. Bytes that are no UTF-8 stay as they are.
+/// Upper and lower case of all letters, in UTF-8. Bytes that are not UTF-8 stay as they are.
 std::string UpperCase(std::string_view text);
 std::string LowerCase(std::string_view text);
 /// The number of characters (code points) of a UTF-8 text.

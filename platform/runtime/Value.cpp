@@ -22,7 +22,7 @@ constexpr std::int64_t kUnits = 10'000;
 template <typename Whole>
 Whole WholeOf(double number) {
   const double whole = std::nearbyint(number);
-  // Written so that what is no number fails too.
+  // Written so that what is not a number fails too.
   if (!(whole >= std::numeric_limits<Whole>::min() && whole <= std::numeric_limits<Whole>::max())) {
     throw RuntimeError(kOverflow);
   }

@@ -25,7 +25,7 @@ using Binary = std::vector<std::uint8_t>;
 
 /// A value with its type: Boolean, Integer (16 bits), Long (32 bits), Single, Double, Currency, Date, Text
 /// (UTF-8), Binary, or Null. The As... functions convert as the field's runtime does and throw RuntimeError:
-/// 94 on a Null, 13 where the value has no such form, 6 where it does not fit. Floating values become whole
+/// 94 for a Null, 13 if the value has no such form, 6 if it does not fit. Floating values become whole
 /// numbers with ties to even.
 class Value {
  public:
@@ -80,7 +80,7 @@ class Value {
 /// whole number or a Currency stays Currency; Single with Single, Integer or Boolean stays Single; Integer
 /// with Integer is Integer; everything wider is Long, then Double. A Date and a number of days give a Date,
 /// two Dates have a difference in days as Double. Throws RuntimeError 6 on overflow and 13 for a Binary or a
-/// text that is no number.
+/// text that is not a number.
 Value Add(const Value& a, const Value& b);
 Value Subtract(const Value& a, const Value& b);
 

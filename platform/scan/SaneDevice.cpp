@@ -188,7 +188,7 @@ ScannedPicture SaneDevice::Read(ScanDisplay* display) {
     library_.cancel(handle_);
     throw;
   }
-  // A scan that went well is ended in the same way.
+  // A scan that succeeded ends in the same way.
   library_.cancel(handle_);
   if (picture.height < 1) throw ScanError("The scanner has sent no picture.");
   if (display) display->ShowScan(picture, picture.height);
@@ -223,7 +223,7 @@ bool SaneDevice::ReadPass(ScannedPicture& picture, ScanDisplay* display) {
     Check(status);
     held += static_cast<std::size_t>(got);
     std::size_t used = 0;
-    // A device may send more than it has told; a picture has no room for it.
+    // A device may send more than it announced; a picture has no room for it.
     for (; held - used >= pass.bytesPerRow && static_cast<std::size_t>(y) < most; used += pass.bytesPerRow)
       AddRow(pass, &block[used], y++, picture);
     if (static_cast<std::size_t>(y) >= most) throw ScanError("The picture would be too large.");

@@ -11,23 +11,23 @@ namespace sys {
 
 class SaneDevice {
  public:
-  /// Throws ScanError where the device cannot be opened.
+  /// Throws ScanError if the device cannot be opened.
   SaneDevice(const SaneLibrary& library, const std::string& name);
   ~SaneDevice();
   SaneDevice(const SaneDevice&) = delete;
   SaneDevice& operator=(const SaneDevice&) = delete;
 
-  /// The resolutions to choose from: those of the usual ones that the device has; ascending.
+  /// The resolutions to choose from: the usual ones that the device has, ascending.
   std::vector<int> Resolutions() const;
   int Resolution() const;
   std::vector<std::string> Modes() const;
   std::string Mode() const;
-  /// What the device does not have is left out; what it has but refuses throws ScanError.
+  /// Skips what the device does not have; what it has but refuses throws ScanError.
   void SetResolution(int dotsPerInch);
   void SetMode(const std::string& mode);
   /// 8 bits for each sample, where there is a choice.
   void SetDepth();
-  /// Width and height from the corner, in millimetres, cut to what the device has; 0 for all of it.
+  /// Width and height from the corner, in millimeters, cut to what the device has; 0 for all of it.
   void SetArea(double width, double height);
 
   /// Reads one picture, in as many passes as the device makes. Throws ScanError.
@@ -43,7 +43,7 @@ class SaneDevice {
   double Number(const Option& option) const;
   void SetNumber(const Option& option, double value);
   void SetText(const Option& option, const std::string& value);
-  void SetEdges(const char* low, const char* high, double millimetres);
+  void SetEdges(const char* low, const char* high, double millimeters);
   void ReadPasses(ScannedPicture& picture, ScanDisplay* display);
   /// One pass; true if it was the last one.
   bool ReadPass(ScannedPicture& picture, ScanDisplay* display);

@@ -13,7 +13,7 @@ namespace sys {
 struct ScanPass {
   enum class Samples { Grey, RedGreenBlue, Red, Green, Blue };
   Samples samples = Samples::Grey;
-  int bits = 8;  ///< of each sample: 1 (grey only, a set bit is black), 8, or 16 in the machine's byte order
+  int bits = 8;  ///< of each sample: 1 (gray only, a set bit is black), 8, or 16 in the machine's byte order
   int width = 0;
   std::size_t bytesPerRow = 0;
 };

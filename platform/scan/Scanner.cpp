@@ -25,7 +25,7 @@ void Scanner::Reset() {
 #ifdef DROVEWRIGHT_SANE
 namespace {
 
-/// A sheet and a card, in millimetres.
+/// A sheet and a card, in millimeters.
 constexpr double kPaperWidth = 215.9, kPaperHeight = 279.4;
 constexpr double kCardWidth = 86, kCardHeight = 54;
 /// A scanned page must still be a picture of a size that a record takes.
@@ -115,7 +115,7 @@ class SaneScanner : public Scanner {
     }
   }
 
-  /// Colour, and a resolution that gives pictures of a handy size, unless the user wants others.
+  /// Color, and a resolution that gives pictures of a handy size, unless the user wants others.
   void Propose(ScanSetup& setup) const {
     std::erase_if(setup.resolutions,
                   [&](int one) { return 3.0 * one * one * SquareInches(Size) > kMostBytes; });

@@ -21,7 +21,7 @@ struct ScannedPicture {
   int width = 0;
   int height = 0;  ///< rows that are there
   std::vector<std::uint8_t> pixels;
-  int dotsPerInch = 0;  ///< 0 where the device does not tell
+  int dotsPerInch = 0;  ///< 0 if the device does not say
 };
 
 /// Shows a scan while it is being made.
@@ -43,7 +43,7 @@ struct ScanSetup {
   int resolution = 0;
   std::string mode;
 };
-/// Asks the user; false where the scan is not wanted after all.
+/// Asks the user; false if the user no longer wants the scan.
 using ScanSetupQuestion = std::function<bool(ScanSetup& setup)>;
 
 /// The values of ScanTo.
@@ -60,7 +60,7 @@ class Scanner {
   /// Gives up what is open and forgets all properties.
   virtual void Reset();
   virtual void Open() = 0;
-  /// Scans with the properties. False where the user gave it up in the set-up.
+  /// Scans with the properties. False if the user canceled in the set-up.
   virtual bool StartScan() = 0;
   virtual void CloseScanner() = 0;
 

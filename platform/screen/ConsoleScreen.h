@@ -11,16 +11,17 @@ namespace screen {
 /// Who answers the questions of a ConsoleScreen.
 enum class Answering {
   Person,      // a person at a terminal; without a terminal as SafeChoice
-  SafeChoice,  // nobody: No, Cancel, no text entered; nothing is waited for
-  AssumeYes  // nobody: Yes and OK; a box with Retry is cancelled all the same, or a run could go on for ever
+  SafeChoice,  // nobody: No, Cancel, no text; waits for nothing
+  AssumeYes    // nobody: Yes and OK, but Cancel where Retry is offered, or a run could go on for ever
 };
 
 /// Writes boxes to standard error as "title: text", with CR, LF and CR LF as line breaks, and reads answers
-/// from standard input. The end of the input is taken as the safe choice, so that a run never hangs.
+/// from standard input. The end of the input counts as the safe choice, so that a run never hangs.
 class ConsoleScreen : public Screen {
  public:
   explicit ConsoleScreen(Answering answering = Answering::Person);
-  /// With streams of the caller's, which must outlive the screen; `answering` is taken as it stands.
+  /// With streams of the caller's, which must outlive the screen; `answering` is used without looking for a
+  /// terminal.
   ConsoleScreen(Answering answering, std::istream& in, std::ostream& out);
 
   Answer ShowBox(const Box& box) override;

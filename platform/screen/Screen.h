@@ -1,4 +1,5 @@
-// Everything that is said to the user outside a form: one small interface, reached by free functions.
+// Everything that the program says to the user outside a form: one small interface, reached by free
+// functions.
 #pragma once
 
 #include <memory>
@@ -20,39 +21,39 @@ struct Box {
   std::string title;
 };
 
-/// What stands for the user's screen: a desktop, a console, or a script in a test.
+/// The user's screen: a desktop, a console, or a script in a test.
 class Screen {
  public:
   virtual ~Screen() = default;
   virtual Answer ShowBox(const Box& box) = 0;
-  /// The text that was entered; empty when the user cancelled. `text` stands in the field at first.
+  /// The text that the user entered; empty when the user canceled. `text` is in the field at first.
   virtual std::string AskText(const std::string& prompt, const std::string& title,
                               const std::string& text) = 0;
   virtual void SetPointer(Pointer pointer) = 0;
   /// Lets pending events run.
   virtual void DoEvents() = 0;
   virtual void Sleep(int milliseconds) = 0;
-  /// The notice window that tells of a long step; it blocks nothing.
+  /// The notice window during a long step; it blocks nothing.
   virtual void ShowNotice(const std::string& title, const std::string& text) = 0;
   virtual void HideNotice() = 0;
 };
 
-/// Puts a screen in place and gives the earlier one. Without one, the console stands in.
+/// Installs a screen and returns the earlier one. Without one, the console is used.
 std::shared_ptr<Screen> Install(std::shared_ptr<Screen> screen);
 Screen& Current();
 
 /// The title of boxes that name none: "Drovewright".
 const std::string& ApplicationTitle();
 
-/// Shows a modal box and waits for its answer. Before it is shown the data files are given back to other
+/// Shows a modal box and waits for its answer. Before that, gives the data files back to other
 /// users.
 Answer MessageBox(const std::string& text, Icon icon = Icon::None, Buttons buttons = Buttons::Ok,
                   const std::string& title = {});
 std::string InputBox(const std::string& prompt, const std::string& title = {}, const std::string& text = {});
-/// Shows a pointer and gives the earlier one.
+/// Shows a pointer and returns the earlier one.
 Pointer SetPointer(Pointer pointer);
 void DoEvents();
-/// Waits; before it the data files are given back to other users.
+/// Waits; before that, gives the data files back to other users.
 void Sleep(int milliseconds);
 void ShowNotice(const std::string& title, const std::string& text);
 void HideNotice();

@@ -107,7 +107,7 @@ std::string ScriptedScreen::NotShown(const Expected& expected) {
 std::optional<ScriptedScreen::Expected> ScriptedScreen::Take(const Box& box, bool input) {
   for (std::size_t i = 0; i < expected_.size(); ++i) {
     if (!Matches(expected_[i], box, input)) continue;
-    // Those before it should have come earlier; going on behind them keeps one fault from causing a list of
+    // Those before it should have come earlier; continuing after them keeps one fault from causing a list of
     // others.
     for (; i > 0; --i) {
       faults_.push_back(NotShown(expected_.front()));

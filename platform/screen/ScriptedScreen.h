@@ -17,7 +17,7 @@ namespace screen {
 /// time; they are counted and may run a hook, so that a test can free a lock "while" the program waits.
 class ScriptedScreen : public Screen {
  public:
-  /// The text must be equal to the letter; icon and buttons as well.
+  /// The text, the icon and the buttons must be exactly equal.
   void Expect(std::string text, Icon icon, Buttons buttons = Buttons::Ok, Answer answer = Answer::Ok,
               std::string title = "Drovewright");
   /// The text must contain this part.

@@ -76,7 +76,7 @@ class Descriptor {
   int number_;
 };
 
-/// Has the operating system write to disk what it still keeps in memory of a file or a folder.
+/// Makes the operating system write to disk what it still keeps in memory of a file or a folder.
 void Flush(const fs::path& path) {
   const Descriptor descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (descriptor.IsOpen()) fsync(descriptor.Number());
@@ -101,7 +101,7 @@ int Pour(int from, int to) {
   }
 }
 
-/// Writes the copy beside the target first: a half copy never bears the target's name. 0 or the error.
+/// Writes the copy beside the target first, so that half a copy never has the target's name. 0 or the error.
 int CopyWhole(const std::string& from, const std::string& to) {
   const Descriptor source(open(from.c_str(), O_RDONLY | O_CLOEXEC));
   if (!source.IsOpen()) return errno;

@@ -20,14 +20,14 @@ struct Drive {
   DriveKind kind = DriveKind::Fixed;
 };
 
-/// The drives that can be read now: the system's own root first, the others by their path. File systems that
-/// hold no files of people are left out.
+/// The drives that can be read now: the system's own root first, the others by their path. Leaves out file
+/// systems without people's files.
 std::vector<Drive> Drives();
 /// What kind of drive a mounted file system is; empty for those that Drives leaves out.
 std::optional<DriveKind> KindOfDrive(const std::string& root, const std::string& device,
                                      const std::string& fileSystem);
 
-/// Starts a program and does not wait for it. The program is looked for along the search path. False when it
+/// Starts a program and does not wait for it. Looks for the program along the search path. False when it
 /// could not be started.
 bool StartProgram(const std::string& program, const std::vector<std::string>& arguments);
 /// Shows a file in the user's viewer and does not wait: the program that the environment variable

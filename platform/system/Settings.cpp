@@ -31,7 +31,7 @@ auto WithSettings(Work work) {
   return work(settings);
 }
 
-/// Both slashes separate levels in the settings file, so inside a name they are written otherwise.
+/// Both slashes separate levels in the settings file, so inside a name they are escaped.
 QString Level(const std::string& name) {
   QString level = QString::fromStdString(name);
   level.replace('%', "%25").replace('/', "%2F").replace('\\', "%5C");
@@ -68,7 +68,7 @@ bool SaveSetting(const std::string& application, const std::string& section, con
 bool DeleteSetting(const std::string& application, const std::string& section, const std::string& key) {
   return WithSettings([&](QSettings& settings) {
     const QString place = Place(application, section, key);
-    // A key that is not there needs no write, so a file that cannot be written is no hindrance.
+    // A key that is not there needs no write, so a file that cannot be written does not matter.
     if (!settings.contains(place)) return true;
     settings.remove(place);
     return Written(settings);

@@ -5,18 +5,18 @@
 
 namespace sys {
 
-/// The value that is kept under application, section and key; `otherwise` where nothing is kept. An empty
-/// text that was saved is a value and comes back as such. Letters are taken as they stand.
+/// The value that is kept under application, section and key; `otherwise` if nothing is kept. An empty
+/// text that was saved is a value and comes back as such. Upper and lower case letters differ.
 std::string GetSetting(const std::string& application, const std::string& section, const std::string& key,
                        const std::string& otherwise = {});
-/// Keeps the value for this user, at once on disk. False when the file of settings cannot be written; nothing
+/// Keeps the value for this user, at once on disk. False when the settings file cannot be written; nothing
 /// is kept then.
 bool SaveSetting(const std::string& application, const std::string& section, const std::string& key,
                  const std::string& value);
-/// Forgets the value; a missing one is no fault. False when the file of settings cannot be written.
+/// Forgets the value; a missing one is not a fault. False when the settings file cannot be written.
 bool DeleteSetting(const std::string& application, const std::string& section, const std::string& key);
 
-/// Keeps the settings in this file from now on; an empty path brings the usual place back: the file that the
+/// Keeps the settings in this file from now on; an empty path restores the usual place: the file that the
 /// environment variable DROVEWRIGHT_SETTINGS names, else Drovewright.ini among the user's settings.
 void UseSettingsFile(const std::string& path);
 /// Where the settings are kept at present.
