@@ -59,17 +59,7 @@ bool ValidDate(const std::string& text, bool required) {
   return true;
 }
 
-std::string QuoteSQL(const std::string& text) {
-  std::string quoted;
-  quoted.reserve(text.size());
-  for (const char c : text) {
-    if (c == '\'')
-      quoted += "''";
-    else
-      quoted += c;
-  }
-  return quoted;
-}
+std::string QuoteSQL(const std::string& text) { return rt::DoubleApostrophes(text); }
 
 std::string StripBrackets(const std::string& text) {
   std::string bare = text;

@@ -143,4 +143,16 @@ bool EqualNoCase(std::string_view a, std::string_view b) {
   return true;
 }
 
+std::string DoubleApostrophes(std::string_view text) {
+  std::string doubled;
+  doubled.reserve(text.size() + 2);
+  for (const char c : text) {
+    if (c == '\'') doubled.push_back(c);
+    doubled.push_back(c);
+  }
+  return doubled;
+}
+
+std::string Quoted(std::string_view text) { return "'" + DoubleApostrophes(text) + "'"; }
+
 }  // namespace rt

@@ -31,4 +31,9 @@ std::string Trim(std::string_view text);
 /// Equal without regard to the case of the letters A to Z, as text columns compare.
 bool EqualNoCase(std::string_view a, std::string_view b);
 
+/// The text with each apostrophe doubled, as it is written inside a text of SQL.
+std::string DoubleApostrophes(std::string_view text);
+/// The text between apostrophes, as SQL writes it.
+std::string Quoted(std::string_view text);
+
 }  // namespace rt

@@ -121,7 +121,9 @@ class Translator {
     std::string& sql = result_.insertSelect;
     sql = query.distinct ? "SELECT DISTINCT " : "SELECT ";
     for (std::size_t i = 0; i < columns.size(); ++i)
-      sql += (i ? ", " : "") + Stored(translator.Values()[i], *columns[i]);
+      sql += (i ? ", " : "") + Stored(translator.Values()[i], *columns[i]) +
+             // Doubles are found without regard to case.
+             (query.distinct && KindOf(columns[i]->type) == ValueKind::Text ? " COLLATE NOCASE" : "");
     sql += " FROM " + query.from;
     if (!query.where.empty()) sql += " WHERE " + query.where;
     if (!query.groupBy.empty()) sql += " GROUP BY " + query.groupBy;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/runtime/Text.h"
 #include "platform/store/StoreError.h"
 
 namespace store::dialect {
@@ -151,37 +152,62 @@ Fragment WithoutCase(const Fragment& fragment) {
   return result;
 }
 
-std::string Stored(const Fragment& value, const ColumnInfo& column) {
-  const bool alone = value.column != nullptr;
-  switch (column.type) {
-    case ColumnType::Currency:
-      if (value.units || value.kind == ValueKind::Null) return value.text;
-      return Build(Level::Atom, ValueKind::Currency,
-                   {"CAST(ROUND((", AsNumber(value), ") * 10000) AS INTEGER)"})
-          .text;
-    case ColumnType::Counter:
-    case ColumnType::Short:
-    case ColumnType::Long:
-      if (value.kind == ValueKind::Whole || value.kind == ValueKind::Boolean || value.kind == ValueKind::Null)
-        return value.text;
-      return Build(Level::Atom, ValueKind::Whole, {"CAST(ROUND(", AsNumber(value), ") AS INTEGER)"}).text;
-    case ColumnType::Boolean: {
-      if (value.kind == ValueKind::Null) return "0";
-      if (value.kind == ValueKind::Boolean && (alone || value.neverNull)) return value.text;
-      const Fragment flag = Build(Level::Compare, ValueKind::Boolean, {"(", AsCondition(value), ") <> 0"});
-      return Build(Level::Atom, ValueKind::Boolean, {"COALESCE(", flag, ", 0)"}).text;
-    }
-    case ColumnType::Text:
-    case ColumnType::Memo:
-      return AsText(value).text;
-    case ColumnType::Single:
-    case ColumnType::Double:
-      return AsNumber(value).text;
-    case ColumnType::DateTime:
-    case ColumnType::LongBinary:
-      return Plain(value).text;
+namespace {
+
+/// The type of a column whose cells look as the value does in the file's SQL.
+ColumnType FormOf(const Fragment& value) {
+  if (value.units) return ColumnType::Currency;
+  switch (value.kind) {
+    case ValueKind::Boolean:
+      return ColumnType::Boolean;
+    case ValueKind::Real:
+    case ValueKind::Currency:
+      return value.typed && value.typed->type == ColumnType::Single ? ColumnType::Single : ColumnType::Double;
+    case ValueKind::Date:
+      return ColumnType::DateTime;
+    case ValueKind::Text:
+      return ColumnType::Memo;
+    case ValueKind::Binary:
+      return ColumnType::LongBinary;
+    case ValueKind::Whole:
+    case ValueKind::Null:
+    case ValueKind::Unknown:
+      break;
   }
-  return value.text;
+  return ColumnType::Long;
+}
+
+/// Throws 3075 for a value of a kind that is never meant for such a column.
+void CheckMeant(const Fragment& value, ValueKind column) {
+  switch (column) {
+    case ValueKind::Boolean:
+      AsCondition(value);
+      break;
+    case ValueKind::Whole:
+    case ValueKind::Real:
+    case ValueKind::Currency:
+      AsNumber(value);
+      break;
+    case ValueKind::Text:
+      AsText(value);
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace
+
+std::string Stored(const Fragment& value, const ColumnInfo& column) {
+  const bool flag = column.type == ColumnType::Boolean;
+  if (value.kind == ValueKind::Null) return flag ? "0" : value.text;
+  if (flag && value.kind == ValueKind::Boolean && value.neverNull && !value.column) return value.text;
+  CheckMeant(value, KindOf(column.type));
+  const auto number = [](auto one) { return std::to_string(static_cast<int>(one)); };
+  const std::string rest = ", " + number(FormOf(value)) + ", " + rt::Quoted(column.name) + ", " +
+                           number(column.type) + ", " + number(column.size) + ", " +
+                           number(column.allowZeroLength) + ")";
+  return Build(Level::Atom, KindOf(column.type), {"dw_fit(", value, std::string_view(rest)}).text;
 }
 
 }  // namespace store::dialect

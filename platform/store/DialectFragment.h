@@ -66,10 +66,9 @@ void CheckComparable(const Fragment& a, const Fragment& b);
 /// A text expression for sorting and grouping without regard to case; columns do that by themselves.
 Fragment WithoutCase(const Fragment& fragment);
 
-/// The expression that stores a value in a column. Currency becomes its count of ten-thousandths (a tie
-/// rounds away from zero), a fraction for a whole column is rounded likewise, every number other than 0 is a
-/// flag's 1 and a Null its 0. Throws 3075 for a text that is to become a flag or a date that is to become a
-/// text.
+/// The expression that stores a value in a column: converted as a recordset converts it, see FitToColumn,
+/// with a statement that fails where the value does not fit. Throws 3075 for a text that is to become a flag,
+/// and for a date that is to become a text or a number.
 std::string Stored(const Fragment& value, const ColumnInfo& column);
 
 /// Throws 3075.

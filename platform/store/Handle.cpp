@@ -7,10 +7,10 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
-#include "platform/runtime/Clock.h"
-#include "platform/runtime/Text.h"
 #include "platform/store/FileFormat.h"
+#include "platform/store/Functions.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -25,36 +25,6 @@ constexpr int kMostPages = 4'000'000;
 std::vector<std::unique_ptr<Handle>>& Parked() {
   static std::vector<std::unique_ptr<Handle>> parked;
   return parked;
-}
-
-std::string ArgumentText(sqlite3_value* value) {
-  const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return bytes ? std::string(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))) : std::string();
-}
-
-void ResultText(sqlite3_context* context, const std::string& text) {
-  sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-}
-
-void UpperFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
-  if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) return sqlite3_result_null(context);
-  ResultText(context, rt::UpperCase(ArgumentText(arguments[0])));
-}
-
-void LowerFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
-  if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) return sqlite3_result_null(context);
-  ResultText(context, rt::LowerCase(ArgumentText(arguments[0])));
-}
-
-void LikeFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
-  if (sqlite3_value_type(arguments[0]) == SQLITE_NULL || sqlite3_value_type(arguments[1]) == SQLITE_NULL)
-    return sqlite3_result_null(context);
-  sqlite3_result_int(context, LikeMatch(ArgumentText(arguments[0]), ArgumentText(arguments[1])) ? 1 : 0);
-}
-
-void NowFunction(sqlite3_context* context, int, sqlite3_value**) { ResultText(context, rt::Now().ToIso()); }
-void DateFunction(sqlite3_context* context, int, sqlite3_value**) {
-  ResultText(context, rt::Today().ToIso());
 }
 
 }  // namespace
@@ -105,12 +75,7 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
   sqlite3* db = handle->db_;
   CheckHeader(*handle);
   sqlite3_busy_handler(db, Nap, handle.get());
-  const int plain = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-  sqlite3_create_function(db, "ucase", 1, plain, nullptr, UpperFunction, nullptr, nullptr);
-  sqlite3_create_function(db, "lcase", 1, plain, nullptr, LowerFunction, nullptr, nullptr);
-  sqlite3_create_function(db, "dw_like", 2, plain, nullptr, LikeFunction, nullptr, nullptr);
-  sqlite3_create_function(db, "dw_now", 0, SQLITE_UTF8, nullptr, NowFunction, nullptr, nullptr);
-  sqlite3_create_function(db, "dw_date", 0, SQLITE_UTF8, nullptr, DateFunction, nullptr, nullptr);
+  AddFunctions(db, handle->refused_);
   handle->Run("PRAGMA temp_store = MEMORY");
   handle->Run("PRAGMA cache_size = -16000");
   CheckFormat(*handle);
@@ -202,6 +167,7 @@ bool DiskIsFull(sqlite3* db, int code) {
 void Handle::Fail(int code, std::string_view sql) {
   const std::string what = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(code);
   const std::string file = "'" + path_ + "'";
+  if (refused_) throw *std::exchange(refused_, std::nullopt);
   switch (code & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -244,6 +210,9 @@ void Handle::Fail(int code, std::string_view sql) {
       throw StoreError(kFieldTooSmall, "The value is too large to be stored.");
     case SQLITE_NOMEM:
       throw StoreError(kInternal, "Not enough memory.");
+    case SQLITE_ERROR:
+      if (what == "integer overflow") throw StoreError(kOverflow, "A total is beyond what a field can hold.");
+      [[fallthrough]];
     default:
       throw StoreError(kInternal, "Data base error " + std::to_string(code) + ": " + what +
                                       (sql.empty() ? "" : " in: " + std::string(sql)) + ".");

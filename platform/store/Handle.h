@@ -8,6 +8,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,6 +18,7 @@
 #include "platform/store/Cursor.h"
 #include "platform/store/Dialect.h"
 #include "platform/store/Schema.h"
+#include "platform/store/StoreError.h"
 
 namespace store {
 
@@ -25,6 +27,8 @@ class RawRow {
  public:
   /// Copies `count` columns of the statement's current row, from column `first` on.
   void Read(sqlite3_stmt* statement, int first, int count);
+  /// Copies one value, as the only cell.
+  void Read(sqlite3_value* value);
   /// The value of a cell of a column of this type. What another program stored in the wrong form comes back
   /// as it is.
   rt::Value Decode(int cell, ColumnType type) const;
@@ -44,6 +48,9 @@ class RawRow {
       std::size_t offset;
     };
   };
+  template <typename Source>
+  void Take(const Source& source, Cell& cell);
+
   std::vector<Cell> cells_;
   std::string bytes_;
 };
@@ -144,6 +151,7 @@ class Handle {
   std::unordered_map<std::string, PreparedStatement, TextHash, std::equal_to<>> statements_;
   std::unordered_map<std::string, std::shared_ptr<const QueryPlan>> plans_;
   std::shared_ptr<const Schema> schema_;
+  std::optional<StoreError> refused_;  ///< why dw_fit has refused a value of the statement that fails
   std::int64_t schemaVersion_ = -1;
   std::chrono::steady_clock::time_point schemaChecked_;
 };

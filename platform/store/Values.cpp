@@ -8,33 +8,66 @@
 
 namespace store {
 
+namespace {
+
+/// A column of a statement's current row.
+struct ColumnSource {
+  sqlite3_stmt* statement;
+  int column;
+  int Kind() const { return sqlite3_column_type(statement, column); }
+  std::int64_t Whole() const { return sqlite3_column_int64(statement, column); }
+  double Real() const { return sqlite3_column_double(statement, column); }
+  const void* Bytes() const { return sqlite3_column_blob(statement, column); }
+  int Length() const { return sqlite3_column_bytes(statement, column); }
+};
+
+/// An argument of a function.
+struct ArgumentSource {
+  sqlite3_value* value;
+  int Kind() const { return sqlite3_value_type(value); }
+  std::int64_t Whole() const { return sqlite3_value_int64(value); }
+  double Real() const { return sqlite3_value_double(value); }
+  const void* Bytes() const { return sqlite3_value_blob(value); }
+  int Length() const { return sqlite3_value_bytes(value); }
+};
+
+}  // namespace
+
+template <typename Source>
+void RawRow::Take(const Source& source, Cell& cell) {
+  cell.kind = source.Kind();
+  switch (cell.kind) {
+    case SQLITE_INTEGER:
+      cell.whole = source.Whole();
+      break;
+    case SQLITE_FLOAT:
+      cell.real = source.Real();
+      break;
+    case SQLITE_TEXT:
+    case SQLITE_BLOB: {
+      const auto* bytes = static_cast<const char*>(source.Bytes());
+      const auto length = static_cast<std::size_t>(source.Length());
+      cell.offset = bytes_.size();
+      cell.length = static_cast<std::uint32_t>(length);
+      if (length > 0) bytes_.append(bytes, length);
+      break;
+    }
+    default:
+      break;
+  }
+}
+
 void RawRow::Read(sqlite3_stmt* statement, int first, int count) {
   cells_.resize(static_cast<std::size_t>(count));
   bytes_.clear();
-  for (int i = 0; i < count; ++i) {
-    Cell& cell = cells_[static_cast<std::size_t>(i)];
-    const int column = first + i;
-    cell.kind = sqlite3_column_type(statement, column);
-    switch (cell.kind) {
-      case SQLITE_INTEGER:
-        cell.whole = sqlite3_column_int64(statement, column);
-        break;
-      case SQLITE_FLOAT:
-        cell.real = sqlite3_column_double(statement, column);
-        break;
-      case SQLITE_TEXT:
-      case SQLITE_BLOB: {
-        const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
-        const auto length = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
-        cell.offset = bytes_.size();
-        cell.length = static_cast<std::uint32_t>(length);
-        if (length > 0) bytes_.append(bytes, length);
-        break;
-      }
-      default:
-        break;
-    }
-  }
+  for (int i = 0; i < count; ++i)
+    Take(ColumnSource{statement, first + i}, cells_[static_cast<std::size_t>(i)]);
+}
+
+void RawRow::Read(sqlite3_value* value) {
+  cells_.resize(1);
+  bytes_.clear();
+  Take(ArgumentSource{value}, cells_[0]);
 }
 
 rt::Value RawRow::Decode(int index, ColumnType type) const {

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
+#include "platform/store/Functions.h"
 
 namespace test {
 namespace {
@@ -40,27 +40,6 @@ store::TableInfo ReadTable(const std::string& line, int number) {
       throw std::runtime_error("No column definition: " + one);
   }
   return table;
-}
-
-void CallText(sqlite3_context* context, const std::string& text) {
-  sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-}
-
-std::string Argument(sqlite3_value* value) {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return text ? std::string(text, static_cast<std::size_t>(sqlite3_value_bytes(value))) : std::string();
-}
-
-template <std::string (*Convert)(std::string_view)>
-void CallCase(sqlite3_context* context, int, sqlite3_value** values) {
-  if (sqlite3_value_type(values[0]) == SQLITE_NULL) return sqlite3_result_null(context);
-  CallText(context, Convert(Argument(values[0])));
-}
-
-void CallLike(sqlite3_context* context, int, sqlite3_value** values) {
-  if (sqlite3_value_type(values[0]) == SQLITE_NULL || sqlite3_value_type(values[1]) == SQLITE_NULL)
-    return sqlite3_result_null(context);
-  sqlite3_result_int(context, store::LikeMatch(Argument(values[0]), Argument(values[1])));
 }
 
 void Bind(sqlite3_stmt* statement, int at, const rt::Value& value) {
@@ -163,18 +142,7 @@ std::string WholeStatement(const store::Translation& t) {
 
 ScenarioDatabase::ScenarioDatabase(const ScenarioFile& file) {
   if (sqlite3_open(":memory:", &db_) != SQLITE_OK) throw std::runtime_error("No database in memory.");
-  const int plain = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-  sqlite3_create_function(db_, "ucase", 1, plain, nullptr, CallCase<rt::UpperCase>, nullptr, nullptr);
-  sqlite3_create_function(db_, "lcase", 1, plain, nullptr, CallCase<rt::LowerCase>, nullptr, nullptr);
-  sqlite3_create_function(db_, "dw_like", 2, plain, nullptr, CallLike, nullptr, nullptr);
-  sqlite3_create_function(
-      db_, "dw_now", 0, SQLITE_UTF8, nullptr,
-      [](sqlite3_context* context, int, sqlite3_value**) { CallText(context, rt::Now().ToIso()); }, nullptr,
-      nullptr);
-  sqlite3_create_function(
-      db_, "dw_date", 0, SQLITE_UTF8, nullptr,
-      [](sqlite3_context* context, int, sqlite3_value**) { CallText(context, rt::Today().ToIso()); }, nullptr,
-      nullptr);
+  store::AddFunctions(db_, refused_);
   for (const auto& table : file.schema.tables) {
     std::vector<std::string> columns;
     for (const auto& column : table.columns)

@@ -2,11 +2,13 @@
 
 #include <sqlite3.h>
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/store/Dialect.h"
+#include "platform/store/StoreError.h"
 
 namespace test {
 
@@ -52,6 +54,7 @@ class ScenarioDatabase {
 
  private:
   sqlite3* db_ = nullptr;
+  std::optional<store::StoreError> refused_;
 };
 
 }  // namespace test
