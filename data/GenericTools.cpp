@@ -10,7 +10,6 @@
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
 #include "platform/store/Connection.h"
-#include "platform/store/SideFile.h"
 #include "platform/system/Files.h"
 #include "platform/system/Machine.h"
 
@@ -97,11 +96,9 @@ std::string FindFile(const std::string& directory, const std::string& name) {
 }
 
 bool IsInUse(const std::string& path) {
-  if (!FileExists(store::SideFile::PathFor(path))) return false;
-  const Failure failure = Try([&] {
-    store::SideFile::Enter(path, store::Share::Exclusive, store::IdentityComputer(), store::IdentityUser());
-  });
-  return failure.number == store::kFileInUse || failure.number == store::kOpenedExclusively;
+  bool inUse = false;
+  Try([&] { inUse = store::InUse(path); });
+  return inUse;
 }
 
 void DeleteFileChecked(const std::string& path) {

@@ -355,7 +355,7 @@ std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string
   return workspace.OpenDatabase(path);
 }
 
-std::shared_ptr<void> CompactDatabase(const std::string& source, const std::string& target) {
+std::shared_ptr<store::Compaction> CompactDatabase(const std::string& source, const std::string& target) {
   return store::CompactFile(source, target);
 }
 

@@ -192,9 +192,9 @@ std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::s
                                            const std::string& password, int type = dbUseJet);
 /// Makes an empty file and opens it.
 std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string& path);
-/// See store::CompactFile: the source stays closed to everybody for as long as the result lives.
-[[nodiscard]] std::shared_ptr<void> CompactDatabase(const std::string& source, const std::string& target);
-/// Releases what is no longer needed (1: read locks). Reading holds no locks here.
+/// See store::Compaction: nobody else can open the source for as long as the result exists.
+[[nodiscard]] std::shared_ptr<store::Compaction> CompactDatabase(const std::string& source,
+                                                                 const std::string& target);
 void Idle(int what);
 /// "4.0": this engine has no repair method of its own.
 std::string Version();

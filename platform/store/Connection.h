@@ -128,10 +128,10 @@ class Reading {
 /// what unfinished transactions have written, to be written again when they go on. Called before every wait.
 void YieldFiles();
 
-/// Copies a closed file to `target`, without the space of deleted records. 3196 while anyone has it open,
-/// 3183 for a full disk, 3343 for a file that cannot be read, 3204 when the target exists. The source stays
-/// closed to everybody for as long as the result lives, so that the copy can take its place before anything
-/// is written to it.
-[[nodiscard]] std::shared_ptr<void> CompactFile(const std::string& source, const std::string& target);
+class Compaction;
+/// See Compaction.
+[[nodiscard]] std::shared_ptr<Compaction> CompactFile(const std::string& path, const std::string& target);
+/// Whether anyone has the file open.
+bool InUse(const std::string& path);
 
 }  // namespace store

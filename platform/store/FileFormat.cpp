@@ -1,10 +1,7 @@
 #include "platform/store/FileFormat.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -27,18 +24,22 @@ constexpr const char* kForeign = "it belongs to another program";
 
 }  // namespace
 
+std::int64_t ApplicationIdIn(const std::array<unsigned char, kHeaderBytes>& header) {
+  std::int64_t application = 0;
+  for (std::size_t i = 68; i < 72; ++i) application = application * 256 + header[i];
+  return application;
+}
+
 void CheckHeader(Handle& handle) {
   // Through the database's own descriptor: opening and closing the file by other means would drop its locks.
   sqlite3_file* file = nullptr;
   sqlite3_file_control(handle.Db(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
   if (!file || !file->pMethods) return;
-  std::array<unsigned char, 100> header{};
+  std::array<unsigned char, kHeaderBytes> header{};
   const int code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
   if (code != SQLITE_OK && code != SQLITE_IOERR_SHORT_READ) handle.Fail(code);
   if (std::memcmp(header.data(), "SQLite format 3", 16) != 0) Refuse(handle, "it is not a data file");
-  std::int64_t application = 0;
-  for (std::size_t i = 68; i < 72; ++i) application = application * 256 + header[i];
-  if (application != kApplicationId) Refuse(handle, kForeign);
+  if (ApplicationIdIn(header) != kApplicationId) Refuse(handle, kForeign);
   // With a write-ahead log the opening alone would write beside the file, and setting it right into it.
   if (header[18] != 1 || header[19] != 1)
     Refuse(handle, "it is damaged (its first page names a way of writing that is not in use)");
@@ -57,6 +58,12 @@ void CheckName(const std::string& path) {
                      "Unrecognized data base format '" + path + "': the ending .LDB is that of side files.");
 }
 
+std::string RealPath(const std::string& path) {
+  std::error_code error;
+  const fs::path real = fs::canonical(path, error);
+  return error ? fs::absolute(path).string() : real.string();
+}
+
 void CheckFile(const std::string& path) {
   struct stat found {};
   if (stat(path.c_str(), &found) != 0) {
@@ -73,85 +80,15 @@ void CheckFile(const std::string& path) {
     throw StoreError(kCannotStart, "'" + path + "' is a directory, not a data file.");
   if (!S_ISREG(found.st_mode)) throw StoreError(kCannotStart, "'" + path + "' is not a data file.");
   CheckName(path);
+  // Users who come by different names would each have a side file of their own, and hold records unseen.
+  if (found.st_nlink > 1)
+    throw StoreError(kCannotStart,
+                     "'" + path + "' has " + std::to_string(found.st_nlink) +
+                         " names on the disk (hard links). People who open it by different names "
+                         "would not see each other's records: remove the other names, or make "
+                         "copies of them.");
   if (found.st_size == 0)
     throw StoreError(kBadFormat, "Unrecognized data base format '" + path + "': the file is empty.");
-}
-
-void Connection::Create(const std::string& path) {
-  CheckName(path);
-  // Made under its own name in one go, and never over something that is there.
-  const int fd = open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
-  if (fd < 0) {
-    const int code = errno;
-    if (code == EEXIST) throw StoreError(kFileExists, "Data base '" + path + "' already exists.");
-    if (code == ENOENT || code == ENOTDIR)
-      throw StoreError(kPathNotFound, "'" + path + "' is not a valid path. Its directory cannot be reached.");
-    if (code == ENOSPC || code == EDQUOT)
-      throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
-    throw StoreError(kCannotStart, "Cannot create '" + path + "': " + std::strerror(code) + ".");
-  }
-  close(fd);
-  sqlite3* db = nullptr;
-  int code = sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_EXRESCODE, nullptr);
-  const std::string setUp =
-      "PRAGMA page_size = 4096; PRAGMA encoding = 'UTF-8'; PRAGMA journal_mode = TRUNCATE; PRAGMA "
-      "synchronous = FULL;"
-      "PRAGMA application_id = " +
-      std::to_string(kApplicationId) + "; PRAGMA user_version = " + std::to_string(kFormatVersion) +
-      ";"
-      "CREATE TABLE \"MSysRelationships\" (\"Name\" TEXT(255), \"Table\" TEXT(64), \"ForeignTable\" TEXT(64),"
-      " \"Attributes\" LONG, \"Position\" LONG, \"Column\" TEXT(64), \"ForeignColumn\" TEXT(64));";
-  if (code == SQLITE_OK) code = sqlite3_exec(db, setUp.c_str(), nullptr, nullptr, nullptr);
-  const std::string text = db ? sqlite3_errmsg(db) : "";
-  const bool full = DiskIsFull(db, code);
-  sqlite3_close(db);
-  if (code == SQLITE_OK) return;
-  unlink(path.c_str());
-  if (full) throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
-  throw StoreError(kCannotStart, "Cannot create '" + path + "': " + text + ".");
-}
-
-std::shared_ptr<void> CompactFile(const std::string& source, const std::string& target) {
-  CheckFile(source);
-  std::shared_ptr<SideFile> alone;
-  try {
-    alone = SideFile::Enter(source, Share::Exclusive, IdentityComputer(), IdentityUser());
-  } catch (const StoreError& error) {
-    if (error.Number() != kFileInUse && error.Number() != kOpenedExclusively) throw;
-    throw StoreError(kExclusiveNeeded, error.what());
-  }
-  std::error_code ignored;
-  if (fs::exists(target, ignored)) throw StoreError(kFileExists, "File '" + target + "' already exists.");
-  Handle::DropParked(source);
-  auto handle = Handle::Acquire(source, false);
-  try {
-    // Some kinds of damage are copied without complaint; a file that is not sound must not replace its
-    // original.
-    {
-      Use check(*handle, "PRAGMA quick_check(1)");
-      if (check.Step() && check.Text(0) != "ok")
-        throw StoreError(kBadFormat, "Unrecognized data base format '" + source + "': it is damaged (" +
-                                         check.Text(0) + ").");
-    }
-    Use copy(*handle, "VACUUM INTO ?1");
-    copy.Bind(1, rt::Value(target));
-    copy.Step();
-  } catch (const StoreError& error) {
-    fs::remove(target, ignored);
-    fs::remove(target + "-journal", ignored);
-    if (error.Number() == kDiskFull)
-      throw StoreError(kCannotCompactDiskFull, "Not enough space on the disk to compact '" + source + "'.");
-    throw;
-  }
-  // The copy is about to take the original's place, so it must be on the disk first.
-  const int fd = open(target.c_str(), O_RDWR | O_CLOEXEC);
-  const bool stored = fd >= 0 && fsync(fd) == 0;
-  if (fd >= 0) close(fd);
-  if (!stored) {
-    fs::remove(target, ignored);
-    throw StoreError(kCannotCompactDiskFull, "The compacted copy of '" + source + "' could not be stored.");
-  }
-  return alone;
 }
 
 }  // namespace store

@@ -1,6 +1,7 @@
 // What makes a file one of ours.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -17,6 +18,10 @@ constexpr std::int64_t kFormatVersion = 1;
 /// The key of a row that is not there: the far side of an outer join.
 constexpr std::int64_t kNoKey = std::numeric_limits<std::int64_t>::min();
 
+/// The bytes that a data file begins with.
+constexpr std::size_t kHeaderBytes = 100;
+std::int64_t ApplicationIdIn(const std::array<unsigned char, kHeaderBytes>& header);
+
 /// Throws StoreError 3343 for a file whose first bytes tell that it is not of this system. To be called
 /// before anything else is done with the database: the mere reading of another program's file could change
 /// it.
@@ -25,8 +30,11 @@ void CheckHeader(Handle& handle);
 void CheckFormat(Handle& handle);
 /// Throws StoreError 3343 for a name that a data file cannot have: its side file would be written over it.
 void CheckName(const std::string& path);
+/// The one path by which everybody knows the file: absolute and without symbolic links, so that all users
+/// meet in one side file. A path that leads nowhere comes back absolute.
+std::string RealPath(const std::string& path);
 /// Throws StoreError 3024, 3044, 3051 or 3343 for what can be told without opening: nothing there, no such
-/// directory, a directory under the file's name, an empty file.
+/// directory, a directory under the file's name, a second name (hard link) of the file, an empty file.
 void CheckFile(const std::string& path);
 
 }  // namespace store

@@ -11,6 +11,7 @@
 
 #include "platform/store/FileFormat.h"
 #include "platform/store/Functions.h"
+#include "platform/store/Rights.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -70,7 +71,7 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
   // Also who only reads must be able to take back what a killed writer left half done. A file that cannot be
   // written is opened for reading all the same.
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-  const int code = sqlite3_open_v2(path.c_str(), &handle->db_, flags, nullptr);
+  const int code = sqlite3_open_v2(path.c_str(), &handle->db_, flags, FileLayer());
   if (code != SQLITE_OK) handle->Fail(code);
   sqlite3* db = handle->db_;
   CheckHeader(*handle);
@@ -86,6 +87,11 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
     handle->Run("PRAGMA synchronous = FULL");
   }
   return handle;
+}
+
+bool Handle::IsReplaced() const {
+  struct stat now {};
+  return stat(path_.c_str(), &now) != 0 || now.st_dev != device_ || now.st_ino != inode_;
 }
 
 void Handle::Park(std::unique_ptr<Handle> handle) {
@@ -180,6 +186,8 @@ void Handle::Fail(int code, std::string_view sql) {
     case SQLITE_AUTH:
       throw StoreError(kCannotStart, "Access to " + file + " is not permitted.");
     case SQLITE_CANTOPEN:
+      if (const std::string closed = WhatIsClosed(path_); !closed.empty())
+        throw StoreError(kCannotStart, "Could not use " + file + "; " + closed + ".");
       throw StoreError(kCannotStart, "Cannot open " + file + ": " +
                                          std::strerror(db_ ? sqlite3_system_errno(db_) : ENOENT) + ".");
     case SQLITE_NOTADB:

@@ -115,6 +115,8 @@ class Handle {
   static void DropParked(const std::string& path);
   ~Handle();
 
+  /// Whether another file has taken this one's name, or none bears it any more.
+  bool IsReplaced() const;
   sqlite3* Db() const { return db_; }
   const std::string& Path() const { return path_; }
   bool ReadOnly() const { return readOnly_; }

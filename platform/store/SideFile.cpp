@@ -14,6 +14,7 @@
 #include <string_view>
 #include <thread>
 
+#include "platform/store/Rights.h"
 #include "platform/store/SideFileState.h"
 #include "platform/store/StoreError.h"
 
@@ -36,6 +37,8 @@ StoreError CannotMake(const std::string& dataFile, int error) {
       return {kDiskFull,
               "Could not use '" + dataFile + "'; there is no space left on the disk for its side file."};
     default:
+      if (const std::string closed = WhatIsClosed(dataFile); !closed.empty())
+        return {kCannotStart, "Could not use '" + dataFile + "'; " + closed + "."};
       return {kCannotStart, "Could not use '" + dataFile + "'; its side file cannot be written (" +
                                 std::strerror(error) + ")."};
   }
@@ -61,12 +64,9 @@ int OpenSideFile(const std::string& path, const std::string& dataFile) {
   if (fd < 0 && errno == ENOENT) fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) throw CannotMake(dataFile, errno);
   // Whoever may write the data file must be able to write its side file, whatever this process's mask says.
+  // Where its group is not this user's to give, whoever is refused hears what helps.
   struct stat data {};
-  struct stat side {};
-  if (stat(dataFile.c_str(), &data) == 0 && fstat(fd, &side) == 0 && side.st_uid == geteuid()) {
-    const mode_t mode = (side.st_mode | data.st_mode) & 0666;
-    if (mode != (side.st_mode & 07777)) fchmod(fd, mode);
-  }
+  if (stat(dataFile.c_str(), &data) == 0) GiveRights(fd, data);
   return fd;
 }
 

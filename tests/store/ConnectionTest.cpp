@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "platform/store/Compaction.h"
 #include "platform/store/Connection.h"
 #include "platform/store/Cursor.h"
 #include "support/SmallFile.h"
@@ -232,10 +233,10 @@ TEST_F(ConnectionTest, ExpectationsOfIndexesStandBesideEachOtherAndSurviveCompac
     file->Expect("Assets", "By Year", {2000, 60});
   }
   const std::string target = directory.Path("compact.tmp");
-  auto closed = store::CompactFile(path, target);
-  for (const auto& name : {path, target}) {
+  store::CompactFile(path, target)->TakePlace();
+  {
     sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(name.c_str(), &db), SQLITE_OK);
+    ASSERT_EQ(sqlite3_open(path.c_str(), &db), SQLITE_OK);
     std::string found;
     sqlite3_exec(
         db, "SELECT idx || '=' || stat FROM sqlite_stat1 ORDER BY idx",
@@ -263,7 +264,8 @@ TEST_F(ConnectionTest, CompactsOnlyAFileThatNobodyHasOpen) {
   auto closed = store::CompactFile(path, target);
   EXPECT_LT(std::filesystem::file_size(target), before / 2);
   EXPECT_EQ(ErrorOf([&] { test::OpenSmallFile(path); }), 3356);
-  std::filesystem::rename(target, path);
+  closed->TakePlace();
+  EXPECT_FALSE(std::filesystem::exists(target));
   closed.reset();
   auto file = test::OpenSmallFile(path);
   EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Assets"), Value(10));

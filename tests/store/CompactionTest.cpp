@@ -1,0 +1,137 @@
+// Compaction beside other programs, and what processes that died in the middle leave behind.
+#include "platform/store/Compaction.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "platform/store/Connection.h"
+#include "support/SecondProcess.h"
+#include "support/SmallFile.h"
+#include "support/TempDirectory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using test::SecondProcess;
+
+class CompactionTest : public testing::Test {
+ protected:
+  CompactionTest() {
+    test::MakeSmallFile(path_);
+    test::AddAsset(test::OpenSmallFile(path_), "A");
+  }
+  /// Compacts: "done", or the error's number and text.
+  std::string Compact(const std::string& path) const {
+    try {
+      store::CompactFile(path, directory_.Path("DW00000001.TMP"))->TakePlace();
+      return "done";
+    } catch (const store::StoreError& error) {
+      return std::to_string(error.Number()) + " " + error.what();
+    }
+  }
+  static std::string Codes(const std::string& path) {
+    std::string codes;
+    auto rows = store::Cursor::OpenQuery(test::OpenSmallFile(path), "SELECT Code FROM Assets ORDER BY Code",
+                                         store::Locking::ReadOnly);
+    for (; !rows->AtEnd(); rows->MoveNext()) codes += rows->Get(0).AsText();
+    return codes;
+  }
+
+  test::TempDirectory directory_;
+  std::string path_ = directory_.Path("DW.MDB");
+};
+
+/// A tool that knows nothing of side files and runs each line that it hears.
+class OtherTool {
+ public:
+  explicit OtherTool(const std::string& path)
+      : process_([path](SecondProcess::Channel& channel) {
+          sqlite3* db = nullptr;
+          sqlite3_open(path.c_str(), &db);
+          for (;;) {
+            const std::string sql = channel.Hear();
+            sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr);
+            channel.Say(sqlite3_errmsg(db));
+          }
+        }) {}
+  std::string Run(const std::string& sql) {
+    process_.Talk().Say(sql);
+    return process_.Talk().Hear();
+  }
+
+ private:
+  SecondProcess process_;
+};
+
+TEST_F(CompactionTest, AnotherToolsOpenWriteIsNotLost) {
+  OtherTool tool(path_);
+  EXPECT_EQ(tool.Run("BEGIN IMMEDIATE; INSERT INTO Assets (Code) VALUES ('B')"), "not an error");
+  EXPECT_EQ(Compact(path_).substr(0, 5), "3196 ");
+  EXPECT_EQ(tool.Run("COMMIT"), "not an error");
+  EXPECT_EQ(Compact(path_), "done");
+  EXPECT_EQ(Codes(path_), "AB");
+}
+
+TEST_F(CompactionTest, AnotherToolWritesNeitherMeanwhileNorIntoTheOldFile) {
+  OtherTool tool(path_);
+  EXPECT_EQ(tool.Run("SELECT * FROM Assets"), "not an error");
+  {
+    const auto compaction = store::CompactFile(path_, directory_.Path("copy"));
+    EXPECT_EQ(tool.Run("INSERT INTO Assets (Code) VALUES ('B')"), "database is locked");
+    compaction->TakePlace();
+  }
+  EXPECT_EQ(tool.Run("INSERT INTO Assets (Code) VALUES ('B')"), "file is not a database");
+  EXPECT_EQ(Codes(path_), "A");
+}
+
+TEST_F(CompactionTest, TheFileBehindALinkIsReplacedAndTheLinkStays) {
+  fs::create_directory(directory_.Path("elsewhere"));
+  const std::string link = directory_.Path("elsewhere/LINK.MDB");
+  fs::create_symlink(path_, link);
+  struct stat before {};
+  ASSERT_EQ(stat(path_.c_str(), &before), 0);
+  EXPECT_EQ(Compact(link), "done");
+  EXPECT_TRUE(fs::is_symlink(link));
+  struct stat after {};
+  ASSERT_EQ(stat(path_.c_str(), &after), 0);
+  EXPECT_NE(before.st_ino, after.st_ino);
+  EXPECT_EQ(Codes(link), "A");
+}
+
+TEST_F(CompactionTest, WhatTheDeadLeftIsRemovedAndNothingElse) {
+  const std::string dead = directory_.Path("DW0000000A.TMP");
+  const std::string living = directory_.Path("DW0000000B.TMP");
+  const std::string foreign = directory_.Path("DW0000000C.TMP");
+  const std::string named = directory_.Path("DWOOPS.TMP");
+  std::ofstream(foreign) << "Dear Anna";
+  std::ofstream(named) << "";
+  const auto half = [](const std::string& path) {
+    return [path](SecondProcess::Channel& channel) {
+      const store::TemporaryFile file(path);
+      std::ofstream(path + "-journal") << "x";
+      channel.Say("made");
+      channel.Hear();
+    };
+  };
+  SecondProcess first(half(dead));
+  SecondProcess second(half(living));
+  EXPECT_EQ(first.Talk().Hear(), "made");
+  EXPECT_EQ(second.Talk().Hear(), "made");
+  first.Kill();
+  EXPECT_TRUE(fs::exists(dead));
+  EXPECT_EQ(Compact(path_), "done");
+  EXPECT_FALSE(fs::exists(dead));
+  EXPECT_FALSE(fs::exists(dead + "-journal"));
+  EXPECT_TRUE(fs::exists(living));
+  second.Kill();
+  store::Connection::Create(directory_.Path("NEW.MDB"));
+  EXPECT_FALSE(fs::exists(living));
+  EXPECT_TRUE(fs::exists(foreign));
+  EXPECT_TRUE(fs::exists(named));
+}
+
+}  // namespace
