@@ -195,6 +195,7 @@ std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string
 /// See store::Compaction: nobody else can open the source for as long as the result exists.
 [[nodiscard]] std::shared_ptr<store::Compaction> CompactDatabase(const std::string& source,
                                                                  const std::string& target);
+/// Releases what is no longer needed (1: read locks). Reading holds no locks here.
 void Idle(int what);
 /// "4.0": this engine has no repair method of its own.
 std::string Version();
