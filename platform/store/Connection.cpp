@@ -7,6 +7,7 @@
 #include "platform/runtime/Text.h"
 #include "platform/store/ConnectionImpl.h"
 #include "platform/store/FileFormat.h"
+#include "platform/store/Numbers.h"
 
 namespace store {
 namespace {
@@ -80,6 +81,8 @@ std::int64_t Connection::Execute(std::string_view sql) {
     case StatementKind::Select:
       throw StoreError(kSelectNotExecuted, "A SELECT cannot be executed; it opens a recordset.");
     case StatementKind::Insert:
+      impl_->BeforeRead(t);
+      CheckNumbersLeft(impl_->Db(), *plan, parameters);
       return impl_->ExecuteInsert(*plan, parameters);
     case StatementKind::Update:
     case StatementKind::Delete:

@@ -2,6 +2,7 @@
 
 #include "platform/runtime/Text.h"
 #include "platform/store/FileFormat.h"
+#include "platform/store/Numbers.h"
 #include "platform/store/Statements.h"
 
 namespace store {
@@ -89,6 +90,8 @@ rt::Value RecordCursor::Get(int field) {
       if (info.type == ColumnType::Boolean) return false;
       if (info.type != ColumnType::Counter) return rt::Null{};
       // Asked for before the record is stored: the number is taken for it now.
+      impl_->BeforeRead(*plan_->leading);
+      CheckNumbersLeft(impl_->Db(), *plan_->leading);
       buffer_[place] = static_cast<std::int32_t>(impl_->ReserveId(*plan_->leading));
       return *buffer_[place];
     }
@@ -124,6 +127,7 @@ void RecordCursor::Set(int field, const rt::Value& value) {
 void RecordCursor::HoldForEdit() {
   const std::int64_t row = RowKey();
   if (row == 0) return;  // a row of this group, not in the file yet
+  CheckLockable(*plan_->leading, row);
   const bool transaction = impl_->Depth() > 0 || impl_->InGroup();
   const auto refused =
       transaction ? impl_->HoldForTransaction(Table(), row) : impl_->HoldForEdit(Table(), row);
@@ -219,6 +223,7 @@ void RecordCursor::StoreEdit() {
     impl_->MarkDirty(*cache_, cacheKey_, cachedRow_);
     return;
   }
+  CheckLockable(*plan_->leading, key);
   if (locking_ == Locking::Optimistic) {
     const auto refused = impl_->HoldForTransaction(Table(), key);
     if (refused) throw Refusal(kSaveLocked, *refused);
@@ -230,7 +235,7 @@ void RecordCursor::StoreEdit() {
     columns[i] = true;
     values.push_back(*buffer_[i]);
   }
-  values.push_back(static_cast<std::int32_t>(key));
+  values.push_back(KeyValue(key));
   if (columns != changedBefore_) {
     std::string sql;
     int parameter = 0;
@@ -267,6 +272,10 @@ bool RecordCursor::StoreNewInCache(const std::vector<rt::Value>& values) {
     if (column.type == ColumnType::Counter &&
         buffer_[static_cast<std::size_t>(plan_->leading->Find(column.name))])
       return false;
+  // Rows of the cache get their numbers when the group is committed; where these run short they go to the
+  // file one by one.
+  constexpr std::int64_t kMany = 1'000'000;
+  if (NumbersLeft(impl_->Db(), *plan_->leading) < kMany) return false;
   auto row = std::make_shared<CachedRow>();
   row->values = values;
   impl_->KeepForUndo(*cache_, row, cacheKey_, false);
@@ -297,6 +306,8 @@ void RecordCursor::StoreNew() {
   {
     Writing writing(*impl_);
     impl_->BeforeRead(table);
+    if (idParameter > 0 && values[static_cast<std::size_t>(idParameter) - 1].IsNull())
+      CheckNumbersLeft(impl_->Db(), table);
     impl_->Write("INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")",
                  std::move(values), &id, idParameter);
     impl_->NoteChange(Table());
@@ -318,12 +329,13 @@ void RecordCursor::Delete() {
   if (cachedRow_) impl_->BeforeRead(*plan_->leading);
   LeaveRetiredCache();
   const std::int64_t key = RowKey();
+  CheckLockable(*plan_->leading, key);
   if (const auto refused = impl_->HoldForTransaction(Table(), key)) throw Refusal(kRecordLocked, *refused);
   try {
     Writing writing(*impl_);
     impl_->BeforeRead(*plan_->leading);
     if (impl_->Write("DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1",
-                     {static_cast<std::int32_t>(key)}) == 0)
+                     {KeyValue(key)}) == 0)
       throw StoreError(kRecordDeleted, "Record is deleted.");
     impl_->NoteChange(Table());
     writing.Done();
