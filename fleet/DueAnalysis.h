@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "data/GenericADO.h"
+#include "fleet/DueSource.h"
 #include "platform/runtime/Value.h"
 
 namespace dw {
@@ -35,18 +35,6 @@ struct DueItem {
   float nextMileage = 0;  ///< where not byDate
 };
 
-/// A column of one query, whose position is looked up at the first row and kept for all recordsets of that
-/// query.
-class DueColumn {
- public:
-  explicit DueColumn(const char* name) : name_(name) {}
-  rt::Value Of(ado::Recordset& recordset);
-
- private:
-  const char* name_;
-  int field_ = -1;
-};
-
 /// What the analysis takes from the asset's own row.
 struct DueAsset {
   std::string assetID;
@@ -54,59 +42,34 @@ struct DueAsset {
   rt::Value purchaseDate;
 };
 
-/// The analysis of one asset after the other on one connection.
+/// The analysis of one asset after the other.
 class DueAnalysis {
  public:
-  DueAnalysis(AdoConnectionPtr connection, DueDestination destination, DueHorizon horizon,
+  DueAnalysis(DueDestination destination, DueHorizon horizon,
               std::function<void(const DueItem&)> onItem = {});
-  /// The asset that the recordset (columns of `Vehicles`) stands on; empty when another user has removed it
-  /// meanwhile.
-  std::optional<DueAsset> Read(ado::Recordset& asset);
-  /// False after a message when the data cannot be read: what was written up to there is not the whole.
-  bool Run(const DueAsset& asset);
+  /// Writes the lines of the asset. What the source and the horizon throw ends it, and so does a value that
+  /// is not of the kind that a fact has to be (RuntimeError); what was written up to there is not the whole.
+  void Run(const DueAsset& asset, DueSource& source);
 
  private:
-  /// The mileage that the asset is taken to stand at, and its day.
+  /// The mileage that the asset is taken to be at, and the day of it.
   struct Standing {
     float mileage = 0;
     rt::DateTime date;
   };
-  struct Line {
-    std::int32_t typeID = 0;
-    std::string type;
-    rt::Value months;
-    rt::Value usage;
-  };
 
-  bool Analyse(const DueAsset& asset);
-  bool FindStanding(const DueAsset& asset, Standing& standing);
-  std::optional<Line> ReadLine(ado::Recordset& schedule);
-  bool AnalyseLine(const DueAsset& asset, const Standing& standing, const Line& line);
+  Standing FindStanding(const DueAsset& asset, DueSource& source);
+  void AnalyzeLine(const DueAsset& asset, DueSource& source, const Standing& standing, const DueLine& line);
   void Report(const DueItem& item, const std::string& text);
 
-  AdoConnectionPtr connection_;
   DueDestination destination_;
   DueHorizon horizon_;
   std::function<void(const DueItem&)> onItem_;
-
-  DueColumn assetID_{"Asset ID"};
-  DueColumn description_{"Description"};
-  DueColumn purchaseDate_{"Purchase Date"};
-  DueColumn readingDate_{"Date"};
-  DueColumn readingMileage_{"Mileage"};
-  DueColumn transactionDate_{"Transaction Date"};
-  DueColumn transactionMileage_{"Mileage"};
-  DueColumn typeID_{"Type ID"};
-  DueColumn typeText_{"Maintenance Types.Description"};
-  DueColumn months_{"Monthly Frequently"};
-  DueColumn usage_{"Usage Frequency"};
-  DueColumn performedDate_{"Transaction Date"};
-  DueColumn performedMileage_{"Mileage"};
 };
 
-/// Analyses the asset that the recordset (columns of `Vehicles`) stands on and writes a line for each due
-/// item; `onItem`, where given, gets each as a fact. False as DueAnalysis::Run, and when the asset was
-/// removed meanwhile.
+/// Analyzes the asset at the place of the recordset (columns of `Vehicles`) and writes a line for each due
+/// item; `onItem`, where given, gets each as a fact. False after a message when the data cannot be read (what
+/// was written up to there is not the whole), and when another user has removed the asset meanwhile.
 bool AnalyseDue(const AdoConnectionPtr& connection, ado::Recordset& asset, const DueDestination& destination,
                 const DueHorizon& horizon, const std::function<void(const DueItem&)>& onItem = {});
 

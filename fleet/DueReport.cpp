@@ -2,21 +2,27 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericDAO.h"
-#include "data/GenericTools.h"
+#include "fleet/DueFacts.h"
+#include "fleet/DueQueries.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
+#include "platform/store/StoreError.h"
 
 namespace dw {
 
@@ -29,9 +35,9 @@ void Tell(const std::string& what) {
   screen::MessageBox(what + "\rNo maintenance report was written.", screen::Icon::Critical);
 }
 
-/// The log while it is being written. The earlier log goes first, so that nobody takes it for the one of this
-/// run; the new one grows under a name of its own and gets the log's name once it is complete, so that nobody
-/// takes the beginning of a run that broke off for the whole.
+/// The log while it is being written. It grows under a name of its own and takes the log's name once it is
+/// complete. Until then an earlier log stays, and nobody takes the beginning of a run that broke off for the
+/// whole.
 class LogFile {
  public:
   explicit LogFile(std::string path)
@@ -46,8 +52,6 @@ class LogFile {
 
   /// False after a message.
   bool Open() {
-    if (FileExists(path_)) DeleteFileChecked(path_);
-    if (FileExists(path_)) return false;
     file_ = std::fopen(growing_.c_str(), "wb");
     if (file_) return true;
     NoteFailure();
@@ -65,7 +69,8 @@ class LogFile {
   /// Whether all lines up to here went out; a full disk may come to light only at the end.
   bool Healthy() const { return failure_ == 0; }
 
-  /// Gives the complete log its name. False after a message, and then nothing is left of it.
+  /// Puts the complete log in the place of an earlier one. False after a message, and then nothing is left of
+  /// it.
   bool Finish() {
     if (std::fclose(std::exchange(file_, nullptr)) != 0) NoteFailure();
     if (Healthy() && std::rename(growing_.c_str(), path_.c_str()) != 0) NoteFailure();
@@ -88,84 +93,206 @@ class LogFile {
   std::FILE* file_ = nullptr;
 };
 
-/// The typed texts as values; throws RuntimeError 13 with words for the user.
+/// A typed text that is not a date or a number. It ends the whole run, unlike a value of an asset.
+class BadHorizon : public rt::RuntimeError {
+ public:
+  explicit BadHorizon(const std::string& text) : rt::RuntimeError(13, text) {}
+};
+
+/// The typed texts as values; throws BadHorizon with words for the user.
 DueHorizon TypedHorizon(const std::string& dueBy, const std::string& usage) {
   DueHorizon horizon;
   horizon.dueBy = [dueBy] {
     const auto date = rt::ParseDate(dueBy);
-    if (!date) throw rt::RuntimeError(13, "The date '" + dueBy + "' is not a valid date.");
+    if (!date) throw BadHorizon("The date '" + dueBy + "' is not a valid date.");
     return *date;
   };
   horizon.extraUsage = [usage] {
     const auto number = rt::ParseNumber(usage);
     const double limit = std::numeric_limits<float>::max();
     if (!number || *number > limit || *number < -limit) {
-      throw rt::RuntimeError(13, "The usage '" + usage + "' is not a valid number.");
+      throw BadHorizon("The usage '" + usage + "' is not a valid number.");
     }
     return static_cast<float>(*number);
   };
   return horizon;
 }
 
-/// The lines of the whole report; false after a message.
-bool WriteLines(const AdoConnectionPtr& connection, ado::Recordset& assets, LogFile& log,
-                const std::string& dueBy, const std::string& usage,
-                const std::function<void(const DueItem&)>& onItem) {
-  log.Line("Maintenance Schedule as of " + rt::GeneralDate(rt::Now()));
-  log.Line(kRule);
-  log.Line("Items due in the next " + usage + " mile(s) or by " + dueBy);
-  log.Line(kRule);
-  log.Line("");
-
-  DueDestination destination;
-  destination.write = [&](const std::string& line) { log.Line(line); };
-  DueAnalysis analysis(connection, destination, TypedHorizon(dueBy, usage), onItem);
-  // A full disk ends the loop early; the close tells of it.
-  for (; !assets.AtEnd() && log.Healthy(); assets.MoveNext()) {
-    const auto asset = analysis.Read(assets);
-    if (!asset) continue;
-    log.Line(kRule);
-    log.Line("Asset ID: " + asset->assetID);
-    log.Line(asset->description.IsNull() ? "Null" : asset->description.AsText());
-    if (!analysis.Run(*asset)) {
-      Tell("The analysis of asset '" + asset->assetID + "' could not be finished.");
+/// Whether an engine's error comes from the asset itself: from its code, which is put into the queries as it
+/// is, or from a value. All other errors, such as a lock or a lost disk, are not the asset's.
+bool IsOfAsset(const std::string& assetID, std::int32_t native) {
+  switch (native) {
+    case store::kTypeMismatch:
+    case store::kOverflow:
+      return true;
+    case store::kSyntax:
+    case store::kTooFewParameters:
+    case store::kTableNotFound:
+    case store::kAmbiguousColumn:
+    case store::kItemNotFound:
+    case store::kSelectNotExecuted:
+      return assetID.find('\'') != std::string::npos;
+    default:
       return false;
+  }
+}
+
+/// The lines of one run of the report.
+class Run {
+ public:
+  Run(AdoConnectionPtr connection, LogFile& log, const DueReportRequest& request)
+      : connection_(std::move(connection)),
+        log_(log),
+        request_(request),
+        queries_([this](const std::string& sql) { return Opened(sql); }),
+        analysis_({.write = [this](const std::string& line) { lines_.push_back(line); }, .separator = {}},
+                  TypedHorizon(request.dueBy, request.usage),
+                  [this](const DueItem& item) { items_.push_back(item); }) {
+    if (request.way == DueWay::OnePass) facts_.emplace(connection_->Store());
+  }
+
+  /// Throws what ends the run.
+  void Write(ado::Recordset& assets) {
+    log_.Line("Maintenance Schedule as of " + rt::GeneralDate(rt::Now()));
+    log_.Line(kRule);
+    log_.Line("Items due in the next " + request_.usage + " mile(s) or by " + request_.dueBy);
+    log_.Line(kRule);
+    log_.Line("");
+    // A full disk ends the loop early; the close reports it.
+    for (; !assets.AtEnd() && log_.Healthy(); assets.MoveNext()) WriteAsset(assets);
+    log_.Line(kRule);
+    log_.Line("--- End of Schedule ---");
+    log_.Line(kRule);
+  }
+
+  /// The codes of the assets that could not be analyzed.
+  const std::vector<std::string>& Failed() const { return failed_; }
+
+ private:
+  AdoRecordsetPtr Opened(const std::string& sql) {
+    auto rows = std::make_shared<ado::Recordset>();
+    rows->Open(sql, connection_, ado::adOpenKeyset, ado::adLockReadOnly);
+    return rows;
+  }
+
+  void WriteAsset(ado::Recordset& assets) {
+    const auto row = UnlessDeleted([&] {
+      return std::array{assetID_.Of(assets), description_.Of(assets), purchaseDate_.Of(assets)};
+    });
+    if (!row) return;
+    const auto& [code, description, purchaseDate] = *row;
+    DueAsset asset{.assetID = {}, .description = description, .purchaseDate = purchaseDate};
+    std::string described;
+    const std::string words = WordsOfFailure(asset, [&] {
+      asset.assetID = code.Shown();
+      described = description.IsNull() ? "Null" : description.AsText();
+      Analyze(asset);
+    });
+    log_.Line(kRule);
+    log_.Line("Asset ID: " + asset.assetID);
+    log_.Line(described);
+    if (words.empty()) {
+      for (const std::string& line : lines_) log_.Line(line);
+      if (request_.onItem) std::for_each(items_.begin(), items_.end(), request_.onItem);
+      return;
+    }
+    // The lines up to the failure would read as if nothing else were due.
+    failed_.push_back(asset.assetID);
+    log_.Line("ERROR: " + words);
+  }
+
+  void Analyze(const DueAsset& asset) {
+    lines_.clear();
+    items_.clear();
+    if (facts_ && facts_->Know(asset.assetID)) return analysis_.Run(asset, *facts_);
+    // A dozen questions about one asset share one look at the file.
+    const store::Reading reading(connection_->Store());
+    analysis_.Run(asset, queries_);
+  }
+
+  /// The engine's words in one line where a step fails because of the asset; empty where it does not fail.
+  template <class Step>
+  std::string WordsOfFailure(const DueAsset& asset, Step step) {
+    try {
+      step();
+      return {};
+    } catch (const BadHorizon&) {
+      throw;
+    } catch (const rt::RuntimeError& error) {
+      return InOneLine(error.what());
+    } catch (const ado::Error& error) {
+      if (IsOfAsset(asset.assetID, error.Native())) return InOneLine(error.what());
+      throw ado::Error(error.Number(), error.Native(),
+                       "The analysis of asset '" + asset.assetID + "' could not be finished.\rError #" +
+                           std::to_string(error.Number()) + ": " + error.what());
     }
   }
 
-  log.Line(kRule);
-  log.Line("--- End of Schedule ---");
-  log.Line(kRule);
-  return true;
+  static std::string InOneLine(std::string words) {
+    std::replace_if(
+        words.begin(), words.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    return words;
+  }
+
+  AdoConnectionPtr connection_;
+  LogFile& log_;
+  const DueReportRequest& request_;
+  DueQueries queries_;
+  std::optional<DueFacts> facts_;
+  DueAnalysis analysis_;
+  std::vector<std::string> lines_;  ///< of the asset that is being analyzed
+  std::vector<DueItem> items_;      ///< the same
+  std::vector<std::string> failed_;
+  DueColumn assetID_{"Asset ID"};
+  DueColumn description_{"Description"};
+  DueColumn purchaseDate_{"Purchase Date"};
+};
+
+void TellFailed(const std::vector<std::string>& assets) {
+  if (assets.empty()) return;
+  constexpr std::size_t kMostNamed = 10;
+  std::string named;
+  for (std::size_t i = 0; i < assets.size() && i < kMostNamed; ++i) named += "\r" + assets[i];
+  if (assets.size() > kMostNamed) named += "\rand " + std::to_string(assets.size() - kMostNamed) + " more";
+  screen::MessageBox("What is due could not be worked out for these assets. The report says why.\r" + named,
+                     screen::Icon::Exclamation);
 }
 
-std::string WriteLog(const AdoConnectionPtr& connection, ado::Recordset& assets, const std::string& path,
-                     const std::string& dueBy, const std::string& usage,
-                     const std::function<void(const DueItem&)>& onItem) {
+/// The path written, else empty after a message.
+std::string WriteLog(const AdoConnectionPtr& connection, ado::Recordset& assets,
+                     const DueReportRequest& request) {
+  const std::string path = (std::filesystem::path(request.directory) / kLogName).string();
   LogFile log(path);
   if (!log.Open()) return {};
   bool complete = false;
-  const Failure failure =
-      Try([&] { complete = WriteLines(connection, assets, log, dueBy, usage, onItem) && log.Finish(); });
+  std::vector<std::string> failed;
+  const Failure failure = Try([&] {
+    Run run(connection, log, request);
+    run.Write(assets);
+    failed = run.Failed();
+    complete = log.Finish();
+  });
   if (failure) Tell(failure.description);
-  return complete ? path : std::string();
+  if (!complete) return {};
+  TellFailed(failed);
+  return path;
 }
 
 }  // namespace
 
-DueReportEnd MakeDueReport(const std::string& directory, const std::string& dueBy, const std::string& usage,
-                           std::string& path, const std::function<void(const DueItem&)>& onItem) {
+DueReportEnd MakeDueReport(const DueReportRequest& request, std::string& path) {
   AdoConnectionPtr connection;
   if (!AdoOpenConnection(connection, DataConnect, false)) return DueReportEnd::Failed;
-  AdoRecordsetPtr assets = AdoOpenRecordset(
-      connection, "SELECT * FROM Vehicles WHERE No_Longer_In_Service = FALSE ORDER BY [Asset ID]");
+  AdoRecordsetPtr assets =
+      AdoOpenRecordset(connection,
+                       "SELECT [Asset ID], [Description], [Purchase Date] FROM Vehicles WHERE "
+                       "No_Longer_In_Service = FALSE ORDER BY [Asset ID]");
   DueReportEnd end = DueReportEnd::Failed;
   if (assets && assets->AtEnd()) {
     screen::MessageBox("There are no assets in service to report.", screen::Icon::Information);
     end = DueReportEnd::NoAssets;
   } else if (assets) {
-    path = WriteLog(connection, *assets, (std::filesystem::path(directory) / kLogName).string(), dueBy, usage,
-                    onItem);
+    path = WriteLog(connection, *assets, request);
     if (!path.empty()) end = DueReportEnd::Written;
   }
   CloseObject(assets);
@@ -176,7 +303,8 @@ DueReportEnd MakeDueReport(const std::string& directory, const std::string& dueB
 std::string WriteDueReport(const std::string& directory, const std::string& dueBy, const std::string& usage,
                            const std::function<void(const DueItem&)>& onItem) {
   std::string path;
-  return MakeDueReport(directory, dueBy, usage, path, onItem) == DueReportEnd::Written ? path : std::string();
+  return MakeDueReport({directory, dueBy, usage, onItem}, path) == DueReportEnd::Written ? path
+                                                                                         : std::string();
 }
 
 }  // namespace dw

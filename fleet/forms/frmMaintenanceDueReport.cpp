@@ -54,11 +54,12 @@ void frmMaintenanceDueReport::Proceed() {
   DueReportEnd end = DueReportEnd::Failed;
   {
     const screen::Hourglass hourglass;
-    end = MakeDueReport(sys::ProgramDirectory(), Text1.Text(), txtUsage.Text(), path);
+    end = MakeDueReport({sys::ProgramDirectory(), Text1.Text(), txtUsage.Text(), {}}, path);
   }
   if (end == DueReportEnd::Written && !sys::StartViewer(path))
-    screen::MessageBox("The report stands in '" + path + "', but no viewer could be started for it.",
-                       screen::Icon::Exclamation);
+    screen::MessageBox(
+        "The report was written, but no program could be started to show it.\rYou find it in '" + path + "'.",
+        screen::Icon::Exclamation);
   cmdProceed->setEnabled(true);
   cmdCancel->setEnabled(true);
   // What was typed may have been the reason; it can be put right.

@@ -1,5 +1,8 @@
 #include "platform/system/Machine.h"
 
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QProcess>
@@ -8,9 +11,11 @@
 #include <QStringList>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
+#include <thread>
 
 namespace sys {
 namespace {
@@ -18,6 +23,25 @@ namespace {
 template <std::size_t N>
 bool OneOf(const std::array<std::string_view, N>& names, std::string_view name) {
   return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+/// The desktop's own viewer starts the program for the file and ends at once. Where it finds none it ends
+/// with an error, which takes it less than this.
+constexpr std::chrono::milliseconds kViewerRefuses{1500};
+
+/// Starts a program in a session of its own, so that it outlives ours; -1 where it cannot be started.
+pid_t Spawn(std::string program, std::string argument) {
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, static_cast<short>(POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK));
+  char* const arguments[] = {program.data(), argument.data(), nullptr};
+  pid_t pid = -1;
+  const int failure = posix_spawnp(&pid, program.c_str(), nullptr, &attributes, arguments, environ);
+  posix_spawnattr_destroy(&attributes);
+  return failure == 0 ? pid : -1;
 }
 
 }  // namespace
@@ -73,8 +97,19 @@ bool StartProgram(const std::string& program, const std::vector<std::string>& ar
 }
 
 bool StartViewer(const std::string& path) {
-  const char* viewer = std::getenv("DROVEWRIGHT_VIEWER");
-  return StartProgram(viewer != nullptr && *viewer != '\0' ? viewer : "xdg-open", {path});
+  const char* chosen = std::getenv("DROVEWRIGHT_VIEWER");
+  const std::string viewer = chosen != nullptr && *chosen != '\0' ? chosen : "xdg-open";
+  const pid_t pid = Spawn(viewer, path);
+  if (pid < 0) return false;
+  const auto end = std::chrono::steady_clock::now() + kViewerRefuses;
+  while (std::chrono::steady_clock::now() < end) {
+    int status = 0;
+    if (waitpid(pid, &status, WNOHANG) == pid) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  // It shows the file. Somebody has to take its end, or the system keeps its entry as long as we run.
+  std::thread([pid] { waitpid(pid, nullptr, 0); }).detach();
+  return true;
 }
 
 }  // namespace sys

@@ -30,9 +30,10 @@ std::optional<DriveKind> KindOfDrive(const std::string& root, const std::string&
 /// Starts a program and does not wait for it. Looks for the program along the search path. False when it
 /// could not be started.
 bool StartProgram(const std::string& program, const std::vector<std::string>& arguments);
-/// Shows a file in the user's viewer and does not wait: the program that the environment variable
-/// DROVEWRIGHT_VIEWER names, else the desktop's own choice for the file. False when the viewer could not be
-/// started.
+/// Shows a file in the user's viewer: the program that the environment variable DROVEWRIGHT_VIEWER names,
+/// else the desktop's own choice for the file. It does not wait for the viewer to be closed, but for up to a
+/// second and a half to learn whether there is one. False when the viewer cannot be started, or when it ends
+/// with an error in that time, as the desktop does where no program takes the file.
 bool StartViewer(const std::string& path);
 
 }  // namespace sys

@@ -1,6 +1,7 @@
 #include "fleet/DueReport.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/resource.h>
 
 #include <csignal>
@@ -25,7 +26,16 @@ class DueReportTest : public testing::Test {
     std::ifstream file(program_.Path("Maintenance Report.Log"), std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
   }
-  bool ProgramDirectoryIsEmpty() const { return std::filesystem::is_empty(program_.Path()); }
+  long FilesInProgramDirectory() const {
+    return std::distance(std::filesystem::directory_iterator(program_.Path()), {});
+  }
+
+  void OtherToolRuns(const std::string& sql) const {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(fleet_.Path().c_str(), &db), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(db);
+  }
 
   rt::FixedClock clock_{rt::DateTime(2026, 3, 15, 10, 30, 0)};
   test::DueFleet fleet_;
@@ -68,7 +78,7 @@ TEST_F(DueReportTest, WritesABlockForEachAssetInServiceAndReplacesTheLog) {
             "-----------------------\r\n"
             "--- End of Schedule ---\r\n"
             "-----------------------\r\n");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(program_.Path()), {}), 1);
+  EXPECT_EQ(FilesInProgramDirectory(), 1);
 
   ASSERT_EQ(items_.size(), 2U);
   EXPECT_EQ(items_[0].assetID, "V2");
@@ -137,29 +147,64 @@ TEST_F(DueReportTest, TextsAreConvertedAtEachScheduleLine) {
   EXPECT_NE(Write("someday", ""), "");
   EXPECT_NE(Log().find("Items due in the next  mile(s) or by someday\r\n"), std::string::npos);
 
-  // A run that breaks off leaves neither its beginning nor the log of an earlier run.
+  // A run that breaks off leaves the earlier log and nothing of its own.
+  const std::string earlier = Log();
   fleet_.Line("V1", "1", "12", "100");
   screen_->Expect("The date 'someday' is not a valid date.\rNo maintenance report was written.",
                   screen::Icon::Critical);
   EXPECT_EQ(Write("someday"), "");
-  EXPECT_TRUE(ProgramDirectoryIsEmpty());
+  EXPECT_EQ(Log(), earlier);
   for (const std::string usage : {"", "1.2.3", "1E39"}) {
     screen_->Expect("The usage '" + usage + "' is not a valid number.\rNo maintenance report was written.",
                     screen::Icon::Critical);
     EXPECT_EQ(Write("3/29/2026", usage), "");
-    EXPECT_TRUE(ProgramDirectoryIsEmpty());
+    EXPECT_EQ(Log(), earlier);
+    EXPECT_EQ(FilesInProgramDirectory(), 1);
   }
 }
 
-TEST_F(DueReportTest, AnAssetThatCannotBeAnalysedEndsTheRun) {
+TEST_F(DueReportTest, AnAssetThatCannotBeAnalyzedCostsOnlyItself) {
+  fleet_.Type(1, "Inspection");
+  for (const char* code : {"A1", "O''BRIEN", "P1", "V1"}) {
+    fleet_.Asset(code, "#2/1/2025#");
+    fleet_.Line(code, "1", "12", "NULL");
+  }
+  // A value of the wrong kind, as other tools leave it.
+  fleet_.Reading("P1", "#3/1/2026#", "10");
+  OtherToolRuns("UPDATE \"Odometer Entries\" SET \"Date\" = 'soon'");
+  screen_->Expect("What is due could not be worked out for these assets. The report says why.\r\rO'BRIEN\rP1",
+                  screen::Icon::Exclamation);
+  EXPECT_NE(Write(), "");
+  const std::string good =
+      "\r\nTruck\r\nLatest mileage on file is 0 on 2/1/2025\r\n\r\nInspection due on 2/1/2026\r\n";
+  const std::string rule = "-----------------------\r\n";
+  std::string log = Log();
+  // The engine's words about the code end their line.
+  const auto words = log.find("ERROR: A text is not closed");
+  ASSERT_NE(words, std::string::npos) << log;
+  log.erase(words + 7, log.find("\r\n", words) - words - 7);
+  EXPECT_EQ(log.substr(log.find(rule + "Asset ID")),
+            rule + "Asset ID: A1" + good + rule + "Asset ID: O'BRIEN\r\nTruck\r\nERROR: \r\n" + rule +
+                "Asset ID: P1\r\nTruck\r\nERROR: Type mismatch\r\n" + rule + "Asset ID: V1" + good + rule +
+                "--- End of Schedule ---\r\n" + rule);
+  ASSERT_EQ(items_.size(), 2U);
+  EXPECT_EQ(items_[1].assetID, "V1");
+
+  // The message names ten at most.
+  for (int i = 10; i < 20; ++i) fleet_.Asset("B''" + std::to_string(i), "#2/1/2025#");
+  screen_->ExpectPart("\rB'10\r", screen::Icon::Exclamation);
+  EXPECT_NE(Write(), "");
+  EXPECT_TRUE(screen_->Shown().back().text.ends_with("\rB'19\rand 2 more")) << screen_->Shown().back().text;
+}
+
+TEST_F(DueReportTest, ADataFileThatCannotBeReadEndsTheRun) {
   fleet_.Asset("A1", "#2/1/2025#");
-  fleet_.Asset("O''BRIEN", "#2/1/2025#");
-  screen_->ExpectPart("Unknown error", screen::Icon::Critical);
-  screen_->Expect(
-      "The analysis of asset 'O'BRIEN' could not be finished.\rNo maintenance report was written.",
-      screen::Icon::Critical);
+  { std::ofstream(program_.Path("Maintenance Report.Log")) << "earlier"; }
+  fleet_.Run("DROP TABLE [Maintenance Schedule]");
+  screen_->ExpectPart("The analysis of asset 'A1' could not be finished.", screen::Icon::Critical);
   EXPECT_EQ(Write(), "");
-  EXPECT_TRUE(ProgramDirectoryIsEmpty());
+  EXPECT_EQ(Log(), "earlier");
+  EXPECT_EQ(FilesInProgramDirectory(), 1);
 }
 
 TEST_F(DueReportTest, AFileThatCannotBeWrittenLeavesNothingBehind) {
@@ -180,8 +225,10 @@ TEST_F(DueReportTest, AFileThatCannotBeWrittenLeavesNothingBehind) {
   const std::string written = Write();
   setrlimit(RLIMIT_FSIZE, &earlier);
   EXPECT_EQ(written, "");
-  EXPECT_TRUE(ProgramDirectoryIsEmpty());
+  EXPECT_EQ(Log(), "earlier");
+  EXPECT_EQ(FilesInProgramDirectory(), 1);
   EXPECT_NE(Write(), "");
+  EXPECT_NE(Log(), "earlier");
 }
 
 }  // namespace

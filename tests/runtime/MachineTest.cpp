@@ -68,6 +68,17 @@ TEST(StartViewer, ShowsAFileWithoutWaiting) {
   ASSERT_GT(pid, 1);
   EXPECT_EQ(kill(pid, SIGKILL), 0) << "the viewer still runs";
 
+  // The desktop's own viewer, where it finds a program for the file and where it finds none.
+  unsetenv("DROVEWRIGHT_VIEWER");
+  const std::string searched = std::getenv("PATH");
+  for (const int result : {0, 3}) {
+    std::ofstream(folder.Path("xdg-open")) << "#!/bin/sh\nexit " << result << "\n";
+    chmod(folder.Path("xdg-open").c_str(), 0755);
+    setenv("PATH", (folder.Path() + ":" + searched).c_str(), 1);
+    EXPECT_EQ(StartViewer(folder.Path("x")), result == 0);
+  }
+  setenv("PATH", searched.c_str(), 1);
+
   setenv("DROVEWRIGHT_VIEWER", folder.Path("missing").c_str(), 1);
   EXPECT_FALSE(StartViewer(folder.Path("x")));
   unsetenv("DROVEWRIGHT_VIEWER");
