@@ -133,6 +133,21 @@ TEST_F(DueReportTest, AnAssetThatAnotherUserRemovesMeanwhileIsLeftOut) {
   EXPECT_NE(Log().find("--- End of Schedule ---"), std::string::npos);
 }
 
+TEST_F(DueReportTest, AnAssetThatAnotherUserRenamesMeanwhileKeepsItsFacts) {
+  fleet_.Asset("V1", "#2/1/2025#");
+  fleet_.Line("V1", "0", "1", "NULL");
+  fleet_.Asset("V2", "#2/1/2025#");
+  fleet_.Reading("V2", "#3/1/2026#", "9000");
+  const std::string path = dw::WriteDueReport(program_.Path(), "3/29/2026", "500", [&](const dw::DueItem&) {
+    fleet_.Run("UPDATE [Vehicles] SET [Asset ID] = 'W2' WHERE [Asset ID] = 'V2'");
+    fleet_.Run("UPDATE [Odometer Entries] SET [Asset ID] = 'W2' WHERE [Asset ID] = 'V2'");
+  });
+  EXPECT_NE(path, "");
+  EXPECT_NE(Log().find("Asset ID: W2\r\nTruck\r\nLatest mileage on file is 9000 on 3/1/2026\r\n"),
+            std::string::npos)
+      << Log();
+}
+
 TEST_F(DueReportTest, NoAssetInServiceTouchesNoFile) {
   fleet_.Asset("V3", "#2/1/2025#", "'Retired'", true);
   { std::ofstream(program_.Path("Maintenance Report.Log")) << "earlier"; }
