@@ -52,7 +52,6 @@ Compaction::Compaction(const std::string& path, const std::string& target) {
   }
   TemporaryFile::RemoveLitter(FolderOf(target));
   Handle::DropParked(source_);
-  handle_ = Handle::Acquire(source_, false);
   CloseToOthers();
   // Some kinds of damage are copied without complaint; a file that is not sound must not replace its
   // original.
@@ -90,13 +89,14 @@ Compaction::~Compaction() = default;
 
 // From here to the end no other program can write what the copy would lack.
 void Compaction::CloseToOthers() {
-  handle_->SetPatience(kPatience);
   try {
+    handle_ = Handle::Acquire(source_, false);
+    handle_->SetPatience(kPatience);
     handle_->Run("PRAGMA locking_mode = EXCLUSIVE");
     handle_->Run("BEGIN EXCLUSIVE");
     handle_->Run("COMMIT");
   } catch (const StoreError& error) {
-    if (error.Number() != kSessionLocked) throw;
+    if (error.Number() != kSessionLocked && error.Number() != kFileInUse) throw;
     throw StoreError(kExclusiveNeeded, "Could not use '" + source_ + "'; it is in use by another program.");
   }
 }

@@ -36,9 +36,9 @@ std::shared_ptr<Connection> Connection::Open(const OpenRequest& request) {
   CheckFile(request.path);
   OpenRequest made = request;
   made.path = RealPath(request.path);
-  auto side = SideFile::Enter(made.path, made.share, IdentityComputer(), IdentityUser());
   // Who can only read the file must not be refused for it before anything is written.
   if (access(made.path.c_str(), W_OK) != 0) made.readOnly = true;
+  auto side = SideFile::Enter(made.path, made.share, IdentityComputer(), IdentityUser(), made.readOnly);
   auto handle = Handle::Acquire(made.path, made.readOnly);
   std::shared_ptr<Connection> connection(new Connection);
   connection->impl_ = std::make_unique<Impl>(std::move(handle), std::move(side), std::move(made));

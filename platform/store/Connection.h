@@ -43,8 +43,9 @@ struct QueryPlan;
 /// when it goes on. The records it touched stay held all the time.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  /// 3024 no such file, 3044 no such directory, 3051 a directory under the file's name or no permission, 3343
-  /// not a data file (empty files, texts and damaged headers), 3045 and 3356 as SideFile::Enter.
+  /// 3024 no such file, 3044 no such directory, 3051 a directory under the file's name or no permission, 3049
+  /// not a data file of this system, 3041 one of a later version, 3343 a damaged one, 3045 in use by another
+  /// program, 3045 and 3356 as SideFile::Enter.
   static std::shared_ptr<Connection> Open(const OpenRequest& request);
   /// Makes an empty data file. 3204 when something of that name exists already.
   static void Create(const std::string& path);

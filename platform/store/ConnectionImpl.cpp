@@ -105,6 +105,7 @@ void Connection::Impl::BeginPhysical() {
   physical_ = true;
   groupStart_ = Clock::now();
   try {
+    side_->Renew();
     if (Depth() > 0 || groupMode_) {
       Use begin(*handle_, "SAVEPOINT start");  // see TakeBack
       begin.Step();

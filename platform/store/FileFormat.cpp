@@ -16,8 +16,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void Refuse(const Handle& handle, const char* reason) {
-  throw StoreError(kBadFormat, "Unrecognized data base format '" + handle.Path() + "': " + reason + ".");
+[[noreturn]] void RefuseDamaged(const Handle& handle, const char* reason) {
+  throw StoreError(kBadFormat,
+                   "Unrecognized data base format '" + handle.Path() + "': it is damaged (" + reason + ").");
+}
+
+/// What was never a data file is nothing to be repaired.
+StoreError NotOurs(const std::string& path, const char* reason) {
+  return {kNotOurs, "Cannot open data base '" + path + "': " + reason + "."};
 }
 
 constexpr const char* kForeign = "it belongs to another program";
@@ -38,30 +44,48 @@ void CheckHeader(Handle& handle) {
   std::array<unsigned char, kHeaderBytes> header{};
   const int code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
   if (code != SQLITE_OK && code != SQLITE_IOERR_SHORT_READ) handle.Fail(code);
-  if (std::memcmp(header.data(), "SQLite format 3", 16) != 0) Refuse(handle, "it is not a data file");
-  if (ApplicationIdIn(header) != kApplicationId) Refuse(handle, kForeign);
+  const bool ours = ApplicationIdIn(header) == kApplicationId;
+  if (std::memcmp(header.data(), "SQLite format 3", 16) != 0) {
+    if (ours) RefuseDamaged(handle, "its first bytes are not those of a data file");
+    throw NotOurs(handle.Path(), "it is not a data file");
+  }
+  if (!ours) throw NotOurs(handle.Path(), kForeign);
+  constexpr unsigned char kJournal = 1;
+  constexpr unsigned char kWriteAheadLog = 2;
   // With a write-ahead log the opening alone would write beside the file, and setting it right into it.
-  if (header[18] != 1 || header[19] != 1)
-    Refuse(handle, "it is damaged (its first page names a way of writing that is not in use)");
+  if (header[18] == kWriteAheadLog && header[19] == kWriteAheadLog)
+    throw StoreError(kCannotStart, "Could not use '" + handle.Path() +
+                                       "'; another program has switched it to a write-ahead log. Close that "
+                                       "program and switch the file back: sqlite3 '" +
+                                       handle.Path() + "' 'PRAGMA journal_mode = DELETE'.");
+  if (header[18] != kJournal || header[19] != kJournal)
+    RefuseDamaged(handle, "its first page names a way of writing that is not in use");
 }
 
 void CheckFormat(Handle& handle) {
-  if (handle.Number("PRAGMA application_id") != kApplicationId) Refuse(handle, kForeign);
+  if (handle.Number("PRAGMA application_id") != kApplicationId) throw NotOurs(handle.Path(), kForeign);
   if (handle.Number("PRAGMA user_version") > kFormatVersion)
-    throw StoreError(kBadFormat, "Unrecognized data base format '" + handle.Path() +
-                                     "': it was made by a later version of this program.");
+    throw StoreError(kLaterVersion,
+                     "Cannot open data base '" + handle.Path() +
+                         "': it was made by a later version of this program. Use that version on "
+                         "this workstation too.");
 }
 
 void CheckName(const std::string& path) {
-  if (SideFile::PathFor(path) == path)
-    throw StoreError(kBadFormat,
-                     "Unrecognized data base format '" + path + "': the ending .LDB is that of side files.");
+  if (SideFile::PathFor(path) == path) throw NotOurs(path, "the ending .LDB is that of side files");
 }
 
 std::string RealPath(const std::string& path) {
   std::error_code error;
   const fs::path real = fs::canonical(path, error);
   return error ? fs::absolute(path).string() : real.string();
+}
+
+StoreError FileIsGone(const std::string& path) {
+  return {kPathNotFound,
+          "'" + path +
+              "' is no longer there: its directory was moved, renamed or disconnected, or another "
+              "file has been put in its place."};
 }
 
 void CheckFile(const std::string& path) {
@@ -87,8 +111,7 @@ void CheckFile(const std::string& path) {
                          " names on the disk (hard links). People who open it by different names "
                          "would not see each other's records: remove the other names, or make "
                          "copies of them.");
-  if (found.st_size == 0)
-    throw StoreError(kBadFormat, "Unrecognized data base format '" + path + "': the file is empty.");
+  if (found.st_size == 0) throw NotOurs(path, "the file is empty");
 }
 
 }  // namespace store

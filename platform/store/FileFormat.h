@@ -9,6 +9,7 @@
 namespace store {
 
 class Handle;
+class StoreError;
 
 /// Stands in SQLite's header field "application id": "DWRT".
 constexpr std::int64_t kApplicationId = 0x44575254;
@@ -22,19 +23,22 @@ constexpr std::int64_t kNoKey = std::numeric_limits<std::int64_t>::min();
 constexpr std::size_t kHeaderBytes = 100;
 std::int64_t ApplicationIdIn(const std::array<unsigned char, kHeaderBytes>& header);
 
-/// Throws StoreError 3343 for a file whose first bytes tell that it is not of this system. To be called
-/// before anything else is done with the database: the mere reading of another program's file could change
-/// it.
+/// Looks at the first bytes, before anything else is done with the database: the mere reading of another
+/// program's file could change it. Throws StoreError 3049 for a file that is not of this system, 3051 for one
+/// that another program has switched to a write-ahead log, 3343 for damage.
 void CheckHeader(Handle& handle);
-/// Throws StoreError 3343 where the opened database is not of this system, or of a later version of it.
+/// Throws StoreError 3049 where the opened database is not of this system, 3041 for one of a later version.
 void CheckFormat(Handle& handle);
-/// Throws StoreError 3343 for a name that a data file cannot have: its side file would be written over it.
+/// Throws StoreError 3049 for a name that a data file cannot have: its side file would be written over it.
 void CheckName(const std::string& path);
 /// The one path by which everybody knows the file: absolute and without symbolic links, so that all users
 /// meet in one side file. A path that leads nowhere comes back absolute.
 std::string RealPath(const std::string& path);
-/// Throws StoreError 3024, 3044, 3051 or 3343 for what can be told without opening: nothing there, no such
+/// Throws StoreError 3024, 3044, 3049 or 3051 for what can be told without opening: nothing there, no such
 /// directory, a directory under the file's name, a second name (hard link) of the file, an empty file.
 void CheckFile(const std::string& path);
+
+/// 3044, for an open file that was taken away.
+StoreError FileIsGone(const std::string& path);
 
 }  // namespace store

@@ -17,6 +17,10 @@
 namespace store {
 namespace {
 
+constexpr std::chrono::milliseconds kPatience{15000};
+/// At an opening, where whoever asks waits on.
+constexpr std::chrono::milliseconds kOpenPatience{5000};
+constexpr std::chrono::milliseconds kReadersPatience{60000};
 constexpr std::size_t kMostStatements = 256;
 constexpr std::size_t kMostPlans = 512;
 constexpr std::size_t kMostParked = 8;
@@ -36,13 +40,29 @@ int Handle::Nap(void* self, int tries) {
   auto& handle = *static_cast<Handle*>(self);
   const auto now = std::chrono::steady_clock::now();
   if (tries == 0) handle.waitingSince_ = now;
-  if (now - handle.waitingSince_ > handle.patience_) return 0;
+  // A write that is made waits for its readers, and theirs may be long. Whoever gave up would have to make it
+  // again.
+  const bool committing = sqlite3_txn_state(handle.db_, "main") == SQLITE_TXN_WRITE;
+  if (now - handle.waitingSince_ >
+      (committing ? std::max(handle.patience_, kReadersPatience) : handle.patience_))
+    return 0;
   const timespec halfMillisecond{0, 500000};
   nanosleep(&halfMillisecond, nullptr);
   return 1;
 }
 
 std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) {
+  try {
+    auto handle = FindOrOpen(path, readOnly);
+    handle->patience_ = kPatience;
+    return handle;
+  } catch (const StoreError& error) {
+    if (error.Number() != kSessionLocked) throw;
+    throw StoreError(kFileInUse, "Could not use '" + path + "'; it is in use by another program.");
+  }
+}
+
+std::unique_ptr<Handle> Handle::FindOrOpen(const std::string& path, bool readOnly) {
   struct stat now {};
   const bool there = stat(path.c_str(), &now) == 0;
   auto& parked = Parked();
@@ -55,7 +75,7 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
       auto found = std::move(*it);
       parked.erase(it);
       found->schemaChecked_ = {};
-      found->patience_ = std::chrono::milliseconds(15000);
+      found->patience_ = kOpenPatience;
       CheckFormat(*found);
       return found;
     } else {
@@ -65,6 +85,7 @@ std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) 
 
   std::unique_ptr<Handle> handle(new Handle);
   handle->path_ = path;
+  handle->patience_ = kOpenPatience;
   handle->readOnly_ = readOnly;
   handle->device_ = now.st_dev;
   handle->inode_ = now.st_ino;
@@ -173,6 +194,10 @@ bool DiskIsFull(sqlite3* db, int code) {
 void Handle::Fail(int code, std::string_view sql) {
   const std::string what = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(code);
   const std::string file = "'" + path_ + "'";
+  const int kind = code & 0xff;
+  const bool aboutTheFile = kind == SQLITE_READONLY || kind == SQLITE_CANTOPEN || kind == SQLITE_IOERR ||
+                            kind == SQLITE_PERM || kind == SQLITE_NOTADB;
+  if (aboutTheFile && IsReplaced()) throw FileIsGone(path_);
   if (refused_) throw *std::exchange(refused_, std::nullopt);
   switch (code & 0xff) {
     case SQLITE_BUSY:
@@ -181,6 +206,11 @@ void Handle::Fail(int code, std::string_view sql) {
     case SQLITE_FULL:
       throw StoreError(kDiskFull, "Not enough space on the disk for " + file + ".");
     case SQLITE_READONLY:
+      if (code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY)
+        throw StoreError(kReadOnly,
+                         "Cannot read the data base " + file +
+                             ": a write of it was cut off and can be taken back only where it can be "
+                             "written. Copy it with its journal to a directory of your own.");
       throw StoreError(kReadOnly, "Cannot update. The data base " + file + " is read-only.");
     case SQLITE_PERM:
     case SQLITE_AUTH:

@@ -109,6 +109,7 @@ class Use {
 /// same file.
 class Handle {
  public:
+  /// Throws StoreError as Connection::Open.
   static std::unique_ptr<Handle> Acquire(const std::string& path, bool readOnly);
   static void Park(std::unique_ptr<Handle> handle);
   /// Closes the handles that wait, so that a file can be replaced.
@@ -131,12 +132,14 @@ class Handle {
   void ForgetTables();
   std::shared_ptr<const QueryPlan> Plan(const Normalized& statement);
   [[noreturn]] void Fail(int code, std::string_view sql = {});
-  /// How long to wait for another writer before the error 3188.
+  /// How long to wait for another writer before the error 3188. A commit waits for readers for a minute at
+  /// least.
   void SetPatience(std::chrono::milliseconds patience) { patience_ = patience; }
 
  private:
   friend class Use;
   Handle() = default;
+  static std::unique_ptr<Handle> FindOrOpen(const std::string& path, bool readOnly);
   static int Nap(void* self, int tries);
   std::chrono::milliseconds patience_{15000};
   std::chrono::steady_clock::time_point waitingSince_;

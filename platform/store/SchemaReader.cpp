@@ -1,9 +1,13 @@
 // What the file says of its tables, read from the catalogue of the database underneath.
 #include <algorithm>
+#include <cstdint>
+#include <map>
+#include <set>
 
 #include "platform/runtime/Text.h"
 #include "platform/store/Handle.h"
 #include "platform/store/IndexName.h"
+#include "platform/store/LockSpace.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -75,25 +79,40 @@ std::string IndexNameOf(std::string_view table, std::string_view stored) {
   return std::string(stored);
 }
 
+/// The numbers by which tables are locked follow from their names: everybody finds the same ones, whatever
+/// another tool does to the rows of the engine's catalogue.
+void NumberTables(std::vector<TableInfo>& tables) {
+  std::map<std::string, TableInfo*> byName;
+  for (TableInfo& table : tables) byName.emplace(rt::LowerCase(table.name), &table);
+  std::set<int> taken;
+  for (auto& [name, table] : byName) {
+    std::uint32_t hash = 2166136261U;  // FNV-1a
+    for (const char letter : name) hash = (hash ^ static_cast<unsigned char>(letter)) * 16777619U;
+    int number = static_cast<int>(hash % static_cast<std::uint32_t>(kLastTable)) + 1;
+    while (!taken.insert(number).second) number = number % kLastTable + 1;
+    table->number = number;
+  }
+}
+
 Schema ReadSchema(Handle& handle) {
   Schema schema;
   std::vector<std::string> definitions;
   {
-    Use tables(handle, "SELECT rowid, name, sql FROM sqlite_schema WHERE type = 'table' ORDER BY rowid");
+    Use tables(handle, "SELECT name, sql FROM sqlite_schema WHERE type = 'table' ORDER BY rowid");
     while (tables.Step()) {
-      const std::string name = tables.Text(1);
+      const std::string name = tables.Text(0);
       if (IsSystemTable(name)) continue;
       TableInfo table;
       table.name = name;
-      table.number = static_cast<int>(tables.Int64(0));
       schema.tables.push_back(std::move(table));
-      definitions.push_back(tables.Text(2));
+      definitions.push_back(tables.Text(1));
     }
   }
   for (std::size_t i = 0; i < schema.tables.size(); ++i) {
     ReadColumns(handle, schema.tables[i], definitions[i]);
     ReadIndexes(handle, schema.tables[i]);
   }
+  NumberTables(schema.tables);
   return schema;
 }
 

@@ -2,6 +2,7 @@
 #include "platform/store/SideFile.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@
 #include <string_view>
 #include <thread>
 
+#include "platform/store/FileFormat.h"
 #include "platform/store/Rights.h"
 #include "platform/store/SideFileState.h"
 #include "platform/store/StoreError.h"
@@ -57,12 +59,13 @@ StoreError Refusal(const std::string& dataFile, Share wanted, const std::vector<
   return {wantedShared ? kOpenedExclusively : kFileInUse, text + "."};
 }
 
+/// -1 where it cannot be opened.
 int OpenSideFile(const std::string& path, const std::string& dataFile) {
   // In a directory with the sticky bit the kernel may refuse to "create" a file of another user that is there
   // already.
   int fd = open(path.c_str(), O_RDWR | O_CLOEXEC);
   if (fd < 0 && errno == ENOENT) fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (fd < 0) throw CannotMake(dataFile, errno);
+  if (fd < 0) return fd;
   // Whoever may write the data file must be able to write its side file, whatever this process's mask says.
   // Where its group is not this user's to give, whoever is refused hears what helps.
   struct stat data {};
@@ -86,15 +89,33 @@ std::string SideFile::PathFor(const std::string& dataFile) {
   return std::filesystem::path(dataFile).replace_extension(".LDB").string();
 }
 
+std::optional<FileId> IdOf(const std::string& path) {
+  struct stat found {};
+  if (stat(path.c_str(), &found) != 0) return std::nullopt;
+  return FileId{found.st_dev, found.st_ino};
+}
+
 std::unique_ptr<SideFile> SideFile::Enter(const std::string& dataFile, Share share,
-                                          const std::string& computer, const std::string& user) {
+                                          const std::string& computer, const std::string& user,
+                                          bool onlyReads) {
   const std::string path = std::filesystem::absolute(PathFor(dataFile)).string();
   std::vector<RosterEntry> inside;
   for (int attempt = 0; attempt < kEntryTries; ++attempt) {
     std::unique_ptr<SideFile> side(new SideFile);
     side->path_ = path;
+    side->dataFile_ = dataFile;
+    side->computer_ = computer;
+    side->user_ = user;
+    side->data_ = IdOf(dataFile);
     side->share_ = share;
     side->fd_ = OpenSideFile(path, dataFile);
+    if (side->fd_ < 0) {
+      const int error = errno;
+      if (!onlyReads || share == Share::Exclusive || (error != EACCES && error != EROFS && error != EPERM))
+        throw CannotMake(dataFile, error);
+      if (!side->Watch()) throw Refusal(dataFile, share, {});
+      return side;
+    }
     side->state_ = std::make_unique<State>(side->fd_);
     if (!side->TryShare()) {
       inside = side->Roster();
@@ -115,7 +136,54 @@ std::unique_ptr<SideFile> SideFile::Enter(const std::string& dataFile, Share sha
   throw Refusal(dataFile, share, inside);
 }
 
+// A roster of its own, which nobody else sees; and a look at that of the others, where there is one. False
+// where one of them has the file to himself.
+bool SideFile::Watch() {
+  watch_ = open(path_.c_str(), O_RDONLY | O_CLOEXEC);
+  if (watch_ >= 0 && !LockSpace(watch_).TryLockForReading(kShareByte)) return false;
+  path_.clear();
+  fd_ = memfd_create("roster", MFD_CLOEXEC);
+  if (fd_ < 0) throw CannotMake(dataFile_, errno);
+  state_ = std::make_unique<State>(fd_);
+  TakeSlot(dataFile_, computer_, user_);
+  return true;
+}
+
+void SideFile::Renew() {
+  if (path_.empty()) return;
+  if (data_ && IdOf(dataFile_) != data_) throw FileIsGone(dataFile_);
+  if (!IsCurrent()) {
+    std::unique_ptr<SideFile> fresh;
+    try {
+      fresh = Enter(dataFile_, share_, computer_, user_);
+    } catch (const StoreError& error) {
+      if (error.Number() != kFileInUse && error.Number() != kOpenedExclusively) throw;
+      throw StoreError(kCannotStart,
+                       "The side file of '" + dataFile_ +
+                           "' was removed while people were in, and others have come since. Close "
+                           "the file and open it again. (" +
+                           error.what() + ")");
+    }
+    const bool held = state_->HoldsAny();
+    State& kept = *fresh->state_;
+    kept.edits = std::move(state_->edits);
+    kept.transactions = std::move(state_->transactions);
+    kept.tables = std::move(state_->tables);
+    kept.lost = held;
+    std::swap(state_, fresh->state_);
+    std::swap(fd_, fresh->fd_);
+    std::swap(slot_, fresh->slot_);
+  }
+  if (state_->lost && !state_->HoldsAny()) state_->lost = false;
+  if (state_->lost)
+    throw StoreError(kDataChanged,
+                     "The side file of '" + dataFile_ +
+                         "' was removed while you were changing records; others may have changed them "
+                         "since. Cancel the change, look at the records and make it again.");
+}
+
 SideFile::~SideFile() {
+  if (watch_ >= 0) close(watch_);
   if (fd_ < 0) return;
   if (state_) {
     const LockSpace& locks = state_->locks;
@@ -142,9 +210,7 @@ bool SideFile::TryShare() const {
 
 bool SideFile::IsCurrent() const {
   struct stat open {};
-  struct stat named {};
-  return fstat(fd_, &open) == 0 && stat(path_.c_str(), &named) == 0 && open.st_dev == named.st_dev &&
-         open.st_ino == named.st_ino;
+  return fstat(fd_, &open) == 0 && IdOf(path_) == FileId{open.st_dev, open.st_ino};
 }
 
 void SideFile::TakeSlot(const std::string& dataFile, const std::string& computer, const std::string& user) {

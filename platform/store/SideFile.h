@@ -42,6 +42,15 @@ struct HeldRecord {
   Holder holder;
 };
 
+/// What tells a file from another one that gets its name.
+struct FileId {
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;
+  bool operator==(const FileId&) const = default;
+};
+/// Nothing where no file of that name can be reached.
+std::optional<FileId> IdOf(const std::string& path);
+
 /// One open of a data file, with a slot in the roster and the records that this open holds. An object of this
 /// class is one lock owner: two of them in one process conflict as two machines do. Not for use from several
 /// threads.
@@ -50,14 +59,23 @@ class SideFile {
   /// Joins the users of `dataFile`. Throws StoreError 3045 when `share` is Exclusive and others are in, 3356
   /// when another has it exclusively, 3044 when the directory is gone, 3051 when the side file cannot be made
   /// or written (3026 for a full disk), and 3045 when all 255 slots are taken.
+  /// Who only reads, where no side file can be made or written, is in no roster and holds nothing; he keeps
+  /// out those who want the file to themselves if there is a side file that he can read.
   static std::unique_ptr<SideFile> Enter(const std::string& dataFile, Share share,
-                                         const std::string& computer, const std::string& user);
+                                         const std::string& computer, const std::string& user,
+                                         bool onlyReads = false);
   /// The side file's path: the data file's with the ending ".LDB" instead of its own.
   static std::string PathFor(const std::string& dataFile);
   /// Leaves; the last one out removes the side file.
   ~SideFile();
   SideFile(const SideFile&) = delete;
   SideFile& operator=(const SideFile&) = delete;
+
+  /// Makes sure that the others still meet in this side file; to be called when a write begins. If somebody
+  /// has removed it, enters the new one. Throws StoreError 3044 when the data file is gone or replaced, 3197
+  /// as long as records are held that others may have taken in the new side file, 3051 when others are in it
+  /// who leave no room for this sharing.
+  void Renew();
 
   int Slot() const { return slot_; }
   Share Sharing() const { return share_; }
@@ -92,12 +110,13 @@ class SideFile {
 
   /// The slots that are locked by a living process, in slot order.
   std::vector<RosterEntry> Roster() const;
-  /// All records that others hold in tables 1 to `lastTable`.
-  std::vector<HeldRecord> HeldByOthers(int lastTable) const;
+  /// All records of these tables that others hold.
+  std::vector<HeldRecord> HeldByOthers(const std::vector<int>& tables) const;
 
  private:
   SideFile() = default;
   bool TryShare() const;
+  bool Watch();
   bool IsCurrent() const;
   void TakeSlot(const std::string& dataFile, const std::string& computer, const std::string& user);
   /// 0, or the system's error number.
@@ -105,8 +124,13 @@ class SideFile {
   RosterEntry ReadSlot(int slot) const;
   Holder HolderOf(const Conflict& conflict) const;
 
-  std::string path_;
+  std::string path_;  ///< empty for one who is in no roster
+  std::string dataFile_;
+  std::string computer_;
+  std::string user_;
+  std::optional<FileId> data_;  ///< the data file at the entry, if there was one
   int fd_ = -1;
+  int watch_ = -1;  ///< the side file of the others, for one who is in no roster
   int slot_ = -1;
   Share share_ = Share::Shared;
   struct State;

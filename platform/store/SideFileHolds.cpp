@@ -125,6 +125,7 @@ bool SideFile::Take(Hold hold, int table, std::int64_t row, Holder* refused) {
     ++held->second;
     return true;
   }
+  if (share_ == Share::Shared) Renew();
   const bool covered = state_->Covers(record);
   if (share_ == Share::Shared && !(covered && hold == Hold::Transaction)) {
     const bool own = covered || state_->CountsOf(Other(hold)).contains(record);
@@ -169,6 +170,7 @@ std::vector<HeldRecord> SideFile::TakeTable(int table) {
     state.tables[table].clear();
     return {};
   }
+  Renew();
   // A record in somebody's edit is left out, so that its owner can write it. The others are looked for here
   // only because finding them first takes fewer calls than being refused by each.
   std::map<std::int64_t, Conflict> known = state.Foreign(Hold::Transaction, table);
@@ -242,10 +244,10 @@ void SideFile::Narrow(const std::map<int, std::vector<std::int64_t>>& rowsByTabl
   for (const auto& [table, leftOut] : held) state_->KeepOnly(table, state_->SingleRows(table));
 }
 
-std::vector<HeldRecord> SideFile::HeldByOthers(int lastTable) const {
+std::vector<HeldRecord> SideFile::HeldByOthers(const std::vector<int>& tables) const {
   std::vector<HeldRecord> records;
   if (share_ == Share::Exclusive) return records;
-  for (int table = 1; table <= std::min(lastTable, kLastTable); ++table) {
+  for (const int table : tables) {
     bool wholeGiven = false;
     for (const Hold hold : {Hold::Transaction, Hold::Edit}) {
       for (const Conflict& held : state_->locks.FindAll(WholeTable(hold, table))) {

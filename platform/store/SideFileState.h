@@ -38,7 +38,11 @@ struct SideFile::State {
   /// What others hold of the table in this way, by its first row.
   std::map<std::int64_t, Conflict> Foreign(Hold hold, int table) const;
 
+  bool HoldsAny() const { return !edits.empty() || !transactions.empty() || !tables.empty(); }
+
   LockSpace locks;
+  /// What is held was held in a side file that somebody has removed; others may have had it since.
+  bool lost = false;
   Counts edits;
   Counts transactions;
   /// The tables held as a whole, each with the rows that were left out for others.

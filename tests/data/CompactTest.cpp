@@ -81,7 +81,7 @@ TEST_F(CompactTest, AFailureLeavesTheFirstFileAndNoCopy) {
 
   WriteBytes(path, "Dear Anna,\nplease fill in.\n");
   const test::TempDirectory folder;
-  user_->ExpectPart("Error #3343.\n", Icon::Critical);
+  user_->ExpectPart("Error #3049.\n", Icon::Critical);
   EXPECT_THROW(CompactDatabase(path, folder.Path()), ApplicationEnd);
   EXPECT_TRUE(user_->Shown().back().text.ends_with("\n\nApplication terminated."));
   EXPECT_EQ(BytesOf(path), "Dear Anna,\nplease fill in.\n");

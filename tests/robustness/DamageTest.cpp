@@ -265,18 +265,19 @@ TEST_F(DamagedFile, FilesThatAreNotOursAreToldApartAndLeftAlone) {
     std::string words;
   };
   const Case cases[] = {
-      {"DW.MDB", "Dear Anna,\nplease fill in.\n", "3343", "': it is not a data file."},
-      {"DW.MDB", std::string(20000, 'a'), "3343", "': it is not a data file."},
-      {"DW.MDB", otherHead, "3343", "': it is not a data file."},
-      {"DW.MDB", std::string(8192, '\0'), "3343", "': it is not a data file."},
-      {"DW.MDB", "", "3343", "': the file is empty."},
-      {"DW.MDB", foreign, "3343", "': it belongs to another program."},
-      {"DW.MDB", foreignLog, "3343", "': it belongs to another program."},
-      {"DW.MDB", log, "3343", "': it is damaged (its first page names a way of writing that is not in use)."},
-      {"DW.MDB", later, "3343", "': it was made by a later version of this program."},
+      {"DW.MDB", "Dear Anna,\nplease fill in.\n", "3049", "': it is not a data file."},
+      {"DW.MDB", std::string(20000, 'a'), "3049", "': it is not a data file."},
+      {"DW.MDB", otherHead, "3343", "': it is damaged (its first bytes are not those of a data file)."},
+      {"DW.MDB", std::string(8192, '\0'), "3049", "': it is not a data file."},
+      {"DW.MDB", "", "3049", "': the file is empty."},
+      {"DW.MDB", foreign, "3049", "': it belongs to another program."},
+      {"DW.MDB", foreignLog, "3049", "': it belongs to another program."},
+      {"DW.MDB", log, "3051", "PRAGMA journal_mode = DELETE'."},
+      {"DW.MDB", later, "3041",
+       "': it was made by a later version of this program. Use that version on this workstation too."},
       // Its own side file would be written over it.
-      {"DW.LDB", "Dear Anna,\nplease fill in.\n", "3343", "': the ending .LDB is that of side files."},
-      {"DW.LDB", whole_, "3343", "': the ending .LDB is that of side files."},
+      {"DW.LDB", "Dear Anna,\nplease fill in.\n", "3049", "': the ending .LDB is that of side files."},
+      {"DW.LDB", whole_, "3049", "': the ending .LDB is that of side files."},
   };
   for (const Case& c : cases) {
     const test::TempDirectory directory;

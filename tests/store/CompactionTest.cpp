@@ -2,13 +2,13 @@
 #include "platform/store/Compaction.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "platform/store/Connection.h"
+#include "store/OtherTool.h"
 #include "support/SecondProcess.h"
 #include "support/SmallFile.h"
 #include "support/TempDirectory.h"
@@ -16,6 +16,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using test::OtherTool;
 using test::SecondProcess;
 
 class CompactionTest : public testing::Test {
@@ -43,28 +44,6 @@ class CompactionTest : public testing::Test {
 
   test::TempDirectory directory_;
   std::string path_ = directory_.Path("DW.MDB");
-};
-
-/// A tool that knows nothing of side files and runs each line that it hears.
-class OtherTool {
- public:
-  explicit OtherTool(const std::string& path)
-      : process_([path](SecondProcess::Channel& channel) {
-          sqlite3* db = nullptr;
-          sqlite3_open(path.c_str(), &db);
-          for (;;) {
-            const std::string sql = channel.Hear();
-            sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr);
-            channel.Say(sqlite3_errmsg(db));
-          }
-        }) {}
-  std::string Run(const std::string& sql) {
-    process_.Talk().Say(sql);
-    return process_.Talk().Hear();
-  }
-
- private:
-  SecondProcess process_;
 };
 
 TEST_F(CompactionTest, AnotherToolsOpenWriteIsNotLost) {

@@ -171,14 +171,14 @@ TEST_P(RecordLockTest, NarrowingKeepsTheNamedRecordsAndTheSingleOnes) {
   mine->ReleaseTransaction();
   EXPECT_EQ(other.Ask("edit 1 6"), "yes");
   EXPECT_EQ(other.Ask("transact 3 6"), "yes");
-  const std::string held = Text(mine->HeldByOthers(3));
+  const std::string held = Text(mine->HeldByOthers({1, 2, 3}));
   const std::string end =
       "2/0 ADMIN@OFFICE transaction table; 3/6 ADMIN@OFFICE transaction; 3/5 ADMIN@OFFICE edit; ";
   ASSERT_GT(held.size(), end.size());
   EXPECT_EQ(held.substr(held.size() - end.size()), end);
-  EXPECT_EQ(Text(mine->HeldByOthers(1)) + end, held);
+  EXPECT_EQ(Text(mine->HeldByOthers({1})) + end, held);
   other.Kill();
-  EXPECT_EQ(Text(mine->HeldByOthers(3)), "");
+  EXPECT_EQ(Text(mine->HeldByOthers({1, 2, 3})), "");
 }
 
 /// Each process notes in shared memory that it holds a record and looks whether another does.

@@ -131,7 +131,7 @@ TEST_F(SideFileTest, AFullRosterRefusesAndItsLastSlotLeavesNeighbouringRecordsAl
   for (const std::int64_t row : {9, 13}) EXPECT_EQ(Take(*owners[100], Hold::Edit, 1, row), "yes");
   last.Release(Hold::Edit, 1, 11);
   EXPECT_EQ(Take(*owners[0], Hold::Edit, 1, 11), "yes");
-  EXPECT_EQ(Text(owners[5]->HeldByOthers(1)),
+  EXPECT_EQ(Text(owners[5]->HeldByOthers({1})),
             "1/9 U100@HERE edit; 1/10 U254@HERE edit; 1/11 U0@HERE edit; 1/12 U254@HERE edit; "
             "1/13 U100@HERE edit; ");
   owners[7].reset();

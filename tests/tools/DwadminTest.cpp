@@ -293,7 +293,7 @@ TEST_F(DwadminTest, MissingAndDamagedFilesAreToldAndLeftAsTheyAre) {
   fs::remove(Path("DW_SANDS.MDB"));
   const Outcome check = Run({"check"});
   EXPECT_EQ(check.code, 1);
-  EXPECT_TRUE(Has(check.out, "DW_LISTS.MDB, integrity: Error # 3343: ")) << check.out;
+  EXPECT_TRUE(Has(check.out, "DW_LISTS.MDB, integrity: Error # 3049: ")) << check.out;
   EXPECT_TRUE(Has(check.out, "DW_SANDS.MDB, structure: the file is missing\n")) << check.out;
   EXPECT_TRUE(Has(check.out, "\n2 differences.\n"));
 
@@ -308,7 +308,7 @@ TEST_F(DwadminTest, MissingAndDamagedFilesAreToldAndLeftAsTheyAre) {
 
   std::ofstream(Path("DW.MDB"), std::ios::binary) << rubbish;
   EXPECT_EQ(RunAsAdmin({"post"}).code, 2);
-  EXPECT_TRUE(Has(Run({"costs", "--all"}).error, "Error # 3343: "));
+  EXPECT_TRUE(Has(Run({"costs", "--all"}).error, "Error # 3049: "));
   EXPECT_EQ(OpenSessions(), 0);
   std::ofstream(Path("DW_USERS.MDB"), std::ios::binary) << rubbish;
   EXPECT_EQ(RunAsAdmin({"post"}).code, 1);

@@ -27,9 +27,9 @@ void Read(const std::string& file, ResultTable& users, ResultTable& held) {
     if (entry.slot != side.Slot()) users.rows.push_back({file, entry.computer, entry.user, false});
   }
   const auto schema = connection->Tables();
-  int lastTable = 0;
-  for (const store::TableInfo& table : schema->tables) lastTable = std::max(lastTable, table.number);
-  for (const store::HeldRecord& record : side.HeldByOthers(lastTable)) {
+  std::vector<int> numbers;
+  for (const store::TableInfo& table : schema->tables) numbers.push_back(table.number);
+  for (const store::HeldRecord& record : side.HeldByOthers(numbers)) {
     const auto table =
         std::find_if(schema->tables.begin(), schema->tables.end(),
                      [&](const store::TableInfo& info) { return info.number == record.table; });
