@@ -121,6 +121,7 @@ class DataGrid : public QTableView {
   std::vector<bool> widthIsTheUsers_;
   std::vector<std::string> fittedFields_;
   QString sought_;
+  QString notFound_;  ///< the shortest text of this search that no row begins with
   QTimer soughtFor_;
   QLabel* soughtShown_ = nullptr;
 };

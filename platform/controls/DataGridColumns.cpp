@@ -126,7 +126,10 @@ void DataGrid::Seek(const QString& typed) {
   sought_ += typed;
   if (sought_.isEmpty()) return EndSeek();
   bool found = false;
-  Guard([&] { found = FindText(sought_.toStdString()); });
+  // What begins with nothing in the list does so with every key that is added.
+  if (notFound_.isEmpty() || !sought_.startsWith(notFound_)) {
+    Guard([&] { found = FindText(sought_.toStdString()); });
+  }
   ShowSought(found, SearchColumn());
   // From the end of the search on, which may take a moment on a long list.
   soughtFor_.start();
@@ -135,6 +138,7 @@ void DataGrid::Seek(const QString& typed) {
 void DataGrid::EndSeek() {
   soughtFor_.stop();
   sought_.clear();
+  notFound_.clear();
   if (soughtShown_) soughtShown_->hide();
 }
 
@@ -171,10 +175,11 @@ bool DataGrid::FindText(const std::string& text) {
   const screen::Hourglass pointer;
   std::optional<std::int64_t> found;
   if (source_->CanSort() && !at.info.table.empty()) {
-    const std::string condition = BeginsWith(at.info, text);
-    if (condition.empty()) return false;
+    const Beginning beginning(at.info, text);
+    if (!beginning.Possible()) return false;
     try {
-      found = FirstRowWhere(*source_, condition);
+      found = FirstRowThatBegins(*source_, at.info, beginning);
+      notFound_ = found ? QString() : QString::fromStdString(text);
     } catch (const ado::Error& error) {
       source_->Fail(error.Number(), error.what());
       return false;

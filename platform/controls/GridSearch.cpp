@@ -1,9 +1,10 @@
 #include "platform/controls/GridSearch.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <vector>
+#include <cstdio>
+#include <functional>
+#include <map>
 
 #include "platform/controls/QueryText.h"
 #include "platform/runtime/Text.h"
@@ -11,163 +12,202 @@
 namespace ui {
 namespace {
 
-using store::ColumnType;
+using std::chrono::year_month_day;
 
-std::string Quoted(const std::string& text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? "''" : std::string(1, c);
-  return quoted + "'";
-}
+/// In longer lists a row that is not where its value belongs is not looked for in the whole file.
+constexpr std::int64_t kShortList = 100'000;
+constexpr std::size_t kMostRowsRead = 2000;
 
-std::string Or(const std::vector<std::string>& conditions) {
-  std::string all;
-  for (const auto& one : conditions) all += (all.empty() ? "" : " OR ") + one;
-  return all;
-}
+/// The classes in which the store orders values of different kinds: Null, numbers, texts, pictures.
+enum class Rank { Null, Number, Text, Other };
 
-// A range, unlike a pattern, can use an index. The store itself passes over the case of A to Z; the case of
-// other letters is covered by asking for both.
-std::string TextBegins(const std::string& column, const std::string& typed) {
-  static const std::string kLastCharacter = "\xF4\x8F\xBF\xBF";
-  std::vector<std::string> forms{typed};
-  for (const auto& form : {rt::UpperCase(typed), rt::LowerCase(typed)}) {
-    const bool known = std::any_of(forms.begin(), forms.end(),
-                                   [&](const std::string& other) { return rt::EqualNoCase(form, other); });
-    if (!known) forms.push_back(form);
+Rank RankOf(const rt::Value& value) {
+  switch (value.Type()) {
+    case rt::ValueType::Null:
+      return Rank::Null;
+    case rt::ValueType::Text:
+    case rt::ValueType::Date:
+      return Rank::Text;
+    case rt::ValueType::Binary:
+      return Rank::Other;
+    default:
+      return Rank::Number;
   }
-  std::vector<std::string> ranges;
-  ranges.reserve(forms.size());
-  for (const auto& form : forms)
-    ranges.push_back(column + " BETWEEN " + Quoted(form) + " AND " + Quoted(form + kLastCharacter));
-  return Or(ranges);
 }
 
-bool AllDigits(const std::string& text) { return text.find_first_not_of("0123456789") == std::string::npos; }
+double NumberOf(const rt::Value& value) {
+  return value.Type() == rt::ValueType::Boolean ? (value.AsBoolean() ? 1 : 0) : value.AsDouble();
+}
 
-/// The whole number with one added, as digits.
-std::string NextNumber(std::string digits) {
-  for (auto at = digits.size(); at > 0; --at) {
-    if (digits[at - 1] != '9') {
-      ++digits[at - 1];
-      return digits;
+/// A text as text columns compare it: without regard to the case of A to Z.
+std::string Folded(std::string text) {
+  for (char& c : text)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return text;
+}
+
+/// Below zero, zero or above: as the value is below, at or above a bound of a span.
+int Compare(const rt::Value& value, const std::string& bound, Rank rank) {
+  if (RankOf(value) != rank) return RankOf(value) < rank ? -1 : 1;
+  if (rank == Rank::Text) return Folded(value.AsText()).compare(Folded(bound));
+  double limit = 0;
+  std::from_chars(bound.data(), bound.data() + bound.size(), limit);
+  const double number = NumberOf(value);
+  return number < limit ? -1 : number > limit ? 1 : 0;
+}
+
+bool IsBelow(const rt::Value& value, const Beginning::Span& span, Rank rank) {
+  if (span.low.empty()) return RankOf(value) < rank;
+  const int order = Compare(value, span.low, rank);
+  return order < 0 || (order == 0 && !span.withLow);
+}
+
+bool IsAbove(const rt::Value& value, const Beginning::Span& span, Rank rank) {
+  if (span.high.empty()) return RankOf(value) > rank;
+  const int order = Compare(value, span.high, rank);
+  return order > 0 || (order == 0 && !span.withHigh);
+}
+
+year_month_day DayOf(const rt::Value& value) {
+  const rt::DateTime date = value.AsDate();
+  return {std::chrono::year(date.Year()), std::chrono::month(static_cast<unsigned>(date.Month())),
+          std::chrono::day(static_cast<unsigned>(date.Day()))};
+}
+
+/// A list that is in the order of one of its fields.
+class OrderedRows {
+ public:
+  /// What a search found: `known` says whether it could be made at all.
+  struct Answer {
+    bool known = false;
+    std::optional<std::int64_t> row;
+  };
+
+  OrderedRows(ado::Recordset& rows, int field, bool descending)
+      : rows_(rows), field_(field), descending_(descending), count_(rows.RecordCount()) {}
+
+  Answer Find(const Beginning& beginning, store::ColumnType type) {
+    const store::Reading reading(rows_.ActiveConnection()->Store());
+    try {
+      return {true, type == store::ColumnType::DateTime ? FindDay(beginning.Dates())
+                                                        : FindSpan(beginning.Spans(), type)};
+    } catch (const GaveUp&) {
+      return {};
     }
-    digits[at - 1] = '0';
   }
-  return "1" + digits;
-}
 
-// 12 begins 12, 120 to 129, 1200 to 1299 and so on, each with its decimals; 12.3 begins 12.3 to below 12.4.
-std::string NumberBegins(const std::string& column, const std::string& typed, bool single) {
-  static constexpr std::size_t kMostDigits = 15;
-  std::string digits;
-  for (const char c : typed)
-    if (c != '$' && c != ',' && c != '(' && c != ')' && c != ' ') digits += c;
-  const bool negative = typed.find('(') != std::string::npos || digits.starts_with('-');
-  if (digits.starts_with('-')) digits.erase(0, 1);
-  const auto point = digits.find('.');
-  std::string whole = digits.substr(0, point);
-  const std::string decimals = point == std::string::npos ? "" : digits.substr(point + 1);
-  if (!AllDigits(whole) || !AllDigits(decimals)) return {};
-  if (whole.empty() && point == std::string::npos) return negative ? column + " < 0" : "";
-  if (whole.empty()) whole = "0";
-  if (whole.size() + decimals.size() > kMostDigits || (whole.size() > 1 && whole[0] == '0')) return {};
+ private:
+  struct GaveUp {};
 
-  // A Single may stand a little beside the decimal number that it shows.
-  const auto bound = [&](const std::string& number) {
-    double exact = 0;
-    std::from_chars(number.data(), number.data() + number.size(), exact);
-    if (!single || exact == 0) return number;
-    std::array<char, 64> text{};
-    const double lower = exact - std::max(1e-6, exact * 1e-7);
-    const auto end =
-        std::to_chars(text.data(), text.data() + text.size(), lower, std::chars_format::fixed, 7).ptr;
-    return std::string(text.data(), end);
-  };
-  std::vector<std::string> ranges;
-  const auto add = [&](const std::string& low, const std::string& high) {
-    const std::string from = bound(low);
-    const std::string below = bound(high);
-    ranges.push_back(negative ? "(" + column + " <= -" + from + " AND " + column + " > -" + below + ")"
-                              : "(" + column + " >= " + from + " AND " + column + " < " + below + ")");
-  };
-  if (point != std::string::npos) {
-    const std::string next = NextNumber(whole + decimals);
-    const auto split = next.size() - decimals.size();
-    add(whole + "." + decimals + "0", next.substr(0, split) + "." + next.substr(split) + "0");
-    return ranges[0];
+  /// The value in a row; empty where another user has deleted it.
+  const std::optional<rt::Value>& At(std::int64_t row) {
+    const auto known = values_.find(row);
+    if (known != values_.end()) return known->second;
+    if (values_.size() >= kMostRowsRead) throw GaveUp();
+    std::optional<rt::Value> value;
+    try {
+      rows_.Cursor().MoveTo(row);
+      value = rows_.Get(field_);
+    } catch (const ado::Error& error) {
+      if (error.Native() != store::kRecordDeleted) throw;
+    }
+    return values_.emplace(row, std::move(value)).first->second;
   }
-  const std::string next = NextNumber(whole);
-  for (std::string zeros; whole.size() + zeros.size() <= kMostDigits; zeros += '0') {
-    add(whole + zeros + ".0", next + zeros + ".0");
-    if (whole == "0") break;
+
+  std::int64_t SkipDeleted(std::int64_t row, std::int64_t end) {
+    while (row < end && !At(row)) ++row;
+    return row;
   }
-  return Or(ranges);
-}
 
-/// The numbers up to `most` whose digits begin with these; a leading zero stands for the number behind it.
-std::string OneOf(const std::string& expression, const std::string& digits, int most, bool begun) {
-  std::string list;
-  for (int number = 1; number <= most; ++number) {
-    const std::string text = std::to_string(number);
-    const std::string padded = text.size() < 2 ? "0" + text : text;
-    const bool fits =
-        begun ? text.starts_with(digits) || padded.starts_with(digits) : text == digits || padded == digits;
-    if (fits) list += (list.empty() ? "" : ", ") + text;
+  /// The first row from `begin` on that does not come before what is sought; the number of rows for none.
+  std::int64_t FirstNot(std::int64_t begin, const std::function<bool(const rt::Value&)>& comesBefore) {
+    std::int64_t end = count_;
+    while (begin < end) {
+      const std::int64_t middle = begin + (end - begin) / 2;
+      const std::int64_t row = SkipDeleted(middle, end);
+      if (row == end || !comesBefore(*At(row)))
+        end = middle;
+      else
+        begin = row + 1;
+    }
+    return SkipDeleted(begin, count_);
   }
-  return list.empty() ? "" : expression + " IN (" + list + ")";
-}
 
-std::string YearBegins(const std::string& column, const std::string& digits) {
-  static constexpr std::size_t kYearDigits = 4;
-  if (digits.size() > kYearDigits) return {};
-  const std::string zeros(kYearDigits - digits.size(), '0');
-  const std::string nines(kYearDigits - digits.size(), '9');
-  return "YEAR(" + column + ") BETWEEN " + digits + zeros + " AND " + digits + nines;
-}
-
-std::string DateBegins(const std::string& column, const std::string& typed) {
-  std::vector<std::string> parts{""};
-  for (const char c : typed) {
-    if (c == '/' || c == '-')
-      parts.emplace_back();
-    else
-      parts.back() += c;
+  std::optional<std::int64_t> FindSpan(const std::vector<Beginning::Span>& spans, store::ColumnType type) {
+    const bool text = type == store::ColumnType::Text || type == store::ColumnType::Memo;
+    const Rank rank = text ? Rank::Text : Rank::Number;
+    std::optional<std::int64_t> first;
+    for (const auto& span : spans) {
+      const std::int64_t row = FirstNot(0, [&](const rt::Value& value) {
+        return descending_ ? IsAbove(value, span, rank) : IsBelow(value, span, rank);
+      });
+      if (row == count_ || (first && *first <= row)) continue;
+      const rt::Value& value = *At(row);
+      if (!IsBelow(value, span, rank) && !IsAbove(value, span, rank)) first = row;
+    }
+    return first;
   }
-  if (parts.size() > 3 || !std::all_of(parts.begin(), parts.end(), AllDigits) || parts[0].empty()) return {};
-  std::string condition = OneOf("MONTH(" + column + ")", parts[0], 12, parts.size() == 1);
-  if (condition.empty() || parts.size() == 1 || (parts.size() == 2 && parts[1].empty())) return condition;
-  const std::string day = OneOf("DAY(" + column + ")", parts[1], 31, parts.size() == 2);
-  if (day.empty()) return {};
-  condition += " AND " + day;
-  if (parts.size() == 2 || parts[2].empty()) return condition;
-  const std::string year = YearBegins(column, parts[2]);
-  return year.empty() ? "" : condition + " AND " + year;
-}
 
-std::string FlagBegins(const std::string& column, const std::string& typed) {
-  for (const std::string word : {"Yes", "No"})
-    if (rt::EqualNoCase(word.substr(0, typed.size()), typed) && typed.size() <= word.size())
-      return column + (word == "Yes" ? " = TRUE" : " = FALSE");
-  return {};
+  // From a day that does not fit the search goes on at the next one that would.
+  std::optional<std::int64_t> FindDay(const Beginning::Days& days) {
+    const auto comesBefore = [&](const rt::Value& value, year_month_day wanted) {
+      if (value.Type() != rt::ValueType::Date) {
+        if (RankOf(value) == Rank::Text) throw GaveUp();  // no date, and so in no place of a date
+        return (RankOf(value) < Rank::Text) != descending_;
+      }
+      return descending_ ? DayOf(value) > wanted : DayOf(value) < wanted;
+    };
+    constexpr year_month_day kFirst{std::chrono::year(0), std::chrono::January, std::chrono::day(1)};
+    constexpr year_month_day kLast{std::chrono::year(9999), std::chrono::December, std::chrono::day(31)};
+    year_month_day wanted = days.Nearest(
+        descending_ ? std::min(kLast, {std::chrono::year(days.lastYear), kLast.month(), kLast.day()})
+                    : std::max(kFirst, {std::chrono::year(days.firstYear), kFirst.month(), kFirst.day()}),
+        descending_);
+    for (std::int64_t row = 0; wanted.ok();) {
+      row = FirstNot(row, [&](const rt::Value& value) { return comesBefore(value, wanted); });
+      if (row == count_ || At(row)->Type() != rt::ValueType::Date) return std::nullopt;
+      const year_month_day there = DayOf(*At(row));
+      if (days.Hold(there)) return row;
+      wanted = days.Nearest(there, descending_);
+    }
+    return std::nullopt;
+  }
+
+  ado::Recordset& rows_;
+  int field_;
+  bool descending_;
+  std::int64_t count_;
+  std::map<std::int64_t, std::optional<rt::Value>> values_;
+};
+
+/// Whether the list is in descending order of the field; empty where it is in no order of it.
+std::optional<bool> Descends(Adodc& source, const store::FieldInfo& field) {
+  if (source.Sorted())
+    return source.SortedBy(field) ? std::optional<bool>(!source.SortsAscending()) : std::nullopt;
+  const QueryText query(source.Query());
+  const auto columns = query.OrderColumns();
+  if (columns.empty()) return std::nullopt;
+  const std::string& first = columns.front();
+  const auto is = [&](const std::string& name) { return rt::EqualNoCase(first, name); };
+  if (!is(ColumnReference(field)) && !is("[" + field.column + "]") && !is(field.column)) return std::nullopt;
+  return query.FirstDescends();
 }
 
 }  // namespace
 
-std::string BeginsWith(const store::FieldInfo& field, const std::string& typed) {
-  const std::string column = ColumnReference(field);
-  switch (field.type) {
-    case ColumnType::Text:
-    case ColumnType::Memo:
-      return TextBegins(column, typed);
-    case ColumnType::DateTime:
-      return DateBegins(column, typed);
-    case ColumnType::Boolean:
-      return FlagBegins(column, typed);
-    case ColumnType::LongBinary:
-      return {};
-    default:
-      return NumberBegins(column, typed, field.type == ColumnType::Single);
+std::optional<std::int64_t> FirstRowThatBegins(Adodc& source, const store::FieldInfo& field,
+                                               const Beginning& beginning) {
+  const auto& rows = source.Recordset();
+  if (!rows || !beginning.Possible()) return std::nullopt;
+  if (const auto descends = Descends(source, field)) {
+    const std::int64_t place = rows->Cursor().Position();
+    const std::string name = field.table.empty() ? field.name : field.table + "." + field.column;
+    OrderedRows ordered(*rows, rows->FieldIndex(name), *descends);
+    const auto answer = ordered.Find(beginning, field.type);
+    rows->Cursor().MoveTo(place);
+    if (answer.known && (answer.row || rows->RecordCount() > kShortList)) return answer.row;
   }
+  return FirstRowWhere(source, beginning.Condition());
 }
 
 std::optional<std::int64_t> FirstRowWhere(Adodc& source, const std::string& condition) {

@@ -1,5 +1,6 @@
 #include "platform/controls/QueryText.h"
 
+#include <algorithm>
 #include <cctype>
 #include <functional>
 #include <string_view>
@@ -116,6 +117,14 @@ std::vector<std::string> QueryText::OrderColumns() const {
   });
   add(orderBy.size());
   return columns;
+}
+
+bool QueryText::FirstDescends() const {
+  std::size_t end = orderBy.size();
+  ForEachWord(orderBy, [&](std::size_t at, std::string_view word) {
+    if (word == ",") end = std::min(end, at);
+  });
+  return Ends(rt::Trim(orderBy.substr(0, end)), "DESC");
 }
 
 std::string ColumnReference(const store::FieldInfo& field) {

@@ -24,6 +24,8 @@ struct QueryText {
   std::string First(int count, const std::string& condition) const;
   /// The columns of the order, as they are written, without ASC and DESC.
   std::vector<std::string> OrderColumns() const;
+  /// Whether the first column of the order is descending.
+  bool FirstDescends() const;
 };
 
 /// How a query calls the column of one of its fields: "[table].[column]", or its own name for a computed one.

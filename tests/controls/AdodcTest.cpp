@@ -96,10 +96,15 @@ TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
   MakeAssets(400);
   Change("UPDATE Assets SET Notes = 'Ünder' WHERE ID = 7");
   Change("UPDATE Assets SET Notes = 'it''s [a] * test', Cost = 0, Miles = 2.675 WHERE ID = 9");
+  Change("UPDATE Assets SET Bought = #2/29/2000# WHERE ID = 11");
   Change("UPDATE Assets SET Cost = -12.25, Miles = NULL, Bought = NULL WHERE ID = 10");
   ui::Adodc control;
   Bind(control, "SELECT Assets.*, Lines.Asset FROM Assets LEFT JOIN Lines ON Assets.ID = Lines.Asset");
   control.Refresh();
+  ui::Adodc up;
+  ui::Adodc down;
+  Bind(up, "SELECT * FROM Assets");
+  Bind(down, "SELECT * FROM Assets");
   auto& rows = *control.Recordset();
   const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
       {"ID", {"1", "12", "400", "4000", "0", "01", "x", "1.", "-"}},
@@ -108,7 +113,8 @@ TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
       {"Cost", {"1", "12.", "-", "-1", "-12.2", "0", "0.", "2,", ".5", "93.5"}},
       {"Miles", {"2", "2.6", "2.675", "2.676", "12.2", "1200", ".", "0"}},
       {"Year", {"19", "199", "2", "2019"}},
-      {"Bought", {"1", "12", "3/", "3/1", "10/2/20", "2/3/2027", "13", "1/1/1/1"}},
+      {"Bought",
+       {"1", "12", "3/", "3/1", "10/2/20", "2/3/2027", "13", "1/1/1/1", "2/29", "1/31", "12/2", "5/5/1"}},
       {"Active", {"y", "No", "Yesterday"}},
       {"Asset", {"1"}}};
   int found = 0;
@@ -129,7 +135,8 @@ TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
         if (!shown.empty() && shown.starts_with(sought)) expected.push_back(rows.Get("ID").AsLong());
       }
       std::vector<std::int32_t> actual;
-      const std::string condition = ui::BeginsWith(info, typed);
+      const ui::Beginning beginning(info, typed);
+      const std::string& condition = beginning.Condition();
       if (!condition.empty()) {
         ado::Recordset hits;
         hits.Open(ui::QueryText(control.RecordSource).First(1000, condition), rows.ActiveConnection());
@@ -137,6 +144,16 @@ TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
       }
       EXPECT_EQ(actual, expected) << name << ' ' << typed << ": " << condition;
       found += static_cast<int>(actual.size());
+      if (name == "Asset") continue;
+      // The first of them in either order of the column, found by halves and by a query.
+      for (ui::Adodc* list : {&up, &down}) {
+        list->SortBy(info, list == &up);
+        list->Refresh();
+        const auto first = ui::FirstRowThatBegins(*list, info, beginning);
+        EXPECT_EQ(first, condition.empty() ? std::nullopt : ui::FirstRowWhere(*list, condition))
+            << name << ' ' << typed << (list == &up ? " up" : " down");
+        EXPECT_EQ(first.has_value(), !actual.empty());
+      }
     }
   }
   EXPECT_GT(found, 1000);  // there was something to find
