@@ -62,6 +62,8 @@ void Tell(const std::string& name, double value, const std::string& unit);
 int Posting(int transactions);
 int Lists(int transactions);
 int Due(int assets);
+int Statements(int assets);
+int Walk(int seconds);
 int Micro(int argc, char** argv);
 
 }  // namespace bench
