@@ -9,6 +9,7 @@
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericDAO.h"
 #include "data/GenericTools.h"
+#include "data/OwnHold.h"
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
 
@@ -188,6 +189,7 @@ bool AdoDeleteRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh) 
                          Icon::Critical);
       break;
     }
+    if (ReportOwnHold(recordset.Cursor())) break;
     wait.Pause(failure.description + "\n" + "Check other " + screen::ApplicationTitle() +
                " workstations to make sure they exit their update." + "Then click OK to continue.");
   }

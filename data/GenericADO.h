@@ -28,6 +28,8 @@ bool AdoAutoAddRS(ado::Recordset& recordset);
 bool AdoAddRecordWithID(const std::string& databaseType, const AdoConnectionPtr& connection,
                         ado::Recordset& recordset, const std::string& table, std::int32_t id);
 bool AdoUpdateRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh);
+/// Deletes the row, waiting for as long as another user holds it. If this program itself holds it, reports
+/// that at once and returns false.
 bool AdoDeleteRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh);
 bool AdoCancelUpdateRS(ado::Recordset& recordset);
 /// 0 free, 1 locked elsewhere, 2 other error.

@@ -4,6 +4,7 @@
 #include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericTools.h"
+#include "data/OwnHold.h"
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
 
@@ -62,10 +63,11 @@ bool WaitForFile(const std::string& path, int& waits) {
   return true;
 }
 
-/// Tries `verb` for as long as another's lock keeps it out; any other failure is shown and ends it. Gives the
-/// last error number, 0 for success.
+/// Tries `verb` for as long as another user's lock keeps it out. Any other failure is shown and ends it, as
+/// does a lock of this program's own, which no wait can end. Returns the last error number, 0 for success.
 template <class Verb>
-std::int16_t WaitForRecord(Verb verb, const std::string& during, LockWait::Events events) {
+std::int16_t WaitForRecord(dao::Recordset& recordset, Verb verb, const std::string& during,
+                           LockWait::Events events) {
   LockWait wait;
   for (;;) {
     const Failure failure = Try(verb);
@@ -76,6 +78,7 @@ std::int16_t WaitForRecord(Verb verb, const std::string& during, LockWait::Event
       case store::kSaveLocked:
       case store::kSessionLocked:
       case store::kRecordLocked:
+        if (ReportOwnHold(recordset.Cursor())) return number;
         break;
       default:
         screen::MessageBox("Unknown error #" + Number(number) + during + failure.description + "\n\n" +
@@ -187,16 +190,19 @@ void DaoGetRecord(dao::Recordset& recordset, int& error) {
 }
 
 void DaoEditRecord(dao::Recordset& recordset, std::int16_t& error) {
-  error = WaitForRecord([&] { recordset.Edit(); }, " during record edit.", LockWait::Events::LetRun);
+  error = WaitForRecord(
+      recordset, [&] { recordset.Edit(); }, " during record edit.", LockWait::Events::LetRun);
 }
 
 void DaoUpdateRecord(dao::Recordset& recordset) {
-  WaitForRecord([&] { recordset.Update(); }, " during record update.", LockWait::Events::Hold);
+  WaitForRecord(
+      recordset, [&] { recordset.Update(); }, " during record update.", LockWait::Events::Hold);
   dao::DBEngine::Idle(1);
 }
 
 void DaoDeleteRecord(dao::Recordset& recordset) {
-  WaitForRecord([&] { recordset.Delete(); }, " during record delete.", LockWait::Events::Hold);
+  WaitForRecord(
+      recordset, [&] { recordset.Delete(); }, " during record delete.", LockWait::Events::Hold);
   dao::DBEngine::Idle(1);
 }
 

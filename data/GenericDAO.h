@@ -29,7 +29,8 @@ void DaoAddRecord(dao::Recordset& recordset);
 /// Edit that does not wait for a lock: `error` 0 when the record is held, 3218, 3260 or 3343 at once
 /// otherwise.
 void DaoGetRecord(dao::Recordset& recordset, int& error);
-/// Edit that waits for as long as another's transaction holds the record; `error` is 0 when it is held.
+/// Edit that waits for as long as another user's transaction holds the record; `error` is 0 when it is held.
+/// A hold of this program's own ends the wait at once, here and in the two that follow, with a message.
 void DaoEditRecord(dao::Recordset& recordset, std::int16_t& error);
 /// Update that waits for the lock.
 void DaoUpdateRecord(dao::Recordset& recordset);

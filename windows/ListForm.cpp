@@ -5,9 +5,11 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "data/Application.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericADO.h"
 #include "data/GenericDAO.h"
+#include "data/GenericTools.h"
 #include "platform/controls/Layout.h"
 #include "platform/runtime/Text.h"
 
@@ -32,6 +34,11 @@ bool detail::MayOpenDetail(const char* form, ui::DataGrid& grid, bool add, std::
 void BindToMainFile(ui::Adodc& data, const std::string& query) {
   data.onError = [](int number, const std::string&, bool& cancelDisplay) {
     cancelDisplay = AdoIgnoreDataError(number);
+  };
+  // A window that is open already may have asked for the file meanwhile; then the path is known.
+  data.onMissingFile = [](const std::string& tried) {
+    if (tried == DataConnect) LocateFile(BareFileName(DataFile));
+    return DataConnect;
   };
   ui::AdoBindDataControl(data, DataConnect, query, ado::adLockOptimistic, 10);
 }

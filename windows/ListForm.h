@@ -88,8 +88,8 @@ class ListForm : public ui::Form {
   ui::DataGrid* grid_;
 };
 
-/// Sets up a data control of the main file for a grid: query, lock type 3, 10 rows at a time; the errors that
-/// are not worth a box get none.
+/// Sets up a data control of the main file for a grid: query, lock type 3, 10 rows at a time. The errors that
+/// are not worth a box get none. If the file is missing, the user is asked for it once.
 void BindToMainFile(ui::Adodc& data, const std::string& query);
 
 }  // namespace dw

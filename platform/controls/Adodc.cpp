@@ -35,7 +35,18 @@ void Adodc::Refresh() {
     recordset_.reset();
     query_.clear();
     if (ConnectionString.empty() || RecordSource.empty()) return;
-    OpenConnection();
+    const bool reused = OpenConnection();
+    try {
+      OpenRecordset();
+      return;
+    } catch (const ado::Error&) {
+      if (!reused && !sort_) throw;
+    }
+    // The file may have gone since the connection was opened.
+    if (reused) {
+      connection_.reset();
+      OpenConnection();
+    }
     try {
       OpenRecordset();
     } catch (const ado::Error&) {
@@ -62,15 +73,24 @@ void Adodc::Try(const std::function<void()>& work) {
   TellListeners();
 }
 
-void Adodc::OpenConnection() {
-  const std::string wanted = WithMode(ConnectionString, Mode);
-  if (connection_ && connection_->IsOpen() && openedWith_ == wanted) return;
-  connection_.reset();
-  auto connection = std::make_shared<ado::Connection>();
-  connection->CommandTimeout = CommandTimeout;
-  connection->Open(wanted);
-  connection_ = std::move(connection);
-  openedWith_ = wanted;
+bool Adodc::OpenConnection() {
+  for (;;) {
+    const std::string wanted = WithMode(ConnectionString, Mode);
+    if (connection_ && connection_->IsOpen() && openedWith_ == wanted) return true;
+    connection_.reset();
+    auto connection = std::make_shared<ado::Connection>();
+    connection->CommandTimeout = CommandTimeout;
+    try {
+      connection->Open(wanted);
+    } catch (const ado::Error& error) {
+      if (error.Native() != ado::kNativeFileNotFound || !onMissingFile) throw;
+      ConnectionString = onMissingFile(ConnectionString);
+      continue;
+    }
+    connection_ = std::move(connection);
+    openedWith_ = wanted;
+    return false;
+  }
 }
 
 void Adodc::OpenRecordset() {

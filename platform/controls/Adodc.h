@@ -37,6 +37,10 @@ class Adodc : public QObject {
   /// user.
   std::function<void(int number, const std::string& text, bool& cancelDisplay)> onError;
 
+  /// Called when the data file is missing, with the connection string that did not find it. It returns the
+  /// string to try next. Without it a missing file is an error like any other.
+  std::function<std::string(const std::string& connectionString)> onMissingFile;
+
   /// Runs the record source and stands on its first row. What fails is told to the user and leaves the
   /// control empty. A sort that the record source does not have ends; otherwise it stays.
   void Refresh();
@@ -78,7 +82,8 @@ class Adodc : public QObject {
     std::function<void()> work;
   };
   std::string WantedQuery() const;
-  void OpenConnection();
+  /// True where the connection was open already.
+  bool OpenConnection();
   void OpenRecordset();
   void Try(const std::function<void()>& work);
   void TellListeners();

@@ -84,6 +84,9 @@ class Cursor {
   /// 3260 for a record held elsewhere.
   virtual void Delete() = 0;
   virtual Bookmark LastModified() const = 0;
+  /// Whether another open of the file in this same process holds the record at the place: a hold that no wait
+  /// can end. False without a record.
+  virtual bool HeldByThisProcess() const = 0;
 
   /// Table cursors: 3015 for no such index.
   virtual void SetIndex(std::string_view name) = 0;

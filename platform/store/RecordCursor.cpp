@@ -347,6 +347,14 @@ void RecordCursor::Delete() {
   RowDeleted();
 }
 
+bool RecordCursor::HeldByThisProcess() const {
+  if (!plan_->keyed || Adding() || !OnRow()) return false;
+  const std::int64_t row = RowKey();
+  if (row == 0) return false;  // a row of this connection's group, not in the file yet
+  const auto holder = impl_->Side().WhoHolds(Table(), row);
+  return holder && holder->ownProcess;
+}
+
 // --- looking for rows
 
 void RecordCursor::SetIndex(std::string_view) {

@@ -44,6 +44,7 @@ class RecordCursor : public Cursor {
   void CancelUpdate() override;
   void Delete() override;
   Bookmark LastModified() const override { return lastModified_; }
+  bool HeldByThisProcess() const override;
   bool NoMatch() const override { return noMatch_; }
   void FindFirst(std::string_view condition) override;
   void FindNext(std::string_view condition) override;

@@ -81,6 +81,12 @@ std::string_view Fitting(std::string_view name) {
   return name.substr(0, length);
 }
 
+/// All opens of this process, so that a hold of its own can be told from one of another process.
+std::vector<const SideFile*>& OpenHere() {
+  static std::vector<const SideFile*> open;
+  return open;
+}
+
 std::string NameAt(const char* bytes) { return {bytes, strnlen(bytes, kNameBytes)}; }
 
 }  // namespace
@@ -131,6 +137,7 @@ std::unique_ptr<SideFile> SideFile::Enter(const std::string& dataFile, Share sha
     // one.
     if (!side->IsCurrent()) continue;
     side->TakeSlot(dataFile, computer, user);
+    OpenHere().push_back(side.get());
     return side;
   }
   throw Refusal(dataFile, share, inside);
@@ -183,6 +190,7 @@ void SideFile::Renew() {
 }
 
 SideFile::~SideFile() {
+  std::erase(OpenHere(), this);
   if (watch_ >= 0) close(watch_);
   if (fd_ < 0) return;
   if (state_) {
@@ -255,7 +263,18 @@ RosterEntry SideFile::ReadSlot(int slot) const {
 
 Holder SideFile::HolderOf(const Conflict& conflict) const {
   const RosterEntry entry = ReadSlot(conflict.slot);
-  return {conflict.slot, entry.computer, entry.user, conflict.hold, conflict.wholeTable};
+  return {conflict.slot, entry.computer,      entry.user,
+          conflict.hold, conflict.wholeTable, IsOwnSlot(conflict.slot)};
+}
+
+bool SideFile::IsOwnSlot(int slot) const {
+  struct stat here {};
+  if (slot < 0 || fstat(fd_, &here) != 0) return false;
+  return std::ranges::any_of(OpenHere(), [&](const SideFile* other) {
+    struct stat there {};
+    return other->slot_ == slot && fstat(other->fd_, &there) == 0 && there.st_dev == here.st_dev &&
+           there.st_ino == here.st_ino;
+  });
 }
 
 std::vector<RosterEntry> SideFile::Roster() const {

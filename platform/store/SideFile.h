@@ -34,6 +34,7 @@ struct Holder {
   std::string user;
   Hold hold = Hold::Edit;
   bool wholeTable = false;  ///< the lock covers the table's range, not this one record
+  bool ownProcess = false;  ///< the holder is another open of the file in this same process
 };
 
 struct HeldRecord {
@@ -123,6 +124,8 @@ class SideFile {
   int WriteSlot(const RosterEntry& names) const;
   RosterEntry ReadSlot(int slot) const;
   Holder HolderOf(const Conflict& conflict) const;
+  /// Whether another open of this data file in this process has the slot.
+  bool IsOwnSlot(int slot) const;
 
   std::string path_;  ///< empty for one who is in no roster
   std::string dataFile_;

@@ -123,6 +123,8 @@ class DataTest : public ::testing::Test {
     std::ofstream(path, std::ios::binary) << bytes;
   }
 
+  static constexpr const char* kOwnWindow =
+      "This record is open in another window of this program. Close that window and try again.";
   OtherWorkstation other_;
   test::TempDirectory directory_;
   test::ScreenScript user_;

@@ -205,6 +205,27 @@ TEST_F(GenericADOTest, ALockedDeleteWaits) {
   EXPECT_EQ(AssetOf(path, 1), "");
 }
 
+TEST_F(GenericADOTest, AHoldOfThisProgramIsNotWaitedFor) {
+  const std::string path = MakeVehicles();
+  const AdoConnectionPtr window = Opened(path);
+  const AdoConnectionPtr list = Opened(path);
+  user_->onSleep = [](int) { throw std::runtime_error("it waits"); };
+  const auto held = AdoOpenRecordset(window, kFirstVehicle, ado::adOpenKeyset, ado::adLockPessimistic);
+  const auto row = AdoOpenRecordset(list, kFirstVehicle, ado::adOpenKeyset, ado::adLockPessimistic);
+  held->Set("Odometer", 7);
+  user_->Expect(kOwnWindow, Icon::Exclamation);
+  EXPECT_FALSE(AdoDeleteRS(*row, false, true));
+  EXPECT_EQ(AssetOf(path, 1), "TRUCK 1");
+  held->CancelUpdate();
+  window->BeginTrans();
+  ASSERT_EQ(AdoExecute(window, "UPDATE [Vehicles] SET [Odometer] = 8"), 0);
+  user_->Expect(kOwnWindow, Icon::Exclamation);
+  EXPECT_FALSE(AdoDeleteRS(*row, false, true));
+  window->RollbackTrans();
+  EXPECT_TRUE(AdoDeleteRS(*row, false, true));
+  EXPECT_EQ(AssetOf(path, 1), "");
+}
+
 TEST_F(GenericADOTest, WhatNoWaitCuresEndsAtOnce) {
   const std::string path = MakeVehicles();
   const AdoConnectionPtr connection = Opened(path);

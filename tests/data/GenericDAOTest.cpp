@@ -108,6 +108,31 @@ TEST_F(GenericDAOTest, DeleteWaits) {
   EXPECT_EQ(AssetOf(path, 2), "TRUCK 2");
 }
 
+TEST_F(GenericDAOTest, AHoldOfThisProgramIsNotWaitedFor) {
+  const std::string path = MakeVehicles();
+  user_->onSleep = [](int) { throw std::runtime_error("it waits"); };
+  const auto window = store::Connection::Open({path});
+  window->BeginTrans();
+  window->Execute("UPDATE [Vehicles] SET [Odometer] = 200 WHERE [ID] = 1");
+  dao::Recordset& vehicle = OpenVehicle(path);
+  std::int16_t error = 0;
+  user_->Expect(kOwnWindow, Icon::Exclamation);
+  DaoEditRecord(vehicle, error);
+  EXPECT_EQ(error, store::kRecordLocked);
+  user_->Expect(kOwnWindow, Icon::Exclamation);
+  DaoDeleteRecord(vehicle);
+  dao::Recordset& later = OpenVehicleOptimistically(path);
+  later.Edit();
+  later.Set("Odometer", 300);
+  user_->Expect(kOwnWindow, Icon::Exclamation);
+  DaoUpdateRecord(later);
+  EXPECT_TRUE(later.Editing());
+  window->RollbackTrans();
+  DaoUpdateRecord(later);
+  EXPECT_FALSE(later.Editing());
+  EXPECT_EQ(AssetOf(path, 1), "TRUCK 1");
+}
+
 TEST_F(GenericDAOTest, ADeadWorkstationKeepsNobodyWaiting) {
   const std::string path = MakeVehicles();
   other_.Keep(path, OtherWorkstation::Keeps::RecordInTransaction);

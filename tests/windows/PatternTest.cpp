@@ -1,6 +1,9 @@
 // What all lists and their windows have in common, shown on the divisions and the classes.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "data/Application.h"
 #include "data/BrackenfelGlobals.h"
 #include "fleet/forms/frmClassList.h"
 #include "fleet/forms/frmDivisionList.h"
@@ -199,6 +202,51 @@ TEST_F(PatternTest, ADeleteAsksChecksAndSaysWhatIsGone) {
   test::Press(list.Grid(), Qt::Key_Delete);
   EXPECT_EQ(Rows(), "0");
   EXPECT_EQ(list.Grid().RecordCount(), 0);
+}
+
+TEST_F(PatternTest, ARecordThatIsOpenInItsWindowStays) {
+  Division("N", "North");
+  auto& list = List();
+  test::Press(list.Grid(), Qt::Key_Space);
+  test::Open("frmDivisionMaint");
+  list.ShowForm();
+  test::Settle();
+  screen_->onSleep = [](int) { throw std::runtime_error("it waits"); };
+  screen_->Expect(kSure, Icon::Question, Buttons::YesNo, Answer::Yes);
+  screen_->Expect("This record is open in another window of this program. Close that window and try again.",
+                  Icon::Exclamation);
+  test::Press(list.Grid(), Qt::Key_Delete);
+  EXPECT_EQ(Rows(), "1");
+}
+
+TEST_F(PatternTest, AMissingFileIsAskedForOnceAndTheListIsThere) {
+  Division("N", "North");
+  const std::filesystem::path home = std::filesystem::path(fleet_.Path()).parent_path();
+  const std::filesystem::path away = home.string() + ".away";
+  int asked = 0;
+  dw::InstallFileLocator([&](const std::string& name) {
+    EXPECT_EQ(name, "DW.MDB");
+    ++asked;
+    // The directory has got another name, which the user finds.
+    dw::SetDataPath(away.string());
+  });
+  std::filesystem::rename(home, away);
+  auto& list = List();
+  EXPECT_EQ(asked, 1);
+  EXPECT_EQ(list.Grid().RecordCount(), 1);
+
+  // It goes again while the list is closed.
+  list.Unload();
+  test::Settle();
+  dw::InstallFileLocator([&](const std::string&) {
+    ++asked;
+    dw::SetDataPath(home.string());
+  });
+  std::filesystem::rename(away, home);
+  auto& again = List();
+  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(again.Grid().CellText(1), "N");
+  dw::InstallFileLocator({});
 }
 
 TEST_F(PatternTest, AClassInUseStays) {

@@ -44,6 +44,23 @@ TEST_F(OdometerTest, AReadingIsAddedToAnAssetThatIsChosenByItsSerialNumber) {
   PressDelete<frmOdometerList>();
 }
 
+TEST_F(OdometerTest, AReadingThatIsOpenInItsWindowStays) {
+  fleet_.AddAsset("TRK-1");
+  fleet_.Add("Odometer Entries", {{"Asset ID", "TRK-1"}, {"Date", rt::Today()}, {"Mileage", 10}});
+  screen_->onSleep = [](int) { throw std::runtime_error("it waits"); };
+  auto& window = Show<frmOdometerMaint, frmOdometerList>();
+  ExpectSure(Answer::Yes);
+  screen_->Expect(kOwnWindow, Icon::Exclamation);
+  PressDelete<frmOdometerList>();
+  EXPECT_EQ(Count("Odometer Entries"), "1");
+  // The window lost nothing.
+  Fill(window, {{"MaskedEdit1", "11"}}, "OKButton");
+  EXPECT_EQ(Only("Odometer Entries", "Mileage"), "11");
+  ExpectSure(Answer::Yes);
+  PressDelete<frmOdometerList>();
+  EXPECT_EQ(Count("Odometer Entries"), "0");
+}
+
 TEST_F(OdometerTest, WithoutAssetsNothingOpens) {
   fleet_.Add("Odometer Entries", {{"Asset ID", "GONE"}});
   for (const Qt::Key key : {Qt::Key_Insert, Qt::Key_Space}) {

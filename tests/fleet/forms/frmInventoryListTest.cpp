@@ -109,6 +109,20 @@ TEST_F(frmInventoryListTest, RemovesAnAssetAfterItsQuestions) {
   EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
 }
 
+TEST_F(frmInventoryListTest, AnAssetThatIsOpenInItsWindowStaysWithAllItsRows) {
+  screen_->onSleep = [](int) { throw std::runtime_error("it waits"); };
+  auto& window = Show<dw::frmInventoryMaint, frmInventoryList>();
+  for (const char* question : {kReadings, kTransactions, kSure}) Expect(question, Answer::Yes);
+  screen_->ExpectPart("WARNING: Accumulating rermoved Asset costs", Icon::Information);
+  screen_->Expect(kOwnWindow, Icon::Exclamation);
+  PressDelete<frmInventoryList>();
+  EXPECT_EQ(Count("Vehicles"), "2");
+  EXPECT_EQ(Count("Odometer Entries"), "1");
+  test::Type(window, "Text9", "Kept");
+  test::Click(window, "OKButton");
+  EXPECT_EQ(fleet_.Ask("SELECT [Description] FROM [Vehicles] WHERE [Asset ID] = 'TRK-1'"), "Kept");
+}
+
 constexpr const char* kOtherData = "DROVEWRIGHT_TEST_DATA";
 
 /// Another workstation, which has the window of the first asset open.

@@ -19,6 +19,8 @@ namespace test {
 class ListTest : public testing::Test {
  protected:
   static constexpr const char* kDateRequired = "A date is required for this field.";
+  static constexpr const char* kOwnWindow =
+      "This record is open in another window of this program. Close that window and try again.";
   static constexpr const char* kNoDate = "That is not a valid date. Please try again.";
 
   /// The list, opened or come forward, standing on a row.
