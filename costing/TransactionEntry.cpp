@@ -41,18 +41,18 @@ rt::Currency LookUpCost(OwnUnits kind, const PricedTexts& texts, float units) {
 }  // namespace
 
 const std::array<NumericRule, 12> kNumericRules{{
-    {"Text11", "The year is not numeric. Please check."},
-    {"MaskedEdit1", "The outside fuel cost is not numeric. Please check."},
-    {"MaskEdBox1", "The labor costs are not numeric. Please check."},
-    {"MaskedEdit2", "The outside oil cost is not numeric. Please check."},
-    {"MaskedEdit3", "The internal cost is not numeric. Please check."},
-    {"MaskedEdit5", "The unleaded gas units are not numeric. Please check."},
-    {"edtUnleadedCost", "The unleaded gas cost is not numeric. Please check."},
-    {"txtOilUnits", "The oil units are not numeric. Please check."},
-    {"MaskedEdit9", "The oil cost is not numeric. Please check."},
-    {"MaskedEdit16", "The outside fuel units are not numeric. Please check."},
-    {"txtOutsideOil", "The outside oil units are not numeric. Please check."},
-    {"MaskedEdit18", "The outside costs are not numeric. Please check."},
+    {"Year", "The year is not numeric. Please check."},
+    {"Outside Fuel Cost", "The outside fuel cost is not numeric. Please check."},
+    {"Internal Time Cost", "The labor costs are not numeric. Please check."},
+    {"Outside Oil Cost", "The outside oil cost is not numeric. Please check."},
+    {"Parts Cost", "The internal cost is not numeric. Please check."},
+    {"Internal Fuel Units", "The unleaded gas units are not numeric. Please check."},
+    {"Internal Fuel Cost", "The unleaded gas cost is not numeric. Please check."},
+    {"Oil", "The oil units are not numeric. Please check."},
+    {"Oil Cost", "The oil cost is not numeric. Please check."},
+    {"Outside Fuel Units", "The outside fuel units are not numeric. Please check."},
+    {"Outside Oil Units", "The outside oil units are not numeric. Please check."},
+    {"Outside Cost", "The outside costs are not numeric. Please check."},
 }};
 
 void FillNewTransaction(dao::Recordset& row, const std::string& assetID) {

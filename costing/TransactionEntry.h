@@ -14,7 +14,7 @@ namespace dw {
 /// The empty row that adding a transaction makes: today's date and zeros. `Oil` and `Time` stay Null.
 void FillNewTransaction(dao::Recordset& row, const std::string& assetID);
 
-/// What is drawn from the organisation's own stock, and priced while it is typed.
+/// What is drawn from the organization's own stock, and priced while it is typed.
 enum class OwnUnits { Fuel, Oil, Labor };
 
 /// The texts that a price hangs on.
@@ -50,7 +50,7 @@ TransactionDay CheckTransactionDate(const std::string& text, bool adding);
 
 /// A field that must hold a number unless it is empty, and what is said where it does not.
 struct NumericRule {
-  const char* control;
+  const char* column;
   const char* words;
 };
 /// In the order in which saving a transaction checks them, after asset, date and period.

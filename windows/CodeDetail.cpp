@@ -9,8 +9,8 @@
 
 namespace dw {
 
-std::function<std::string(dao::Recordset&)> AssetsWithCode(std::string column) {
-  return [column = std::move(column)](dao::Recordset& record) {
+std::function<std::string(RecordHold&)> AssetsWithCode(std::string column) {
+  return [column = std::move(column)](RecordHold& record) {
     return "SELECT * FROM Vehicles WHERE [" + column + "] = '" + QuoteSQL(record.Get(column).Shown()) + "'";
   };
 }

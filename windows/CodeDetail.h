@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/controls/DataGrid.h"
-#include "platform/dao/Dao.h"
+#include "windows/RecordHold.h"
 
 class QWidget;
 
@@ -14,7 +14,7 @@ namespace dw {
 inline constexpr const char* kNoAssets = "SELECT * FROM Vehicles WHERE [ID] = -1";
 
 /// The query for the assets that bear the code that the record holds (as stored, not as being typed).
-std::function<std::string(dao::Recordset&)> AssetsWithCode(std::string column);
+std::function<std::string(RecordHold&)> AssetsWithCode(std::string column);
 /// The grid of those assets in a group of its own.
 QWidget* AssetsGroup(ui::DataGrid& grid);
 

@@ -15,7 +15,15 @@
 
 namespace dw {
 
-void TellNoRecords() { screen::MessageBox("There are no records for which to display detail."); }
+void ReportNoRecords() { screen::MessageBox("There are no records for which to display detail."); }
+
+std::optional<std::int32_t> RowNumber(ui::DataGrid& grid, const std::function<void()>& refresh) {
+  const std::string text = grid.CellText(0);
+  if (rt::IsNumeric(text)) return rt::Value(text).AsLong();
+  screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
+  refresh();
+  return std::nullopt;
+}
 
 bool detail::MayOpenDetail(const char* form, ui::DataGrid& grid, bool add, std::int32_t& currentRow,
                            bool hasRows) {
@@ -25,7 +33,7 @@ bool detail::MayOpenDetail(const char* form, ui::DataGrid& grid, bool add, std::
   }
   currentRow = grid.Row();
   if (!add && !hasRows) {
-    TellNoRecords();
+    ReportNoRecords();
     return false;
   }
   return true;
@@ -107,17 +115,14 @@ void ListForm::AddItem() {
 void ListForm::ShowDetail() {
   if (!MayOpen()) return;
   if (!HasRows()) {
-    TellNoRecords();
+    ReportNoRecords();
     return;
   }
   if (!RowIsGone()) OpenDetail(false, RowID());
 }
 
 bool ListForm::RowIsGone() {
-  if (rt::IsNumeric(CellText(0))) return false;
-  screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
-  RefreshList();
-  return true;
+  return !RowNumber(*grid_, [this] { RefreshList(); });
 }
 
 void ListForm::DeleteRow(const std::function<DeleteRule()>& rule) {
@@ -128,7 +133,7 @@ void ListForm::RemoveRow(const std::function<bool()>& remove) {
   SetPointer(screen::Pointer::Hourglass);
   CurrentRow = grid_->Row();
   if (!HasRows())
-    TellNoRecords();
+    ReportNoRecords();
   else if (!RowIsGone() && remove())
     RefreshList();
   SetPointer(screen::Pointer::Normal);

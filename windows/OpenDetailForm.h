@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "platform/controls/DataGrid.h"
@@ -11,7 +12,10 @@
 namespace dw {
 
 /// "There are no records for which to display detail."
-void TellNoRecords();
+void ReportNoRecords();
+/// The ID in the grid's row. Nothing where another user deleted the row before it was read: that is reported,
+/// and `refresh` reads the grid again.
+std::optional<std::int32_t> RowNumber(ui::DataGrid& grid, const std::function<void()>& refresh);
 
 namespace detail {
 /// Whether a window for this form may be opened now; tells what stands in the way.

@@ -9,17 +9,12 @@ std::vector<ui::GridColumn> TypeColumns() {
           {"Date Created"}, {"Updated By"},  {"Last Updated"}};
 }
 
-TypeDetail::TypeDetail(const DetailDefinition& definition) : DetailForm(definition) {
-  Data().Bind(IDText, "ID");
-  Data().Bind(Text1, "Description", "Description");
-  Data().Bind(Text3, "Notes", "Notes");
-
-  auto* rows = new ui::FieldRows;
-  rows->Row("Description", {&Text1});
-  rows->Row("Database ID", {&IDText});
-  Text1.setMinimumWidth(Text1.fontMetrics().averageCharWidth() * ui::kTextWidth);
-  ShowNumber(IDText);
-  LayOut(rows, {NotesGroup(Text3)});
+TypeDetail::TypeDetail(const RecordDefinition& definition) : RecordForm(definition) {
+  description.setMinimumWidth(description.fontMetrics().averageCharWidth() * ui::kTextWidth);
+  ShowNumber(recordNumber);
+  Bind(notes, "Notes", "Notes");
+  Declare({{description, "Description", "Description"}, {recordNumber, "ID", "Database ID"}},
+          {NotesGroup(notes)});
 }
 
 }  // namespace dw

@@ -3,19 +3,19 @@
 
 #include <vector>
 
-#include "windows/DetailForm.h"
+#include "windows/RecordForm.h"
 
 namespace dw {
 
 std::vector<ui::GridColumn> TypeColumns();
 
-class TypeDetail : public DetailForm {
+class TypeDetail : public RecordForm {
  public:
-  explicit TypeDetail(const DetailDefinition& definition);
+  explicit TypeDetail(const RecordDefinition& definition);
 
-  ui::TextBox IDText{"IDText"};  ///< `ID`
-  ui::TextBox Text1{"Text1"};    ///< `Description`
-  ui::NotesBox Text3{"Text3"};
+  ui::TextBox recordNumber{"IDText"};  ///< `ID`
+  ui::TextBox description{"Text1"};    ///< `Description`
+  ui::NotesBox notes{"Text3"};
 };
 
 }  // namespace dw

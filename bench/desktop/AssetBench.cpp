@@ -152,8 +152,7 @@ class AssetOnScreen {
     });
     opening.paint = whole - opening.load - opening.show;
     auto& window = ui::The<dw::frmInventoryMaint>();
-    if (window.grdMaintenance.RecordCount() != kTransactions ||
-        window.OdometerGrid.RecordCount() != kReadings)
+    if (window.grdMaintenance.RecordCount() != kTransactions || window.grdOdometer.RecordCount() != kReadings)
       throw std::runtime_error("the asset has not the rows that were to be measured");
     return opening;
   }

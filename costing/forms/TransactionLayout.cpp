@@ -61,35 +61,35 @@ QLayout* frmTransactionMaint::Header() {
   lblAssetSerial->setObjectName("lblAssetSerial");
   lblAssetSerial->setTextFormat(Qt::PlainText);
   lblAssetSerial->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  for (ui::TextBox* field : {&txtAssetID, &Text9}) ui::SetWidth(*field, ui::kCodeWidth);
-  ui::SetWidth(Text8, ui::kDateWidth);
-  ui::SetWidth(Text11, 5);
-  ui::SetWidth(Text10, 3);
-  ui::SetWidth(MaskEdBox3, ui::kNumberWidth);
-  ShowNumber(Text1);
-  Label4[4].setMinimumWidth(fontMetrics().averageCharWidth() * 24);
+  for (ui::TextBox* field : {&assetCode, &workOrder}) ui::SetWidth(*field, ui::kCodeWidth);
+  ui::SetWidth(transactionDate, ui::kDateWidth);
+  ui::SetWidth(fiscalYear, 5);
+  ui::SetWidth(fiscalPeriod, 3);
+  ui::SetWidth(mileage, ui::kNumberWidth);
+  ShowNumber(recordNumber);
+  auditLabels[4].setMinimumWidth(fontMetrics().averageCharWidth() * 24);
 
   auto* fiscal = new QHBoxLayout;
-  fiscal->addWidget(&Text11);
-  fiscal->addWidget(&Text10);
+  fiscal->addWidget(&fiscalYear);
+  fiscal->addWidget(&fiscalPeriod);
   fiscal->addStretch(1);
   fiscal->setSpacing(6);
   auto* header = new QGridLayout;
-  header->addWidget(ui::Prompt("Asset ID", txtAssetID), 0, 0);
-  header->addWidget(&txtAssetID, 0, 1);
+  header->addWidget(ui::Prompt("Asset ID", assetCode), 0, 0);
+  header->addWidget(&assetCode, 0, 1);
   header->addWidget(lblAssetSerial, 0, 2, 1, 2);
-  header->addWidget(ui::Prompt("Database ID", Text1), 0, 4);
-  header->addWidget(&Text1, 0, 5);
-  header->addWidget(ui::Prompt("Date", Text8), 1, 0);
-  header->addWidget(&Text8, 1, 1);
-  header->addWidget(ui::Prompt("Fiscal Yr/Per", Text11), 1, 2);
+  header->addWidget(ui::Prompt("Database ID", recordNumber), 0, 4);
+  header->addWidget(&recordNumber, 0, 5);
+  header->addWidget(ui::Prompt("Date", transactionDate), 1, 0);
+  header->addWidget(&transactionDate, 1, 1);
+  header->addWidget(ui::Prompt("Fiscal Yr/Per", fiscalYear), 1, 2);
   header->addLayout(fiscal, 1, 3);
   header->addWidget(new QLabel("When Posted:"), 1, 4);
-  header->addWidget(&Label4[4], 1, 5);
-  header->addWidget(ui::Prompt("Work Order", Text9), 2, 0);
-  header->addWidget(&Text9, 2, 1);
-  header->addWidget(ui::Prompt("Mileage", MaskEdBox3), 2, 2);
-  header->addWidget(&MaskEdBox3, 2, 3);
+  header->addWidget(&auditLabels[4], 1, 5);
+  header->addWidget(ui::Prompt("Work Order", workOrder), 2, 0);
+  header->addWidget(&workOrder, 2, 1);
+  header->addWidget(ui::Prompt("Mileage", mileage), 2, 2);
+  header->addWidget(&mileage, 2, 3);
   header->setHorizontalSpacing(10);
   header->setColumnStretch(5, 1);
   return header;
@@ -108,34 +108,47 @@ void frmTransactionMaint::PutTogether() {
   MakeHeadings<5>(lblExternals, "lblExternals", {"Quantity", "Cost", "Other Costs", "Oil", "Fuel"});
   MakeHeadings<6>(lblInternals, "lblInternals", {"Fuel", "Oil", "Cost", "Quantity", "Labor", "Other Costs"});
   fraTab[0] = CostTable("External Costs ", "fraTab(0)", lblExternals[0], lblExternals[1],
-                        {{lblExternals[4], &MaskedEdit16, &MaskedEdit1},
-                         {lblExternals[3], &txtOutsideOil, &MaskedEdit2},
-                         {lblExternals[2], nullptr, &MaskedEdit18}});
+                        {{lblExternals[4], &outsideFuelUnits, &outsideFuelCost},
+                         {lblExternals[3], &outsideOilUnits, &outsideOilCost},
+                         {lblExternals[2], nullptr, &outsideCost}});
   fraTab[1] = CostTable("Internal Costs ", "fraTab(1)", lblInternals[3], lblInternals[2],
-                        {{lblInternals[0], &MaskedEdit5, &edtUnleadedCost},
-                         {lblInternals[1], &txtOilUnits, &MaskedEdit9},
-                         {lblInternals[4], &MaskEdBox2, &MaskEdBox1},
-                         {lblInternals[5], nullptr, &MaskedEdit3}});
+                        {{lblInternals[0], &internalFuelUnits, &internalFuelCost},
+                         {lblInternals[1], &internalOilUnits, &internalOilCost},
+                         {lblInternals[4], &laborHours, &laborCost},
+                         {lblInternals[5], nullptr, &partsCost}});
   auto* costs = new QHBoxLayout;
   costs->addWidget(fraTab[1], 1);
   costs->addWidget(fraTab[0], 1);
   auto* fields = new QVBoxLayout;
   fields->addLayout(Header());
   fields->addLayout(costs);
-  LayOut(fields, {NotesGroup(Text2), TasksGroup()}, {cmdUnpost});
+  LayOut(fields, {NotesGroup(notes), TasksGroup()}, {cmdUnpost});
 }
 
 void frmTransactionMaint::SetTabOrder() {
-  tabOrder_ = {&txtAssetID,  &Text8,           &Text11,      &Text10,        &Text9,       &MaskEdBox3,
-               &MaskedEdit5, &edtUnleadedCost, &txtOilUnits, &MaskedEdit9,   &MaskEdBox2,  &MaskEdBox1,
-               &MaskedEdit3, &MaskedEdit16,    &MaskedEdit1, &txtOutsideOil, &MaskedEdit2, &MaskedEdit18,
-               &Text2,       &grdTasks,        cmdUnpost,    OkButton,       CancelButton};
-  QWidget* earlier = nullptr;
-  for (QWidget* control : tabOrder_) {
-    if (earlier) QWidget::setTabOrder(earlier, control);
-    earlier = control;
-    control->installEventFilter(this);
-  }
+  focus_.Follow({&assetCode,
+                 &transactionDate,
+                 &fiscalYear,
+                 &fiscalPeriod,
+                 &workOrder,
+                 &mileage,
+                 &internalFuelUnits,
+                 &internalFuelCost,
+                 &internalOilUnits,
+                 &internalOilCost,
+                 &laborHours,
+                 &laborCost,
+                 &partsCost,
+                 &outsideFuelUnits,
+                 &outsideFuelCost,
+                 &outsideOilUnits,
+                 &outsideOilCost,
+                 &outsideCost,
+                 &notes,
+                 &grdTasks,
+                 cmdUnpost,
+                 OkButton,
+                 CancelButton});
 }
 
 }  // namespace dw

@@ -46,12 +46,12 @@ frmFiscalYearSetup::frmFiscalYearSetup()
   cmdProceed.setText("&Proceed");
   cmdCancel.setObjectName("cmdCancel");
   cmdCancel.setText("Cancel");
-  ui::SetWidth(Text1, ui::kNumberWidth);
-  ui::SetWidth(Text2, ui::kDateWidth);
+  ui::SetWidth(fiscalYear, ui::kNumberWidth);
+  ui::SetWidth(firstDay, ui::kDateWidth);
 
   auto* rows = new ui::FieldRows;
-  rows->Row("New Fiscal Year", {&Text1});
-  rows->Row("Start of Year", {&Text2});
+  rows->Row("New Fiscal Year", {&fiscalYear});
+  rows->Row("Start of Year", {&firstDay});
   auto* column = new QVBoxLayout(this);
   column->addWidget(Label1);
   column->addSpacing(6);
@@ -63,8 +63,8 @@ frmFiscalYearSetup::frmFiscalYearSetup()
 
   SetDefault(&cmdProceed);
   SetCancel(&cmdCancel);
-  Text1.onLeave = [this] { return YearLeft(); };
-  Text2.onLeave = [this] { return ValidDate(Text2.Text(), true); };
+  fiscalYear.onLeave = [this] { return YearLeft(); };
+  firstDay.onLeave = [this] { return ValidDate(firstDay.Text(), true); };
   ui::OnClick(cmdProceed, [this] { Proceed(); });
   ui::OnClick(cmdCancel, [this] { Unload(); });
 }
@@ -72,23 +72,23 @@ frmFiscalYearSetup::frmFiscalYearSetup()
 bool frmFiscalYearSetup::YearLeft() {
   if (CancelPressed()) return true;
   const char* wrong = nullptr;
-  if (!rt::IsNumeric(Text1.Text()))
+  if (!rt::IsNumeric(fiscalYear.Text()))
     wrong = "Year must be a four digit number. Please re-enter.";
-  else if (rt::Length(Text1.Text()) != kYearDigits)
+  else if (rt::Length(fiscalYear.Text()) != kYearDigits)
     wrong = "Year must be four digits long. Please re-enter.";
   if (wrong) screen::MessageBox(wrong, screen::Icon::Information);
   return !wrong;
 }
 
 void frmFiscalYearSetup::Proceed() {
-  const auto year = YearOf(Text1.Text());
-  if (!rt::IsNumeric(Text1.Text()) || (rt::Length(Text1.Text()) == kYearDigits && !year))
-    return Stop(Text1, "The fiscal year must be numeric. Please check");
-  if (rt::Length(Text1.Text()) != kYearDigits)
-    return Stop(Text1, "The fiscal year must be 4 digits long. Please check.");
-  const auto start = rt::ParseDate(Text2.Text());
+  const auto year = YearOf(fiscalYear.Text());
+  if (!rt::IsNumeric(fiscalYear.Text()) || (rt::Length(fiscalYear.Text()) == kYearDigits && !year))
+    return Stop(fiscalYear, "The fiscal year must be numeric. Please check");
+  if (rt::Length(fiscalYear.Text()) != kYearDigits)
+    return Stop(fiscalYear, "The fiscal year must be 4 digits long. Please check.");
+  const auto start = rt::ParseDate(firstDay.Text());
   if (!start || start->Year() > kLastYear)
-    return Stop(Text2, "The start date is not a real date. Please check");
+    return Stop(firstDay, "The start date is not a real date. Please check");
   GenerateFiscalYear(*year, *start);
   Unload();
 }

@@ -15,8 +15,8 @@ class frmFiscalYearSetup : public ui::Form {
   frmFiscalYearSetup();
 
   QLabel* Label1;
-  ui::MaskEdBox Text1{"Text1", {}, ui::Keys::Digits};  ///< the year
-  ui::TextBox Text2{"Text2"};                          ///< its first day
+  ui::MaskEdBox fiscalYear{"Text1", {}, ui::Keys::Digits};  ///< the year
+  ui::TextBox firstDay{"Text2"};                            ///< its first day
   QPushButton cmdProceed, cmdCancel;
 
  private:

@@ -6,17 +6,17 @@
 
 namespace dw {
 
-class frmFuelPriceLogMaint : public DetailForm {
+class frmFuelPriceLogMaint : public RecordForm {
  public:
   static constexpr const char* kName = "frmFuelPriceLogMaint";
   frmFuelPriceLogMaint();
 
-  ui::DataControl dtaFuelTypes{*this, "dtaFuelTypes"};
-  ui::DataCombo DBCombo1{"DBCombo1", "Description", "ID"};   ///< `Fuel Type`
-  ui::TextBox Text1{"Text1"};                                ///< `Effective Date`
-  ui::MaskEdBox MaskEdBox2{"MaskEdBox2", kUnitPriceFormat};  ///< `Fuel Price`
-  ui::TextBox Text3{"Text3"};                                ///< `ID`
-  ui::NotesBox Text2{"Text2"};
+  ui::DataControl fuelTypes{*this, "dtaFuelTypes"};
+  ui::DataCombo fuelType{"DBCombo1", "Description", "ID"};  ///< `Fuel Type`
+  ui::TextBox effectiveDate{"Text1"};                       ///< `Effective Date`
+  ui::MaskEdBox fuelPrice{"MaskEdBox2", kUnitPriceFormat};  ///< `Fuel Price`
+  ui::TextBox recordNumber{"Text3"};                        ///< `ID`
+  ui::NotesBox notes{"Text2"};
 
  protected:
   void OpenLists() override;

@@ -7,6 +7,7 @@ frmFuelTypeMaint::frmFuelTypeMaint()
                   .title = "Fuel Type Definition",
                   .data = "Data1",
                   .table = "[Fuel Types]",
-                  .recordWords = "Fuel Type #"}) {}
+                  .recordWords = "Fuel Type #",
+                  .ok = "OkButton"}) {}
 
 }  // namespace dw

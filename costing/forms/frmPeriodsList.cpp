@@ -21,10 +21,10 @@ frmPeriodsList::frmPeriodsList()
                             {"Created By"},
                             {"Last Updated"},
                             {"Updated By"}}}) {
-  SSCommand1.setText("&New Year");
-  SSCommand1.setObjectName("SSCommand1");
-  AddButton(SSCommand1);
-  ui::OnClick(SSCommand1, [] { ui::The<frmFiscalYearSetup>().ShowModal(); });
+  newYear.setText("&New Year");
+  newYear.setObjectName("SSCommand1");
+  AddButton(newYear);
+  ui::OnClick(newYear, [] { ui::The<frmFiscalYearSetup>().ShowModal(); });
 }
 
 void frmPeriodsList::OpenDetail(bool add, std::int32_t id) {

@@ -13,7 +13,7 @@ class frmPeriodsList : public ListForm {
   frmPeriodsList();
   void DeleteItem() override;
 
-  QPushButton SSCommand1;  ///< sets up a whole year
+  QPushButton newYear;  ///< sets up a whole year
 
  protected:
   void OpenDetail(bool add, std::int32_t id) override;

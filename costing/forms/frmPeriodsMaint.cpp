@@ -12,45 +12,34 @@ constexpr int kLastYear = 9999;
 }  // namespace
 
 frmPeriodsMaint::frmPeriodsMaint()
-    : DetailForm({.form = kName,
+    : RecordForm({.form = kName,
                   .title = "Fiscal Period Definition",
                   .data = "Data1",
                   .table = "[Fiscal Periods]",
-                  .recordWords = "Inventory #"}) {
-  Data().Bind(Text3, "Fiscal Year", "Year");
-  Data().Bind(Text8, "Period", "Period");
-  Data().Bind(Text1, "Start Date", "Start Date");
-  Data().Bind(Text2, "End Date", "End Date");
-  Data().Bind(IDText, "ID");
-  Text1.onLeave = [this] { return StartLeft(); };
-  Text2.onLeave = [this] { return ValidDate(Text2.Text(), true); };
-
-  auto* rows = new ui::FieldRows;
-  for (ui::TextBox* number : {&Text3, &Text8}) {
-    ui::SetWidth(*number, ui::kNumberWidth);
-    number->SelectOnEntry();
-  }
-  for (ui::TextBox* date : {&Text1, &Text2}) ui::SetWidth(*date, ui::kDateWidth);
-  ShowNumber(IDText);
-  rows->Row("Year", {&Text3});
-  rows->Row("Period", {&Text8});
-  rows->Row("Start Date", {&Text1});
-  rows->Row("End Date", {&Text2});
-  rows->Row("Database ID", {&IDText});
-  LayOut(rows);
+                  .recordWords = "Inventory #",
+                  .ok = "OkButton"}) {
+  startDate.onLeave = [this] { return StartLeft(); };
+  endDate.onLeave = [this] { return ValidDate(endDate.Text(), true); };
+  for (ui::TextBox* number : {&fiscalYear, &period}) number->SelectOnEntry();
+  ShowNumber(recordNumber);
+  Declare({{fiscalYear, "Fiscal Year", "Year", ui::kNumberWidth},
+           {period, "Period", "Period", ui::kNumberWidth},
+           {startDate, "Start Date", "Start Date", ui::kDateWidth},
+           {endDate, "End Date", "End Date", ui::kDateWidth},
+           {recordNumber, "ID", "Database ID"}});
 }
 
 bool frmPeriodsMaint::StartLeft() {
-  if (!ValidDate(Text1.Text(), true)) return false;
-  const auto start = rt::ParseDate(Text1.Text());
+  if (!ValidDate(startDate.Text(), true)) return false;
+  const auto start = rt::ParseDate(startDate.Text());
   // In the calendar's last year a month later may be no day at all.
-  if (Text2.Text().empty() && start && start->Year() < kLastYear)
-    Text2.SetText(rt::ShortDate(PeriodEnd(*start)));
+  if (endDate.Text().empty() && start && start->Year() < kLastYear)
+    endDate.SetText(rt::ShortDate(PeriodEnd(*start)));
   return true;
 }
 
 bool frmPeriodsMaint::ValidData() {
-  for (ui::TextBox* date : {&Text1, &Text2}) {
+  for (ui::TextBox* date : {&startDate, &endDate}) {
     if (ValidDate(date->Text(), true)) continue;
     date->setFocus();
     return false;

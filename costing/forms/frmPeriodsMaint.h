@@ -1,20 +1,20 @@
 // One fiscal period.
 #pragma once
 
-#include "windows/DetailForm.h"
+#include "windows/RecordForm.h"
 
 namespace dw {
 
-class frmPeriodsMaint : public DetailForm {
+class frmPeriodsMaint : public RecordForm {
  public:
   static constexpr const char* kName = "frmPeriodsMaint";
   frmPeriodsMaint();
 
-  ui::MaskEdBox Text3{"Text3", {}, ui::Keys::Digits};  ///< `Fiscal Year`
-  ui::MaskEdBox Text8{"Text8", {}, ui::Keys::Digits};  ///< `Period`
-  ui::TextBox Text1{"Text1"};                          ///< `Start Date`
-  ui::TextBox Text2{"Text2"};                          ///< `End Date`
-  ui::TextBox IDText{"IDText"};                        ///< `ID`
+  ui::MaskEdBox fiscalYear{"Text3", {}, ui::Keys::Digits};  ///< `Fiscal Year`
+  ui::MaskEdBox period{"Text8", {}, ui::Keys::Digits};      ///< `Period`
+  ui::TextBox startDate{"Text1"};                           ///< `Start Date`
+  ui::TextBox endDate{"Text2"};                             ///< `End Date`
+  ui::TextBox recordNumber{"IDText"};                       ///< `ID`
 
  protected:
   bool ValidData() override;

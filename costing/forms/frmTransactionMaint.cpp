@@ -1,9 +1,9 @@
 #include "costing/forms/frmTransactionMaint.h"
 
-#include <QEvent>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
+#include <algorithm>
 #include <utility>
 
 #include "costing/Lookups.h"
@@ -37,15 +37,16 @@ std::vector<ui::GridColumn> TaskColumns() {
 }  // namespace
 
 frmTransactionMaint::frmTransactionMaint()
-    : DetailForm({.form = kName,
+    : RecordForm({.form = kName,
                   .title = "Transaction Detail",
                   .data = "TransactionData",
                   .table = "[Maintenance Transactions]",
-                  .recordWords = "Transaction #"}),
+                  .recordWords = "Transaction #",
+                  .ok = "OkButton"}),
       lblAssetSerial(new QLabel),
       cmdUnpost(new QPushButton("&Unpost")),
       tasks_(AddInnerGrid("grdTasks", "adoSchedule", TaskColumns(), std::string(kTasksQuery) + "-1",
-                          [this](dao::Recordset&) {
+                          [this](RecordHold&) {
                             return kTasksQuery + std::to_string(DataID) +
                                    " ORDER BY [Maintenance Types.Description]";
                           })),
@@ -58,38 +59,39 @@ frmTransactionMaint::frmTransactionMaint()
 }
 
 void frmTransactionMaint::BindFields() {
-  const std::pair<ui::BoundControl*, const char*> unnamed[] = {{&Text1, "ID"}, {&Text2, "Notes"}};
-  for (const auto& [control, column] : unnamed) Data().Bind(*control, column);
+  Bind(recordNumber, "ID");
+  Bind(notes, "Notes");
   struct Field {
-    ui::BoundControl* control;
+    ui::TextBox* control;
     const char* column;
     const char* label;
   };
-  const Field fields[] = {{&txtAssetID, "Asset ID", "Asset ID"},
-                          {&Text8, "Transaction Date", "Date"},
-                          {&Text9, "Work Order Number", "Work Order"},
-                          {&Text11, "Year", "Fiscal Yr/Per"},
-                          {&Text10, "Period", "Fiscal Yr/Per"},
-                          {&MaskEdBox3, "Mileage", "Mileage"},
-                          {&MaskedEdit5, "Internal Fuel Units", "Internal Fuel Quantity"},
-                          {&edtUnleadedCost, "Internal Fuel Cost", "Internal Fuel Cost"},
-                          {&txtOilUnits, "Oil", "Internal Oil Quantity"},
-                          {&MaskedEdit9, "Oil Cost", "Internal Oil Cost"},
-                          {&MaskEdBox2, "Time", "Labor Quantity"},
-                          {&MaskEdBox1, "Internal Time Cost", "Labor Cost"},
-                          {&MaskedEdit3, "Parts Cost", "Internal Other Costs"},
-                          {&MaskedEdit16, "Outside Fuel Units", "External Fuel Quantity"},
-                          {&MaskedEdit1, "Outside Fuel Cost", "External Fuel Cost"},
-                          {&txtOutsideOil, "Outside Oil Units", "External Oil Quantity"},
-                          {&MaskedEdit2, "Outside Oil Cost", "External Oil Cost"},
-                          {&MaskedEdit18, "Outside Cost", "External Other Costs"}};
+  const Field fields[] = {{&assetCode, "Asset ID", "Asset ID"},
+                          {&transactionDate, "Transaction Date", "Date"},
+                          {&workOrder, "Work Order Number", "Work Order"},
+                          {&fiscalYear, "Year", "Fiscal Yr/Per"},
+                          {&fiscalPeriod, "Period", "Fiscal Yr/Per"},
+                          {&mileage, "Mileage", "Mileage"},
+                          {&internalFuelUnits, "Internal Fuel Units", "Internal Fuel Quantity"},
+                          {&internalFuelCost, "Internal Fuel Cost", "Internal Fuel Cost"},
+                          {&internalOilUnits, "Oil", "Internal Oil Quantity"},
+                          {&internalOilCost, "Oil Cost", "Internal Oil Cost"},
+                          {&laborHours, "Time", "Labor Quantity"},
+                          {&laborCost, "Internal Time Cost", "Labor Cost"},
+                          {&partsCost, "Parts Cost", "Internal Other Costs"},
+                          {&outsideFuelUnits, "Outside Fuel Units", "External Fuel Quantity"},
+                          {&outsideFuelCost, "Outside Fuel Cost", "External Fuel Cost"},
+                          {&outsideOilUnits, "Outside Oil Units", "External Oil Quantity"},
+                          {&outsideOilCost, "Outside Oil Cost", "External Oil Cost"},
+                          {&outsideCost, "Outside Cost", "External Other Costs"}};
   for (const Field& field : fields) {
-    Data().Bind(*field.control, field.column, field.label);
-    field.control->Widget()->setAccessibleName(field.label);
+    Bind(*field.control, field.column, field.label);
+    field.control->setAccessibleName(field.label);
+    figures_.emplace_back(field.column, field.control);
   }
-  Text11.setAccessibleName("Fiscal Year");
-  Text10.setAccessibleName("Fiscal Period");
-  Data().Bind(Label4.emplace_back("Label4(4)"), "When Posted");
+  fiscalYear.setAccessibleName("Fiscal Year");
+  fiscalPeriod.setAccessibleName("Fiscal Period");
+  Bind(auditLabels.emplace_back("Label4(4)"), "When Posted");
 }
 
 void frmTransactionMaint::SetRules() {
@@ -98,16 +100,16 @@ void frmTransactionMaint::SetRules() {
   const auto leaving = [this](ui::TextBox& field, std::function<bool()> rule) {
     field.onLeave = [this, rule = std::move(rule)] { return CancelPressed() || checking_ || rule(); };
   };
-  leaving(txtAssetID, [this] {
-    if (!CheckAssetID(txtAssetID.Text())) return false;
+  leaving(assetCode, [this] {
+    if (!CheckAssetID(assetCode.Text())) return false;
     ShowAssetSerial();
     return true;
   });
-  leaving(Text8, [this] { return CheckDate(); });
-  leaving(Text10, [this] { return CheckPeriod(Text10.Text()); });
+  leaving(transactionDate, [this] { return CheckDate(); });
+  leaving(fiscalPeriod, [this] { return CheckPeriod(fiscalPeriod.Text()); });
   for (ui::TextBox* cost :
-       std::initializer_list<ui::TextBox*>{&edtUnleadedCost, &MaskEdBox1, &MaskedEdit1, &MaskedEdit18,
-                                           &MaskedEdit2, &MaskedEdit3, &MaskedEdit9})
+       std::initializer_list<ui::TextBox*>{&internalFuelCost, &laborCost, &outsideFuelCost, &outsideCost,
+                                           &outsideOilCost, &partsCost, &internalOilCost})
     leaving(*cost, [cost] { return CheckCost(cost->Text()); });
   const auto priced = [&](OwnUnits kind, ui::TextBox& units, ui::TextBox& cost) {
     leaving(units, [this, kind, &units, &cost] {
@@ -115,22 +117,21 @@ void frmTransactionMaint::SetRules() {
       return true;
     });
   };
-  priced(OwnUnits::Fuel, MaskedEdit5, edtUnleadedCost);
-  priced(OwnUnits::Labor, MaskEdBox2, MaskEdBox1);
-  priced(OwnUnits::Oil, txtOilUnits, MaskedEdit9);
+  priced(OwnUnits::Fuel, internalFuelUnits, internalFuelCost);
+  priced(OwnUnits::Labor, laborHours, laborCost);
+  priced(OwnUnits::Oil, internalOilUnits, internalOilCost);
 
-  for (QWidget* control : tabOrder_)
-    if (auto* field = dynamic_cast<ui::TextBox*>(control); field && field != &txtAssetID)
-      field->SelectOnEntry();
+  for (const auto& [column, field] : figures_)
+    if (field != &assetCode) field->SelectOnEntry();
   const auto filled = [](ui::TextBox& field, const char* text) {
     field.onEnter = [&field, text] {
       if (field.Text().empty()) field.SetText(text);
     };
   };
-  for (ui::TextBox* field : std::initializer_list<ui::TextBox*>{&MaskedEdit1, &MaskedEdit18, &MaskedEdit2,
-                                                                &MaskedEdit3, &txtOutsideOil})
+  for (ui::TextBox* field : std::initializer_list<ui::TextBox*>{
+           &outsideFuelCost, &outsideCost, &outsideOilCost, &partsCost, &outsideOilUnits})
     filled(*field, "0.00");
-  filled(MaskedEdit16, "0.0");
+  filled(outsideFuelUnits, "0.0");
 
   // A double click adds a task wherever it falls; Space shows the one that is chosen.
   grdTasks.onAdd = grdTasks.onDoubleClick = [this] { AddTask(); };
@@ -140,74 +141,59 @@ void frmTransactionMaint::SetRules() {
   ui::OnClick(*cmdUnpost, [this] { Unpost(); });
 }
 
-bool frmTransactionMaint::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::FocusOut) {
-    for (std::size_t i = 0; i < tabOrder_.size(); ++i)
-      if (tabOrder_[i] == watched) LastTabIndex = static_cast<std::int16_t>(i);
-  }
-  return DetailForm::eventFilter(watched, event);
-}
-
 void frmTransactionMaint::OnActivate() {
-  DetailForm::OnActivate();
-  if (LoadedOK && !Minimised()) RestoreFocus();
-}
-
-void frmTransactionMaint::RestoreFocus() {
-  const auto last = static_cast<std::size_t>(LastTabIndex);
-  for (std::size_t i = 0; i < tabOrder_.size(); ++i) {
-    QWidget* control = tabOrder_[(last + i) % tabOrder_.size()];
-    if (!control->isEnabled() || !control->isVisibleTo(this)) continue;
-    control->setFocus();
-    return;
-  }
+  RecordForm::OnActivate();
+  if (LoadedOK && !Minimised()) focus_.Restore(*this);
 }
 
 void frmTransactionMaint::RecordLoaded() {
   // A field that is disabled with the focus in it would hand the focus on, and rules would run on the way.
-  const std::int16_t last = LastTabIndex;
+  const std::int16_t last = focus_.LastTabIndex;
   if (focusWidget()) focusWidget()->clearFocus();
-  LastTabIndex = last;
-  txtAssetID.setEnabled(AssetID.empty());
+  focus_.LastTabIndex = last;
+  assetCode.setEnabled(AssetID.empty());
   const bool posted = !Data().Recordset()->Get("When Posted").IsNull();
-  for (QWidget* field :
-       std::initializer_list<QWidget*>{&MaskedEdit5, &edtUnleadedCost, &txtOilUnits, &MaskedEdit9,
-                                       &MaskEdBox1, &MaskEdBox2, &MaskedEdit3, &MaskedEdit16, &MaskedEdit1,
-                                       &txtOutsideOil, &MaskedEdit2, &MaskedEdit18, &Text8, &Text11, &Text10})
+  for (QWidget* field : std::initializer_list<QWidget*>{
+           &internalFuelUnits, &internalFuelCost, &internalOilUnits, &internalOilCost, &laborCost,
+           &laborHours, &partsCost, &outsideFuelUnits, &outsideFuelCost, &outsideOilUnits, &outsideOilCost,
+           &outsideCost, &transactionDate, &fiscalYear, &fiscalPeriod})
     field->setEnabled(!posted);
   cmdUnpost->setEnabled(posted);
-  // Labour and parts go with the fuel; what stands to the right of them moves into their place.
+  // Labor and parts are hidden with the fuel; what is to the right of them moves into their place.
   fraTab[1]->setVisible(InternalFuelAvailable());
   ShowAssetSerial();
 }
 
 void frmTransactionMaint::ShowAssetSerial() {
-  lblAssetSerial->setText(QString::fromStdString(AssetSerial(txtAssetID.Text())));
+  lblAssetSerial->setText(QString::fromStdString(AssetSerial(assetCode.Text())));
 }
 
 bool frmTransactionMaint::CheckDate() {
-  const TransactionDay day = CheckTransactionDate(Text8.Text(), AddMode);
+  const TransactionDay day = CheckTransactionDate(transactionDate.Text(), AddMode);
   if (day.verdict == DateVerdict::Good) {
-    Text11.SetText(std::to_string(day.year));
-    Text10.SetText(std::to_string(day.period));
+    fiscalYear.SetText(std::to_string(day.year));
+    fiscalPeriod.SetText(std::to_string(day.period));
   }
   if (day.verdict != DateVerdict::Refused) {
-    Text11.setEnabled(day.verdict != DateVerdict::Good);
-    Text10.setEnabled(day.verdict != DateVerdict::Good);
+    fiscalYear.setEnabled(day.verdict != DateVerdict::Good);
+    fiscalPeriod.setEnabled(day.verdict != DateVerdict::Good);
   }
-  if (day.verdict != DateVerdict::Good) Text8.setFocus();
+  if (day.verdict != DateVerdict::Good) transactionDate.setFocus();
   return day.verdict == DateVerdict::Good;
 }
 
 void frmTransactionMaint::PriceField(OwnUnits kind, ui::TextBox& units, ui::TextBox& cost) {
-  const PricedTexts priced = PriceUnits(
-      kind, {.assetID = txtAssetID.Text(), .date = Text8.Text(), .units = units.Text(), .cost = cost.Text()});
+  const PricedTexts priced = PriceUnits(kind, {.assetID = assetCode.Text(),
+                                               .date = transactionDate.Text(),
+                                               .units = units.Text(),
+                                               .cost = cost.Text()});
   units.SetText(priced.units);
   cost.SetText(priced.cost);
 }
 
 void frmTransactionMaint::PriceFocusedField() {
-  for (ui::TextBox* units : std::initializer_list<ui::TextBox*>{&MaskedEdit5, &MaskEdBox2, &txtOilUnits})
+  for (ui::TextBox* units :
+       std::initializer_list<ui::TextBox*>{&internalFuelUnits, &laborHours, &internalOilUnits})
     if (units->hasFocus()) units->onLeave();
 }
 
@@ -224,24 +210,23 @@ bool frmTransactionMaint::CheckAll() {
     field.setFocus();
     return false;
   };
-  if (!CheckAssetID(txtAssetID.Text())) return refuse(txtAssetID);
-  if (!CheckDate()) return refuse(Text8);
-  if (!CheckPeriod(Text10.Text())) return refuse(Text10);
+  if (!CheckAssetID(assetCode.Text())) return refuse(assetCode);
+  if (!CheckDate()) return refuse(transactionDate);
+  if (!CheckPeriod(fiscalPeriod.Text())) return refuse(fiscalPeriod);
   for (const NumericRule& rule : kNumericRules) {
-    auto& field = dynamic_cast<ui::TextBox&>(*findChild<QWidget*>(rule.control));
+    const auto figure = std::find_if(figures_.begin(), figures_.end(),
+                                     [&](const auto& candidate) { return candidate.first == rule.column; });
+    ui::TextBox& field = *figure->second;
     if (field.Text().empty() || rt::IsNumeric(field.Text())) continue;
-    screen::MessageBox(rule.words, screen::Icon::Critical);
-    return refuse(field);
+    return Refuse(field, rule.words);
   }
   return true;
 }
 
 bool frmTransactionMaint::CommitForTask() {
+  if (Held()) return SaveForChild();
   // A record that is only read has nothing to store.
-  if (Held() && !(ValidData() && SaveRecord())) return false;
-  LoadAgain();
-  ClearCancelPressed();
-  AddMode = false;
+  Rearm();
   return true;
 }
 
@@ -252,42 +237,35 @@ void frmTransactionMaint::AddTask() {
 void frmTransactionMaint::ShowTask() {
   if (!CommitForTask()) return;
   if (!adoSchedule.HasRows())
-    TellNoRecords();
-  else if (!TaskIsGone())
-    return OpenTask(false, rt::Value(grdTasks.CellText(0)).AsLong());
+    ReportNoRecords();
+  else if (const auto id = RowNumber(grdTasks, [this] { RefreshGrid(); }))
+    return OpenTask(false, *id);
   OnActivate();
-}
-
-bool frmTransactionMaint::TaskIsGone() {
-  if (rt::IsNumeric(grdTasks.CellText(0))) return false;
-  screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
-  RefreshGrid();
-  return true;
 }
 
 void frmTransactionMaint::OpenTask(bool add, std::int32_t id) {
   OpenDetailForm<frmMaintTaskMaint>(
       grdTasks, add, id, currentTask_, adoSchedule.HasRows(),
-      [this](frmMaintTaskMaint& task) { task.MaintenanceID = rt::Value(Text1.Text()).AsLong(); });
+      [this](frmMaintTaskMaint& task) { task.MaintenanceID = rt::Value(recordNumber.Text()).AsLong(); });
   // Where no window was opened this one goes on at once, with its record in hand.
   if (ui::ActiveForm() == this) OnActivate();
 }
 
 void frmTransactionMaint::DeleteTask() {
   if (!adoSchedule.HasRows()) {
-    TellNoRecords();
+    ReportNoRecords();
     return;
   }
-  if (TaskIsGone()) return;
-  if (DeleteRecord(
-          {.recordQuery = "SELECT * FROM [Maintenance_Performed] WHERE [ID] = " + grdTasks.CellText(0)}))
+  const auto id = RowNumber(grdTasks, [this] { RefreshGrid(); });
+  if (id && DeleteRecord(
+                {.recordQuery = "SELECT * FROM [Maintenance_Performed] WHERE [ID] = " + std::to_string(*id)}))
     RefreshGrid();
 }
 
 void frmTransactionMaint::Unpost() {
   if (!ValidData()) return;
   if (!Held()) {
-    TellHeldElsewhere();
+    ReportHeldElsewhere();
     return;
   }
   const DaoRecordsetPtr record = Data().Recordset();
@@ -302,7 +280,7 @@ void frmTransactionMaint::Unpost() {
     now[i] = record->Get(kPlace[i]);
     record->Set(kPlace[i], posted[i]);
   }
-  const std::int16_t last = LastTabIndex;
+  const std::int16_t last = focus_.LastTabIndex;
   bool held = false;
   {
     const ui::NoInput untouched(*this);
@@ -310,7 +288,7 @@ void frmTransactionMaint::Unpost() {
       for (std::size_t i = 0; i < kPlace.size(); ++i) record->Set(kPlace[i], now[i]);
     });
   }
-  LastTabIndex = last;
+  focus_.LastTabIndex = last;
   if (held) {
     // The fields stay as they are, closed ones too: only opening the record anew frees them.
     Data().ShowRecord();

@@ -6,16 +6,11 @@
 namespace dw {
 
 frmClassMaint::frmClassMaint()
-    : DetailForm({.form = kName,
+    : RecordForm({.form = kName,
                   .title = "Class Detail",
                   .data = "ClassData",
                   .table = "[Inventory Classes]",
-                  .recordWords = "Class #",
-                  .ok = "OKButton"}) {
-  Data().Bind(Text1, "ID");
-  Data().Bind(Text2, "Class ID", "Class ID");
-  Data().Bind(Text3, "Description", "Description");
-  Data().Bind(Text8, "Notes", "Notes");
+                  .recordWords = "Class #"}) {
   auto& assets = AddInnerGrid("grdInventory", "adoInventory",
                               {{"ID"},
                                {"Description"},
@@ -25,16 +20,14 @@ frmClassMaint::frmClassMaint()
                                {"Updated By"},
                                {"Last Updated"}},
                               kNoAssets, AssetsWithCode("Class ID"));
-
-  auto* rows = new ui::FieldRows;
-  rows->Row("Class ID", {&Text2});
-  rows->Row("Description", {&Text3});
-  rows->Row("Database ID", {&Text1});
-  ui::SetWidth(Text2, ui::kCodeWidth);
-  ShowNumber(Text1);
-  LayOut(rows, {NotesGroup(Text8), AssetsGroup(assets.grid)});
+  ShowNumber(recordNumber);
+  Bind(notes, "Notes", "Notes");
+  Declare({{code, "Class ID", "Class ID", ui::kCodeWidth},
+           {description, "Description", "Description"},
+           {recordNumber, "ID", "Database ID"}},
+          {NotesGroup(notes), AssetsGroup(assets.grid)});
 }
 
-void frmClassMaint::FillPlaceholder(dao::Recordset& record) { record.Set("Class ID", ""); }
+void frmClassMaint::FillPlaceholder() { Hold().Set("Class ID", ""); }
 
 }  // namespace dw

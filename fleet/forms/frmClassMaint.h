@@ -1,22 +1,22 @@
 // One inventory class, and the assets in it.
 #pragma once
 
-#include "windows/DetailForm.h"
+#include "windows/RecordForm.h"
 
 namespace dw {
 
-class frmClassMaint : public DetailForm {
+class frmClassMaint : public RecordForm {
  public:
   static constexpr const char* kName = "frmClassMaint";
   frmClassMaint();
 
-  ui::TextBox Text1{"Text1"};  ///< `ID`
-  ui::TextBox Text2{"Text2"};  ///< `Class ID`
-  ui::TextBox Text3{"Text3"};  ///< `Description`
-  ui::NotesBox Text8{"Text8"};
+  ui::TextBox recordNumber{"Text1"};  ///< `ID`
+  ui::TextBox code{"Text2"};          ///< `Class ID`
+  ui::TextBox description{"Text3"};   ///< `Description`
+  ui::NotesBox notes{"Text8"};
 
  protected:
-  void FillPlaceholder(dao::Recordset& record) override;
+  void FillPlaceholder() override;
 };
 
 }  // namespace dw

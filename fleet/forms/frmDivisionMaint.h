@@ -1,22 +1,22 @@
 // One division, and the assets in it.
 #pragma once
 
-#include "windows/DetailForm.h"
+#include "windows/RecordForm.h"
 
 namespace dw {
 
-class frmDivisionMaint : public DetailForm {
+class frmDivisionMaint : public RecordForm {
  public:
   static constexpr const char* kName = "frmDivisionMaint";
   frmDivisionMaint();
 
-  ui::TextBox Text1{"Text1"};  ///< `ID`
-  ui::TextBox Text2{"Text2"};  ///< `Division ID`
-  ui::TextBox Text3{"Text3"};  ///< `Description`
-  ui::NotesBox Text8{"Text8"};
+  ui::TextBox recordNumber{"Text1"};  ///< `ID`
+  ui::TextBox code{"Text2"};          ///< `Division ID`
+  ui::TextBox description{"Text3"};   ///< `Description`
+  ui::NotesBox notes{"Text8"};
 
  protected:
-  void FillPlaceholder(dao::Recordset& record) override;
+  void FillPlaceholder() override;
   bool ValidData() override;
 };
 

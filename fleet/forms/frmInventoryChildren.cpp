@@ -6,7 +6,6 @@
 #include "fleet/forms/frmInventoryMaint.h"
 #include "fleet/forms/frmOdometerMaint.h"
 #include "fleet/forms/frmSchedMaintAsset.h"
-#include "platform/runtime/Text.h"
 #include "windows/OpenDetailForm.h"
 
 namespace dw {
@@ -21,7 +20,7 @@ constexpr int kOdometer = 4;
 void frmInventoryMaint::SetUpGrids() {
   children_ = {{.grid = &grdMaintenance, .data = &adoMaintenance_},
                {.grid = &grdSchedule, .data = &adoSchedule_},
-               {.grid = &OdometerGrid, .data = &adoOdometers_}};
+               {.grid = &grdOdometer, .data = &adoOdometers_}};
   for (const int page : {kMaintenance, kSchedule, kOdometer}) {
     ui::DataGrid& grid = *ChildOn(page).grid;
     grid.onAdd = [this, page] { AddChild(page); };
@@ -37,7 +36,7 @@ frmInventoryMaint::Child& frmInventoryMaint::ChildOn(int page) {
 void frmInventoryMaint::AddOdometer() { AddChild(kOdometer); }
 
 void frmInventoryMaint::AddChild(int page) {
-  if (page != kSchedule && AssetText.Text().empty()) {
+  if (page != kSchedule && assetCode.Text().empty()) {
     screen::MessageBox("You cannot add maintenance items until you assign an Asset ID.",
                        screen::Icon::Exclamation);
     return;
@@ -48,24 +47,11 @@ void frmInventoryMaint::AddChild(int page) {
 void frmInventoryMaint::ShowChild(int page) {
   Child& child = ChildOn(page);
   if (!child.data->HasRows()) {
-    TellNoRecords();
+    ReportNoRecords();
     return;
   }
-  std::int32_t id = 0;
-  if (!RowID(child, id)) return;
-  if (SaveForChild()) OpenChild(page, false, id);
-}
-
-bool frmInventoryMaint::RowID(Child& child, std::int32_t& id) {
-  const std::string text = child.grid->CellText(0);
-  if (rt::IsNumeric(text)) {
-    id = rt::Value(text).AsLong();
-    return true;
-  }
-  // Deleted elsewhere before it was read.
-  screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
-  RefreshChild(child);
-  return false;
+  const auto id = RowNumber(*child.grid, [&] { RefreshChild(child); });
+  if (id && SaveForChild()) OpenChild(page, false, *id);
 }
 
 void frmInventoryMaint::RefreshChild(Child& child) {
@@ -76,7 +62,7 @@ void frmInventoryMaint::RefreshChild(Child& child) {
 
 void frmInventoryMaint::OpenChild(int page, bool add, std::int32_t id) {
   Child& child = ChildOn(page);
-  const std::string asset = AssetText.Text();
+  const std::string asset = assetCode.Text();
   const bool rows = child.data->HasRows();
   if (page == kMaintenance)
     OpenAssetDetailForm<frmTransactionMaint>(*child.grid, add, id, asset, child.currentRow, rows);
@@ -92,14 +78,14 @@ void frmInventoryMaint::OpenChild(int page, bool add, std::int32_t id) {
 void frmInventoryMaint::DeleteChild(int page) {
   Child& child = ChildOn(page);
   if (!child.data->HasRows()) {
-    TellNoRecords();
+    ReportNoRecords();
     return;
   }
-  std::int32_t id = 0;
-  if (!RowID(child, id)) return;
-  const bool gone = page == kMaintenance ? RemoveTransaction(id)
-                    : page == kSchedule  ? DeleteScheduleLine(id)
-                                         : RemoveReading(id);
+  const auto id = RowNumber(*child.grid, [&] { RefreshChild(child); });
+  if (!id) return;
+  const bool gone = page == kMaintenance ? RemoveTransaction(*id)
+                    : page == kSchedule  ? DeleteScheduleLine(*id)
+                                         : RemoveReading(*id);
   if (gone) RefreshChild(child);
 }
 

@@ -85,62 +85,62 @@ QWidget* Page(QLayout* above, QWidget& content) {
 }  // namespace
 
 void frmInventoryMaint::BindControls() {
-  Bind(IDText, "ID");
-  Bind(AssetText, "Asset ID", "Asset ID");
-  Bind(Text9, "Description", "Description");
-  Bind(dcDivisions, "Division ID", "Division ID");
-  Bind(dcClasses, "Class ID", "Class ID");
-  Bind(Text13, "Location ID", "Location ID");
-  Bind(Text12, "VIN/Serial Number", "VIN/Serial #");
-  Bind(Text15, "Type", "Type ID");
-  Bind(Text20, "Meter Type", "Meter Type");
-  Bind(Text14, "Model Year", "Model Year");
-  Bind(Text1, "Purchase Price", "Price");
-  Bind(dcFuelTypes, "Fuel Type", "Fuel Type");
-  Bind(chkNotInService, "No_Longer_In_Service");
-  Bind(Text8, "Notes", "Notes");
-  Bind(imgAsset, "Photograph");
+  Bind(recordNumber, "ID");
+  Bind(assetCode, "Asset ID", "Asset ID");
+  Bind(description, "Description", "Description");
+  Bind(division, "Division ID", "Division ID");
+  Bind(assetClass, "Class ID", "Class ID");
+  Bind(location, "Location ID", "Location ID");
+  Bind(serialNumber, "VIN/Serial Number", "VIN/Serial #");
+  Bind(assetType, "Type", "Type ID");
+  Bind(meterType, "Meter Type", "Meter Type");
+  Bind(modelYear, "Model Year", "Model Year");
+  Bind(purchasePrice, "Purchase Price", "Price");
+  Bind(fuelType, "Fuel Type", "Fuel Type");
+  Bind(notInService, "No_Longer_In_Service");
+  Bind(notes, "Notes", "Notes");
+  Bind(photograph, "Photograph");
   grdMaintenance.SetColumns(MaintenanceColumns());
   grdSchedule.SetColumns(ScheduleColumns());
-  OdometerGrid.SetColumns(OdometerColumns());
+  grdOdometer.SetColumns(OdometerColumns());
 }
 
 QLayout* frmInventoryMaint::LayOutFields() {
   auto* code = new QHBoxLayout;
-  code->addWidget(&AssetText, 1);
+  code->addWidget(&assetCode, 1);
   code->addWidget(cmdRename);
   auto* left = new ui::FieldRows;
-  left->addWidget(ui::Prompt("Asset ID", AssetText), 0, 0);
+  left->addWidget(ui::Prompt("Asset ID", assetCode), 0, 0);
   left->addLayout(code, 0, 1);
-  left->Row("Description", {&Text9});
-  left->Row("VIN/Serial #", {&Text12});
-  left->Row("Type ID", {&Text15});
-  left->Row("Model Year", {&Text14});
-  left->addWidget(&chkNotInService, left->rowCount(), 1);
+  left->Row("Description", {&description});
+  left->Row("VIN/Serial #", {&serialNumber});
+  left->Row("Type ID", {&assetType});
+  left->Row("Model Year", {&modelYear});
+  left->addWidget(&notInService, left->rowCount(), 1);
 
   auto* middle = new ui::FieldRows;
-  middle->Row("Division ID", {&dcDivisions});
-  middle->Row("Class ID", {&dcClasses});
-  middle->Row("Location ID", {&Text13});
-  middle->Row("Fuel Type", {&dcFuelTypes});
-  middle->Row("Meter Type", {&Text20});
+  middle->Row("Division ID", {&division});
+  middle->Row("Class ID", {&assetClass});
+  middle->Row("Location ID", {&location});
+  middle->Row("Fuel Type", {&fuelType});
+  middle->Row("Meter Type", {&meterType});
   middle->setRowStretch(middle->rowCount(), 1);
 
   auto* right = new ui::FieldRows;
-  right->Row("Entry Date", {&Text3});
-  right->Row("Purchase Date", {&Text16});
-  right->Row("Replace Date", {&Text17});
-  right->Row("Price", {&Text1});
-  right->Row("Database ID", {&IDText});
+  right->Row("Entry Date", {&entryDate});
+  right->Row("Purchase Date", {&purchaseDate});
+  right->Row("Replace Date", {&replacementDate});
+  right->Row("Price", {&purchasePrice});
+  right->Row("Database ID", {&recordNumber});
   right->setRowStretch(right->rowCount(), 1);
 
-  for (ui::TextBox* date : {&Text3, &Text16, &Text17}) ui::SetWidth(*date, ui::kDateWidth);
-  ui::SetWidth(Text14, 6);
-  ui::SetWidth(Text1, ui::kMoneyWidth);
-  ui::SetWidth(IDText, ui::kNumberWidth);
-  IDText.SetDisplayOnly();
-  for (ui::DataCombo* combo : {&dcDivisions, &dcClasses, &dcFuelTypes}) combo->setMinimumContentsLength(18);
-  Text9.setMinimumWidth(fontMetrics().averageCharWidth() * 30);
+  for (ui::TextBox* date : {&entryDate, &purchaseDate, &replacementDate}) ui::SetWidth(*date, ui::kDateWidth);
+  ui::SetWidth(modelYear, 6);
+  ui::SetWidth(purchasePrice, ui::kMoneyWidth);
+  ui::SetWidth(recordNumber, ui::kNumberWidth);
+  recordNumber.SetDisplayOnly();
+  for (ui::DataCombo* combo : {&division, &assetClass, &fuelType}) combo->setMinimumContentsLength(18);
+  description.setMinimumWidth(fontMetrics().averageCharWidth() * 30);
 
   auto* groups = new QHBoxLayout;
   groups->addLayout(left, 3);
@@ -152,11 +152,11 @@ QLayout* frmInventoryMaint::LayOutFields() {
 }
 
 QLayout* frmInventoryMaint::LayOutPicture() {
-  imgAsset.setFixedSize(fontMetrics().averageCharWidth() * 28, fontMetrics().height() * 8);
+  photograph.setFixedSize(fontMetrics().averageCharWidth() * 28, fontMetrics().height() * 8);
   auto* buttons = new QHBoxLayout;
   for (QPushButton* button : cmdPicture) buttons->addWidget(button);
   auto* column = new QVBoxLayout;
-  column->addWidget(&imgAsset);
+  column->addWidget(&photograph);
   column->addLayout(buttons);
   column->addStretch(1);
   return column;
@@ -176,7 +176,7 @@ void frmInventoryMaint::AddTabs() {
   ui::SetWidth(txtUsage, ui::kNumberWidth);
   txtDue.setReadOnly(true);
   txtDue.setAccessibleName("Maintenance Due");
-  SSIndexTab1.addTab(Page(horizon, txtDue), "Maintenance Due");
+  pages.addTab(Page(horizon, txtDue), "Maintenance Due");
 
   const QString later = "Will print what this asset has cost; the cost reports come with a later version.";
   cmdPrint->setEnabled(false);
@@ -186,19 +186,15 @@ void frmInventoryMaint::AddTabs() {
   choice->addWidget(&chkNonFuelOnly);
   choice->addStretch(1);
   choice->addWidget(cmdPrint);
-  SSIndexTab1.addTab(Page(choice, grdMaintenance), "Maintenance Performed");
-  SSIndexTab1.addTab(Page(nullptr, grdSchedule), "Maintenance Schedule");
-  SSIndexTab1.addTab(Page(nullptr, Text8), "Notes");
-  SSIndexTab1.addTab(Page(nullptr, OdometerGrid), "Odometer Readings");
+  pages.addTab(Page(choice, grdMaintenance), "Maintenance Performed");
+  pages.addTab(Page(nullptr, grdSchedule), "Maintenance Schedule");
+  pages.addTab(Page(nullptr, notes), "Notes");
+  pages.addTab(Page(nullptr, grdOdometer), "Odometer Readings");
   grdMaintenance.setAccessibleName("Maintenance Performed");
   grdSchedule.setAccessibleName("Maintenance Schedule");
-  OdometerGrid.setAccessibleName("Odometer Readings");
-  Text8.setAccessibleName("Notes");
-  Text8.onEnter = [this] { SetDefault(nullptr); };
-  Text8.onLeave = [this] {
-    SetDefault(OKButton);
-    return true;
-  };
+  grdOdometer.setAccessibleName("Odometer Readings");
+  notes.setAccessibleName("Notes");
+  EnterMakesLines(notes);
   const std::pair<const char*, int> turns[] = {
       {"Ctrl+Tab", 1}, {"Ctrl+PgDown", 1}, {"Ctrl+Shift+Tab", -1}, {"Ctrl+PgUp", -1}};
   for (const auto& [keys, step] : turns) {
@@ -208,13 +204,12 @@ void frmInventoryMaint::AddTabs() {
 }
 
 void frmInventoryMaint::TurnPage(int step) {
-  SSIndexTab1.setCurrentIndex((SSIndexTab1.currentIndex() + step + SSIndexTab1.count()) %
-                              SSIndexTab1.count());
+  pages.setCurrentIndex((pages.currentIndex() + step + pages.count()) % pages.count());
   // From elsewhere in the window the way into the page is one step then.
-  if (!SSIndexTab1.isAncestorOf(focusWidget())) SSIndexTab1.tabBar()->setFocus(Qt::ShortcutFocusReason);
+  if (!pages.isAncestorOf(focusWidget())) pages.tabBar()->setFocus(Qt::ShortcutFocusReason);
 }
 
-void frmInventoryMaint::LayOut() {
+void frmInventoryMaint::PutTogether() {
   auto* top = new QHBoxLayout;
   top->addLayout(LayOutFields(), 1);
   top->addSpacing(12);
@@ -222,52 +217,26 @@ void frmInventoryMaint::LayOut() {
   AddTabs();
 
   auto* foot = new QHBoxLayout;
-  foot->addLayout(AuditLines(Label4), 1);
-  auto* buttons = ui::ButtonRow({cmdUnpost, OKButton, CancelButton});
+  foot->addLayout(AuditLines(auditLabels), 1);
+  auto* buttons = ui::ButtonRow({cmdUnpost, OkButton, CancelButton});
   foot->addLayout(buttons);
   foot->setAlignment(buttons, Qt::AlignBottom);
 
   auto* column = new QVBoxLayout(this);
   column->addLayout(top);
-  column->addWidget(&SSIndexTab1, 1);
+  column->addWidget(&pages, 1);
   column->addLayout(foot);
   const QSize hint = sizeHint();
   resize(std::max(hint.width(), fontMetrics().averageCharWidth() * 150),
          std::max(hint.height(), fontMetrics().height() * 36));
 
-  stops_ = {&AssetText,
-            cmdRename,
-            &Text9,
-            &Text12,
-            &Text15,
-            &Text14,
-            &chkNotInService,
-            &dcDivisions,
-            &dcClasses,
-            &Text13,
-            &dcFuelTypes,
-            &Text20,
-            &Text3,
-            &Text16,
-            &Text17,
-            &Text1,
-            cmdPicture[0],
-            cmdPicture[1],
-            SSIndexTab1.tabBar(),
-            &txtDueBy,
-            &txtUsage,
-            cmdDue,
-            &txtDue,
-            &chkNonFuelOnly,
-            cmdPrint,
-            &grdMaintenance,
-            &grdSchedule,
-            &Text8,
-            &OdometerGrid,
-            cmdUnpost,
-            OKButton,
-            CancelButton};
-  for (std::size_t i = 1; i < stops_.size(); ++i) setTabOrder(stops_[i - 1], stops_[i]);
+  focus_.Follow({&assetCode,      cmdRename,     &description,  &serialNumber,   &assetType,
+                 &modelYear,      &notInService, &division,     &assetClass,     &location,
+                 &fuelType,       &meterType,    &entryDate,    &purchaseDate,   &replacementDate,
+                 &purchasePrice,  cmdPicture[0], cmdPicture[1], pages.tabBar(),  &txtDueBy,
+                 &txtUsage,       cmdDue,        &txtDue,       &chkNonFuelOnly, cmdPrint,
+                 &grdMaintenance, &grdSchedule,  &notes,        &grdOdometer,    cmdUnpost,
+                 OkButton,        CancelButton});
 }
 
 }  // namespace dw

@@ -48,20 +48,19 @@ struct DateColumn {
   ui::TextBox frmInventoryMaint::*box;
   const char* column;
 };
-constexpr DateColumn kDates[] = {{&frmInventoryMaint::Text3, "Entry Date"},
-                                 {&frmInventoryMaint::Text16, "Purchase Date"},
-                                 {&frmInventoryMaint::Text17, "Replacement Date"}};
+constexpr DateColumn kDates[] = {{&frmInventoryMaint::entryDate, "Entry Date"},
+                                 {&frmInventoryMaint::purchaseDate, "Purchase Date"},
+                                 {&frmInventoryMaint::replacementDate, "Replacement Date"}};
 
 }  // namespace
 
 frmInventoryMaint::frmInventoryMaint()
-    : AdoDetailForm({.form = kName,
-                     .title = "Asset Detail",
-                     .data = "adoData1",
-                     .emptyQuery = "SELECT * FROM Vehicles WHERE ID = -1",
-                     .query = "SELECT * FROM Vehicles WHERE ID = ",
-                     .recordWords = "Inventory #",
-                     .lockField = "Description"}),
+    : RecordForm({.form = kName,
+                  .title = "Asset Detail",
+                  .data = "adoData1",
+                  .table = "Vehicles",
+                  .recordWords = "Inventory #",
+                  .lockField = "Description"}),
       cmdRename(Button("cmdRename", "&Rename")),
       cmdPicture{Button("cmdPicture(0)", "&View Photo"), Button("cmdPicture(1)", "&Add Photo")},
       cmdUnpost(Button("cmdUnpost", "Un&post")),
@@ -74,10 +73,10 @@ frmInventoryMaint::frmInventoryMaint()
       adoMaintenance_(*this, "adoMaintenance"),
       adoSchedule_(*this, "adoSchedule"),
       adoOdometers_(*this, "adoOdometers") {
-  SSIndexTab1.setObjectName("SSIndexTab1");
+  pages.setObjectName("SSIndexTab1");
   chkNonFuelOnly.setObjectName("chkNonFuelOnly");
   BindControls();
-  LayOut();
+  PutTogether();
   SetUpGrids();
 
   cmdRename->setEnabled(false);
@@ -101,29 +100,21 @@ frmInventoryMaint::frmInventoryMaint()
     ComeBackTo(txtUsage);
     return false;
   };
-  Text14.SelectOnEntry();
-  Text1.SelectOnEntry();
-  // Whatever loses the focus is what gets it back when the window comes forward again.
-  connect(qApp, &QApplication::focusChanged, this,
-          [this](QWidget* earlier, QWidget*) { NoteFocus(earlier); });
+  modelYear.SelectOnEntry();
+  purchasePrice.SelectOnEntry();
 }
 
 void frmInventoryMaint::CheckDateOnLeaving(ui::TextBox& field) {
   field.onLeave = [this, &field] { return CancelPressed() || ValidDate(field.Text(), false); };
 }
 
-void frmInventoryMaint::NoteFocus(QWidget* widget) {
-  const auto stop = std::find(stops_.begin(), stops_.end(), widget);
-  if (stop != stops_.end()) LastTabIndex = static_cast<int>(stop - stops_.begin());
-}
-
 void frmInventoryMaint::ComeBackTo(ui::TextBox& field) {
-  if (SSIndexTab1.currentIndex() == 0) return;
+  if (pages.currentIndex() == 0) return;
   // The page is being turned just now, and the focus has more than one step to go.
   comingBack_ = true;
   ui::Later(field, [this, &field] {
     comingBack_ = false;
-    SSIndexTab1.setCurrentIndex(0);
+    pages.setCurrentIndex(0);
     field.setFocus();
   });
 }
@@ -146,7 +137,7 @@ void frmInventoryMaint::OnLoad() {
   bind(adoFuelTypes_, "SELECT ID, Description FROM [Fuel Types] WHERE ID = -1");
   bind(adoClasses_, "SELECT [Class ID], Description FROM [Inventory Classes] WHERE ID = -1");
   bind(adoDivisions_, "SELECT [Division ID], Description FROM Divisions WHERE ID = -1");
-  AdoDetailForm::OnLoad();
+  RecordForm::OnLoad();
   bind(adoOdometers_, "SELECT * FROM [Odometer Entries] WHERE ID = -1");
   bind(adoSchedule_,
        "SELECT * FROM [Maintenance Schedule] LEFT JOIN [Maintenance Types] ON [Maintenance Schedule].[Type "
@@ -162,10 +153,10 @@ void frmInventoryMaint::FillCombos() {
     rows.Refresh();
     combo.Fill(rows.Recordset().get());
   };
-  fill(dcFuelTypes, adoFuelTypes_, "SELECT ID, Description FROM [Fuel Types] ORDER BY Description");
-  fill(dcClasses, adoClasses_,
+  fill(fuelType, adoFuelTypes_, "SELECT ID, Description FROM [Fuel Types] ORDER BY Description");
+  fill(assetClass, adoClasses_,
        "SELECT [Class ID], Description FROM [Inventory Classes] ORDER BY Description");
-  fill(dcDivisions, adoDivisions_, "SELECT [Division ID], Description FROM Divisions ORDER BY Description");
+  fill(division, adoDivisions_, "SELECT [Division ID], Description FROM Divisions ORDER BY Description");
 }
 
 std::string frmInventoryMaint::CodeForQuery() {
@@ -203,7 +194,7 @@ void frmInventoryMaint::RefreshMaintenance() {
 
 void frmInventoryMaint::RecordLoaded() {
   if (!AddMode) {
-    AssetText.setEnabled(false);
+    assetCode.setEnabled(false);
     cmdRename->setEnabled(!ReadOnly());
   }
   // What is due can be read, and scrolled, in any window.
@@ -214,10 +205,10 @@ void frmInventoryMaint::RecordLoaded() {
                                                       : "Detail for Asset ID " + code.AsText()));
   CheckPosted();
   // What has the focus may lose it with its page.
-  NoteFocus(focusWidget());
-  const int last = LastTabIndex;
-  SSIndexTab1.setCurrentIndex(0);
-  LastTabIndex = last;
+  focus_.Note(focusWidget());
+  const std::int16_t last = focus_.LastTabIndex;
+  pages.setCurrentIndex(0);
+  focus_.LastTabIndex = last;
   RestoreFocus();
   ProposeDue();
   RunDue();
@@ -228,11 +219,11 @@ void frmInventoryMaint::CheckPosted() {
   const bool posted = ui::FirstRowWhere(adoMaintenance_, "[When Posted] IS NOT NULL").has_value();
   cmdUnpost->setEnabled(posted);
   // Posted costs stand under the fuel type that the asset has now.
-  dcFuelTypes.setEnabled(!posted && !ReadOnly());
+  fuelType.setEnabled(!posted && !ReadOnly());
 }
 
 void frmInventoryMaint::ProposeDue() {
-  txtUsage.SetText(DefaultExtraUsage(AssetText.Text()));
+  txtUsage.SetText(DefaultExtraUsage(assetCode.Text()));
   txtDueBy.SetText(DefaultDueBy());
   txtUsage.repaint();
   txtDueBy.repaint();
@@ -248,7 +239,7 @@ void frmInventoryMaint::RunDue() {
   else if (!usage)
     screen::MessageBox("Usage must be a valid number.", screen::Icon::Information);
   else
-    txtDue.SetText(CalculateDue(AssetText.Text(), *dueBy, static_cast<float>(*usage)));
+    txtDue.SetText(CalculateDue(assetCode.Text(), *dueBy, static_cast<float>(*usage)));
 }
 
 bool frmInventoryMaint::Refreshed() {
@@ -260,14 +251,14 @@ bool frmInventoryMaint::Refreshed() {
   if (!photo_.empty() && !TakePhoto()) return true;
   if (!Activated) return false;
   if (removePhoto_) {
-    imgAsset.Clear();
+    photograph.Clear();
     removePhoto_ = false;
   }
-  const int page = SSIndexTab1.currentIndex();
+  const int page = pages.currentIndex();
   const bool justRead = std::exchange(justRead_, false);
   for (Child& child : children_)
     if (child.armed || !justRead) RefreshChild(child);
-  SSIndexTab1.setCurrentIndex(page);
+  pages.setCurrentIndex(page);
   ShowPictureButtons();
   RestoreFocus();
   return true;
@@ -277,7 +268,7 @@ bool frmInventoryMaint::TakePhoto() {
   if (!ValidData()) return false;
   const std::string path = std::exchange(photo_, {});
   // A file that is no picture has been told of; the record stays as it is.
-  if (!imgAsset.LoadFile(path)) return false;
+  if (!photograph.LoadFile(path)) return false;
   if (!AddAsset()) return false;
   removePhoto_ = false;
   Rearm();
@@ -285,44 +276,42 @@ bool frmInventoryMaint::TakePhoto() {
 }
 
 void frmInventoryMaint::ShowPictureButtons() {
-  const bool picture = imgAsset.HasPicture();
+  const bool picture = photograph.HasPicture();
   cmdPicture[1]->setText(picture ? "&Update Photo" : "&Add Photo");
   cmdPicture[1]->setEnabled(!ReadOnly());
   cmdPicture[0]->setEnabled(picture);
 }
 
 void frmInventoryMaint::RestoreFocus() {
-  if (LastTabIndex < 0 || LastTabIndex >= static_cast<int>(stops_.size())) return;
-  const int last = LastTabIndex;
-  QWidget* stop = stops_[static_cast<std::size_t>(last)];
-  for (int page = 0; page < SSIndexTab1.count(); ++page) {
-    if (!SSIndexTab1.widget(page)->isAncestorOf(stop) || page == SSIndexTab1.currentIndex()) continue;
+  QWidget* stop = focus_.LastStop();
+  if (!stop) return;
+  const std::int16_t last = focus_.LastTabIndex;
+  for (int page = 0; page < pages.count(); ++page) {
+    if (!pages.widget(page)->isAncestorOf(stop) || page == pages.currentIndex()) continue;
     // The grids leave the page as it is; the others bring their own with them.
     for (const Child& child : children_)
       if (child.grid == stop) return;
-    SSIndexTab1.setCurrentIndex(page);
+    pages.setCurrentIndex(page);
   }
   // A field that takes no input now gives the focus to one that does.
-  if (!stop->isEnabled()) stop = &Text9;
-  if (!stop->isEnabled()) stop = SSIndexTab1.tabBar();
+  if (!stop->isEnabled()) stop = &description;
+  if (!stop->isEnabled()) stop = pages.tabBar();
   stop->setFocus();
-  LastTabIndex = last;
+  focus_.LastTabIndex = last;
 }
 
 bool frmInventoryMaint::ValidData() {
-  if (AssetText.Text().empty()) {
+  if (assetCode.Text().empty()) {
     screen::MessageBox("You must assign a unique Asset ID to this entry.", screen::Icon::Information);
-    AssetText.setEnabled(true);
-    AssetText.setFocus();
+    assetCode.setEnabled(true);
+    assetCode.setFocus();
     return false;
   }
-  if (Text14.Text().empty() || rt::IsNumeric(Text14.Text())) return true;
-  screen::MessageBox("The model year must be a valid number. Please check.", screen::Icon::Critical);
-  Text14.setFocus();
-  return false;
+  return modelYear.Text().empty() || rt::IsNumeric(modelYear.Text()) ||
+         Refuse(modelYear, "The model year must be a valid number. Please check.");
 }
 
-bool frmInventoryMaint::StoreMore(ado::Recordset& record) {
+bool frmInventoryMaint::StoreMore() {
   for (const DateColumn& date : kDates) {
     ui::TextBox& box = this->*date.box;
     // Enter on a field saves without leaving it, so what was typed may not have been looked at.
@@ -331,7 +320,7 @@ bool frmInventoryMaint::StoreMore(ado::Recordset& record) {
       return false;
     }
     const auto value = rt::ParseDate(box.Text());
-    record.Set(date.column, value ? rt::Value(*value) : rt::Value());
+    Hold().Set(date.column, value ? rt::Value(*value) : rt::Value());
   }
   return true;
 }
@@ -339,7 +328,7 @@ bool frmInventoryMaint::StoreMore(ado::Recordset& record) {
 void frmInventoryMaint::Rename() {
   if (ReadOnly() || !ValidData() || !AddAsset()) return;
   Rearm();
-  RenameAsset(AssetText.Text());
+  RenameAsset(assetCode.Text());
   OnActivate();
 }
 

@@ -12,44 +12,46 @@
 #include "platform/controls/DataCombo.h"
 #include "platform/controls/DataGrid.h"
 #include "platform/controls/PictureBox.h"
-#include "windows/AdoDetailForm.h"
+#include "windows/FocusMemory.h"
+#include "windows/RecordForm.h"
 
 class QLabel;
 
 namespace dw {
 
-class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
+class frmInventoryMaint : public RecordForm, public PictureCaller {
  public:
   static constexpr const char* kName = "frmInventoryMaint";
   frmInventoryMaint();
 
+  ui::Adodc& Data() { return ByTransaction().Data(); }
   /// Saves the record.
   bool AddAsset() { return SaveRecord(); }
   /// Saves the asset and opens a window for a new reading of it.
   void AddOdometer();
 
-  ui::TextBox IDText{"IDText"};
-  ui::TextBox AssetText{"AssetText", ui::Keys::UpperCase};
-  ui::TextBox Text9{"Text9"};                                    ///< `Description`
-  ui::TextBox Text13{"Text13"};                                  ///< `Location ID`
-  ui::TextBox Text12{"Text12", ui::Keys::UpperCase};             ///< `VIN/Serial Number`
-  ui::TextBox Text15{"Text15"};                                  ///< `Type`
-  ui::TextBox Text20{"Text20"};                                  ///< `Meter Type`
-  ui::MaskEdBox Text14{"Text14", "", ui::Keys::Digits};          ///< `Model Year`
-  ui::MaskEdBox Text1{"Text1", "\"$\"#,##0.00", ui::Keys::Any};  ///< `Purchase Price`
-  ui::DataCombo dcDivisions{"dcDivisions", "Description", "Division ID"};
-  ui::DataCombo dcClasses{"dcClasses", "Description", "Class ID"};
-  ui::DataCombo dcFuelTypes{"dcFuelTypes", "Description", "ID"};
-  ui::CheckBox chkNotInService{"chkNotInService", "No Longer In Service"};
-  ui::TextBox Text3{"Text3"};    ///< `Entry Date`
-  ui::TextBox Text16{"Text16"};  ///< `Purchase Date`
-  ui::TextBox Text17{"Text17"};  ///< `Replacement Date`
-  ui::PictureBox imgAsset{"imgAsset"};
+  ui::TextBox recordNumber{"IDText"};
+  ui::TextBox assetCode{"AssetText", ui::Keys::UpperCase};
+  ui::TextBox description{"Text9"};                                      ///< `Description`
+  ui::TextBox location{"Text13"};                                        ///< `Location ID`
+  ui::TextBox serialNumber{"Text12", ui::Keys::UpperCase};               ///< `VIN/Serial Number`
+  ui::TextBox assetType{"Text15"};                                       ///< `Type`
+  ui::TextBox meterType{"Text20"};                                       ///< `Meter Type`
+  ui::MaskEdBox modelYear{"Text14", "", ui::Keys::Digits};               ///< `Model Year`
+  ui::MaskEdBox purchasePrice{"Text1", "\"$\"#,##0.00", ui::Keys::Any};  ///< `Purchase Price`
+  ui::DataCombo division{"dcDivisions", "Description", "Division ID"};
+  ui::DataCombo assetClass{"dcClasses", "Description", "Class ID"};
+  ui::DataCombo fuelType{"dcFuelTypes", "Description", "ID"};
+  ui::CheckBox notInService{"chkNotInService", "No Longer In Service"};
+  ui::TextBox entryDate{"Text3"};         ///< `Entry Date`
+  ui::TextBox purchaseDate{"Text16"};     ///< `Purchase Date`
+  ui::TextBox replacementDate{"Text17"};  ///< `Replacement Date`
+  ui::PictureBox photograph{"imgAsset"};
   QPushButton* cmdRename;
   std::array<QPushButton*, 2> cmdPicture;  ///< "cmdPicture(0)" shows the picture, "cmdPicture(1)" gets one
   QPushButton* cmdUnpost;
 
-  QTabWidget SSIndexTab1;
+  QTabWidget pages;
   ui::NotesBox txtDue{"txtDue"};
   ui::TextBox txtDueBy{"txtDueBy"};
   ui::TextBox txtUsage{"txtUsage"};
@@ -58,8 +60,8 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   QCheckBox chkNonFuelOnly;
   QPushButton* cmdPrint;
   ui::DataGrid grdSchedule{"grdSchedule"};
-  ui::NotesBox Text8{"Text8"};
-  ui::DataGrid OdometerGrid{"OdometerGrid"};
+  ui::NotesBox notes{"Text8"};
+  ui::DataGrid grdOdometer{"OdometerGrid"};
 
  protected:
   void OnLoad() override;
@@ -67,7 +69,7 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   void RecordLoaded() override;
   bool Refreshed() override;
   bool ValidData() override;
-  bool StoreMore(ado::Recordset& record) override;
+  bool StoreMore() override;
 
  private:
   /// A grid of what hangs on the asset.
@@ -81,7 +83,7 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
 
   void BindControls();
   void SetUpGrids();
-  void LayOut();
+  void PutTogether();
   QLayout* LayOutFields();
   QLayout* LayOutPicture();
   void AddTabs();
@@ -95,8 +97,6 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   void RunDue();
   bool TakePhoto();
   void ShowPictureButtons();
-  /// Takes down what had the focus last.
-  void NoteFocus(QWidget* widget);
   void RestoreFocus();
   void Rename();
   void Unpost();
@@ -110,8 +110,6 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   /// Brings the focus back to a field of the first page, which another page may cover by then.
   void ComeBackTo(ui::TextBox& field);
   void DeleteChild(int page);
-  /// The number of the grid's row. False where another user deleted it, which is told.
-  bool RowID(Child& child, std::int32_t& id);
   Child& ChildOn(int page);
   /// The rule of a date field: left with something that is no date, it takes the focus back.
   void CheckDateOnLeaving(ui::TextBox& field);
@@ -123,10 +121,9 @@ class frmInventoryMaint : public AdoDetailForm, public PictureCaller {
   ui::Adodc adoSchedule_;
   ui::Adodc adoOdometers_;
   std::vector<Child> children_;
-  bool comingBack_ = false;      ///< the focus is on its way back to a field that was left too early
-  bool justRead_ = false;        ///< the grids show the record that was read a moment ago
-  std::vector<QWidget*> stops_;  ///< what the Tab key reaches, in its order
-  int LastTabIndex = 0;          ///< the place among them that had the focus last
+  bool comingBack_ = false;  ///< the focus is on its way back to a field that was left too early
+  bool justRead_ = false;    ///< the grids show the record that was read a moment ago
+  FocusMemory focus_;
 };
 
 }  // namespace dw

@@ -4,29 +4,29 @@
 #include <string>
 
 #include "platform/controls/DataCombo.h"
-#include "windows/DetailForm.h"
+#include "windows/RecordForm.h"
 
 namespace dw {
 
 inline constexpr const char* kMileageFormat = "#####0.0";
 
-class frmOdometerMaint : public DetailForm {
+class frmOdometerMaint : public RecordForm {
  public:
   static constexpr const char* kName = "frmOdometerMaint";
   frmOdometerMaint();
 
   std::string AssetID;  ///< the asset, whose choice is closed then; empty for any
 
-  ui::DataControl AssetData{*this, "AssetData"};
-  ui::DataCombo AssetCombo{"AssetCombo", "VIN/Serial Number", "Asset ID"};  ///< `Asset ID`
-  ui::TextBox Text8{"Text8"};                                               ///< `Date`
-  ui::MaskEdBox MaskedEdit1{"MaskedEdit1", kMileageFormat};                 ///< `Mileage`
-  ui::TextBox Text1{"Text1"};                                               ///< `ID`
-  ui::NotesBox Text3{"Text3"};
+  ui::DataControl assets{*this, "AssetData"};
+  ui::DataCombo asset{"AssetCombo", "VIN/Serial Number", "Asset ID"};  ///< `Asset ID`
+  ui::TextBox date{"Text8"};                                           ///< `Date`
+  ui::MaskEdBox mileage{"MaskedEdit1", kMileageFormat};                ///< `Mileage`
+  ui::TextBox recordNumber{"Text1"};                                   ///< `ID`
+  ui::NotesBox notes{"Text3"};
 
  protected:
   void OpenLists() override;
-  void FillPlaceholder(dao::Recordset& record) override;
+  void FillPlaceholder() override;
   void RecordLoaded() override;
   bool ValidData() override;
 };

@@ -19,7 +19,7 @@ void FillOnEntry(ui::TextBox& field, const char* zero) {
 }
 
 /// Each word begins with a capital while it is typed; the caret stays where the typing left it.
-void CapitaliseWords(ui::TextBox& field) {
+void CapitalizeWords(ui::TextBox& field) {
   field.onChange = [&field] {
     const std::string proper = ProperCase(field.Text());
     if (proper == field.Text()) return;
@@ -29,91 +29,72 @@ void CapitaliseWords(ui::TextBox& field) {
   };
 }
 
-bool Refuse(ui::TextBox& field, const char* words) {
-  screen::MessageBox(words, screen::Icon::Critical);
-  field.setFocus();
-  return false;
+}  // namespace
+
+frmSchedMaintAsset::frmSchedMaintAsset()
+    : RecordForm({.form = kName,
+                  .title = "Scheduled Maintenance Line Item",
+                  .data = "Data1",
+                  .table = "[Maintenance Schedule]",
+                  .recordWords = "Transaction #"}) {
+  lineItem.SelectOnEntry();
+  CapitalizeWords(description);
+  FillOnEntry(monthlyFrequency, "0");
+  FillOnEntry(usageFrequency, "0");
+  FillOnEntry(estimatedCost, "0.00");
+  ShowNumber(recordNumber);
+  Bind(notes, "Notes", "Notes");
+  Declare({{lineItem, "Line Item", "Line Item Number", ui::kNumberWidth},
+           {description, "Description", "Description"},
+           {maintenanceType, "Type ID", "Maintenance Type"},
+           {monthlyFrequency, "Monthly Frequently", "Monthly Frequency", ui::kNumberWidth},
+           {usageFrequency, "Usage Frequency", "Usage Frequency", ui::kNumberWidth},
+           {estimatedCost, "Estimated Cost", "Estimated Cost", ui::kMoneyWidth},
+           {recordNumber, "ID", "Database ID"}},
+          {NotesGroup(notes)});
 }
 
-/// A frequency left empty is 0.
-bool ValidFrequency(ui::TextBox& field, const char* words) {
+void frmSchedMaintAsset::OpenLists() {
+  types.DatabaseName = DataFile;
+  types.RecordSource = "SELECT * FROM [Maintenance Types] ORDER BY [Description]";
+  types.Refresh();
+  maintenanceType.Fill(types.Recordset().get());
+}
+
+void frmSchedMaintAsset::FillPlaceholder() {
+  Hold().Set("Asset ID", AssetID);
+  Hold().Set("Line Item", NextLineItem(AssetID));
+  Hold().Set("Type ID", 0);
+}
+
+bool frmSchedMaintAsset::ValidData() {
+  return ValidLineItem() &&
+         ValidFrequency(usageFrequency, "The Usage Frequency is not numeric. Please check.") &&
+         ValidFrequency(monthlyFrequency, "The Monthly Frequency is not numeric. Please check.");
+}
+
+bool frmSchedMaintAsset::ValidFrequency(ui::TextBox& field, const char* words) {
   if (field.Text().empty()) field.SetText("0");
   return rt::IsNumeric(field.Text()) || Refuse(field, words);
 }
 
-}  // namespace
-
-frmSchedMaintAsset::frmSchedMaintAsset()
-    : DetailForm({.form = kName,
-                  .title = "Scheduled Maintenance Line Item",
-                  .data = "Data1",
-                  .table = "[Maintenance Schedule]",
-                  .recordWords = "Transaction #",
-                  .ok = "OKButton"}) {
-  Data().Bind(Text1, "ID");
-  Data().Bind(Text8, "Line Item", "Line Item Number");
-  Data().Bind(Text2, "Description", "Description");
-  Data().Bind(DBCombo1, "Type ID", "Maintenance Type");
-  Data().Bind(Text10, "Monthly Frequently", "Monthly Frequency");
-  Data().Bind(Text11, "Usage Frequency", "Usage Frequency");
-  Data().Bind(MaskEdBox1, "Estimated Cost", "Estimated Cost");
-  Data().Bind(Text9, "Notes", "Notes");
-  Text8.SelectOnEntry();
-  CapitaliseWords(Text2);
-  FillOnEntry(Text10, "0");
-  FillOnEntry(Text11, "0");
-  FillOnEntry(MaskEdBox1, "0.00");
-
-  for (ui::TextBox* number : {&Text8, &Text10, &Text11}) ui::SetWidth(*number, ui::kNumberWidth);
-  ui::SetWidth(MaskEdBox1, ui::kMoneyWidth);
-  ShowNumber(Text1);
-  auto* rows = new ui::FieldRows;
-  rows->Row("Line Item Number", {&Text8});
-  rows->Row("Description", {&Text2});
-  rows->Row("Maintenance Type", {&DBCombo1});
-  rows->Row("Monthly Frequency", {&Text10});
-  rows->Row("Usage Frequency", {&Text11});
-  rows->Row("Estimated Cost", {&MaskEdBox1});
-  rows->Row("Database ID", {&Text1});
-  LayOut(rows, {NotesGroup(Text9)});
-}
-
-void frmSchedMaintAsset::OpenLists() {
-  Data2.DatabaseName = DataFile;
-  Data2.RecordSource = "SELECT * FROM [Maintenance Types] ORDER BY [Description]";
-  Data2.Refresh();
-  DBCombo1.Fill(Data2.Recordset().get());
-}
-
-void frmSchedMaintAsset::FillPlaceholder(dao::Recordset& record) {
-  record.Set("Asset ID", AssetID);
-  record.Set("Line Item", NextLineItem(AssetID));
-  record.Set("Type ID", 0);
-}
-
-bool frmSchedMaintAsset::ValidData() {
-  return ValidLineItem() && ValidFrequency(Text11, "The Usage Frequency is not numeric. Please check.") &&
-         ValidFrequency(Text10, "The Monthly Frequency is not numeric. Please check.");
-}
-
 bool frmSchedMaintAsset::ValidLineItem() {
-  const std::string typed = Text8.Text();
-  if (typed.empty()) return Refuse(Text8, "The Line Number cannot be blank. Please check.");
-  if (!rt::IsNumeric(typed)) return Refuse(Text8, "The Line Number is not numeric. Please check.");
-  std::int32_t lineItem = 0;
+  const std::string typed = lineItem.Text();
+  if (typed.empty()) return Refuse(lineItem, "The Line Number cannot be blank. Please check.");
+  if (!rt::IsNumeric(typed)) return Refuse(lineItem, "The Line Number is not numeric. Please check.");
+  std::int32_t number = 0;
   try {
-    lineItem = rt::Value(typed).AsLong();
+    number = rt::Value(typed).AsLong();
   } catch (const rt::RuntimeError&) {
-    // No line bears such a number; storing it tells so.
+    // No line has such a number; storing it reports that.
     return true;
   }
-  dao::Recordset& record = *Data().Recordset();
-  const std::string asset = record.Get("Asset ID").Shown();
-  if (!LineItemInUse(asset, lineItem, record.Get("ID").AsLong())) return true;
+  const std::string asset = Stored("Asset ID").Shown();
+  if (!LineItemInUse(asset, number, Stored("ID").AsLong())) return true;
   screen::MessageBox("That line item is already in use. Assigning new line item number.",
                      screen::Icon::Information);
-  Text8.SetText(std::to_string(NextLineItem(asset)));
-  Text8.setFocus();
+  lineItem.SetText(std::to_string(NextLineItem(asset)));
+  lineItem.setFocus();
   return false;
 }
 

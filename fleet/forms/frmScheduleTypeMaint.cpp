@@ -7,6 +7,7 @@ frmScheduleTypeMaint::frmScheduleTypeMaint()
                   .title = "Maintenance Schedule Type",
                   .data = "Data1",
                   .table = "[Maintenance Types]",
-                  .recordWords = "Maintenance Type #"}) {}
+                  .recordWords = "Maintenance Type #",
+                  .ok = "OkButton"}) {}
 
 }  // namespace dw

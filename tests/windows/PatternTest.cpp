@@ -65,13 +65,13 @@ TEST_F(PatternTest, AnAddedRecordIsThereAtOnceAndStaysWithItsCreator) {
   auto& window = OpenNew();
   EXPECT_EQ(window.windowTitle(), "Division Detail");
   EXPECT_EQ(Rows(), "2") << "the empty row is there while the window is open";
-  EXPECT_EQ(window.Text1.Text(), std::to_string(window.DataID));
+  EXPECT_EQ(window.recordNumber.Text(), std::to_string(window.DataID));
   EXPECT_EQ(Ask("Division ID", window.DataID), "");
   const std::int32_t id = window.DataID;
 
   test::Type(window, "Text2", "S");
   test::Type(window, "Text3", "South");
-  test::Press(window.Text3, Qt::Key_Return);
+  test::Press(window.description, Qt::Key_Return);
   EXPECT_EQ(ui::FindForm("frmDivisionMaint"), nullptr);
   EXPECT_EQ(Ask("Division ID", id), "S");
   EXPECT_EQ(Ask("Created By", id), "Clerk");
@@ -89,7 +89,7 @@ TEST_F(PatternTest, ACancelledAddLeavesNothingAndABlankCodeKeepsTheWindow) {
   screen_->Expect("Division Code cannot be blank.", Icon::Question);
   test::Click(window, "OKButton");
   ASSERT_EQ(ui::FindForm("frmDivisionMaint"), &window);
-  EXPECT_TRUE(window.Text2.hasFocus());
+  EXPECT_TRUE(window.code.hasFocus());
   EXPECT_EQ(Rows(), "1");
   test::Type(window, "Text3", "Never kept");
   test::Press(window, Qt::Key_Escape);
@@ -107,7 +107,7 @@ TEST_F(PatternTest, OneWindowAtATime) {
   test::Press(list.Grid(), Qt::Key_Insert);
   QTest::mouseDClick(list.Grid().viewport(), Qt::LeftButton, {}, QPoint(20, 10));
   EXPECT_EQ(Rows(), "1");
-  EXPECT_EQ(window.Text3.Text(), "Far North");
+  EXPECT_EQ(window.description.Text(), "Far North");
 }
 
 TEST_F(PatternTest, AnEditSignsItselfAndCancelUndoesIt) {
@@ -123,9 +123,9 @@ TEST_F(PatternTest, AnEditSignsItselfAndCancelUndoesIt) {
   auto& window = OpenFirst();
   test::Type(window, "Text3", "Far North");
   test::Enter(window, "Text8");
-  test::Press(window.Text8, Qt::Key_Return);
+  test::Press(window.notes, Qt::Key_Return);
   ASSERT_EQ(ui::FindForm("frmDivisionMaint"), &window) << "Enter makes a new line in the notes";
-  QTest::keyClicks(&window.Text8, "cold");
+  QTest::keyClicks(&window.notes, "cold");
   test::Click(window, "OKButton");
   EXPECT_EQ(Ask("Description", id), "Far North");
   EXPECT_EQ(Ask("Notes", id), "\ncold");
@@ -144,9 +144,9 @@ TEST_F(PatternTest, ARecordHeldElsewhereIsForReading) {
   {
     auto& window = OpenFirst();
     EXPECT_FALSE(window.OkButton->isEnabled());
-    EXPECT_EQ(window.Text3.Text(), "North");
+    EXPECT_EQ(window.description.Text(), "North");
     test::Type(window, "Text3", "Mine");
-    test::Press(window.Text3, Qt::Key_Return);
+    test::Press(window.description, Qt::Key_Return);
     ASSERT_EQ(ui::FindForm("frmDivisionMaint"), &window);
     test::Click(window, "CancelButton");
   }

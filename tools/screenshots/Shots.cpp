@@ -142,15 +142,15 @@ void TakeAssets(Album& album) {
   PressSpace(list.Grid());
   Settle();
   auto& window = ui::The<dw::frmInventoryMaint>();
-  for (int page = 0; page < window.SSIndexTab1.count(); ++page) {
-    window.SSIndexTab1.setCurrentIndex(page);
+  for (int page = 0; page < window.pages.count(); ++page) {
+    window.pages.setCurrentIndex(page);
     album.Take(window, window.Name() + "-" + std::to_string(page + 1));
   }
   window.showMaximized();
-  window.SSIndexTab1.setCurrentIndex(0);
+  window.pages.setCurrentIndex(0);
   album.Take(window, window.Name() + "-maximised");
   window.showNormal();
-  window.SSIndexTab1.setCurrentIndex(2);
+  window.pages.setCurrentIndex(2);
   Settle();
   PressSpace(window.grdSchedule);
   TakeFront(album);

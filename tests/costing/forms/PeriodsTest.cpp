@@ -23,7 +23,7 @@ class PeriodsTest : public test::ListTest {
       auto* window = ui::Existing<frmFiscalYearSetup>();
       ASSERT_NE(window, nullptr);
       test::Settle();
-      EXPECT_TRUE(window->Text1.hasFocus());
+      EXPECT_TRUE(window->fiscalYear.hasFocus());
       work(*window);
       if (ui::Existing<frmFiscalYearSetup>()) window->Unload();
     });
@@ -54,17 +54,17 @@ TEST_F(PeriodsTest, AYearIsSetUpFromTheList) {
 TEST_F(PeriodsTest, TheYearsWindowMindsItsFieldsOnLeaving) {
   SetUpYear([&](frmFiscalYearSetup& window) {
     Fill(window, {{"Text1", "a20b2"}});
-    EXPECT_EQ(window.Text1.Text(), "202");
+    EXPECT_EQ(window.fiscalYear.Text(), "202");
     screen_->Expect("Year must be four digits long. Please re-enter.", Icon::Information);
     test::Enter(window, "Text2");
-    EXPECT_TRUE(window.Text1.hasFocus());
+    EXPECT_TRUE(window.fiscalYear.hasFocus());
     screen_->Expect("Year must be a four digit number. Please re-enter.", Icon::Information);
     Fill(window, {{"Text1", ""}});
     test::Enter(window, "Text2");
-    EXPECT_TRUE(window.Text1.hasFocus());
+    EXPECT_TRUE(window.fiscalYear.hasFocus());
     screen_->Expect(kDateRequired, Icon::Critical);
     Fill(window, {{"Text1", "2026"}, {"Text2", ""}}, "cmdCancel");
-    EXPECT_TRUE(window.Text2.hasFocus()) << "the date has no regard for Cancel";
+    EXPECT_TRUE(window.firstDay.hasFocus()) << "the date has no regard for Cancel";
   });
   SetUpYear([&](frmFiscalYearSetup& window) {
     test::Click(window, "cmdCancel");
@@ -75,18 +75,18 @@ TEST_F(PeriodsTest, TheYearsWindowMindsItsFieldsOnLeaving) {
 TEST_F(PeriodsTest, ProceedChecksInItsOwnWords) {
   SetUpYear([&](frmFiscalYearSetup& window) {
     const auto proceed = [&](const char* year, const char* start, const char* words, ui::TextBox& focused) {
-      window.Text1.SetText(year);
-      window.Text2.SetText(start);
+      window.fiscalYear.SetText(year);
+      window.firstDay.SetText(start);
       screen_->Expect(words, Icon::Critical);
       // Enter leaves no field.
       QTest::keyClick(window.focusWidget(), Qt::Key_Return);
       EXPECT_TRUE(focused.hasFocus()) << year << " " << start;
     };
-    proceed("", "", "The fiscal year must be numeric. Please check", window.Text1);
-    proceed("1E99", "", "The fiscal year must be numeric. Please check", window.Text1);
-    proceed("202", "", "The fiscal year must be 4 digits long. Please check.", window.Text1);
-    proceed("2026", "2/30/2026", "The start date is not a real date. Please check", window.Text2);
-    proceed("2026", "6/1/9999", "The start date is not a real date. Please check", window.Text2);
+    proceed("", "", "The fiscal year must be numeric. Please check", window.fiscalYear);
+    proceed("1E99", "", "The fiscal year must be numeric. Please check", window.fiscalYear);
+    proceed("202", "", "The fiscal year must be 4 digits long. Please check.", window.fiscalYear);
+    proceed("2026", "2/30/2026", "The start date is not a real date. Please check", window.firstDay);
+    proceed("2026", "6/1/9999", "The start date is not a real date. Please check", window.firstDay);
   });
   EXPECT_EQ(Count("Fiscal Periods"), "0");
 }
@@ -96,16 +96,16 @@ TEST_F(PeriodsTest, APeriodIsTypedByHand) {
     auto& window = Add<frmPeriodsMaint, frmPeriodsList>();
     Fill(window, {{"Text3", "x2026"}, {"Text8", "-13"}, {"Text1", "1/31/2027"}});
     test::Enter(window, "Text2");
-    EXPECT_EQ(window.Text2.Text(), "2/27/2027") << "a month later less a day";
+    EXPECT_EQ(window.endDate.Text(), "2/27/2027") << "a month later less a day";
     Fill(window, {{"Text1", "12/31/2026"}}, "OkButton");
   }
   EXPECT_EQ(Shown<frmPeriodsList>(4), "2026|13|12/31/2026|2/27/2027") << "an end that is there stays";
   {
     auto& window = Show<frmPeriodsMaint, frmPeriodsList>();
-    EXPECT_EQ(window.Text3.selectedText(), "2026");
+    EXPECT_EQ(window.fiscalYear.selectedText(), "2026");
     screen_->Expect("'99999' is too large or too small for \"Period\".", Icon::Critical);
     Fill(window, {{"Text1", "3/1/2027"}, {"Text3", ""}, {"Text8", "99999"}}, "OkButton");
-    EXPECT_TRUE(window.Text8.hasFocus());
+    EXPECT_TRUE(window.period.hasFocus());
     Fill(window, {{"Text8", ""}}, "OkButton");
   }
   EXPECT_EQ(Shown<frmPeriodsList>(4), "||3/1/2027|2/27/2027")
@@ -118,17 +118,17 @@ TEST_F(PeriodsTest, APeriodIsTypedByHand) {
 TEST_F(PeriodsTest, APeriodNeedsBothDates) {
   auto& window = Add<frmPeriodsMaint, frmPeriodsList>();
   screen_->Expect(kDateRequired, Icon::Critical);
-  test::Press(window.Text3, Qt::Key_Return);
-  EXPECT_TRUE(window.Text1.hasFocus());
+  test::Press(window.fiscalYear, Qt::Key_Return);
+  EXPECT_TRUE(window.startDate.hasFocus());
   screen_->Expect("Year cannot be less than 1800. Please try again.", Icon::Exclamation);
   Fill(window, {{"Text1", "12/31/1799"}});
   test::Enter(window, "Text2");
-  EXPECT_TRUE(window.Text1.hasFocus());
-  EXPECT_EQ(window.Text2.Text(), "");
+  EXPECT_TRUE(window.startDate.hasFocus());
+  EXPECT_EQ(window.endDate.Text(), "");
   screen_->Expect(kNoDate, Icon::Exclamation);
   Fill(window, {{"Text1", "1/1/2026"}, {"Text2", "soon"}}, "OkButton");
-  EXPECT_TRUE(window.Text2.hasFocus());
-  test::Press(window.Text2, Qt::Key_Escape);
+  EXPECT_TRUE(window.endDate.hasFocus());
+  test::Press(window.endDate, Qt::Key_Escape);
   EXPECT_EQ(Count("Fiscal Periods"), "0");
   ExpectVanished<frmPeriodsList>("Fiscal Periods", "Inventory #", {{"Period", 1}});
 }

@@ -38,14 +38,14 @@ TEST_F(PricingTest, APriceThatIsNoneAndADateThatIsNoneKeepTheWindow) {
   auto& window = Add<frmPricingMaint, frmPricingList>();
   screen_->Expect(kDateRequired, Icon::Critical);
   test::Click(window, "CancelButton");
-  EXPECT_TRUE(window.Text2.hasFocus()) << "not even the mouse on Cancel leaves an empty date";
+  EXPECT_TRUE(window.effectiveDate.hasFocus()) << "not even the mouse on Cancel leaves an empty date";
   Fill(window, {{"Text2", "1/5/2026"}, {"MaskEdBox1", "."}, {"MaskEdBox6", "1.2.3"}});
   screen_->Expect("Oil price is not numeric. Please check.", Icon::Critical);
   test::Click(window, "OkButton");
-  EXPECT_TRUE(window.MaskEdBox6.hasFocus());
+  EXPECT_TRUE(window.oilPrice.hasFocus());
   screen_->Expect("Hourly labor price is not numeric. Please check.", Icon::Critical);
   Fill(window, {{"MaskEdBox6", "2"}}, "OkButton");
-  EXPECT_TRUE(window.MaskEdBox1.hasFocus());
+  EXPECT_TRUE(window.hourlyRate.hasFocus());
   EXPECT_EQ(Only("Internal Pricing Log", "Effective Date"), "Null") << "nothing is stored yet";
   test::Click(window, "CancelButton");
   EXPECT_EQ(Count("Internal Pricing Log"), "0");
@@ -58,9 +58,9 @@ TEST_F(PricingTest, FuelPricesAreLoggedByTypeAndDate) {
   {
     auto& window = Add<frmFuelPriceLogMaint, frmPriceLogList>();
     EXPECT_EQ(window.windowTitle(), "New Log Detail");
-    EXPECT_EQ(window.DBCombo1.itemText(0), "Diesel");
-    EXPECT_TRUE(window.DBCombo1.hasFocus());
-    test::Press(window.DBCombo1, Qt::Key_U);
+    EXPECT_EQ(window.fuelType.itemText(0), "Diesel");
+    EXPECT_TRUE(window.fuelType.hasFocus());
+    test::Press(window.fuelType, Qt::Key_U);
     Fill(window, {{"Text1", "2/1/2026"}, {"MaskEdBox2", "3.4567"}}, "OkButton");
   }
   EXPECT_EQ(Only(log, "Fuel Type"), std::to_string(gas));
@@ -70,8 +70,8 @@ TEST_F(PricingTest, FuelPricesAreLoggedByTypeAndDate) {
   {
     auto& window = Show<frmFuelPriceLogMaint, frmPriceLogList>();
     EXPECT_EQ(window.windowTitle(), "Log Detail for '01-Feb-26'");
-    EXPECT_EQ(window.DBCombo1.Text(), "Unleaded");
-    test::Press(window.DBCombo1, Qt::Key_Delete);
+    EXPECT_EQ(window.fuelType.Text(), "Unleaded");
+    test::Press(window.fuelType, Qt::Key_Delete);
     Fill(window, {{"MaskEdBox2", ""}}, "OkButton");
   }
   EXPECT_EQ(Shown<frmPriceLogList>(3), "|2/1/2026|") << "a price of no fuel type is saved";
@@ -85,9 +85,9 @@ TEST_F(PricingTest, TheDateOfAFuelPriceLetsCancelThrough) {
   Fill(window, {{"Text1", "13/13/2026"}});
   screen_->Expect(kNoDate, Icon::Exclamation);
   test::Enter(window, "MaskEdBox2");
-  EXPECT_TRUE(window.Text1.hasFocus());
+  EXPECT_TRUE(window.effectiveDate.hasFocus());
   screen_->Expect("'13/13/2026' is not a date. Please check \"Effective Date\".", Icon::Critical);
-  test::Press(window.Text1, Qt::Key_Return);
+  test::Press(window.effectiveDate, Qt::Key_Return);
   ASSERT_EQ(ui::ActiveForm(), &window) << "OK has no rule for the date, and yet it cannot be stored";
   test::Click(window, "CancelButton");
   EXPECT_EQ(Count("Internal Fuel Pricing Log"), "0");

@@ -59,7 +59,7 @@ TEST_F(TransactionRoad, FromTheKeysIntoTheCostTablesAndOutAgain) {
     test::Type(window, "txtAssetID", "trk-1");
     test::Type(window, "Text8", "3/6/2026");
     test::Type(window, "Text9", "WO 7");
-    EXPECT_FALSE(window.Text10.isEnabled());
+    EXPECT_FALSE(window.fiscalPeriod.isEnabled());
     const std::pair<const char*, const char*> figures[] = {
         {"MaskEdBox3", "1200.5"}, {"MaskedEdit5", "10"}, {"txtOilUnits", "2"}, {"MaskEdBox2", "1.5"},
         {"MaskedEdit3", "12.25"}, {"MaskedEdit1", "30"}, {"MaskedEdit18", "7"}};
@@ -89,15 +89,15 @@ TEST_F(TransactionRoad, FromTheKeysIntoTheCostTablesAndOutAgain) {
   EXPECT_TRUE(InStep());
   {
     auto& window = OpenFirst();
-    EXPECT_EQ(window.Label4[4].text(), "3/5/2026 2:05:09 PM");
+    EXPECT_EQ(window.auditLabels[4].text(), "3/5/2026 2:05:09 PM");
     test::Type(window, "Text9", "WO 8");
     test::Click(window, "cmdUnpost");
     EXPECT_EQ(OutsideSum(), "0");
     EXPECT_TRUE(InStep());
     EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
     EXPECT_EQ(fleet_.OfTransaction(id, "Work Order Number"), "WO 8") << "unposting stores the window";
-    EXPECT_EQ(window.Label4[4].text(), "");
-    EXPECT_FALSE(window.MaskedEdit18.isEnabled()) << "closed until it is opened again";
+    EXPECT_EQ(window.auditLabels[4].text(), "");
+    EXPECT_FALSE(window.outsideCost.isEnabled()) << "closed until it is opened again";
     // Nothing keeps the same figures from being taken out once more.
     test::Click(window, "cmdUnpost");
     EXPECT_EQ(OutsideSum(), "-7");
@@ -129,10 +129,10 @@ TEST_F(TransactionRoad, APostedTransactionKeepsItsFiguresAndTakesNotes) {
   auto& window = OpenFirst();
   for (const char* field : {"txtAssetID", "Text8", "Text10", "MaskedEdit5", "txtOutsideOil", "MaskedEdit18"})
     EXPECT_FALSE(test::Find(window, field).isEnabled()) << field;
-  EXPECT_TRUE(window.Text9.hasFocus()) << "the first field that is open";
+  EXPECT_TRUE(window.workOrder.hasFocus()) << "the first field that is open";
   test::Type(window, "MaskEdBox3", "55");
   test::Enter(window, "Text2");
-  QTest::keyClicks(&window.Text2, "towed");
+  QTest::keyClicks(&window.notes, "towed");
   test::Click(window, "cmdUnpost");
   EXPECT_EQ(OutsideSum(), "0") << "out of the period that they went into";
   EXPECT_EQ(fleet_.OfTransaction(id, "Period"), "4");
@@ -157,8 +157,8 @@ TEST_F(TransactionRoad, AWaitForCostsLeavesTheWindowAlone) {
   });
   const auto id = Posted();
   auto& window = OpenFirst();
-  window.txtAssetID.setEnabled(true);  // as where it was opened for no asset
-  window.txtAssetID.SetText("TRK-2");
+  window.assetCode.setEnabled(true);  // as where it was opened for no asset
+  window.assetCode.SetText("TRK-2");
   other.Talk().Say("change");
   ASSERT_EQ(other.Talk().Hear(), "changed");
   screen_->onEvents = [&, waits = 0]() mutable {
@@ -191,14 +191,14 @@ TEST_F(TransactionRoad, ATaskNeedsATransactionOnFile) {
   {
     auto& task = Task();
     EXPECT_EQ(task.windowTitle(), "New Recurring Maintenance Performed Detail");
-    EXPECT_EQ(task.Text1.Text(), std::to_string(id));
+    EXPECT_EQ(task.transactionNumber.Text(), std::to_string(id));
     EXPECT_EQ(fleet_.OfTransaction(id, "Created By"), "Clerk") << "the transaction is saved first";
-    task.DBCombo1.Choose(second);
+    task.maintenanceType.Choose(second);
     test::Type(task, "mskCost", "x");
     Expect("That is not a valid cost.", Icon::Information);
-    test::Press(task.mskCost, Qt::Key_Return);
+    test::Press(task.cost, Qt::Key_Return);
     test::Type(task, "mskCost", "");
-    test::Press(task.mskCost, Qt::Key_Return);
+    test::Press(task.cost, Qt::Key_Return);
     EXPECT_FALSE(IsOpen("frmMaintTaskMaint"));
   }
   EXPECT_EQ(fleet_.Everything("Maintenance_Performed"), "1|" + std::to_string(id) + "|" +

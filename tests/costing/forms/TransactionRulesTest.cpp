@@ -46,7 +46,7 @@ TEST_F(TransactionRules, UnitsArePricedOnceAndNeverAgainstACost) {
     EXPECT_EQ(Text(window, c.field), c.unitsAfter) << c.field << c.units;
     EXPECT_EQ(Text(window, c.costField), c.costAfter) << c.field << c.units;
   }
-  EXPECT_EQ(window.MaskedEdit9.text(), "$6.00") << "as it is shown";
+  EXPECT_EQ(window.internalOilCost.text(), "$6.00") << "as it is shown";
   // A look-up that fails has told why and costs nothing.
   Put(window, "txtAssetID", "NONE");
   Put(window, "edtUnleadedCost", "0");
@@ -60,7 +60,7 @@ TEST_F(TransactionRules, UnitsArePricedOnceAndNeverAgainstACost) {
   // Enter leaves the field and the window at once.
   Put(window, "txtAssetID", "TRK-1");
   test::Type(window, "MaskedEdit5", "4");
-  test::Press(window.MaskedEdit5, Qt::Key_Return);
+  test::Press(window.internalFuelUnits, Qt::Key_Return);
   EXPECT_FALSE(IsOpen("frmTransactionMaint"));
   EXPECT_EQ(fleet_.Ask("SELECT [Internal Fuel Cost] FROM [Maintenance Transactions]"), "10");
 }
@@ -89,19 +89,19 @@ TEST_F(TransactionRules, DatesAreCheckedAndFillTheFiscalPeriod) {
     const std::string words = c.words;
     test::Type(window, "Text8", c.date);
     if (!words.empty()) Expect(words, c.icon);
-    test::Press(window.Text8, Qt::Key_Tab);
-    EXPECT_EQ(window.Text8.hasFocus(), !words.empty());
+    test::Press(window.transactionDate, Qt::Key_Tab);
+    EXPECT_EQ(window.transactionDate.hasFocus(), !words.empty());
     if (words.empty()) {
-      EXPECT_EQ(window.Text11.Text(), "2026");
-      EXPECT_EQ(window.Text10.Text(), std::string(1, c.date[0]));
-      EXPECT_FALSE(window.Text11.isEnabled() || window.Text10.isEnabled());
-      EXPECT_TRUE(window.Text9.hasFocus()) << "past the fields that are closed now";
+      EXPECT_EQ(window.fiscalYear.Text(), "2026");
+      EXPECT_EQ(window.fiscalPeriod.Text(), std::string(1, c.date[0]));
+      EXPECT_FALSE(window.fiscalYear.isEnabled() || window.fiscalPeriod.isEnabled());
+      EXPECT_TRUE(window.workOrder.hasFocus()) << "past the fields that are closed now";
     } else {
-      EXPECT_TRUE(window.Text11.isEnabled() && window.Text10.isEnabled());
+      EXPECT_TRUE(window.fiscalYear.isEnabled() && window.fiscalPeriod.isEnabled());
       // Nor can the window be left by OK.
       Expect(words, c.icon);
       window.OkButton->click();
-      EXPECT_TRUE(window.Text8.hasFocus());
+      EXPECT_TRUE(window.transactionDate.hasFocus());
     }
     test::Click(window, "CancelButton");
     EXPECT_FALSE(IsOpen("frmTransactionMaint"));
@@ -142,7 +142,7 @@ TEST_F(TransactionRules, EveryNumberIsCheckedBeforeItIsSaved) {
   auto& window = OpenNew();
   Expect("You must specify an Asset ID");
   window.Ok();
-  EXPECT_TRUE(window.txtAssetID.hasFocus());
+  EXPECT_TRUE(window.assetCode.hasFocus());
   Put(window, "txtAssetID", "TRK-1");
   const std::pair<const char*, const char*> cases[] = {
       {"MaskedEdit1", "The outside fuel cost is not numeric. Please check."},
@@ -162,7 +162,7 @@ TEST_F(TransactionRules, EveryNumberIsCheckedBeforeItIsSaved) {
   Put(window, "MaskEdBox3", "1.2.3");
   Expect("'1.2.3' is not a number. Please check \"Mileage\".");
   window.Ok();
-  EXPECT_TRUE(window.MaskEdBox3.hasFocus());
+  EXPECT_TRUE(window.mileage.hasFocus());
   Put(window, "MaskEdBox3", "77.5");
   window.Ok();
   EXPECT_EQ(fleet_.Ask("SELECT [Mileage] FROM [Maintenance Transactions]"), "77.5");
@@ -171,7 +171,7 @@ TEST_F(TransactionRules, EveryNumberIsCheckedBeforeItIsSaved) {
 
 TEST_F(TransactionRules, WhatEnteringAndTypingDoes) {
   auto& window = OpenNew();
-  EXPECT_TRUE(window.txtAssetID.hasFocus()) << "the first field";
+  EXPECT_TRUE(window.assetCode.hasFocus()) << "the first field";
   const std::pair<const char*, std::pair<const char*, const char*>> typed[] = {
       {"txtAssetID", {"trk-1", "TRK-1"}}, {"Text10", {"-3x", "3"}},        {"Text11", {"20.26", "2026"}},
       {"txtOilUnits", {"1.5", "15"}},     {"txtOutsideOil", {"-2", "2"}},  {"MaskedEdit5", {"-1.x5", "1.5"}},

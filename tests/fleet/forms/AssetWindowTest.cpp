@@ -68,7 +68,7 @@ class AssetWindowTest : public testing::Test {
     return dw::CheckCosts(*store::Connection::Open({.path = dw::DataFile, .readOnly = true})).empty();
   }
   void ShowPage(dw::frmInventoryMaint& window, int page) {
-    window.SSIndexTab1.setCurrentIndex(page);
+    window.pages.setCurrentIndex(page);
     test::Settle();
   }
 
@@ -89,14 +89,14 @@ TEST_F(AssetWindowTest, AnAddedAssetIsStoredWithItsDatesAndCodes) {
 
   screen_->Expect(kNoCode, Icon::Information);
   test::Click(window, "OKButton");
-  EXPECT_TRUE(window.AssetText.hasFocus());
+  EXPECT_TRUE(window.assetCode.hasFocus());
   test::Type(window, "AssetText", "trk-9");
   test::Type(window, "Text9", "Dump truck");
   test::Type(window, "Text14", "2x0y19");
   test::Type(window, "Text16", "2/28/2019");
   test::Type(window, "Text1", "$41,250.50");
-  window.dcDivisions.Choose("N");
-  window.dcFuelTypes.Choose(1);
+  window.division.Choose("N");
+  window.fuelType.Choose(1);
   test::Click(window, "OKButton");
   ASSERT_EQ(ui::FindForm("frmInventoryMaint"), nullptr);
   EXPECT_EQ(Ask("Asset ID", id), "TRK-9");
@@ -128,7 +128,7 @@ TEST_F(AssetWindowTest, AnAssetThatCannotBeStoredKeepsItsWindowItsRecordAndWhatW
   test::Type(window, "Text16", "2/28/2019");
   screen_->ExpectPart("Contact your System Administrator about performing this function.", Icon::Information,
                       Buttons::OkCancel, Answer::Cancel);
-  test::Press(window.AssetText, Qt::Key_Return);
+  test::Press(window.assetCode, Qt::Key_Return);
   ASSERT_EQ(ui::FindForm("frmInventoryMaint"), &window);
   EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
   EXPECT_FALSE(Free(window.DataID));
@@ -148,7 +148,7 @@ TEST_F(AssetWindowTest, ABlankCodeGetsNoChildren) {
   test::Press(window.grdMaintenance, Qt::Key_Insert);
   screen_->Expect(words, Icon::Exclamation);
   ShowPage(window, 4);
-  test::Press(window.OdometerGrid, Qt::Key_Insert);
+  test::Press(window.grdOdometer, Qt::Key_Insert);
   screen_->Expect(kNoCode, Icon::Information);
   ShowPage(window, 2);
   test::Press(window.grdSchedule, Qt::Key_Insert);
@@ -159,10 +159,10 @@ TEST_F(AssetWindowTest, AChildSavesTheAssetAndCancelUndoesOnlyWhatCameLater) {
   const std::int32_t id = fleet_.AddAsset("TRK-1", 1, {{"Description", "Old"}});
   auto& window = Open(id);
   EXPECT_EQ(window.windowTitle(), "Detail for Asset ID TRK-1");
-  EXPECT_FALSE(window.AssetText.isEnabled());
+  EXPECT_FALSE(window.assetCode.isEnabled());
   test::Type(window, "Text9", "Saved");
   ShowPage(window, 4);
-  test::Press(window.OdometerGrid, Qt::Key_Insert);
+  test::Press(window.grdOdometer, Qt::Key_Insert);
   auto& reading = test::Open("frmOdometerMaint");
   EXPECT_EQ(Ask("Description", id), "Saved");
   EXPECT_EQ(Ask("Updated By", id), "Clerk");
@@ -171,12 +171,12 @@ TEST_F(AssetWindowTest, AChildSavesTheAssetAndCancelUndoesOnlyWhatCameLater) {
   test::Type(reading, "MaskedEdit1", "1200");
   test::Click(reading, "OKButton");
   ASSERT_EQ(ui::ActiveForm(), &window);
-  EXPECT_EQ(window.OdometerGrid.RecordCount(), 1);
-  EXPECT_EQ(window.Text13.Text(), "X") << "what the other has changed meanwhile is shown";
+  EXPECT_EQ(window.grdOdometer.RecordCount(), 1);
+  EXPECT_EQ(window.location.Text(), "X") << "what the other has changed meanwhile is shown";
   EXPECT_NE(window.txtDue.Text().find("Latest mileage on file is 1200 on 3/1/2026"), std::string::npos);
   EXPECT_FALSE(Free(id));
   test::Type(window, "Text9", "Never kept");
-  test::Press(window.Text9, Qt::Key_Escape);
+  test::Press(window.description, Qt::Key_Escape);
   EXPECT_EQ(Ask("Description", id), "Saved");
   EXPECT_TRUE(Free(id));
 }
@@ -191,9 +191,9 @@ TEST_F(AssetWindowTest, AnAssetHeldElsewhereIsForReading) {
       Icon::Information);
   screen_->ExpectPart("Current Computers In Use:", Icon::Information);
   auto& window = Open(id);
-  EXPECT_FALSE(window.OKButton->isEnabled());
-  EXPECT_FALSE(window.Text9.isEnabled());
-  EXPECT_FALSE(window.dcClasses.isEnabled());
+  EXPECT_FALSE(window.OkButton->isEnabled());
+  EXPECT_FALSE(window.description.isEnabled());
+  EXPECT_FALSE(window.assetClass.isEnabled());
   EXPECT_FALSE(window.cmdRename->isEnabled());
   EXPECT_TRUE(window.focusWidget() && window.focusWidget()->isEnabled());
   EXPECT_TRUE(window.grdMaintenance.isEnabled());
@@ -210,7 +210,7 @@ TEST_F(AssetWindowTest, PostedCostsHoldTheFuelTypeAndUnpostTakesTheWholeTable) {
                         {{"When Posted", posted}, {"Internal Fuel Cost", test::Money(12.5)}});
   const std::int32_t others = fleet_.AddTransaction("TRK-2", 2026, 3, {{"When Posted", posted}});
   auto& window = Open(id);
-  EXPECT_FALSE(window.dcFuelTypes.isEnabled());
+  EXPECT_FALSE(window.fuelType.isEnabled());
   EXPECT_TRUE(window.cmdUnpost->isEnabled());
   EXPECT_EQ(window.grdMaintenance.RecordCount(), 2);
   ShowPage(window, 1);
@@ -226,7 +226,7 @@ TEST_F(AssetWindowTest, PostedCostsHoldTheFuelTypeAndUnpostTakesTheWholeTable) {
   test::Click(window, "cmdUnpost");
   EXPECT_EQ(fleet_.OfTransaction(others, "When Posted"), "Null");
   EXPECT_FALSE(window.cmdUnpost->isEnabled());
-  EXPECT_TRUE(window.dcFuelTypes.isEnabled());
+  EXPECT_TRUE(window.fuelType.isEnabled());
 }
 
 TEST_F(AssetWindowTest, ARenameReachesTheReadingsAndTakesTheRecordAgain) {
@@ -243,9 +243,9 @@ TEST_F(AssetWindowTest, ARenameReachesTheReadingsAndTakesTheRecordAgain) {
   test::Click(window, "cmdRename");
   screen_->ExpectInput("Enter New Asset ID:", "TRK-9");
   test::Click(window, "cmdRename");
-  EXPECT_EQ(window.AssetText.Text(), "TRK-9");
+  EXPECT_EQ(window.assetCode.Text(), "TRK-9");
   EXPECT_EQ(window.windowTitle(), "Detail for Asset ID TRK-9");
-  EXPECT_EQ(window.OdometerGrid.RecordCount(), 1);
+  EXPECT_EQ(window.grdOdometer.RecordCount(), 1);
   EXPECT_FALSE(Free(id));
 }
 
@@ -284,25 +284,25 @@ TEST_F(AssetWindowTest, AllPagesAreReachedByKeys) {
     return window.focusWidget();
   };
   test::Enter(window, "Text9");
-  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), window.SSIndexTab1.tabBar());
-  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 1);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), window.pages.tabBar());
+  EXPECT_EQ(window.pages.currentIndex(), 1);
   EXPECT_EQ(press(Qt::Key_Tab, {}), &window.chkNonFuelOnly);
   EXPECT_EQ(press(Qt::Key_Tab, {}), &window.grdMaintenance);
-  EXPECT_EQ(press(Qt::Key_Tab, {}), window.OKButton) << "not into the pages behind";
+  EXPECT_EQ(press(Qt::Key_Tab, {}), window.OkButton) << "not into the pages behind";
   test::Enter(window, "grdMaintenance");
   EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.grdSchedule);
-  EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), &window.Text8);
-  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.OdometerGrid);
+  EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), &window.notes);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.grdOdometer);
   press(Qt::Key_PageDown, Qt::ControlModifier);
-  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 0);
-  EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), &window.OdometerGrid);
+  EXPECT_EQ(window.pages.currentIndex(), 0);
+  EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), &window.grdOdometer);
 
   // A page that is turned leaves a field as the Tab key does.
   press(Qt::Key_Tab, Qt::ControlModifier);
   test::Type(window, "txtDueBy", "soon");
   screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
   EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.txtDueBy);
-  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 0);
+  EXPECT_EQ(window.pages.currentIndex(), 0);
 }
 
 TEST_F(AssetWindowTest, GridsAndNotesKeepTheirPlace) {
@@ -311,22 +311,22 @@ TEST_F(AssetWindowTest, GridsAndNotesKeepTheirPlace) {
     fleet_.Add("Odometer Entries", {{"Asset ID", "TRK-1"}, {"Mileage", static_cast<float>(mile)}});
   auto& window = Open(id);
   ShowPage(window, 4);
-  window.OdometerGrid.SetRow(6);
-  test::Press(window.OdometerGrid, Qt::Key_Space);
+  window.grdOdometer.SetRow(6);
+  test::Press(window.grdOdometer, Qt::Key_Space);
   test::Click(test::Open("frmOdometerMaint"), "CancelButton");
   ASSERT_EQ(ui::ActiveForm(), &window);
-  EXPECT_EQ(window.OdometerGrid.Row(), 6);
-  EXPECT_EQ(window.SSIndexTab1.currentIndex(), 0);
+  EXPECT_EQ(window.grdOdometer.Row(), 6);
+  EXPECT_EQ(window.pages.currentIndex(), 0);
   ShowPage(window, 4);
   screen_->Expect("Are you sure you want to remove this entry?", Icon::Question, Buttons::YesNo, Answer::Yes);
-  test::Press(window.OdometerGrid, Qt::Key_Delete);
-  EXPECT_EQ(window.OdometerGrid.CellText(1), "2.0");
+  test::Press(window.grdOdometer, Qt::Key_Delete);
+  EXPECT_EQ(window.grdOdometer.CellText(1), "2.0");
   ShowPage(window, 3);
   test::Enter(window, "Text8");
   screen_->ExpectInput("Enter New Asset ID:", "TRK-9");
   window.cmdRename->click();
   test::Settle();
-  EXPECT_TRUE(window.Text8.hasFocus());
+  EXPECT_TRUE(window.notes.hasFocus());
 }
 
 TEST_F(AssetWindowTest, CodesThatNoListOffersStay) {
@@ -356,11 +356,11 @@ TEST_F(AssetWindowTest, ADateThatIsNoneKeepsTheFocusButNotAnybodyFromCancel) {
   auto& window = Open(fleet_.AddAsset("TRK-1"));
   test::Type(window, "Text3", "soon");
   screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
-  QTest::keyClick(&window.Text3, Qt::Key_Tab);
+  QTest::keyClick(&window.entryDate, Qt::Key_Tab);
   test::Settle();
-  EXPECT_TRUE(window.Text3.hasFocus());
+  EXPECT_TRUE(window.entryDate.hasFocus());
   screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
-  test::Press(window.Text3, Qt::Key_Return);
+  test::Press(window.entryDate, Qt::Key_Return);
   ASSERT_EQ(ui::FindForm("frmInventoryMaint"), &window);
   test::Click(window, "CancelButton");
   EXPECT_EQ(ui::FindForm("frmInventoryMaint"), nullptr);

@@ -18,9 +18,9 @@ TEST_F(OdometerTest, AReadingIsAddedToAnAssetThatIsChosenByItsSerialNumber) {
   fleet_.Add("Odometer Entries", {{"Asset ID", "TRK-2"}, {"Mileage", 90000}});
   {
     auto& window = Add<frmOdometerMaint, frmOdometerList>();
-    EXPECT_TRUE(window.AssetCombo.hasFocus());
-    EXPECT_EQ(window.AssetCombo.itemText(0), "V222") << "by description";
-    QTest::keyClicks(&window.AssetCombo, "v2");
+    EXPECT_TRUE(window.asset.hasFocus());
+    EXPECT_EQ(window.asset.itemText(0), "V222") << "by description";
+    QTest::keyClicks(&window.asset, "v2");
     Fill(window, {{"Text8", "3/1/26"}, {"MaskedEdit1", "k1234.56"}}, "OKButton");
   }
   EXPECT_EQ(OpenList<frmOdometerList>().Grid().RecordCount(), 2);
@@ -29,8 +29,8 @@ TEST_F(OdometerTest, AReadingIsAddedToAnAssetThatIsChosenByItsSerialNumber) {
   {
     auto& window = Show<frmOdometerMaint, frmOdometerList>(1);
     EXPECT_EQ(window.AssetID, "TRK-2");
-    EXPECT_FALSE(window.AssetCombo.isEnabled());
-    EXPECT_EQ(window.AssetCombo.Text(), "V222");
+    EXPECT_FALSE(window.asset.isEnabled());
+    EXPECT_EQ(window.asset.Text(), "V222");
     Fill(window, {{"Text8", "2/1/2026"}, {"MaskedEdit1", "90001"}}, "OKButton");
   }
   ExpectSure(Answer::Yes);
@@ -78,13 +78,13 @@ TEST_F(OdometerTest, AReadingNeedsADateAndAMileageAndCancelLeavesNothing) {
     auto& window = Add<frmOdometerMaint, frmOdometerList>();
     screen_->Expect(kDateRequired, Icon::Critical);
     test::Click(window, "OKButton");
-    EXPECT_TRUE(window.Text8.hasFocus());
+    EXPECT_TRUE(window.date.hasFocus());
     screen_->Expect("You forgot to fill in the mileage.", Icon::Critical);
     Fill(window, {{"Text8", "3/1/2026"}}, "OKButton");
-    EXPECT_TRUE(window.MaskedEdit1.hasFocus());
+    EXPECT_TRUE(window.mileage.hasFocus());
     screen_->Expect("The mileage is not numeric. Please check.", Icon::Critical);
     Fill(window, {{"MaskedEdit1", "1.2.3"}}, "OKButton");
-    EXPECT_TRUE(window.MaskedEdit1.hasFocus());
+    EXPECT_TRUE(window.mileage.hasFocus());
     // A date that is none holds nobody back who is on the way to Cancel.
     Fill(window, {{"Text8", "never"}}, "CancelButton");
   }
@@ -92,10 +92,10 @@ TEST_F(OdometerTest, AReadingNeedsADateAndAMileageAndCancelLeavesNothing) {
   Fill(Add<frmOdometerMaint, frmOdometerList>(), {{"Text8", "3/1/2026"}, {"MaskedEdit1", "7"}}, "OKButton");
   EXPECT_EQ(Only("Odometer Entries", "Asset ID"), "") << "a reading of no asset";
   auto& window = Show<frmOdometerMaint, frmOdometerList>();
-  test::Press(window.AssetCombo, Qt::Key_V);
+  test::Press(window.asset, Qt::Key_V);
   test::Click(window, "OKButton");
   EXPECT_EQ(Only("Odometer Entries", "Asset ID"), "O'NEILL") << "can still be given one";
-  EXPECT_EQ((Show<frmOdometerMaint, frmOdometerList>().AssetCombo.Text()), "V1");
+  EXPECT_EQ((Show<frmOdometerMaint, frmOdometerList>().asset.Text()), "V1");
 }
 
 }  // namespace

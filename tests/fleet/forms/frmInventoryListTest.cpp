@@ -161,8 +161,8 @@ TEST_F(frmInventoryListTest, AnAssetWithItsWindowOpenElsewhereGoesWhenTheWindowD
 
 TEST_F(frmInventoryListTest, AWindowMissesItsAssetWhenItComesBackFromAChild) {
   auto& window = Show<dw::frmInventoryMaint, frmInventoryList>();
-  window.SSIndexTab1.setCurrentIndex(4);
-  test::Press(window.OdometerGrid, Qt::Key_Insert);
+  window.pages.setCurrentIndex(4);
+  test::Press(window.grdOdometer, Qt::Key_Insert);
   fleet_.Run("DELETE * FROM [Vehicles] WHERE [ID] = " + std::to_string(id_));
   screen_->Expect("Internal Error. Unable to re-read Inventory #" + std::to_string(id_) + "'s record.",
                   Icon::None);

@@ -58,28 +58,28 @@ TEST_F(frmSchedMaintAssetTest, ALineIsAddedWithTheNextNumber) {
   EXPECT_EQ(window.windowTitle(), "Scheduled Maintenance Line Item");
   EXPECT_EQ(Ask(id, "Asset ID") + Ask(id, "Line Item") + Ask(id, "Type ID"), "O'BRIEN50")
       << "there at once, without a type";
-  EXPECT_EQ(window.Text8.Text(), "5");
-  EXPECT_EQ(window.DBCombo1.Text(), "");
-  EXPECT_EQ(window.DBCombo1.itemText(0), "Brakes") << "by description";
+  EXPECT_EQ(window.lineItem.Text(), "5");
+  EXPECT_EQ(window.maintenanceType.Text(), "");
+  EXPECT_EQ(window.maintenanceType.itemText(0), "Brakes") << "by description";
 
   test::Type(window, "Text2", "oil and filter");
-  EXPECT_EQ(window.Text2.Text(), "Oil And Filter");
-  window.Text2.setCursorPosition(4);
-  QTest::keyClicks(&window.Text2, "new ");
-  EXPECT_EQ(window.Text2.Text(), "Oil New And Filter");
-  EXPECT_EQ(window.Text2.cursorPosition(), 8) << "the caret stays where it is typed";
+  EXPECT_EQ(window.description.Text(), "Oil And Filter");
+  window.description.setCursorPosition(4);
+  QTest::keyClicks(&window.description, "new ");
+  EXPECT_EQ(window.description.Text(), "Oil New And Filter");
+  EXPECT_EQ(window.description.cursorPosition(), 8) << "the caret stays where it is typed";
   test::Enter(window, "DBCombo1");
-  QTest::keyClicks(&window.DBCombo1, "Oil");
+  QTest::keyClicks(&window.maintenanceType, "Oil");
 
   test::Enter(window, "Text10");
-  EXPECT_EQ(window.Text10.selectedText(), "0");
-  QTest::keyClicks(&window.Text10, "1x.2");
-  EXPECT_EQ(window.Text10.Text(), "12") << "digits alone";
+  EXPECT_EQ(window.monthlyFrequency.selectedText(), "0");
+  QTest::keyClicks(&window.monthlyFrequency, "1x.2");
+  EXPECT_EQ(window.monthlyFrequency.Text(), "12") << "digits alone";
   test::Enter(window, "MaskEdBox1");
-  EXPECT_EQ(window.MaskEdBox1.selectedText(), "0.00");
-  QTest::keyClicks(&window.MaskEdBox1, "1049.5");
+  EXPECT_EQ(window.estimatedCost.selectedText(), "0.00");
+  QTest::keyClicks(&window.estimatedCost, "1049.5");
   test::Enter(window, "Text9");
-  EXPECT_EQ(window.MaskEdBox1.text(), "$1,049.50");
+  EXPECT_EQ(window.estimatedCost.text(), "$1,049.50");
   test::Click(window, "OKButton");
 
   EXPECT_EQ(ui::FindForm("frmSchedMaintAsset"), nullptr);
@@ -113,10 +113,10 @@ TEST_F(frmSchedMaintAssetTest, ANumberInUseIsReplacedAndTheWindowStays) {
   screen_->Expect("That line item is already in use. Assigning new line item number.", Icon::Information);
   test::Click(window, "OKButton");
   ASSERT_EQ(ui::FindForm("frmSchedMaintAsset"), &window);
-  EXPECT_TRUE(window.Text8.hasFocus());
-  EXPECT_EQ(window.Text8.Text(), "8");
+  EXPECT_TRUE(window.lineItem.hasFocus());
+  EXPECT_EQ(window.lineItem.Text(), "8");
   EXPECT_EQ(Ask(id, "Line Item"), "3") << "nothing is written yet";
-  test::Press(window.Text8, Qt::Key_Return);
+  test::Press(window.lineItem, Qt::Key_Return);
   EXPECT_EQ(Ask(id, "Line Item"), "8");
   EXPECT_EQ(Ask(id, "Updated By"), "TESTER");
 }
@@ -124,19 +124,19 @@ TEST_F(frmSchedMaintAssetTest, ANumberInUseIsReplacedAndTheWindowStays) {
 TEST_F(frmSchedMaintAssetTest, WhatIsNoNumberIsToldInItsOrder) {
   const std::int32_t id = Line("V1", 2);
   auto& window = Show(id);
-  window.Text8.SetText("two");
-  window.Text11.SetText("often");
-  window.Text10.SetText("monthly");
-  ExpectWrong(window, "The Line Number is not numeric. Please check.", window.Text8);
-  window.Text8.SetText("");
-  ExpectWrong(window, "The Line Number cannot be blank. Please check.", window.Text8);
-  window.Text8.SetText("9999999999");
-  ExpectWrong(window, "The Usage Frequency is not numeric. Please check.", window.Text11);
-  window.Text11.SetText("5000");
-  ExpectWrong(window, "The Monthly Frequency is not numeric. Please check.", window.Text10);
-  window.Text10.SetText("");
-  ExpectWrong(window, "'9999999999' is too large or too small for \"Line Item Number\".", window.Text8);
-  window.Text8.SetText("2");
+  window.lineItem.SetText("two");
+  window.usageFrequency.SetText("often");
+  window.monthlyFrequency.SetText("monthly");
+  ExpectWrong(window, "The Line Number is not numeric. Please check.", window.lineItem);
+  window.lineItem.SetText("");
+  ExpectWrong(window, "The Line Number cannot be blank. Please check.", window.lineItem);
+  window.lineItem.SetText("9999999999");
+  ExpectWrong(window, "The Usage Frequency is not numeric. Please check.", window.usageFrequency);
+  window.usageFrequency.SetText("5000");
+  ExpectWrong(window, "The Monthly Frequency is not numeric. Please check.", window.monthlyFrequency);
+  window.monthlyFrequency.SetText("");
+  ExpectWrong(window, "'9999999999' is too large or too small for \"Line Item Number\".", window.lineItem);
+  window.lineItem.SetText("2");
   test::Press(window, Qt::Key_Escape);
   EXPECT_EQ(Ask(id, "Usage Frequency"), "Null");
 }
