@@ -3,6 +3,7 @@
 #include "platform/runtime/Text.h"
 #include "platform/store/DialectParser.h"
 #include "platform/store/DialectQuery.h"
+#include "platform/store/DialectSpelling.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -121,15 +122,21 @@ class Translator {
     std::string& sql = result_.insertSelect;
     sql = query.distinct ? "SELECT DISTINCT " : "SELECT ";
     for (std::size_t i = 0; i < columns.size(); ++i)
-      sql += (i ? ", " : "") + Stored(translator.Values()[i], *columns[i]) +
-             // Doubles are found without regard to case.
-             (query.distinct && KindOf(columns[i]->type) == ValueKind::Text ? " COLLATE NOCASE" : "");
+      sql += (i ? ", " : "") + Selected(translator.Values()[i], *columns[i], query.distinct);
     sql += " FROM " + query.from;
     if (!query.where.empty()) sql += " WHERE " + query.where;
     if (!query.groupBy.empty()) sql += " GROUP BY " + query.groupBy;
     if (!query.having.empty()) sql += " HAVING " + query.having;
     if (!query.orderBy.empty()) sql += " ORDER BY " + query.orderBy;
-    if (query.top) sql += " LIMIT " + std::to_string(*query.top);
+    if (query.top) sql += Spelled().Limit(*query.top);
+  }
+
+  static std::string Selected(const Fragment& value, const ColumnInfo& column, bool distinct) {
+    Fragment stored;
+    stored.kind = KindOf(column.type);
+    stored.text = Stored(value, column);
+    // Doubles are found without regard to case.
+    return distinct ? WithoutCase(stored).text : stored.text;
   }
 
   const Statement& statement_;

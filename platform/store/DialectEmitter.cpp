@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/store/DialectSpelling.h"
 #include "platform/store/Tokenizer.h"
 
 namespace store::dialect {
@@ -186,8 +187,7 @@ Fragment Emitter::Compare(const Expr& expr, std::string_view sign) {
   const Fragment first = AtLeast(Level::Add, left);
   if (!NeedsNoCase(left, right))
     return Build(Level::Compare, ValueKind::Boolean, {first, sign, AtLeast(Level::Add, right)});
-  return Build(Level::Compare, ValueKind::Boolean,
-               {first, sign, AtLeast(Level::Atom, right), " COLLATE NOCASE"});
+  return Build(Level::Compare, ValueKind::Boolean, {first, sign, Spelled().WithoutCase(right)});
 }
 
 // A Null counts as the empty text here, and only here.
@@ -232,7 +232,7 @@ Fragment Emitter::Divide(const Expr& expr) {
   const Fragment right = AtLeast(Level::Join, AsNumber(Operand(expr, 1)));
   Fragment result =
       left.floating ? Build(Level::Multiply, ValueKind::Real, {AtLeast(Level::Multiply, left), " / ", right})
-                    : Build(Level::Multiply, ValueKind::Real, {"CAST(", left, " AS REAL) / ", right});
+                    : Build(Level::Multiply, ValueKind::Real, {Spelled().Floating(left), " / ", right});
   result.floating = true;
   return result;
 }
@@ -240,7 +240,7 @@ Fragment Emitter::Divide(const Expr& expr) {
 Fragment Emitter::Like(const Expr& expr) {
   const Fragment text = AsText(Operand(expr, 0));
   const Fragment pattern = AsText(Operand(expr, 1));
-  return Negated(expr, Build(Level::Atom, ValueKind::Boolean, {"dw_like(", pattern, ", ", text, ")"}));
+  return Negated(expr, Spelled().Like(pattern, text));
 }
 
 Fragment Emitter::Between(const Expr& expr) {
@@ -250,9 +250,8 @@ Fragment Emitter::Between(const Expr& expr) {
   CheckComparable(value, lower);
   CheckComparable(value, upper);
   const bool noCase = NeedsNoCase(value, lower) || NeedsNoCase(value, upper);
-  const char* word = noCase ? " COLLATE NOCASE BETWEEN " : " BETWEEN ";
   return Negated(expr, Build(Level::Compare, ValueKind::Boolean,
-                             {AtLeast(noCase ? Level::Atom : Level::Add, value), word,
+                             {noCase ? Spelled().WithoutCase(value) : AtLeast(Level::Add, value), " BETWEEN ",
                               AtLeast(Level::Add, lower), " AND ", AtLeast(Level::Add, upper)}));
 }
 
@@ -267,9 +266,9 @@ Fragment Emitter::In(const Expr& expr) {
     noCase = noCase || (!value.IsTextColumn() && (value.MayBeText() || element.MayBeText()));
     AppendToList(list, element);
   }
-  const char* word = noCase ? " COLLATE NOCASE IN (" : " IN (";
-  return Negated(expr, Build(Level::Compare, ValueKind::Boolean,
-                             {AtLeast(noCase ? Level::Atom : Level::Add, value), word, list, ")"}));
+  return Negated(
+      expr, Build(Level::Compare, ValueKind::Boolean,
+                  {noCase ? Spelled().WithoutCase(value) : AtLeast(Level::Add, value), " IN (", list, ")"}));
 }
 
 Fragment Emitter::Is(const Expr& expr, std::string_view word) {

@@ -52,13 +52,12 @@ class Emitter {
   struct Function;
   static const Function* FindFunction(std::string_view name);
   Fragment Call(const Expr& expr);
-  Fragment TextCall(std::string_view opening, const Fragment& text, ValueKind kind) const;
   Fragment Left(const Expr& expr);
   Fragment Right(const Expr& expr);
   Fragment Middle(const Expr& expr);
   Fragment Choice(const Expr& expr);
   Fragment Fallback(const Expr& expr);
-  Fragment DatePart(const Expr& expr, std::string_view format);
+  Fragment Date(const Expr& expr);
 
   // Totals over rows
   Fragment CountRows(const Expr& expr);

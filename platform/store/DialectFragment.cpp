@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/runtime/Text.h"
+#include "platform/store/DialectSpelling.h"
 #include "platform/store/StoreError.h"
 
 namespace store::dialect {
@@ -117,11 +117,7 @@ Fragment AsText(const Fragment& fragment) {
     NotPossible("This cannot be used as a text", fragment);
   Fragment value = Plain(fragment);
   if (value.kind != ValueKind::Real) return value;
-  const bool single = fragment.column && fragment.column->type == ColumnType::Single;
-  const char* format =
-      single ? " IS NULL THEN NULL ELSE printf('%.7g', " : " IS NULL THEN NULL ELSE printf('%.15g', ";
-  return Build(Level::Atom, ValueKind::Text,
-               {"CASE WHEN ", AtLeast(Level::Add, value), format, value, ") END"});
+  return Spelled().NumberText(value, fragment.column && fragment.column->type == ColumnType::Single);
 }
 
 Fragment AsNumber(const Fragment& fragment) {
@@ -147,9 +143,7 @@ void CheckComparable(const Fragment& a, const Fragment& b) {
 
 Fragment WithoutCase(const Fragment& fragment) {
   if (!fragment.MayBeText() || fragment.column) return fragment;
-  Fragment result = Build(Level::Atom, fragment.kind, {AtLeast(Level::Atom, fragment), " COLLATE NOCASE"});
-  result.neverNull = fragment.neverNull;
-  return result;
+  return Spelled().WithoutCase(fragment);
 }
 
 namespace {
@@ -203,11 +197,7 @@ std::string Stored(const Fragment& value, const ColumnInfo& column) {
   if (value.kind == ValueKind::Null) return flag ? "0" : value.text;
   if (flag && value.kind == ValueKind::Boolean && value.neverNull && !value.column) return value.text;
   CheckMeant(value, KindOf(column.type));
-  const auto number = [](auto one) { return std::to_string(static_cast<int>(one)); };
-  const std::string rest = ", " + number(FormOf(value)) + ", " + rt::Quoted(column.name) + ", " +
-                           number(column.type) + ", " + number(column.size) + ", " +
-                           number(column.allowZeroLength) + ")";
-  return Build(Level::Atom, KindOf(column.type), {"dw_fit(", value, std::string_view(rest)}).text;
+  return Spelled().Fitted(value, FormOf(value), column).text;
 }
 
 }  // namespace store::dialect

@@ -1,6 +1,7 @@
 // The emitter's part for functions and totals.
 #include "platform/runtime/Text.h"
 #include "platform/store/DialectEmitter.h"
+#include "platform/store/DialectSpelling.h"
 #include "platform/store/Tokenizer.h"
 
 namespace store::dialect {
@@ -29,35 +30,23 @@ const Emitter::Function* Emitter::FindFunction(std::string_view name) {
   using E = Emitter&;
   using C = const Expr&;
   static constexpr Function kFunctions[] = {
-      {"UCASE", 1, 1, [](E e, C c) { return e.TextCall("ucase(", e.Operand(c, 0), ValueKind::Text); }},
-      {"LCASE", 1, 1, [](E e, C c) { return e.TextCall("lcase(", e.Operand(c, 0), ValueKind::Text); }},
-      {"TRIM", 1, 1, [](E e, C c) { return e.TextCall("trim(", e.Operand(c, 0), ValueKind::Text); }},
-      {"LEN", 1, 1, [](E e, C c) { return e.TextCall("length(", e.Operand(c, 0), ValueKind::Whole); }},
+      {"UCASE", 1, 1, [](E e, C c) { return Spelled().Upper(AsText(e.Operand(c, 0))); }},
+      {"LCASE", 1, 1, [](E e, C c) { return Spelled().Lower(AsText(e.Operand(c, 0))); }},
+      {"TRIM", 1, 1, [](E e, C c) { return Spelled().Trimmed(AsText(e.Operand(c, 0))); }},
+      {"LEN", 1, 1, [](E e, C c) { return Spelled().Length(AsText(e.Operand(c, 0))); }},
       {"LEFT", 2, 2, [](E e, C c) { return e.Left(c); }},
       {"RIGHT", 2, 2, [](E e, C c) { return e.Right(c); }},
       {"MID", 2, 3, [](E e, C c) { return e.Middle(c); }},
       {"IIF", 3, 3, [](E e, C c) { return e.Choice(c); }},
       {"NZ", 1, 2, [](E e, C c) { return e.Fallback(c); }},
       {"ISNULL", 1, 1, [](E e, C c) { return e.Is(c, "NULL"); }},
-      {"ABS", 1, 1,
-       [](E e, C c) {
-         const Fragment number = AsNumber(e.Operand(c, 0));
-         Fragment result = Build(Level::Atom, number.kind, {"abs(", number, ")"});
-         result.floating = number.floating;
-         return result;
-       }},
-      {"INT", 1, 1,
-       [](E e, C c) {
-         const Fragment number = AsNumber(e.Operand(c, 0));
-         Fragment result = Build(Level::Atom, number.kind, {"floor(", number, ")"});
-         result.floating = number.floating;
-         return result;
-       }},
-      {"YEAR", 1, 1, [](E e, C c) { return e.DatePart(c, "'%Y'"); }},
-      {"MONTH", 1, 1, [](E e, C c) { return e.DatePart(c, "'%m'"); }},
-      {"DAY", 1, 1, [](E e, C c) { return e.DatePart(c, "'%d'"); }},
-      {"NOW", 0, 0, [](E, C) { return Build(Level::Atom, ValueKind::Date, {"dw_now()"}); }},
-      {"DATE", 0, 0, [](E, C) { return Build(Level::Atom, ValueKind::Date, {"dw_date()"}); }},
+      {"ABS", 1, 1, [](E e, C c) { return Spelled().Absolute(AsNumber(e.Operand(c, 0))); }},
+      {"INT", 1, 1, [](E e, C c) { return Spelled().Floor(AsNumber(e.Operand(c, 0))); }},
+      {"YEAR", 1, 1, [](E e, C c) { return Spelled().Part(DatePart::Year, e.Date(c)); }},
+      {"MONTH", 1, 1, [](E e, C c) { return Spelled().Part(DatePart::Month, e.Date(c)); }},
+      {"DAY", 1, 1, [](E e, C c) { return Spelled().Part(DatePart::Day, e.Date(c)); }},
+      {"NOW", 0, 0, [](E, C) { return Spelled().Now(); }},
+      {"DATE", 0, 0, [](E, C) { return Spelled().Today(); }},
       {"COUNT", 1, 1,
        [](E e, C c) {
          Fragment count = Build(Level::Atom, ValueKind::Whole, {"COUNT(", e.Totalled(c), ")"});
@@ -82,35 +71,22 @@ Fragment Emitter::Call(const Expr& expr) {
   return function->make(*this, expr);
 }
 
-Fragment Emitter::TextCall(std::string_view opening, const Fragment& text, ValueKind kind) const {
-  Fragment result = Build(Level::Atom, kind, {opening, AsText(text), ")"});
-  result.neverNull = text.neverNull;
-  return result;
-}
-
 Fragment Emitter::Left(const Expr& expr) {
   const Fragment text = AsText(Operand(expr, 0));
-  const Fragment count = AsNumber(Operand(expr, 1));
-  return Build(Level::Atom, ValueKind::Text, {"substr(", text, ", 1, MAX(", count, ", 0))"});
+  return Spelled().Left(text, AsNumber(Operand(expr, 1)));
 }
 
-// With the length beside the place from the end: a place before the beginning then gives the whole text, and
-// none at all the empty one.
 Fragment Emitter::Right(const Expr& expr) {
   const Fragment text = AsText(Operand(expr, 0));
-  const Fragment count = AsNumber(Operand(expr, 1));
-  return Build(Level::Atom, ValueKind::Text,
-               {"substr(", text, ", -MAX(", count, ", 0), MAX(", count, ", 0))"});
+  return Spelled().Right(text, AsNumber(Operand(expr, 1)));
 }
 
 Fragment Emitter::Middle(const Expr& expr) {
   const Fragment text = AsText(Operand(expr, 0));
   const Fragment start = AsNumber(Operand(expr, 1));
-  if (expr.operands.size() == 2)
-    return Build(Level::Atom, ValueKind::Text, {"substr(", text, ", MAX(", start, ", 1))"});
-  const Fragment count = AsNumber(Operand(expr, 2));
-  return Build(Level::Atom, ValueKind::Text,
-               {"substr(", text, ", MAX(", start, ", 1), MAX(", count, ", 0))"});
+  std::optional<Fragment> count;
+  if (expr.operands.size() > 2) count = AsNumber(Operand(expr, 2));
+  return Spelled().Middle(text, start, count);
 }
 
 Fragment Emitter::Choice(const Expr& expr) {
@@ -141,11 +117,11 @@ Fragment Emitter::Fallback(const Expr& expr) {
   return result;
 }
 
-Fragment Emitter::DatePart(const Expr& expr, std::string_view format) {
-  const Fragment date = Plain(Operand(expr, 0));
+Fragment Emitter::Date(const Expr& expr) {
+  Fragment date = Plain(Operand(expr, 0));
   if (date.kind != ValueKind::Date && date.kind != ValueKind::Null && date.kind != ValueKind::Unknown)
-    NotPossible("This is no date", date);
-  return Build(Level::Atom, ValueKind::Whole, {"CAST(strftime(", format, ", ", date, ") AS INTEGER)"});
+    NotPossible("This is not a date", date);
+  return date;
 }
 
 Fragment Emitter::CountRows(const Expr& expr) {

@@ -1,4 +1,5 @@
 // A translated query, cut into the statements that a cursor needs.
+#include "platform/store/DialectSpelling.h"
 #include "platform/store/Handle.h"
 #include "platform/store/Statements.h"
 #include "platform/store/StoreError.h"
@@ -12,7 +13,7 @@ std::string SelectList(const Translation& t) {
   return list;
 }
 
-std::string Limit(const Translation& t) { return t.top ? " LIMIT " + std::to_string(*t.top) : ""; }
+std::string Limit(const Translation& t) { return t.top ? dialect::Spelled().Limit(*t.top) : ""; }
 
 /// Pictures may be larger than everything else in a file, and few readers of a row look at them. A row says
 /// only whether it has a picture; the engine knows that without reading it.

@@ -1,5 +1,6 @@
 #include "platform/store/Statements.h"
 
+#include "platform/store/DialectSpelling.h"
 #include "platform/store/Schema.h"
 
 namespace store {
@@ -35,7 +36,7 @@ std::string KeysInOrder(const Translation& query) {
   const std::string keys = KeysOf(query);
   return "SELECT " + keys + " FROM " + query.from + (query.where.empty() ? "" : " WHERE " + query.where) +
          " ORDER BY " + (query.orderBy.empty() ? "" : query.orderBy + ", ") + keys +
-         (query.top ? " LIMIT " + std::to_string(*query.top) : "");
+         (query.top ? dialect::Spelled().Limit(*query.top) : "");
 }
 
 std::string KeysWhere(const Translation& query, WhichKeys which) {
