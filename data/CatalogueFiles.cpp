@@ -5,6 +5,7 @@
 
 #include "data/Catalogue.h"
 #include "platform/runtime/Text.h"
+#include "platform/store/Engine.h"
 
 namespace dw {
 namespace {
@@ -89,9 +90,9 @@ void CompareTable(const TableInfo& stored, const TableInfo& wanted, std::vector<
 void CreateDataFile(const std::string& directory, std::string_view file) {
   const CatalogueFile& catalogue = CatalogueOf(file);
   const std::string path = (std::filesystem::path(directory) / catalogue.name).string();
-  store::Connection::Create(path);
+  store::Engine::ForNewFiles().Create(path);
   try {
-    const auto connection = store::Connection::Open({.path = path, .share = store::Share::Exclusive});
+    const auto connection = store::Engine::Of(path).Open({.path = path, .share = store::Share::Exclusive});
     // In one transaction: a hundred definitions stored one by one would keep the disk busy for a second.
     connection->BeginTrans();
     for (const TableInfo& table : catalogue.tables) connection->CreateTable(table);

@@ -9,7 +9,7 @@
 #include "platform/runtime/DateTime.h"
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
-#include "platform/store/Connection.h"
+#include "platform/store/Engine.h"
 #include "platform/system/Files.h"
 #include "platform/system/Machine.h"
 
@@ -97,7 +97,7 @@ std::string FindFile(const std::string& directory, const std::string& name) {
 
 bool IsInUse(const std::string& path) {
   bool inUse = false;
-  Try([&] { inUse = store::InUse(path); });
+  Try([&] { inUse = store::Engine::Of(path).InUse(path); });
   return inUse;
 }
 

@@ -4,6 +4,7 @@
 
 #include "platform/runtime/Text.h"
 #include "platform/store/Dialect.h"
+#include "platform/store/Engine.h"
 
 namespace ado {
 
@@ -103,7 +104,7 @@ void Connection::Open(const std::string& connectionString) {
       // The whole string is not shown: it may hold a password.
       throw StoreError(store::kCannotStart, "This program cannot reach the data source '" +
                                                 (request.path.empty() ? provider : request.path) + "'.");
-    connection_ = store::Connection::Open(request);
+    connection_ = store::Engine::Of(request.path).Open(request);
   } catch (const StoreError& error) {
     Fail(error, Work::Opening);
   }

@@ -4,6 +4,7 @@
 
 #include "platform/runtime/Text.h"
 #include "platform/store/Dialect.h"
+#include "platform/store/Engine.h"
 
 namespace dao {
 namespace {
@@ -297,8 +298,8 @@ void Workspace::OnEach(Work work) {
 }
 
 std::shared_ptr<Database> Workspace::OpenDatabase(const std::string& path, bool exclusive, bool readOnly) {
-  auto connection =
-      store::Connection::Open({path, exclusive ? store::Share::Exclusive : store::Share::Shared, readOnly});
+  auto connection = store::Engine::Of(path).Open(
+      {path, exclusive ? store::Share::Exclusive : store::Share::Shared, readOnly});
   for (int i = 0; i < depth_; ++i) connection->BeginTrans();
   auto database = std::make_shared<Database>(std::move(connection));
   databases_.push_back(database);
@@ -351,12 +352,12 @@ std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::s
 }
 
 std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string& path) {
-  store::Connection::Create(path);
+  store::Engine::ForNewFiles().Create(path);
   return workspace.OpenDatabase(path);
 }
 
 std::shared_ptr<store::Compaction> CompactDatabase(const std::string& source, const std::string& target) {
-  return store::CompactFile(source, target);
+  return store::Engine::Of(source).Compact(source, target);
 }
 
 void Idle(int) {}

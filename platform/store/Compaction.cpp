@@ -190,6 +190,8 @@ void Connection::Create(const std::string& path) {
   sqlite3_close(db);
   if (full) throw StoreError(kDiskFull, "Not enough space on the disk for '" + path + "'.");
   if (code != SQLITE_OK) throw StoreError(kCannotStart, "Cannot create '" + path + "': " + text + ".");
+  // What another file of this name has left would be taken for this one's.
+  unlink((path + "-journal").c_str());
   // Never over something that has come meanwhile. Where the disk knows no such renaming, it is asked first.
   int error =
       renameat2(AT_FDCWD, half.Path().c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0 ? 0 : errno;

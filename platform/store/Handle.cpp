@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <set>
 #include <utility>
 
 #include "platform/store/FileFormat.h"
@@ -26,6 +27,12 @@ constexpr std::size_t kMostPlans = 512;
 constexpr std::size_t kMostParked = 8;
 /// What a parked handle may keep in memory of the file, in bytes.
 constexpr int kMostPages = 4'000'000;
+
+/// All handles of this process. Never destroyed: the parked ones go at the very end.
+std::set<const Handle*>& Open() {
+  static auto& open = *new std::set<const Handle*>;
+  return open;
+}
 
 std::vector<std::unique_ptr<Handle>>& Parked() {
   static std::vector<std::unique_ptr<Handle>> parked;
@@ -110,6 +117,16 @@ std::unique_ptr<Handle> Handle::FindOrOpen(const std::string& path, bool readOnl
   return handle;
 }
 
+Handle::Handle() { Open().insert(this); }
+
+bool Handle::AnyOf(const std::string& path) {
+  struct stat named {};
+  if (stat(path.c_str(), &named) != 0) return false;
+  return std::ranges::any_of(Open(), [&](const Handle* handle) {
+    return handle->device_ == named.st_dev && handle->inode_ == named.st_ino;
+  });
+}
+
 bool Handle::IsReplaced() const {
   struct stat now {};
   return stat(path_.c_str(), &now) != 0 || now.st_dev != device_ || now.st_ino != inode_;
@@ -132,6 +149,7 @@ void Handle::DropParked(const std::string& path) {
 }
 
 Handle::~Handle() {
+  Open().erase(this);
   for (auto& [sql, slot] : statements_) sqlite3_finalize(slot.statement);
   sqlite3_close(db_);
 }

@@ -116,6 +116,8 @@ class Handle {
   static void DropParked(const std::string& path);
   ~Handle();
 
+  /// Whether this process has the file open, by whatever path.
+  static bool AnyOf(const std::string& path);
   /// Whether another file has taken this one's name, or none bears it any more.
   bool IsReplaced() const;
   sqlite3* Db() const { return db_; }
@@ -138,7 +140,7 @@ class Handle {
 
  private:
   friend class Use;
-  Handle() = default;
+  Handle();
   static std::unique_ptr<Handle> FindOrOpen(const std::string& path, bool readOnly);
   static int Nap(void* self, int tries);
   std::chrono::milliseconds patience_{15000};

@@ -8,6 +8,8 @@
 #include <fstream>
 
 #include "platform/store/Connection.h"
+#include "platform/store/Cursor.h"
+#include "platform/store/Engine.h"
 #include "store/OtherTool.h"
 #include "support/SecondProcess.h"
 #include "support/SmallFile.h"
@@ -111,6 +113,43 @@ TEST_F(CompactionTest, WhatTheDeadLeftIsRemovedAndNothingElse) {
   EXPECT_FALSE(fs::exists(living));
   EXPECT_TRUE(fs::exists(foreign));
   EXPECT_TRUE(fs::exists(named));
+}
+
+TEST_F(CompactionTest, TheEngineOfAFileDropsItWithItsJournalAndReportsWhoIsIn) {
+  store::Engine& engine = store::Engine::Of(path_);
+  SecondProcess other([&](SecondProcess::Channel& channel) {
+    store::SetIdentity("OFFICE", "Bob");
+    auto file = test::OpenSmallFile(path_);
+    auto row = store::Cursor::OpenTable(file, "Assets", store::Locking::Pessimistic);
+    row->Edit();
+    channel.Say("holds");
+    channel.Hear();
+  });
+  EXPECT_EQ(other.Talk().Hear(), "holds");
+  const store::FileReport report = engine.Describe(path_);
+  ASSERT_EQ(report.users.size(), 1U);
+  EXPECT_EQ(report.users[0].user, "Bob");
+  ASSERT_EQ(report.held.size(), 1U);
+  EXPECT_EQ(report.held[0].table, "Assets");
+  EXPECT_TRUE(engine.InUse(path_));
+  EXPECT_THROW(engine.Drop(path_), store::StoreError);
+  other.Kill();
+  // What stays under the journal's name would be played back into the next file of this name.
+  std::ofstream(path_ + "-journal") << "left";
+  engine.Drop(path_);
+  EXPECT_FALSE(fs::exists(path_));
+  EXPECT_FALSE(fs::exists(path_ + "-journal"));
+  EXPECT_FALSE(fs::exists(directory_.Path("DW.LDB")));
+}
+
+TEST_F(CompactionTest, AskingForTheEngineKeepsTheLocksOfThisProcess) {
+  auto file = test::OpenSmallFile(path_);
+  OtherTool tool(path_);
+  file->BeginTrans();
+  test::AddAsset(file, "B");
+  store::Engine::Of(path_);
+  EXPECT_EQ(tool.Run("INSERT INTO Assets (Code) VALUES ('C')"), "database is locked");
+  file->CommitTrans();
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // Commands that change data: post, unpost and compact.
-#include <filesystem>
 #include <iostream>
 
 #include "costing/Posting.h"
@@ -7,6 +6,7 @@
 #include "data/Compact.h"
 #include "data/GenericDAO.h"
 #include "data/MainFile.h"
+#include "platform/store/Engine.h"
 #include "tools/dwadmin/Commands.h"
 
 namespace dw {
@@ -79,10 +79,10 @@ int Compact(const SignOnRequest& signOn, const CommandScreen& screen) {
     StopIfAsked();
     const std::string path = RequireFile(file);
     std::cerr << "Compacting " << file << "..." << std::endl;
-    const auto before = std::filesystem::file_size(path);
+    const auto before = store::Engine::Of(path).Bytes(path);
     CompactDatabase(path);
     if (screen.LastText() == "Compacting complete.") {
-      std::cout << file << ": " << before << " bytes before, " << std::filesystem::file_size(path)
+      std::cout << file << ": " << before << " bytes before, " << store::Engine::Of(path).Bytes(path)
                 << " bytes now.\n";
     } else {
       std::cout << file << ": not compacted.\n";

@@ -1,0 +1,63 @@
+// What keeps data files. Everything above the store asks an engine, and knows neither what stands beside a
+// file nor how it is written.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/store/Compaction.h"
+#include "platform/store/Connection.h"
+
+namespace store {
+
+/// A record that somebody holds.
+struct RecordInUse {
+  std::string table;     ///< empty for a table that is gone
+  std::int64_t row = 0;  ///< 0 where the whole table is held
+  Holder holder;
+};
+
+/// Who is in a data file.
+struct FileReport {
+  bool exclusively = false;        ///< one user has it to himself; who it is and what he holds is not known
+  std::vector<RosterEntry> users;  ///< without the one who asks
+  std::vector<RecordInUse> held;
+};
+
+class Engine {
+ public:
+  /// The engine of a file, by the bytes with which it begins. A file that no engine knows, or that is not
+  /// there, gets the one that makes new files: it refuses in words.
+  static Engine& Of(const std::string& path);
+  /// The engine that makes new files.
+  static Engine& ForNewFiles();
+
+  virtual ~Engine() = default;
+  /// Whether a file that begins with these bytes is one of this engine's.
+  virtual bool Knows(std::string_view beginning) const = 0;
+  /// Whether this process has the file open already: then its bytes must not be read, because closing a file
+  /// drops all locks that the process has on it.
+  virtual bool HasOpen(const std::string& path) const = 0;
+  /// See Connection::Open.
+  virtual std::shared_ptr<Connection> Open(const OpenRequest& request) = 0;
+  /// See Connection::Create.
+  virtual void Create(const std::string& path) = 0;
+  /// See Compaction.
+  [[nodiscard]] virtual std::shared_ptr<Compaction> Compact(const std::string& path,
+                                                            const std::string& target) = 0;
+  /// Whether anyone has the file open.
+  virtual bool InUse(const std::string& path) = 0;
+  /// Deletes a file with all that belongs to it. Throws StoreError 3045 while anyone has it open, 3024 where
+  /// it is not there, 3051 where it cannot be deleted.
+  virtual void Drop(const std::string& path) = 0;
+  /// What the file takes on the disk; 0 where it is not there.
+  virtual std::uint64_t Bytes(const std::string& path) const = 0;
+  /// Opens the file for a moment to look. Throws StoreError as Open does, but for a file that is open
+  /// exclusively.
+  virtual FileReport Describe(const std::string& path) = 0;
+};
+
+}  // namespace store
