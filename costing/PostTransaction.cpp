@@ -2,6 +2,8 @@
 
 #include <exception>
 
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericTools.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
@@ -36,6 +38,12 @@ class RowTransaction {
 
 }  // namespace
 
+void RequireDataFile() {
+  if (FileExists(DataFile)) return;
+  throw dao::StoreError(store::kPathNotFound,
+                        "'" + DataFile + "' is no longer there. What has been posted is whole.");
+}
+
 TransactionPoster::TransactionPoster(dao::Workspace& workspace, dao::Database& database,
                                      dao::Recordset& transactions, const Accumulators& accumulators)
     : workspace_(workspace),
@@ -66,6 +74,7 @@ bool TransactionPoster::PostTransaction(PostingCounts& counts) {
   std::int16_t error = 0;
   DaoEditRecord(transactions_, error);
   if (error != 0) {
+    RequireDataFile();
     screen::MessageBox("Unable to lock transaction for updating.", screen::Icon::Critical);
     row.Commit();
     return false;

@@ -8,9 +8,13 @@
 
 namespace dw {
 
+/// Throws StoreError 3044 where the data file is no longer at its place. The engine notices that only when it
+/// writes, and then each record would fail with a box of its own.
+void RequireDataFile();
+
 /// Posts transactions of one run, each in an engine transaction of its own. Nothing is ever rolled back
-/// because a record was held: what could not be changed is told, and a re-post that clears first makes the
-/// sums whole again.
+/// because a record was held: what could not be changed is reported, and a re-post that clears first makes
+/// the sums whole again.
 class TransactionPoster {
  public:
   TransactionPoster(dao::Workspace& workspace, dao::Database& database, dao::Recordset& transactions,
@@ -19,9 +23,9 @@ class TransactionPoster {
   /// Whether the row that the recordset stands on waits to be posted. A row that has been deleted meanwhile
   /// does not.
   bool Waiting();
-  /// Posts that row. A row without an asset on file stays as it is, in silence; a row held elsewhere stays
-  /// with its message. The commit shares its way to the disk with others, see dao::Commit::WithGroup. True if
-  /// the row was posted.
+  /// Posts that row. A row without an asset on file stays as it is, in silence; a row that another user holds
+  /// stays unposted, with its message. The commit shares its way to the disk with others, see
+  /// dao::Commit::WithGroup. True if the row was posted.
   bool PostTransaction(PostingCounts& counts);
 
  private:

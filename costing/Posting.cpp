@@ -1,11 +1,15 @@
 #include "costing/Posting.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "costing/CostRows.h"
 #include "costing/PostTransaction.h"
+#include "data/Attempt.h"
 #include "data/MainFile.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/screen/Screen.h"
@@ -52,6 +56,32 @@ class Group {
   dao::Workspace& workspace_;
 };
 
+/// RequireDataFile for a loop: looks every few milliseconds at most.
+class FileWatch {
+ public:
+  void Look() {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - last_ < std::chrono::milliseconds(5)) return;
+    last_ = now;
+    RequireDataFile();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point last_;
+};
+
+/// The transaction that an error ended the run at, as far as it can still be read.
+std::string PlaceOf(dao::Recordset& transactions) {
+  std::string place;
+  Try([&] {
+    if (transactions.AtEnd()) return;
+    const std::string id = transactions.Get("ID").Shown();
+    place =
+        "\r\rThe run was at transaction " + id + " of asset '" + transactions.Get("Asset ID").Shown() + "'.";
+  });
+  return place;
+}
+
 /// Posts the row unless it is posted already. The row as it was read may be old, and another run may be at
 /// work: only once nothing can change any more does a second look decide, so that no row is counted twice.
 bool PostIfWaiting(TransactionPoster& poster, Group& group, PostingCounts& counts) {
@@ -60,8 +90,8 @@ bool PostIfWaiting(TransactionPoster& poster, Group& group, PostingCounts& count
   return poster.Waiting() && poster.PostTransaction(counts);
 }
 
-void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& accumulators,
-              const PostingProgress& progress, PostingCounts& counts) {
+void PostEachRow(MainFile& file, dao::Recordset& transactions, const Accumulators& accumulators,
+                 const PostingProgress& progress, PostingCounts& counts) {
   TransactionPoster poster(file.Workspace(), file.Database(), transactions, accumulators);
   // The asset of the first row is asked for without need; it is here that a run on an empty table ends.
   file.Read(AssetQuery(transactions.Get("Asset ID")));
@@ -73,8 +103,10 @@ void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& 
     rows = transactions.RecordCount();
   }
   Group group(file.Workspace());
+  FileWatch watch;
   while (!transactions.AtEnd()) {
     ++counts.seen;
+    watch.Look();
     if (PostIfWaiting(poster, group, counts)) ++counts.posted;
     // Rows that others add meanwhile are walked too, so the count can outgrow what was there at the start.
     TellPercent(progress,
@@ -83,6 +115,49 @@ void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& 
     transactions.MoveNext();
   }
   group.Finish();
+}
+
+/// As PostEachRow; an error that ends it names the transaction.
+void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& accumulators,
+              const PostingProgress& progress, PostingCounts& counts) {
+  try {
+    PostEachRow(file, transactions, accumulators, progress, counts);
+  } catch (const dao::StoreError& error) {
+    throw dao::StoreError(error.Number(), error.what() + PlaceOf(transactions));
+  } catch (const rt::RuntimeError& error) {
+    throw dao::StoreError(error.Number(), error.what() + PlaceOf(transactions));
+  }
+}
+
+bool IsLock(int number) {
+  return number == store::kSaveLocked || number == store::kSessionLocked || number == store::kEditLocked ||
+         number == store::kRecordLocked || number == store::kTableLocked;
+}
+
+bool IsCleared(const std::string& table) {
+  return table == "Maintenance Transactions" ||
+         std::any_of(kCostTables.begin(), kCostTables.end(),
+                     [&](const CostTableKind& kind) { return table == kind.table; });
+}
+
+/// Who holds which record of the tables that a clearing changes, a line each; the first ten.
+std::string HoldersInTheWay(store::Connection& connection) {
+  constexpr int kMostLines = 10;
+  const auto schema = connection.Tables();
+  std::vector<int> cleared;
+  for (const store::TableInfo& table : schema->tables)
+    if (IsCleared(table.name)) cleared.push_back(table.number);
+  std::string lines;
+  int count = 0;
+  for (const store::HeldRecord& held : connection.Side().HeldByOthers(cleared)) {
+    const auto table = std::find_if(schema->tables.begin(), schema->tables.end(),
+                                    [&](const store::TableInfo& info) { return info.number == held.table; });
+    if (table == schema->tables.end()) continue;
+    if (++count > kMostLines) return lines + "...\r";
+    lines += table->name + (held.row == 0 ? ", all records" : ", record " + std::to_string(held.row)) +
+             ": user '" + held.holder.user + "' on machine '" + held.holder.computer + "'\r";
+  }
+  return lines;
 }
 
 /// The statements run one after the other, outside any transaction. They share one commit, so that a run that
@@ -96,6 +171,12 @@ void ClearCosts(MainFile& file, const PostingProgress& progress) {
       file.Database().Execute(statement);
     }
     file.Workspace().FinishGroup();
+  } catch (const dao::StoreError& error) {
+    file.Workspace().AbandonGroup();
+    if (!IsLock(error.Number())) throw;
+    throw ClearingRefused(error.Number(), std::string(error.what()) + "\r\r" +
+                                              HoldersInTheWay(file.Database().Connection()) +
+                                              "\rNothing has been cleared or posted.");
   } catch (...) {
     file.Workspace().AbandonGroup();
     throw;

@@ -33,7 +33,7 @@ struct Accumulators {
   void Close();
 };
 
-/// What a posting run tells while it goes on; each may be empty.
+/// What a posting run reports while it goes on; each may be empty.
 struct PostingProgress {
   std::function<void(const std::string&)> status;  ///< the stage: "Clearing Assets Period Costs..." …
   std::function<void(int)> percent;  ///< 0 when the rows begin; to 100, after each, posted or not
@@ -47,9 +47,19 @@ struct PostingCounts {
   std::int64_t changed = 0;  ///< rows changed in cost tables
 };
 
+/// A clearing that was refused because somebody holds records that it would change. Nothing has been cleared
+/// or posted. The text has the engine's words and who holds which record.
+class ClearingRefused : public dao::StoreError {
+ public:
+  using dao::StoreError::StoreError;
+};
+
 /// Posts every transaction of the data file whose `When Posted` is Null, after emptying the cost tables and
 /// marking all transactions unposted where `clearFirst` says so. Ends with the box "Posting is Complete.".
-/// Engine errors outside the record operations (an empty table among them) leave as StoreError.
+///
+/// Throws ClearingRefused, and StoreError for an engine error outside the record operations (an empty table,
+/// a data file that is gone); where the run was at a transaction, the text names it. Every row that was
+/// posted before the error stays posted with its sums.
 PostingCounts RunPosting(bool clearFirst, const PostingProgress& progress);
 
 }  // namespace dw

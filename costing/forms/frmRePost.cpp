@@ -10,6 +10,7 @@
 
 #include "costing/Posting.h"
 #include "platform/controls/Layout.h"
+#include "platform/screen/Screen.h"
 
 namespace dw {
 
@@ -72,7 +73,6 @@ class frmRePost::Run {
   Run(const Run&) = delete;
   Run& operator=(const Run&) = delete;
 
-  frmRePost* Form() const { return form_; }
   PostingProgress Progress() const {
     return {.status =
                 [this](const std::string& text) {
@@ -100,11 +100,15 @@ class frmRePost::Run {
 };
 
 void frmRePost::Proceed() {
-  QPointer<frmRePost> form;
+  const QPointer<frmRePost> form(this);
   {
     const Run run(*this);
-    RunPosting(chkClear->isChecked(), run.Progress());
-    form = run.Form();
+    try {
+      RunPosting(chkClear->isChecked(), run.Progress());
+    } catch (const ClearingRefused& refused) {
+      screen::MessageBox("Error #" + std::to_string(refused.Number()) + "\r\r" + refused.what(),
+                         screen::Icon::Critical);
+    }
   }
   if (form) form->Unload();
 }

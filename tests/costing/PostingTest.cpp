@@ -226,12 +226,13 @@ TEST(Posting, ClearFirstRebuildsTheSumsFromWhatIsOnFile) {
 }
 
 /// The number of the engine's error that ends a run; no box is shown.
-int ErrorOfRun(bool clearFirst = false) {
+int ErrorOfRun(bool clearFirst = false, std::string* words = nullptr) {
   test::ScreenScript script;
   try {
     dw::RunPosting(clearFirst, {});
   } catch (const store::StoreError& error) {
     EXPECT_EQ(script->CurrentPointer(), screen::Pointer::Normal);
+    if (words) *words = error.what();
     return error.Number();
   }
   return 0;
@@ -261,8 +262,11 @@ TEST(Posting, EngineErrorsEndTheRunAndKeepWhatIsPosted) {
 
   fleet.Run("DELETE FROM [Maintenance Transactions] WHERE [ID] = " + std::to_string(rich));
   fleet.AddAsset("O'NEIL", 1);
-  fleet.AddTransaction("O'NEIL", 2026, 3);
-  EXPECT_EQ(ErrorOfRun(), 3075);  // the apostrophe goes into the query as it stands
+  const auto quoted = fleet.AddTransaction("O'NEIL", 2026, 3);
+  std::string words;
+  EXPECT_EQ(ErrorOfRun(false, &words), 3075);  // the apostrophe goes into the query as it stands
+  EXPECT_TRUE(words.ends_with("The run was at transaction " + std::to_string(quoted) + " of asset 'O'NEIL'."))
+      << words;
 }
 
 }  // namespace

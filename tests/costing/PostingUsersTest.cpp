@@ -1,6 +1,7 @@
 // Posting while other workstations are at work.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "costing/CostCheck.h"
@@ -212,6 +213,64 @@ TEST(PostingUsers, AKilledRunLeavesWholeRowsAndAPlainRunFinishesTheJob) {
   EXPECT_GT(left, 0);
   EXPECT_LT(left, kTransactions);
   EXPECT_TRUE(Check().empty());
+  EXPECT_EQ(Post(), left);
+  EXPECT_TRUE(Check().empty());
+}
+
+TEST(PostingUsers, AClearingBesideAHeldTransactionIsRefusedWithItsHolder) {
+  test::SmallFleet fleet;
+  fleet.AddAsset("TRK-1");
+  fleet.AddTransaction("TRK-1", 2026, 3, {{"Oil Cost", Money(1)}});
+  const auto held = fleet.AddTransaction("TRK-1", 2026, 3, {{"Oil Cost", Money(2)}});
+  Post();
+  const std::string posted = fleet.Everything("Maintenance Transactions");
+  SecondProcess other([held](SecondProcess::Channel& channel) {
+    store::SetIdentity("OFFICE", "Bert");
+    HoldingRow("Maintenance Transactions", held)(channel);
+  });
+  ASSERT_EQ(other.Talk().Hear(), "held");
+  test::ScreenScript script;
+  try {
+    dw::RunPosting(true, {});
+    ADD_FAILURE() << "it was not refused";
+  } catch (const dw::ClearingRefused& refused) {
+    EXPECT_NE(std::string(refused.what())
+                  .find("Maintenance Transactions, record " + std::to_string(held) +
+                        ": user 'Bert' on machine 'OFFICE'"),
+              std::string::npos)
+        << refused.what();
+  }
+  other.Talk().Say("let go");
+  EXPECT_EQ(other.Join(), 0);
+  EXPECT_EQ(fleet.Everything("Maintenance Transactions"), posted);
+  EXPECT_TRUE(Check().empty());
+}
+
+TEST(PostingUsers, ADirectoryThatIsMovedAwayEndsTheRunWithOneError) {
+  constexpr int kTransactions = 2000;
+  test::SmallFleet fleet;
+  Fill(fleet, kTransactions);
+  const auto home = std::filesystem::path(fleet.Path()).parent_path();
+  const auto away = home.string() + ".away";
+  test::ScreenScript script;
+  bool moved = false;
+  try {
+    dw::RunPosting(false, {.status = {}, .percent = [&](int percent) {
+                             if (percent < 30 || moved) return;
+                             moved = true;
+                             std::filesystem::rename(home, away);
+                           }});
+    ADD_FAILURE() << "the run did not end";
+  } catch (const dao::StoreError& error) {
+    EXPECT_EQ(error.Number(), store::kPathNotFound) << error.what();
+    EXPECT_NE(std::string(error.what()).find("The run was at transaction "), std::string::npos)
+        << error.what();
+  }
+  std::filesystem::rename(away, home);
+  const int left =
+      std::stoi(fleet.Ask("SELECT COUNT(*) FROM [Maintenance Transactions] WHERE [When Posted] IS NULL"));
+  EXPECT_GT(left, 0);
+  EXPECT_TRUE(Check().empty()) << "what was posted is whole";
   EXPECT_EQ(Post(), left);
   EXPECT_TRUE(Check().empty());
 }

@@ -88,4 +88,28 @@ TEST_F(RePost, ARunOnAnEmptyTableEndsWithTheEnginesError) {
   EXPECT_FALSE(IsOpen("frmRePost"));
 }
 
+TEST_F(RePost, AClearingBesideAnOpenTransactionEndsTheRunAlone) {
+  fleet_.AddTransactions(3, [](int, test::Row&) { return std::string("TRK-1"); });
+  {
+    auto& form = Shown();
+    Expect("Posting is Complete.", Icon::Information);
+    test::Click(form, "cmdProceed");
+  }
+  const std::string posted = fleet_.Everything("Maintenance Transactions");
+  List();
+  auto& window = OpenFirst();
+  auto& form = Shown();
+  form.chkClear->setChecked(true);
+  screen_->ExpectPart("Maintenance Transactions, record 1: user ", Icon::Critical);
+  test::Click(form, "cmdProceed");
+  EXPECT_FALSE(IsOpen("frmRePost"));
+  EXPECT_TRUE(IsOpen("frmTransactionMaint") && IsOpen("frmTransactionList"));
+  EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
+  EXPECT_EQ(fleet_.Everything("Maintenance Transactions"), posted);
+  EXPECT_TRUE(InStep());
+  window.workOrder.SetText("WO 7");
+  test::Click(window, "OkButton");
+  EXPECT_EQ(fleet_.OfTransaction(1, "Work Order Number"), "WO 7");
+}
+
 }  // namespace
