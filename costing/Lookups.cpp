@@ -5,6 +5,7 @@
 #include "data/GenericTools.h"
 #include "data/MainFile.h"
 #include "platform/runtime/DateTime.h"
+#include "platform/runtime/RuntimeError.h"
 #include "platform/screen/Screen.h"
 
 namespace dw {
@@ -22,7 +23,7 @@ std::optional<std::string> EffectiveDate(const std::string& date) {
   return rt::ShortDate(*parsed);
 }
 
-/// Units times the price of the query's first row. A price that was left empty costs nothing.
+/// Units times the price of the query's first row. An empty price is an invalid use of Null.
 rt::Currency PricedBy(const std::string& query, const char* priceColumn, float units, const char* noPrice) {
   MainFile file;
   if (!file.IsOpen()) return {};
@@ -32,7 +33,8 @@ rt::Currency PricedBy(const std::string& query, const char* priceColumn, float u
     return {};
   }
   const rt::Value price = prices.Get(priceColumn);
-  return price.IsNull() ? rt::Currency{} : Multiply(units, price.AsCurrency());
+  if (price.IsNull()) throw rt::RuntimeError(94, "Invalid use of Null");
+  return Multiply(units, price.AsCurrency());
 }
 
 /// Labour and oil take the first row effective on or after the date: a row of this log applies to the dates

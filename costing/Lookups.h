@@ -1,6 +1,7 @@
 // Price and period look-ups: what units cost on a date, and in which fiscal period a date lies.
 //
 // Each opens the data file for itself and closes it again. A failed look-up shows its message and answers 0.
+// A price that is empty in its table throws RuntimeError 94, and one that money cannot hold RuntimeError 6.
 #pragma once
 
 #include <cstdint>

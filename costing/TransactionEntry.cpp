@@ -78,7 +78,7 @@ PricedTexts PriceUnits(OwnUnits kind, PricedTexts texts) {
   try {
     texts.cost = LookUpCost(kind, texts, *units).PlainText();
   } catch (const rt::RuntimeError& error) {
-    // More units than money can count.
+    // An empty price, or more units than money can count.
     Tell(error.what());
   }
   return texts;

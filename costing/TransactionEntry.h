@@ -26,8 +26,9 @@ struct PricedTexts {
 };
 
 /// What the texts become when the units are left: empty units are 0, and units without a cost get the price
-/// of their date. A cost other than 0 is never changed, and a look-up that fails makes it 0. Units that are
-/// no number are left for the check of the whole window.
+/// of their date. A cost other than 0 is never changed. A look-up that finds no price makes it 0; where the
+/// price is empty, or the product too large, the cost stays as it was, after a message. Units that are not a
+/// number are left for the check of the whole window.
 PricedTexts PriceUnits(OwnUnits kind, PricedTexts texts);
 
 bool CheckAssetID(const std::string& text);

@@ -153,6 +153,7 @@ void frmTransactionMaint::RecordLoaded() {
   focus_.LastTabIndex = last;
   assetCode.setEnabled(AssetID.empty());
   const bool posted = !Data().Recordset()->Get("When Posted").IsNull();
+  keepsPeriod_ = posted;
   for (QWidget* field : std::initializer_list<QWidget*>{
            &internalFuelUnits, &internalFuelCost, &internalOilUnits, &internalOilCost, &laborCost,
            &laborHours, &partsCost, &outsideFuelUnits, &outsideFuelCost, &outsideOilUnits, &outsideOilCost,
@@ -170,11 +171,11 @@ void frmTransactionMaint::ShowAssetSerial() {
 
 bool frmTransactionMaint::CheckDate() {
   const TransactionDay day = CheckTransactionDate(transactionDate.Text(), AddMode);
-  if (day.verdict == DateVerdict::Good) {
+  if (day.verdict == DateVerdict::Good && !keepsPeriod_) {
     fiscalYear.SetText(std::to_string(day.year));
     fiscalPeriod.SetText(std::to_string(day.period));
   }
-  if (day.verdict != DateVerdict::Refused) {
+  if (day.verdict != DateVerdict::Refused && !keepsPeriod_) {
     fiscalYear.setEnabled(day.verdict != DateVerdict::Good);
     fiscalPeriod.setEnabled(day.verdict != DateVerdict::Good);
   }
@@ -263,6 +264,21 @@ void frmTransactionMaint::DeleteTask() {
 }
 
 void frmTransactionMaint::Unpost() {
+  // Out of the sums again, the row belongs where the calendar puts its date now; where it stays posted, the
+  // year and period of its sums come back.
+  const std::string year = fiscalYear.Text();
+  const std::string period = fiscalPeriod.Text();
+  keepsPeriod_ = false;
+  UnpostAtItsPlace();
+  if (Data().Recordset()->Get("When Posted").IsNull()) return;
+  keepsPeriod_ = true;
+  fiscalYear.SetText(year);
+  fiscalPeriod.SetText(period);
+  fiscalYear.setEnabled(false);
+  fiscalPeriod.setEnabled(false);
+}
+
+void frmTransactionMaint::UnpostAtItsPlace() {
   if (!ValidData()) return;
   if (!Held()) {
     ReportHeldElsewhere();

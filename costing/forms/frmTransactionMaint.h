@@ -92,9 +92,12 @@ class frmTransactionMaint : public RecordForm {
   bool CommitForTask();
   void OpenTask(bool add, std::int32_t id);
   void Unpost();
+  /// Takes the figures out of the sums that they went into.
+  void UnpostAtItsPlace();
 
   std::int32_t currentTask_ = 0;
   bool checking_ = false;
+  bool keepsPeriod_ = false;  ///< a posted row: its sums stay in its year and period
   std::vector<std::pair<std::string, ui::TextBox*>> figures_;  ///< the fields of numbers, by their column
   FocusMemory focus_;
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/runtime/RuntimeError.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFleet.h"
 
@@ -71,7 +72,12 @@ TEST(Lookups, AProductIsRoundedToTheEvenTenThousandth) {
   fleet.Add("Internal Fuel Pricing Log", {{"Fuel Type", 2}, {"Effective Date", DateTime(2026, 1, 1)}});
   EXPECT_EQ(dw::GetInternalFuelCost(1, 0.5F, "1/1/2026").PlainText(), "1");       // 1.00005
   EXPECT_EQ(dw::GetInternalFuelCost(1, 1.5F, "1/1/2026").PlainText(), "3.0002");  // 3.00015
-  EXPECT_EQ(dw::GetInternalFuelCost(2, 1.5F, "1/1/2026").PlainText(), "0");       // the price was left empty
+  try {
+    dw::GetInternalFuelCost(2, 1.5F, "1/1/2026");
+    ADD_FAILURE() << "an empty price costs nothing";
+  } catch (const rt::RuntimeError& error) {
+    EXPECT_EQ(error.Number(), 94);
+  }
 }
 
 TEST(Lookups, PeriodsTakeBothTheirEndsAndTheFirstRowWins) {

@@ -140,6 +140,30 @@ TEST_F(TransactionRoad, APostedTransactionKeepsItsFiguresAndTakesNotes) {
   EXPECT_EQ(fleet_.OfTransaction(id, "Mileage"), "55");
 }
 
+TEST_F(TransactionRoad, APostedTransactionKeepsItsPeriodHoweverItIsSaved) {
+  const auto id = Posted();
+  fleet_.Run("UPDATE [Fiscal Periods] SET [Period] = 4, [Fiscal Year] = 2027 WHERE [Period] = 3");
+  {
+    auto& window = OpenFirst();
+    test::Enter(window, "Text2");
+    QTest::keyClicks(&window.notes, "towed");
+    test::Click(window, "OkButton");
+  }
+  EXPECT_EQ(fleet_.OfTransaction(id, "Notes"), "towed");
+  EXPECT_EQ(fleet_.OfTransaction(id, "Year") + " " + fleet_.OfTransaction(id, "Period"), "2026 3");
+  // An unposting that fails leaves a posted row.
+  fleet_.Run("UPDATE [Vehicles] SET [Asset ID] = 'SOLD'");
+  {
+    auto& window = OpenFirst();
+    Expect("Unable to unpost transaction.");
+    test::Click(window, "cmdUnpost");
+    test::Click(window, "OkButton");
+  }
+  EXPECT_EQ(fleet_.OfTransaction(id, "Year") + " " + fleet_.OfTransaction(id, "Period"), "2026 3");
+  fleet_.Run("UPDATE [Vehicles] SET [Asset ID] = 'TRK-1'");
+  EXPECT_TRUE(InStep());
+}
+
 TEST_F(TransactionRoad, AWaitForCostsLeavesTheWindowAlone) {
   test::SecondProcess other([](test::SecondProcess::Channel& channel) {
     channel.Hear();

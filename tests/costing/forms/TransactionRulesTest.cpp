@@ -65,6 +65,27 @@ TEST_F(TransactionRules, UnitsArePricedOnceAndNeverAgainstACost) {
   EXPECT_EQ(fleet_.Ask("SELECT [Internal Fuel Cost] FROM [Maintenance Transactions]"), "10");
 }
 
+TEST_F(TransactionRules, AnEmptyPriceLeavesTheCostAndIsReported) {
+  fleet_.Run("UPDATE [Internal Fuel Pricing Log] SET [Fuel Price] = Null");
+  fleet_.Run("UPDATE [Internal Pricing Log] SET [Hourly Rate] = Null, [Oil Price] = Null");
+  auto& window = OpenNew();
+  Put(window, "txtAssetID", "TRK-1");
+  struct Case {
+    const char *field, *costField, *cost;
+  };
+  for (const Case& c : {Case{"MaskedEdit5", "edtUnleadedCost", "0.00"}, Case{"MaskEdBox2", "MaskEdBox1", ""},
+                        Case{"txtOilUnits", "MaskedEdit9", "0"}}) {
+    Put(window, c.costField, c.cost);
+    Expect("Invalid use of Null");
+    test::Type(window, c.field, "10");
+    window.workOrder.setFocus();
+    EXPECT_EQ(Text(window, c.costField), c.cost) << c.field;
+    Put(window, c.field, "0");
+    Put(window, c.costField, "0");
+  }
+  test::Click(window, "CancelButton");
+}
+
 TEST_F(TransactionRules, DatesAreCheckedAndFillTheFiscalPeriod) {
   fleet_.AddTransaction("TRK-1", 2026, 3);
   struct Case {
