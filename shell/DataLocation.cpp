@@ -150,6 +150,10 @@ void CleanOldSettings(const std::string& code) {
 void LocateData(bool& ok, const std::string& code) {
   const ApplicationFacts facts = FactsOf(code);
   ok = false;
+  if (sys::SettingsDamaged())
+    screen::MessageBox("The settings file " + sys::SettingsFile() +
+                           " is damaged. Settings that it kept may be missing; correct or remove the file.",
+                       Icon::Exclamation);
   do {
     LocalDataInUse = false;
     DataPath = WithSeparator(sys::GetSetting(code, kDataSection, DataPathKey(code), sys::ProgramDirectory()));

@@ -1,8 +1,12 @@
 #include "platform/system/Settings.h"
 
+#include <QByteArray>
+#include <QFile>
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 #include <cstdlib>
+#include <cstring>
 
 namespace sys {
 namespace {
@@ -44,7 +48,39 @@ QString Place(const std::string& application, const std::string& section, const 
 
 bool Written(QSettings& settings) {
   settings.sync();
-  return settings.status() == QSettings::NoError;
+  // A damaged line elsewhere in the file does not keep this value out of it.
+  return settings.status() != QSettings::AccessError;
+}
+
+/// Marks a value that is not UTF-8: what follows are its bytes in the percent form.
+constexpr const char* kBytes = "bytes:";
+
+QString Stored(const std::string& value) {
+  QString text = QString::fromStdString(value);
+  if (text.toStdString() == value && !text.startsWith(kBytes)) return text;
+  return kBytes + QString::fromLatin1(QByteArray::fromStdString(value).toPercentEncoding("/ "));
+}
+
+std::string Read(const QString& text) {
+  if (!text.startsWith(kBytes)) return text.toStdString();
+  return QByteArray::fromPercentEncoding(text.mid(static_cast<qsizetype>(std::strlen(kBytes))).toLatin1())
+      .toStdString();
+}
+
+/// A value with commas that somebody wrote into the file without quotation marks arrives in parts. The line
+/// that has these parts says what is between them.
+std::string ReadParts(const QString& file, const QStringList& parts) {
+  QFile lines(file);
+  if (lines.open(QIODevice::ReadOnly)) {
+    while (!lines.atEnd()) {
+      const QString line = QString::fromUtf8(lines.readLine());
+      const QString value = line.mid(line.indexOf('=') + 1).trimmed();
+      QStringList found = value.split(',');
+      for (QString& part : found) part = part.trimmed();
+      if (found == parts) return value.toStdString();
+    }
+  }
+  return parts.join(',').toStdString();
 }
 
 }  // namespace
@@ -53,16 +89,30 @@ std::string GetSetting(const std::string& application, const std::string& sectio
                        const std::string& otherwise) {
   return WithSettings([&](QSettings& settings) {
     const QVariant value = settings.value(Place(application, section, key));
-    return value.isValid() ? value.toString().toStdString() : otherwise;
+    if (!value.isValid()) return otherwise;
+    const QStringList parts = value.toStringList();
+    return parts.size() > 1 ? ReadParts(settings.fileName(), parts) : Read(value.toString());
   });
 }
 
 bool SaveSetting(const std::string& application, const std::string& section, const std::string& key,
                  const std::string& value) {
   return WithSettings([&](QSettings& settings) {
-    settings.setValue(Place(application, section, key), QString::fromStdString(value));
+    settings.setValue(Place(application, section, key), Stored(value));
     return Written(settings);
   });
+}
+
+bool SettingsDamaged() {
+  QFile file(QString::fromStdString(SettingsFile()));
+  if (!file.exists()) return false;
+  if (!file.open(QIODevice::ReadOnly)) return true;
+  while (!file.atEnd()) {
+    const QByteArray line = file.readLine().trimmed();
+    if (line.isEmpty() || line.startsWith(';') || line.startsWith('#')) continue;
+    if (line.contains('\0') || !(line.startsWith('[') ? line.endsWith(']') : line.contains('='))) return true;
+  }
+  return false;
 }
 
 bool DeleteSetting(const std::string& application, const std::string& section, const std::string& key) {

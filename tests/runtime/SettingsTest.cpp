@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string>
 
 #include "support/SecondProcess.h"
 #include "support/TempDirectory.h"
@@ -45,6 +47,30 @@ TEST_F(SettingsTest, TextsComeBackAsTheyWere) {
   ASSERT_TRUE(SaveSetting("A", "B%2FC", "D", "3"));
   EXPECT_EQ(GetSetting("A", "B/C", "D"), "1");
   EXPECT_EQ(GetSetting("A", "B", "C/D"), "2");
+}
+
+TEST_F(SettingsTest, APathIsWhateverTheFileSystemTakes) {
+  // The name of a directory need not be UTF-8.
+  for (const char* path : {"/srv/\xfcnsere Daten/", "bytes:/srv", "/srv/a%20b"}) {
+    ASSERT_TRUE(SaveSetting("DW", "Data", "DW Data Path", path));
+    EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), path);
+  }
+  // Somebody wrote these into the file, without the quotation marks that saving gives a comma.
+  for (const std::string path : {"/srv/Fleet, North, 2026", "/srv/a,b"}) {
+    std::ofstream(folder_.Path("settings.ini")) << "[DW]\nData\\DW%20Data%20Path=" << path << "\n";
+    EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), path);
+  }
+}
+
+TEST_F(SettingsTest, ADamagedFileIsKnownAsOne) {
+  EXPECT_FALSE(SettingsDamaged());
+  ASSERT_TRUE(SaveSetting("DW", "Data", "DW Data Path", "/srv"));
+  EXPECT_FALSE(SettingsDamaged());
+  std::ofstream(folder_.Path("settings.ini"), std::ios::app) << "\n\x01\x02 torn line\n";
+  EXPECT_TRUE(SettingsDamaged());
+  EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), "/srv") << "what is whole is read";
+  EXPECT_TRUE(SaveSetting("DW", "Data", "DW Data Path", "/new")) << "what is kept is not reported as lost";
+  EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), "/new");
 }
 
 TEST_F(SettingsTest, AnotherProcessReadsThemAndItsChangesAreSeen) {
