@@ -61,8 +61,18 @@ IndexInfo Index(const char* name, std::vector<std::string> columns) {
 IndexInfo Unique(const char* name, std::vector<std::string> columns) {
   return {.name = name, .columns = std::move(columns), .unique = true};
 }
+/// Unique, but for rows that have nothing in the column yet.
+IndexInfo UniqueWhereGiven(const char* name, std::vector<std::string> columns) {
+  return {.name = name, .columns = std::move(columns), .unique = true, .exceptEmpty = true};
+}
 IndexInfo UniqueRequired(const char* name, std::vector<std::string> columns) {
   return {.name = name, .columns = std::move(columns), .unique = true, .required = true};
+}
+
+/// Columns that no row leaves empty.
+Columns Required(Columns columns) {
+  for (ColumnInfo& column : columns) column.required = true;
+  return columns;
 }
 
 /// A table whose first column is its key.
@@ -115,16 +125,17 @@ CatalogueFile MainFile() {
   file.name = "DW.MDB";
   file.tables = {
       Table("Parameters",
-            {Long({"ID"}),
+            {Required(Long({"ID"})),
              Text(50, {"Organization Name", "Address Line 1", "Address Line 2", "Address Line 3"}),
              Text(50, {"Contact"}), Text(30, {"Contact Phone"}), Date({"Date Installed"}),
              Short({"Major Version Number", "Minor Version Number", "Revision Number"}),
              Flag({"Data Initialized", "Internal_Fuel_Available"}), Date({"Transaction Close Out Date"}),
              Long({"Deleted Inventory ID"})}),
 
-      // A code that two assets share would mix their costs, so the table itself refuses it. Assets that are
-      // still being entered have a Null there, of which there may be several. The picture stands last: the
-      // engine has to go through all of it to reach a column behind it.
+      // A code that two assets share would mix their costs, and removing one would take the other's readings:
+      // the table itself refuses it. Assets that are still being entered have no code yet. The second index
+      // on the code finds rows, which one that leaves some out cannot do for every question. The picture is
+      // the last column: the engine has to go through all of it to reach a column behind it.
       Table("Vehicles",
             {Counter(), AssetCode(), Description(), Text(30, {"VIN/Serial Number"}),
              Text(kGroupCode, {"Division ID", "Class ID"}), Long({"Fuel Type"}),
@@ -133,8 +144,9 @@ CatalogueFile MainFile() {
              Flag({"No_Longer_In_Service"}),
              Money({"Life Maintenance Cost", "Life Operational Cost", "Life Fuel Cost", "Life Usage Cost"}),
              Text(kAssetCode, {"Secondary Asset ID"}), Notes(), Audit(), Picture({"Photograph"})},
-            {Index("Asset ID", {"Asset ID"}), Index("Division ID", {"Division ID"}),
-             Index("Class ID", {"Class ID"}), Index("Fuel Type", {"Fuel Type"})}),
+            {Index("Asset ID", {"Asset ID"}), UniqueWhereGiven("One Asset a Code", {"Asset ID"}),
+             Index("Division ID", {"Division ID"}), Index("Class ID", {"Class ID"}),
+             Index("Fuel Type", {"Fuel Type"})}),
 
       // Codes of assets, divisions and classes may be blank, and more than once: a row that is being entered
       // has none yet.
@@ -154,11 +166,11 @@ CatalogueFile MainFile() {
              Money({"Outside Fuel Cost"}), Single({"Outside Oil Units"}),
              Money({"Outside Oil Cost", "Outside Cost", "Total Internal Cost", "Total Outside Cost"}),
              Long({"Type_ID"}), Date({"When Posted"}), Notes(), Audit()},
-            {UniqueRequired("Type_ID_Key", {"Type_ID", "Transaction Date", "ID"}),
+            {Unique("Type_ID_Key", {"Type_ID", "Transaction Date", "ID"}),
              Index("By Asset and Date", {"Asset ID", "Transaction Date"})}),
       Table("Maintenance_Performed",
-            {Counter(), Long({"Maintenance_Entry_ID", "Maintenance_Type_ID"}), Money({"Cost"}), Notes(),
-             Date({"Date_Created"}), Text(kPerson, {"Created_By"}), Date({"Last_Updated"}),
+            {Counter(), Required(Long({"Maintenance_Entry_ID", "Maintenance_Type_ID"})), Money({"Cost"}),
+             Notes(), Date({"Date_Created"}), Text(kPerson, {"Created_By"}), Date({"Last_Updated"}),
              Text(kPerson, {"Updated_By"})},
             {UniqueRequired("By_Maintenance_Type_ID", {"Maintenance_Type_ID", "ID"}),
              UniqueRequired("By_Maintenance_ID", {"Maintenance_Entry_ID", "ID"})}),

@@ -3,9 +3,13 @@
 #include <filesystem>
 #include <system_error>
 
+#include "data/Attempt.h"
+#include "data/BrackenfelGlobals.h"
 #include "data/Catalogue.h"
 #include "platform/runtime/Text.h"
+#include "platform/store/Cursor.h"
 #include "platform/store/Engine.h"
+#include "platform/store/StoreError.h"
 
 namespace dw {
 namespace {
@@ -78,6 +82,11 @@ void CompareTable(const TableInfo& stored, const TableInfo& wanted, std::vector<
                             Joined(index.columns));
     } else if (found->unique != index.unique) {
       differences.push_back("index " + name + (index.unique ? " is not unique" : " is unique"));
+    } else if (found->exceptEmpty != index.exceptEmpty) {
+      differences.push_back("index " + name +
+                            (index.exceptEmpty ? " refuses empty values" : " leaves out some rows"));
+    } else if (index.required && !found->required) {
+      differences.push_back("index " + name + " allows a Null");
     } else if (found->primary != index.primary) {
       differences.push_back("index " + name +
                             (index.primary ? " is not the primary key" : " is the primary key"));
@@ -85,7 +94,65 @@ void CompareTable(const TableInfo& stored, const TableInfo& wanted, std::vector<
   }
 }
 
+/// Values that several rows of the table share though the index allows each once, with the keys of the rows.
+void NameDoubles(store::Connection& connection, const TableInfo& stored, const IndexInfo& index,
+                 std::vector<std::string>& differences) {
+  const std::string& column = index.columns.front();
+  const std::string& key = stored.columns.front().name;
+  if (stored.Find(column) < 0) return;
+  const auto rows =
+      store::Cursor::OpenQuery(connection.shared_from_this(),
+                               "SELECT [" + column + "], [" + key + "] FROM [" + stored.name + "] WHERE [" +
+                                   column + "] <> '' ORDER BY [" + column + "], [" + key + "]",
+                               store::Locking::ReadOnly);
+  std::string value;
+  std::string keys;
+  int count = 0;
+  const auto end = [&] {
+    if (count > 1)
+      differences.push_back(std::to_string(count) + " rows of [" + stored.name + "] have the [" + column +
+                            "] '" + value + "': [" + key + "] " + keys);
+  };
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const std::string next = rows->Get(0).Shown();
+    const std::string number = rows->Get(1).Shown();
+    if (count > 0 && rt::EqualNoCase(next, value)) {
+      keys += ", " + number;
+      ++count;
+      continue;
+    }
+    end();
+    value = next;
+    keys = number;
+    count = 1;
+  }
+  end();
+}
+
 }  // namespace
+
+void AddMissingIndexes(store::Connection& connection, const CatalogueFile& file) {
+  const auto schema = connection.Tables();
+  for (const TableInfo& wanted : file.tables) {
+    const TableInfo* stored = schema->Find(wanted.name);
+    if (!stored) continue;
+    for (const IndexInfo& index : wanted.indexes) {
+      if (index.primary || stored->FindIndex(index.name)) continue;
+      try {
+        connection.CreateIndex(stored->name, index);
+      } catch (const store::StoreError&) {
+        // The next call tries again; until then the file works as it did.
+      }
+    }
+  }
+}
+
+void CompleteMainFile() {
+  Try([] {
+    const auto connection = store::Connection::Open({.path = DataFile});
+    AddMissingIndexes(*connection, CatalogueOf("DW.MDB"));
+  });
+}
 
 void CreateDataFile(const std::string& directory, std::string_view file) {
   const CatalogueFile& catalogue = CatalogueOf(file);
@@ -118,6 +185,9 @@ std::vector<std::string> CompareWithCatalogue(store::Connection& connection, con
   for (const TableInfo& wanted : file.tables) {
     if (const TableInfo* stored = schema->Find(wanted.name)) {
       CompareTable(*stored, wanted, differences);
+      for (const IndexInfo& index : wanted.indexes)
+        if (index.exceptEmpty && !stored->FindIndex(index.name))
+          NameDoubles(connection, *stored, index, differences);
     } else {
       differences.push_back("table [" + wanted.name + "] is missing");
     }

@@ -183,7 +183,8 @@ std::vector<Index> TableDef::Indexes() const {
   std::vector<Index> indexes;
   if (table)
     for (const auto& index : table->indexes)
-      indexes.push_back({index.name, index.columns, index.primary, index.required, index.unique});
+      indexes.push_back(
+          {index.name, index.columns, index.primary, index.required, index.unique, index.exceptEmpty});
   return indexes;
 }
 
@@ -206,7 +207,8 @@ void TableDef::RenameField(std::string_view name, std::string_view newName) {
 }
 
 void TableDef::AppendIndex(const Index& index) {
-  const store::IndexInfo info{index.name, index.fields, index.primary, index.unique, index.required};
+  const store::IndexInfo info{index.name,   index.fields,   index.primary,
+                              index.unique, index.required, index.exceptEmpty};
   if (connection_)
     connection_->CreateIndex(name_, info);
   else

@@ -104,6 +104,7 @@ struct Index {
   bool primary = false;
   bool required = false;
   bool unique = false;
+  bool exceptEmpty = false;  ///< see store::IndexInfo
 };
 
 /// A table's definition: of a stored table (each change goes to the file at once), or of one that is still

@@ -151,7 +151,8 @@ void Connection::CreateIndex(std::string_view table, const IndexInfo& index) {
   Definition definition(*impl_, &existing);
   definition.Run(std::string("CREATE ") + (index.unique || index.primary ? "UNIQUE " : "") + "INDEX " +
                  QuoteName(StoredIndexName(existing.name, index.name)) + " ON " + QuoteName(existing.name) +
-                 " (" + columns + ")");
+                 " (" + columns + ")" +
+                 (index.exceptEmpty ? " WHERE " + QuoteName(index.columns.front()) + " <> ''" : ""));
   definition.Done();
 }
 

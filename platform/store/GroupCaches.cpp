@@ -7,7 +7,7 @@ namespace store {
 
 std::shared_ptr<RowCache> Connection::Impl::CacheFor(const std::shared_ptr<const Schema>& schema,
                                                      const TableInfo& table, const IndexInfo& index) {
-  if (!InGroup() || !index.unique || index.primary) return nullptr;
+  if (!InGroup() || !index.unique || index.primary || index.exceptEmpty) return nullptr;
   auto found = caches_.find(table.number);
   if (found != caches_.end() && found->second->IndexName() != index.name) {
     SpillCache(table.number);

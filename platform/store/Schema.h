@@ -40,6 +40,9 @@ struct IndexInfo {
   bool primary = false;
   bool unique = false;
   bool required = false;
+  /// A unique index that leaves out the rows whose first column is Null or empty: there may be any number of
+  /// them. Nothing is looked up by such an index.
+  bool exceptEmpty = false;
 };
 
 struct TableInfo {

@@ -38,22 +38,34 @@ void ReadColumns(Handle& handle, TableInfo& table, const std::string& definition
   if (key.empty()) return;
   std::sort(key.begin(), key.end());
   IndexInfo primary{"PrimaryKey", {}, true, true, true};
-  for (auto& [position, name] : key) primary.columns.push_back(std::move(name));
+  for (auto& [position, name] : key) {
+    // A key of another type than the numbering one may hold Nulls unless its column is declared otherwise.
+    const ColumnInfo& column = table.columns[static_cast<std::size_t>(table.Find(name))];
+    primary.required = primary.required && (column.required || column.type == ColumnType::Counter);
+    primary.columns.push_back(std::move(name));
+  }
   table.indexes.push_back(std::move(primary));
 }
 
 void ReadIndexes(Handle& handle, TableInfo& table) {
-  std::vector<std::pair<std::string, bool>> found;
+  struct Stored {
+    std::string name;
+    bool unique;
+    bool partial;
+  };
+  std::vector<Stored> found;
   {
     Use indexes(handle,
-                "SELECT name, \"unique\" FROM pragma_index_list(?1) WHERE origin = 'c' ORDER BY seq DESC");
+                "SELECT name, \"unique\", partial FROM pragma_index_list(?1) WHERE origin = 'c' ORDER BY seq "
+                "DESC");
     indexes.Bind(1, rt::Value(table.name));
-    while (indexes.Step()) found.emplace_back(indexes.Text(0), indexes.Int64(1) != 0);
+    while (indexes.Step()) found.push_back({indexes.Text(0), indexes.Int64(1) != 0, indexes.Int64(2) != 0});
   }
-  for (const auto& [stored, unique] : found) {
+  for (const auto& [stored, unique, partial] : found) {
     IndexInfo index;
     index.name = IndexNameOf(table.name, stored);
     index.unique = unique;
+    index.exceptEmpty = partial;
     Use columns(handle, "SELECT name FROM pragma_index_info(?1) ORDER BY seqno");
     columns.Bind(1, rt::Value(stored));
     while (columns.Step()) index.columns.push_back(columns.Text(0));

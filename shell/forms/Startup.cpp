@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "data/BrackenfelGlobals.h"
+#include "data/Catalogue.h"
 #include "platform/controls/Layout.h"
 #include "shell/forms/AppIcon.h"
 #include "shell/forms/CloseChildForm.h"
@@ -116,6 +117,7 @@ void Startup::OnActivate() {
 }
 
 void Startup::Fill() {
+  CompleteMainFile();
   const AboutFacts facts = LoadAboutBox();
   lblCurrentUser.setText(QString::fromStdString(CurrentUserName));
   for (std::size_t i = 0; i < lblOrganisation.size(); ++i)

@@ -98,6 +98,38 @@ TEST(Catalogue, NamesWhatAFileLacksAndNothingThatItHasBeyond) {
       {.name = "By_Maintenance_ID", .columns = {"Maintenance_Entry_ID", "ID"}, .unique = true});
   EXPECT_EQ(Differences(*connection, "DW.MDB"), Lines{});
 
+  // Two assets that share a code hinder the index that an older file lacks.
+  connection->DropIndex("Vehicles", "One Asset a Code");
+  for (const char* code : {"TRK-1", "VAN 2", "trk-1", "", ""})
+    connection->Execute("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('" + std::string(code) + "')");
+  dw::AddMissingIndexes(*connection, dw::CatalogueOf("DW.MDB"));
+  EXPECT_EQ(Differences(*connection, "DW.MDB"),
+            (Lines{"index [One Asset a Code] of [Vehicles] is missing",
+                   "2 rows of [Vehicles] have the [Asset ID] 'TRK-1': [ID] 1, 3"}));
+  connection->Execute("UPDATE [Vehicles] SET [Asset ID] = 'TRK-3' WHERE [ID] = 3");
+  dw::AddMissingIndexes(*connection, dw::CatalogueOf("DW.MDB"));
+  EXPECT_EQ(Differences(*connection, "DW.MDB"), Lines{});
+
+  // Older files let a task have no transaction, and the one row of parameters no key.
+  const auto allowNulls = [&](const char* name) {
+    store::TableInfo table = *connection->Tables()->Find(name);
+    connection->DropTable(name);
+    for (store::ColumnInfo& column : table.columns) column.required = false;
+    connection->CreateTable(table);
+  };
+  allowNulls("Maintenance_Performed");
+  allowNulls("Parameters");
+  EXPECT_EQ(Differences(*connection, "DW.MDB"),
+            (Lines{"index [PrimaryKey] of [Parameters] allows a Null",
+                   "index [By_Maintenance_Type_ID] of [Maintenance_Performed] allows a Null",
+                   "index [By_Maintenance_ID] of [Maintenance_Performed] allows a Null"}));
+  for (const char* name : {"Maintenance_Performed", "Parameters"}) {
+    const store::Schema wanted{dw::CatalogueOf("DW.MDB").tables};
+    connection->DropTable(name);
+    connection->CreateTable(*wanted.Find(name));
+  }
+  EXPECT_EQ(Differences(*connection, "DW.MDB"), Lines{});
+
   // Columns, widths and tables of somebody's own are left in peace; a narrower text is not.
   connection->DropColumn("Divisions", "Description");
   connection->AddColumn("Divisions", {.name = "Description", .type = store::ColumnType::Text, .size = 200});
@@ -146,6 +178,10 @@ TEST(Catalogue, KeysRefuseTheSecondOfAKindAndLetUnfinishedRowsBe) {
   // Two windows that have each just added their empty row.
   EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('')"), 0);
   EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('')"), 0);
+  EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES (Null)"), 0);
+  EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('TRK-1')"), 0);
+  EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('trk-1')"), store::kDuplicateKey);
+  EXPECT_EQ(refused("UPDATE [Vehicles] SET [Asset ID] = 'TRK-1' WHERE [ID] = 1"), store::kDuplicateKey);
   EXPECT_EQ(refused("INSERT INTO [Divisions] ([Division ID]) VALUES ('')"), 0);
   EXPECT_EQ(refused("INSERT INTO [Divisions] ([Division ID]) VALUES ('')"), 0);
   EXPECT_EQ(refused("INSERT INTO [Assets Annual Costs] ([Asset ID], [Fiscal Year]) VALUES ('TRK-1', 2025)"),
@@ -154,6 +190,9 @@ TEST(Catalogue, KeysRefuseTheSecondOfAKindAndLetUnfinishedRowsBe) {
             store::kDuplicateKey);
   EXPECT_EQ(refused("INSERT INTO [Parameters] ([ID]) VALUES (1)"), 0);
   EXPECT_EQ(refused("INSERT INTO [Parameters] ([ID]) VALUES (1)"), store::kDuplicateKey);
+  EXPECT_EQ(refused("INSERT INTO [Parameters] ([Contact]) VALUES ('nobody')"), store::kFieldRequired);
+  EXPECT_EQ(refused("INSERT INTO [Maintenance_Performed] ([Maintenance_Type_ID]) VALUES (1)"),
+            store::kFieldRequired);
 }
 
 }  // namespace
