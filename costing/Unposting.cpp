@@ -1,5 +1,6 @@
 #include "costing/Unposting.h"
 
+#include <algorithm>
 #include <string>
 
 #include "costing/CostRows.h"
@@ -64,6 +65,7 @@ bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction, const std::functi
   if (beforeUpdate) beforeUpdate();
   const std::int32_t id = transaction->Get("ID").AsLong();
   DaoUpdateRecord(*transaction);
+  if (transaction->Editing()) return false;
   transaction->FindFirst("[ID]=" + std::to_string(id));
   std::int16_t error = 0;
   DaoEditRecord(*transaction, error);
@@ -74,15 +76,24 @@ bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction, const std::functi
   return true;
 }
 
-void UnpostAll() {
+void UnpostAll(const std::function<void(int percent)>& progress) {
   MainFile file;
   if (!file.IsOpen()) return;
   const DaoRecordsetPtr transactions =
       file.Database().OpenRecordset("Maintenance Transactions", dao::RecordsetType::Table);
   const int whenPosted = transactions->FieldIndex("When Posted");
-  for (; !transactions->AtEnd(); transactions->MoveNext()) {
+  std::int64_t rows = 0;
+  if (!transactions->AtEnd()) {
+    transactions->MoveLast();
+    transactions->MoveFirst();
+    rows = transactions->RecordCount();
+  }
+  for (std::int64_t seen = 1; !transactions->AtEnd(); transactions->MoveNext(), ++seen) {
     const auto posted = GetUnlessDeleted(*transactions, whenPosted);
     if (posted && !posted->IsNull()) UnpostRow(*transactions);
+    // Rows that others add meanwhile are walked too, so more can be seen than there were at the start.
+    if (progress)
+      progress(rows == 0 ? 100 : static_cast<int>(std::min<std::int64_t>(seen * 100 / rows, 100)));
   }
 }
 

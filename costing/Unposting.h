@@ -14,11 +14,13 @@ bool UnpostTransaction(dao::Recordset& transaction);
 
 /// Unposts a transaction that the recordset holds in edit: subtraction, `When Posted` Null, audit columns,
 /// and the lock taken again. `beforeUpdate` may change more of the record once the figures that it was posted
-/// with are out of the cost tables. True when the record is held again at the end.
+/// with are out of the cost tables. True when the record is held again at the end; false, after the message,
+/// where the record could not be stored (it is still in edit then) or not be held again.
 bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction,
                            const std::function<void()>& beforeUpdate = {});
 
-/// Unposts every posted transaction of every asset.
-void UnpostAll();
+/// Unposts every posted transaction of every asset. Calls `progress` with the percentage of the rows seen,
+/// after each row, so that a window can show how far the work is.
+void UnpostAll(const std::function<void(int percent)>& progress = {});
 
 }  // namespace dw

@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QPushButton>
 #include <algorithm>
+#include <chrono>
+#include <string>
 #include <utility>
 
 #include "costing/Unposting.h"
@@ -43,6 +45,31 @@ struct Busy {
   ui::Form& form;
 };
 
+/// Shows how far an unposting of all transactions is. The notice keeps the screen alive: each change of it
+/// lets the windows paint.
+class UnpostNotice {
+ public:
+  UnpostNotice() { Show(0); }
+  ~UnpostNotice() { screen::HideNotice(); }
+  UnpostNotice(const UnpostNotice&) = delete;
+  UnpostNotice& operator=(const UnpostNotice&) = delete;
+
+  /// A few times a second at most.
+  void Percent(int percent) {
+    if (std::chrono::steady_clock::now() - shown_ < std::chrono::milliseconds(200)) return;
+    Show(percent);
+  }
+
+ private:
+  void Show(int percent) {
+    screen::ShowNotice("Unpost", "Unposting all transactions of all assets: " + std::to_string(percent) +
+                                     "%. Please wait...");
+    shown_ = std::chrono::steady_clock::now();
+  }
+
+  std::chrono::steady_clock::time_point shown_;
+};
+
 /// The dates that code moves between box and column, so that an empty box is a Null.
 struct DateColumn {
   ui::TextBox frmInventoryMaint::*box;
@@ -80,6 +107,10 @@ frmInventoryMaint::frmInventoryMaint()
   SetUpGrids();
 
   cmdRename->setEnabled(false);
+  // All transactions of all assets: too much to be reached by a Tab too many out of a grid.
+  cmdUnpost->setFocusPolicy(Qt::ClickFocus);
+  cmdUnpost->setToolTip("Unposts all posted transactions of all assets");
+  cmdUnpost->setAccessibleDescription("Unposts all posted transactions of all assets, not only of this one");
   cmdUnpost->setEnabled(false);
   ui::OnClick(*cmdRename, [this] { Rename(); });
   ui::OnClick(*cmdUnpost, [this] { Unpost(); });
@@ -336,7 +367,8 @@ void frmInventoryMaint::Unpost() {
   const Busy busy(*this);
   {
     const ui::NoInput untouched(*this);
-    UnpostAll();
+    UnpostNotice notice;
+    UnpostAll([&notice](int percent) { notice.Percent(percent); });
   }
   OnActivate();
   CheckPosted();

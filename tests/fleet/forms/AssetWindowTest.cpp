@@ -122,7 +122,6 @@ TEST_F(AssetWindowTest, ACancelledAddLeavesNothing) {
 
 TEST_F(AssetWindowTest, AnAssetThatCannotBeStoredKeepsItsWindowItsRecordAndWhatWasTyped) {
   fleet_.AddAsset("TRK-1");
-  fleet_.Run("CREATE UNIQUE INDEX [Once] ON [Vehicles] ([Asset ID])");
   auto& window = OpenNew();
   test::Type(window, "AssetText", "trk-1");
   test::Type(window, "Text16", "2/28/2019");
@@ -223,7 +222,12 @@ TEST_F(AssetWindowTest, PostedCostsHoldTheFuelTypeAndUnpostTakesTheWholeTable) {
           "Could not find Asset Lifetime Cost record.", "Could not find Fuel Annual Cost record.",
           "Could not find Fuel Annual Cost record."})
       screen_->Expect(words, Icon::Critical);
+  EXPECT_FALSE(window.cmdUnpost->focusPolicy() & Qt::TabFocus) << "one Tab too many does not lead to it";
+  EXPECT_NE(window.cmdUnpost->toolTip().indexOf("all assets"), -1);
+  EXPECT_NE(window.cmdUnpost->accessibleDescription().indexOf("all assets"), -1);
+  EXPECT_TRUE(screen_->Notices().empty());
   test::Click(window, "cmdUnpost");
+  EXPECT_FALSE(screen_->Notices().empty());
   EXPECT_EQ(fleet_.OfTransaction(others, "When Posted"), "Null");
   EXPECT_FALSE(window.cmdUnpost->isEnabled());
   EXPECT_TRUE(window.fuelType.isEnabled());
