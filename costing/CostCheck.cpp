@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <iterator>
 #include <map>
@@ -11,6 +12,7 @@
 #include <utility>
 
 #include "costing/CostRows.h"
+#include "data/Attempt.h"
 #include "platform/runtime/Text.h"
 #include "platform/store/Cursor.h"
 
@@ -43,10 +45,13 @@ std::optional<int> NumberKey(const rt::Value& number) {
   return number.AsLong();
 }
 
+/// Ten-thousandths in a width that no file can fill, so that amounts which overflow a sum can be reported.
+__extension__ typedef __int128 WideMoney;
+
 /// One sum over some transactions.
 struct Sum {
   std::int64_t nulls = 0;  ///< addends that are Null: the sum is Null then, and stays so
-  rt::Currency money;
+  WideMoney money = 0;
   double units = 0;
   double magnitude = 0;  ///< of the addends that are units, without their signs
 };
@@ -71,12 +76,13 @@ std::string GroupQuery(const std::string& condition) {
          " GROUP BY [Asset ID], [Year], [Period]";
 }
 
-void ForEachGroup(store::Connection& connection, const std::string& condition,
-                  const std::function<void(const Group&)>& use) {
+/// The groups as the file engine adds them up. Throws StoreError where a sum of money overflows there.
+std::vector<Group> GroupsByQuery(store::Connection& connection, const std::string& condition) {
   const auto rows = store::Cursor::OpenQuery(connection.shared_from_this(), GroupQuery(condition),
                                              store::Locking::ReadOnly);
+  std::vector<Group> groups;
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    Group group;
+    Group& group = groups.emplace_back();
     group.assetID = rows->Get(0);
     group.year = NumberKey(rows->Get(1));
     group.period = NumberKey(rows->Get(2));
@@ -87,15 +93,57 @@ void ForEachGroup(store::Connection& connection, const std::string& condition,
       const bool money = IsMoney(kAssetCostColumns[i].transaction);
       sum.nulls = group.transactions - rows->Get(field++).AsLong();
       const rt::Value total = rows->Get(field++);
-      if (money && !total.IsNull()) sum.money = total.AsCurrency();
+      if (money && !total.IsNull()) sum.money = total.AsCurrency().Units();
       if (!money) {
         const rt::Value magnitude = rows->Get(field++);
         if (!total.IsNull()) sum.units = total.AsDouble();
         if (!magnitude.IsNull()) sum.magnitude = magnitude.AsDouble();
       }
     }
-    use(group);
   }
+  return groups;
+}
+
+/// The same, added up here a transaction at a time.
+std::vector<Group> GroupsByRow(store::Connection& connection, const std::string& condition) {
+  std::string sql = "SELECT [Asset ID], [Year], [Period]";
+  for (const CostColumn& column : kAssetCostColumns) sql += ", [" + std::string(column.transaction) + "]";
+  const auto rows = store::Cursor::OpenQuery(connection.shared_from_this(),
+                                             sql + " FROM [Maintenance Transactions] WHERE " + condition,
+                                             store::Locking::ReadOnly);
+  std::map<Key, Group> groups;
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const Key key{OwnerKey(rows->Get(0)), NumberKey(rows->Get(1)), NumberKey(rows->Get(2))};
+    Group& group = groups[key];
+    group.assetID = rows->Get(0);
+    group.year = std::get<1>(key);
+    group.period = std::get<2>(key);
+    ++group.transactions;
+    for (std::size_t i = 0; i < kSums; ++i) {
+      Sum& sum = group.sums[i];
+      const rt::Value value = rows->Get(static_cast<int>(i) + 3);
+      if (value.IsNull()) {
+        ++sum.nulls;
+      } else if (IsMoney(kAssetCostColumns[i].transaction)) {
+        sum.money += value.AsCurrency().Units();
+      } else {
+        sum.units += value.AsDouble();
+        sum.magnitude += std::abs(value.AsDouble());
+      }
+    }
+  }
+  std::vector<Group> found;
+  for (auto& [key, group] : groups) found.push_back(std::move(group));
+  return found;
+}
+
+void ForEachGroup(store::Connection& connection, const std::string& condition,
+                  const std::function<void(const Group&)>& use) {
+  std::vector<Group> groups;
+  // Amounts that overflow a sum of the engine are added up here. Any other error comes a second time.
+  if (Try([&] { groups = GroupsByQuery(connection, condition); }))
+    groups = GroupsByRow(connection, condition);
+  for (const Group& group : groups) use(group);
 }
 
 /// What a row of a cost table should hold, and what is known of the transactions that have been in it.
@@ -163,7 +211,7 @@ void AddPosted(Expected& row, const Group& group, const Table& table) {
     const Sum& from = group.sums[table.sources[i]];
     Sum& to = row.sums[i];
     to.nulls += from.nulls;
-    to.money = to.money + from.money;
+    to.money += from.money;
     to.units += from.units;
   }
 }
@@ -209,11 +257,12 @@ std::vector<Table> ExpectedTables(store::Connection& connection) {
   return tables;
 }
 
-/// What a cost table holds for a key. Rows whose key has a Null in it are never found again, so that each
-/// posting makes another; together they are what the key stands at.
+/// What a cost table holds for a key: the sums of its first row, and how many rows there are. Older files
+/// have several rows of a key with a Null in it; a re-post that clears first leaves one.
 struct Stored {
   rt::Value owner;
   std::vector<rt::Value> sums;
+  std::int64_t rows = 0;
 };
 
 std::map<Key, Stored> ReadStored(store::Connection& connection, const Table& table) {
@@ -231,15 +280,10 @@ std::map<Key, Stored> ReadStored(store::Connection& connection, const Table& tab
     if (table.kind->span != CostSpan::Life) std::get<1>(key) = NumberKey(rows->Get(field++));
     if (table.kind->span == CostSpan::Period) std::get<2>(key) = NumberKey(rows->Get(field++));
     auto [place, added] = found.try_emplace(key);
+    ++place->second.rows;
+    if (!added) continue;
     place->second.owner = owner;
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-      const rt::Value value = rows->Get(field++);
-      if (added) {
-        place->second.sums.push_back(value);
-      } else {
-        place->second.sums[i] = rt::Add(place->second.sums[i], value);
-      }
-    }
+    for (std::size_t i = 0; i < table.columns.size(); ++i) place->second.sums.push_back(rows->Get(field++));
   }
   return found;
 }
@@ -258,7 +302,9 @@ std::string KeyText(const rt::Value& owner, const Key& key, CostSpan span) {
 
 std::string ExpectedText(const Sum& sum, bool money) {
   if (sum.nulls > 0) return "Null";
-  return money ? sum.money.PlainText() : rt::PlainText(static_cast<float>(sum.units));
+  if (!money) return rt::PlainText(static_cast<float>(sum.units));
+  if (sum.money > INT64_MAX || sum.money < INT64_MIN) return "an amount that the column cannot hold";
+  return rt::Currency::FromUnits(static_cast<std::int64_t>(sum.money)).PlainText();
 }
 
 /// Whether the stored sum is what the transactions add up to.
@@ -274,7 +320,7 @@ bool Agrees(const rt::Value& stored, const Expected& expected, std::size_t i, bo
   const Sum& sum = expected.sums[i];
   if (stored.IsNull()) return sum.nulls > 0 || expected.waitingNulls[i] > 0;
   if (sum.nulls > 0) return false;
-  if (money) return stored.AsCurrency() == sum.money;
+  if (money) return stored.AsCurrency().Units() == sum.money;
   const double value = stored.AsDouble();
   const double tolerance = static_cast<double>(expected.additions + 4) * std::ldexp(1.0, -24) *
                            (expected.magnitudes[i] + std::abs(value));
@@ -284,6 +330,11 @@ bool Agrees(const rt::Value& stored, const Expected& expected, std::size_t i, bo
 void CompareRow(const Table& table, const Key& key, const Stored& stored, const Expected& expected,
                 std::vector<CostDifference>& differences) {
   const std::string keyText = KeyText(stored.owner, key, table.kind->span);
+  if (stored.rows > 1) {
+    differences.push_back(
+        {table.kind->table, keyText, "", std::to_string(stored.rows) + " rows", "there can be only one"});
+    return;
+  }
   std::string leftOver;
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
     const bool money = IsMoney(table.columns[i]);

@@ -125,9 +125,10 @@ SignOnResult CheckSignOn(const std::string& userName, const std::string& passwor
   return result;
 }
 
-void WriteAccessLogIn() {
+std::int32_t WriteAccessLogIn() {
   AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, UsersConnect, false)) return;
+  if (!AdoOpenConnection(connection, UsersConnect, false)) return 0;
+  std::int32_t row = 0;
   AdoRecordsetPtr log = AdoOpenRecordset(connection, "SELECT * FROM [Access Log] WHERE [ID] = -1",
                                          ado::adOpenDynamic, ado::adLockPessimistic);
   if (log) {
@@ -136,11 +137,28 @@ void WriteAccessLogIn() {
       log->Set("User ID", CurrentUserID);
       log->Set("Computer ID", WorkstationID);
       log->Set("Time In", rt::Now());
-      AdoUpdateRS(*log, false, false);
+      if (AdoUpdateRS(*log, false, false)) row = log->Get("ID").AsLong();
     });
     TellFailure(failure, "Unable to write your sign-on into the access log.");
   }
   CloseObject(log);
+  CloseObject(connection);
+  return row;
+}
+
+void CloseSession(std::int32_t row) {
+  AdoConnectionPtr connection;
+  if (!AdoOpenConnection(connection, UsersConnect, false)) return;
+  const Failure failure = Try([&] {
+    AdoRecordsetPtr log =
+        AdoOpenRecordset(connection, "SELECT * FROM [Access Log] WHERE [ID] = " + std::to_string(row),
+                         ado::adOpenKeyset, ado::adLockPessimistic);
+    if (!log || log->AtEnd() || !log->Get("Time Out").IsNull()) return;
+    log->Set("Time Out", rt::Now());
+    AdoUpdateRS(*log, false, false);
+    CloseObject(log);
+  });
+  TellFailure(failure, "Unable to write your sign-off into the access log.");
   CloseObject(connection);
 }
 

@@ -1,6 +1,7 @@
 // The rules of signing on and off; the form and the console call the same ones.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace dw {
@@ -15,8 +16,11 @@ enum class SignOnResult {
 /// Passed sets CurrentUserName, CurrentUserID, IsAdministrator, WorkstationID and SignedOn, and the names
 /// that locks and rosters show.
 SignOnResult CheckSignOn(const std::string& userName, const std::string& password);
-/// Adds the row of this session to `Access Log`.
-void WriteAccessLogIn();
+/// Adds the row of this session to `Access Log`. The row's ID; 0, after the message, where it is not stored.
+std::int32_t WriteAccessLogIn();
+/// Writes `Time Out` into this row of `Access Log` where it has none yet. For sessions without windows, of
+/// which one user may have several at a time.
+void CloseSession(std::int32_t row);
 /// Writes `Time Out` into the user's newest row of `Access Log`.
 void SignOff();
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "costing/Posting.h"
@@ -106,6 +107,41 @@ TEST(CostCheck, ANullStaysAndIsExplainedByTheRowThatLeftIt) {
   fleet.Run("UPDATE [Maintenance Transactions] SET [Oil] = 1 WHERE [ID] = " + std::to_string(null));
   EXPECT_NE(Differences().find("Assets Lifetime Costs (TRK-1) : Oil Units Null <> no transactions\n"),
             std::string::npos);
+}
+
+TEST(CostCheck, NamesRowsThatOlderFilesHaveTwiceAndARePostLeavesOne) {
+  test::SmallFleet fleet;
+  fleet.AddAsset("TRAILER", rt::Null{});
+  fleet.AddTransaction("TRAILER", 2026, 3, {{"Outside Fuel Cost", Money(5)}});
+  Post();
+  const std::string once = fleet.Everything("Fuel Annual Costs");
+  EXPECT_EQ(Differences(), "");
+  fleet.Add("Fuel Annual Costs", {{"Fiscal Year", 2026}, {"Outside Cost", Money(5)}});
+  fleet.Add("Fuel Period Costs", {{"Fiscal Year", 2026}, {"Period", 3}, {"Outside Cost", Money(0)}});
+  EXPECT_EQ(Differences(),
+            "Fuel Period Costs (Null, 2026, 3) : 2 rows <> there can be only one\n"
+            "Fuel Annual Costs (Null, 2026) : 2 rows <> there can be only one\n");
+  Post(true);
+  EXPECT_EQ(Differences(), "");
+  EXPECT_EQ(fleet.Ask("SELECT COUNT(*) FROM [Fuel Annual Costs]"), "1");
+  EXPECT_EQ(fleet.Ask("SELECT [Outside Cost] FROM [Fuel Annual Costs]"), "5");
+}
+
+TEST(CostCheck, AmountsThatOverflowTheirSumAreDifferences) {
+  test::SmallFleet fleet;
+  fleet.AddAsset("TRK-1", 4);
+  const auto most = rt::Currency::FromUnits(INT64_MAX);
+  const rt::Value posted(rt::DateTime(2026, 3, 2));
+  for (int i = 0; i < 2; ++i)
+    fleet.AddTransaction("TRK-1", 2026, 3, {{"Oil Cost", most}, {"When Posted", posted}});
+  fleet.Add("Assets Lifetime Costs", {{"Asset ID", "TRK-1"}, {"Oil Cost", most}});
+  const std::string found = Differences();
+  EXPECT_NE(found.find("Assets Lifetime Costs (TRK-1) Oil Cost: 922337203685477.5807 <> an amount that the "
+                       "column cannot hold\n"),
+            std::string::npos)
+      << found;
+  EXPECT_NE(found.find("Fuel Annual Costs (4, 2026) : no row <> 2 transactions\n"), std::string::npos)
+      << found;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The console program among other users, under signals and at a terminal.
 #include <signal.h>
 
+#include <cctype>
 #include <filesystem>
 
 #include "support/OtherUser.h"
@@ -177,6 +178,107 @@ TEST_F(DwadminTest, ATerminalAsksForThePasswordWithoutShowingIt) {
   given.Type("\x03");
   EXPECT_EQ(given.Join().code, 1);
   EXPECT_TRUE(given.Echoes());
+}
+
+TEST_F(DwadminTest, RowsThatStayUnpostedAreNamedWithTheirReason) {
+  test::OtherUser other;
+  MakeSample();
+  ASSERT_EQ(RunAsAdmin({"post"}).code, 0);
+  const std::string held = Ask("SELECT MIN([ID]) FROM [Maintenance Transactions]");
+  ASSERT_EQ(RunAsAdmin({"unpost", "--transaction", held}).code, 0);
+  Execute(
+      "INSERT INTO [Maintenance Transactions] ([Asset ID], [Transaction Date], [Type_ID]) VALUES ('SOLD', "
+      "#3/1/2026#, 0)");
+  const std::string sold = Ask("SELECT MAX([ID]) FROM [Maintenance Transactions]");
+  other.Hold(Path("DW.MDB"), "SELECT * FROM [Maintenance Transactions] WHERE [ID] = " + held);
+  const Outcome post = RunAsAdmin({"post"});
+  EXPECT_EQ(post.code, 4) << post.error;
+  EXPECT_TRUE(Has(post.error, "Not posted (asset 'SOLD' is not on file): transaction " + sold + ".\n"))
+      << post.error;
+  EXPECT_TRUE(Has(post.error, "Not posted (held by user 'admin' on machine '")) << post.error;
+  EXPECT_TRUE(Has(post.error, "): transaction " + held + ".\n")) << post.error;
+  other.Leave();
+  Execute("DELETE FROM [Maintenance Transactions] WHERE [ID] = " + sold);
+  EXPECT_EQ(RunAsAdmin({"post"}).code, 0);
+}
+
+TEST_F(DwadminTest, UnpostSaysWhatTheFileSays) {
+  test::OtherUser other;
+  MakeSample();
+  ASSERT_EQ(RunAsAdmin({"post"}).code, 0);
+  const std::string id = Ask("SELECT MAX([ID]) FROM [Maintenance Transactions]");
+  const std::string asset = Ask("SELECT [Asset ID] FROM [Maintenance Transactions] WHERE [ID] = " + id);
+  other.Hold(Path("DW.MDB"), "SELECT * FROM [Assets Lifetime Costs] WHERE [Asset ID] = '" + asset + "'");
+  const Outcome part = RunAsAdmin({"unpost", "--transaction", id});
+  EXPECT_EQ(part.code, 1);
+  EXPECT_EQ(part.out,
+            "Transaction " + id + " is unposted, but not all of its sums were changed: see `check`.\n");
+  other.Leave();
+
+  // An index that a second row of the same user violates makes every update of a transaction fail.
+  Execute("UPDATE [Maintenance Transactions] SET [Updated By] = Null");
+  store::Connection::Open({.path = Path("DW.MDB")})
+      ->CreateIndex("Maintenance Transactions",
+                    {.name = "Hostile", .columns = {"Updated By"}, .unique = true});
+  Execute("UPDATE [Maintenance Transactions] SET [Updated By] = 'ADMIN' WHERE [ID] = " + id);
+  const std::string next = Ask("SELECT MIN([ID]) FROM [Maintenance Transactions]");
+  const Outcome none = RunAsAdmin({"unpost", "--transaction", next});
+  EXPECT_EQ(none.code, 1);
+  EXPECT_EQ(none.out, "");
+  EXPECT_TRUE(Has(none.error, "Transaction " + next + " is still posted.")) << none.error;
+  EXPECT_NE(Ask("SELECT [When Posted] FROM [Maintenance Transactions] WHERE [ID] = " + next), "Null");
+  EXPECT_EQ(OpenSessions(), 0);
+}
+
+TEST_F(DwadminTest, NoWorkIsDoneWithoutARowInTheAccessLog) {
+  MakeSample();
+  Execute(
+      "INSERT INTO [Access Log] ([User ID], [Time Out]) SELECT [ID], #1/1/2026# FROM [Application User List]",
+      "DW_USERS.MDB");
+  Execute("DELETE FROM [Access Log] WHERE [Time In] IS NOT Null", "DW_USERS.MDB");
+  store::Connection::Open({.path = Path("DW_USERS.MDB")})
+      ->CreateIndex("Access Log", {.name = "Hostile", .columns = {"User ID"}, .unique = true});
+  const int sessions = Sessions();
+  const Outcome post = RunAsAdmin({"post"});
+  EXPECT_EQ(post.code, 1);
+  EXPECT_TRUE(Has(post.error, "Nothing has been done.")) << post.error;
+  EXPECT_EQ(Sessions(), sessions);
+  EXPECT_EQ(Ask("SELECT COUNT(*) FROM [Maintenance Transactions] WHERE [When Posted] IS NOT NULL"), "0");
+}
+
+TEST_F(DwadminTest, OneUserMayRunSeveralCommandsAtATime) {
+  OpenTransaction other;
+  MakeSample();
+  ASSERT_EQ(RunAsAdmin({"post"}).code, 0);
+  const std::string id = Ask("SELECT MIN([ID]) FROM [Maintenance Transactions]");
+  const std::string asset = Ask("SELECT [Asset ID] FROM [Maintenance Transactions] WHERE [ID] = " + id);
+  ASSERT_EQ(RunAsAdmin({"unpost", "--transaction", id}).code, 0);
+  other.Run(Path("DW.MDB"),
+            "UPDATE [Assets Lifetime Costs] SET [Oil Cost] = 0 WHERE [Asset ID] = '" + asset + "'");
+  test::Program post(Command({"post", "--user", "admin", "--workstation", "office"}), "\n");
+  ASSERT_TRUE(post.WaitForError("Posting. Please stand by... 0%"));
+  EXPECT_EQ(RunAsAdmin({"unpost", "--transaction", "999999"}).code, 1);
+  EXPECT_EQ(OpenSessions(), 1) << "the session that goes on has its own row";
+  other.Leave();
+  const Outcome outcome = post.Join();
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_EQ(OpenSessions(), 0);
+}
+
+TEST_F(DwadminTest, FilesAreFoundWhateverTheCaseOfTheirNamesAndTheBytesOfTheirPath) {
+  MakeSample();
+  for (const char* name : {"DW", "DW_USERS", "DW_LISTS", "DW_SANDS"}) {
+    std::string lower(name);
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    std::filesystem::rename(Path(name + std::string(".MDB")), Path(lower + ".mdb"));
+  }
+  EXPECT_EQ(RunAsAdmin({"post"}).code, 0);
+  EXPECT_EQ(Run({"check"}).out, "No differences.\n");
+  EXPECT_EQ(Run({"sample"}).code, 1) << "nothing is made beside them";
+
+  const std::string odd = directory_.Path("data, \xfcnsere");
+  std::filesystem::rename(Path(), odd);
+  EXPECT_EQ(test::Program({DWADMIN_PROGRAM, "check", "--data", odd}).Join().out, "No differences.\n");
 }
 
 }  // namespace

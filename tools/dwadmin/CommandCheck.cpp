@@ -65,13 +65,14 @@ void Attempt(Findings& findings, const std::string& file, const char* about, Wor
 }
 
 void CheckFile(const std::string& file, Findings& findings) {
-  if (!FileExists(DataPath + file)) {
+  const std::string path = FindFile(DataPath, file);
+  if (!FileExists(path)) {
     findings.Add(file, "structure", "the file is missing");
     return;
   }
   std::shared_ptr<store::Connection> connection;
   Attempt(findings, file, "integrity",
-          [&] { connection = store::Connection::Open({.path = DataPath + file, .readOnly = true}); });
+          [&] { connection = store::Connection::Open({.path = path, .readOnly = true}); });
   if (!connection) return;
   Attempt(findings, file, "integrity", [&] {
     for (const std::string& fault : connection->CheckIntegrity()) findings.Add(file, "integrity", fault);

@@ -12,6 +12,7 @@
 
 #include "data/BrackenfelGlobals.h"
 #include "data/Catalogue.h"
+#include "data/GenericTools.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
 #include "tools/dwadmin/Commands.h"
@@ -74,7 +75,8 @@ class Workshop {
 
 void MakeFiles(const fs::path& directory, const std::function<void(const std::string& workshop)>& make) {
   for (const char* file : kDataFiles)
-    if (fs::exists(directory / file)) throw AlreadyThere(directory / file);
+    if (const fs::path there = FindFile(directory.string(), file); fs::exists(there))
+      throw AlreadyThere(there);
   const Workshop workshop(directory);
   make(workshop.Path().string());
   std::vector<fs::path> delivered;

@@ -26,7 +26,7 @@ std::unique_ptr<store::Cursor> OpenSource(const std::string& source) {
       IsSelect(source) ? source : "SELECT * FROM [" + StripBrackets(rt::Trim(source)) + "]";
   std::optional<store::StoreError> first;
   for (const char* file : kDataFiles) {
-    if (first && !FileExists(DataPath + file)) continue;
+    if (first && !FileExists(FindFile(DataPath, file))) continue;
     try {
       return store::Cursor::OpenQuery(store::Connection::Open({.path = RequireFile(file), .readOnly = true}),
                                       query, store::Locking::ReadOnly);

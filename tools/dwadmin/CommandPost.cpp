@@ -1,8 +1,12 @@
 // Commands that change data: post, unpost and compact.
 #include <iostream>
+#include <map>
+#include <string>
+#include <vector>
 
 #include "costing/Posting.h"
 #include "costing/Unposting.h"
+#include "data/Catalogue.h"
 #include "data/Compact.h"
 #include "data/GenericDAO.h"
 #include "data/MainFile.h"
@@ -30,11 +34,63 @@ class EndOfEdit {
   dao::Recordset& recordset_;
 };
 
+/// Who holds a transaction, by its number; only holds of others.
+std::map<std::int64_t, std::string> HoldersOfTransactions(store::Connection& connection) {
+  const auto schema = connection.Tables();
+  const store::TableInfo* transactions = schema->Find("Maintenance Transactions");
+  std::map<std::int64_t, std::string> holders;
+  if (!transactions) return holders;
+  for (const store::HeldRecord& held : connection.Side().HeldByOthers({transactions->number}))
+    holders[held.row] = "user '" + held.holder.user + "' on machine '" + held.holder.computer + "'";
+  return holders;
+}
+
+/// The transactions that are not posted, by the reason why.
+std::map<std::string, std::vector<std::int32_t>> Unposted() {
+  MainFile file;
+  std::map<std::string, std::vector<std::int32_t>> unposted;
+  if (!file.IsOpen()) return unposted;
+  const auto holders = HoldersOfTransactions(file.Database().Connection());
+  const auto rows = file.Database().OpenRecordset(
+      "SELECT [Maintenance Transactions].[ID] AS Number, [Maintenance Transactions].[Asset ID] AS Code, "
+      "[Vehicles].[ID] AS Asset FROM [Maintenance Transactions] LEFT JOIN [Vehicles] ON "
+      "[Maintenance Transactions].[Asset ID] = [Vehicles].[Asset ID] "
+      "WHERE [Maintenance Transactions].[When Posted] IS NULL ORDER BY [Maintenance Transactions].[ID]",
+      dao::RecordsetType::Snapshot, dao::Access::ReadOnly);
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const std::int32_t id = rows->Get("Number").AsLong();
+    const std::string code = rows->Get("Code").Shown();
+    const auto holder = holders.find(id);
+    std::string reason = "it was added or changed during the run, or a message above says why";
+    if (code.empty()) {
+      reason = "no asset is named";
+    } else if (rows->Get("Asset").IsNull()) {
+      reason = "asset '" + code + "' is not on file";
+    } else if (holder != holders.end()) {
+      reason = "held by " + holder->second;
+    }
+    std::vector<std::int32_t>& numbers = unposted[reason];
+    if (numbers.empty() || numbers.back() != id) numbers.push_back(id);
+  }
+  return unposted;
+}
+
+/// Names the transactions that stay unposted, a line for each reason. False where there are none.
+bool TellUnposted() {
+  const auto unposted = Unposted();
+  for (const auto& [reason, numbers] : unposted) {
+    std::cerr << "Not posted (" << reason << "): " << (numbers.size() == 1 ? "transaction" : "transactions");
+    for (std::size_t i = 0; i < numbers.size(); ++i) std::cerr << (i == 0 ? " " : ", ") << numbers[i];
+    std::cerr << ".\n";
+  }
+  return !unposted.empty();
+}
+
 }  // namespace
 
 int Post(const SignOnRequest& signOn, const CommandScreen& screen, bool clearFirst) {
   RequireFile("DW.MDB");
-  const Session session(signOn, screen);
+  const Session session(signOn);
   Progress progress;
   PostingProgress told;
   told.status = [&](const std::string& text) {
@@ -49,31 +105,42 @@ int Post(const SignOnRequest& signOn, const CommandScreen& screen, bool clearFir
   const PostingCounts counts = RunPosting(clearFirst, told);
   std::cout << counts.seen << " transactions seen, " << counts.posted << " posted; " << counts.added
             << " cost rows added, " << counts.changed << " changed.\n";
-  return 0;
+  return TellUnposted() ? kRowsLeft : screen.Complaints() > 0 ? 1 : 0;
 }
 
 int Unpost(const SignOnRequest& signOn, const CommandScreen& screen, std::int32_t transaction) {
   RequireFile("DW.MDB");
-  const Session session(signOn, screen);
+  const Session session(signOn);
   const std::string number = std::to_string(transaction);
+  const std::string query = "SELECT * FROM [Maintenance Transactions] WHERE [ID] = " + number;
+  {
+    MainFile file;
+    if (!file.IsOpen()) return 1;
+    const DaoRecordsetPtr row = file.Database().OpenRecordset(query);
+    if (row->AtEnd()) throw NotDone("There is no transaction " + number + ".");
+    int error = 0;
+    DaoGetRecord(*row, error);
+    if (error != 0) return 1;
+    const EndOfEdit end(*row);
+    if (row->Get("When Posted").IsNull()) throw NotDone("Transaction " + number + " is not posted.");
+    UnpostHeldTransaction(row);
+  }
+  // The messages have said what failed; only the file knows what has become of the transaction.
   MainFile file;
   if (!file.IsOpen()) return 1;
-  const DaoRecordsetPtr row =
-      file.Database().OpenRecordset("SELECT * FROM [Maintenance Transactions] WHERE [ID] = " + number);
-  if (row->AtEnd()) throw NotDone("There is no transaction " + number + ".");
-  int error = 0;
-  DaoGetRecord(*row, error);
-  if (error != 0) return 1;
-  const EndOfEdit end(*row);
-  if (row->Get("When Posted").IsNull()) throw NotDone("Transaction " + number + " is not posted.");
-  if (!UnpostHeldTransaction(row)) return 1;
-  std::cout << "Transaction " << number << " is unposted.\n";
-  return 0;
+  dao::Recordset& row = file.Read(query);
+  if (row.AtEnd() || !row.Get("When Posted").IsNull())
+    throw NotDone("Transaction " + number + " is still posted." +
+                  (screen.Complaints() > 0 ? " `check` says whether its sums have changed." : ""));
+  std::cout << "Transaction " << number << " is unposted"
+            << (screen.Complaints() > 0 ? ", but not all of its sums were changed: see `check`.\n" : ".\n");
+  return screen.Complaints() > 0 ? 1 : 0;
 }
 
 int Compact(const SignOnRequest& signOn, const CommandScreen& screen) {
   for (const char* file : kDataFiles) RequireFile(file);
-  const Session session(signOn, screen);
+  const Session session(signOn);
+  CompleteMainFile();
   int result = 0;
   for (const char* file : kDataFiles) {
     StopIfAsked();

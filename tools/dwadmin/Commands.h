@@ -25,7 +25,10 @@ class FileMissing : public ApplicationEnd {
 
 /// Makes every missing file end the command, with a message that tells what to do.
 void InstallConsoleLocator();
-/// The path of a file in the data directory; a file that is not there ends the command.
+/// Takes this directory for that of the data files, whichever case of letters their names have.
+void UseDataDirectory(const std::string& directory);
+/// The path of a file in the data directory, whichever case of letters its name has; a file that is not there
+/// ends the command.
 std::string RequireFile(const std::string& file);
 
 /// Whether a table is written for people or for programs.
@@ -41,7 +44,11 @@ struct SampleRequest {
 int CreateFiles(const std::string& directory, const std::string& workstation);
 int CreateSample(const std::string& directory, const SampleRequest& request);
 
+/// Exit code of a posting run that came to its end and left transactions unposted.
+inline constexpr int kRowsLeft = 4;
+
 // --- changing data: these sign on
+/// kRowsLeft where transactions stay unposted; standard error then names them and the reasons.
 int Post(const SignOnRequest& signOn, const CommandScreen& screen, bool clearFirst);
 int Unpost(const SignOnRequest& signOn, const CommandScreen& screen, std::int32_t transaction);
 int Compact(const SignOnRequest& signOn, const CommandScreen& screen);

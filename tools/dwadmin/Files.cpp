@@ -14,8 +14,20 @@ void InstallConsoleLocator() {
   });
 }
 
+void UseDataDirectory(const std::string& directory) {
+  SetDataPath(directory);
+  DataFile = FindFile(DataPath, "DW.MDB");
+  DataConnect = MainFileConnect(DataFile);
+  UsersFile = FindFile(DataPath, "DW_USERS.MDB");
+  UsersConnect = FileConnect(UsersFile);
+  ListsFile = FindFile(DataPath, "DW_LISTS.MDB");
+  ListsConnect = FileConnect(ListsFile);
+  SandsFile = FindFile(DataPath, "DW_SANDS.MDB");
+  SandsConnect = FileConnect(SandsFile);
+}
+
 std::string RequireFile(const std::string& file) {
-  std::string path = DataPath + file;
+  std::string path = FindFile(DataPath, file);
   if (!FileExists(path)) LocateFile(path);
   return path;
 }

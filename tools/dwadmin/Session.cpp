@@ -95,27 +95,31 @@ std::string ReadPassword() {
   return password;
 }
 
-Session::Session(const SignOnRequest& request, const CommandScreen& screen) {
+Session::Session(const SignOnRequest& request) {
   WatchSignals();
   RequireFile("DW_USERS.MDB");
   WorkstationName = request.workstation.empty()
                         ? sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name")
                         : request.workstation;
+  if (WorkstationName.empty() && sys::SettingsDamaged())
+    throw NotDone("The settings file " + sys::SettingsFile() +
+                  " is damaged, and the name of this workstation cannot be read. Name a workstation with "
+                  "--workstation.");
   if (WorkstationName.empty())
     throw NotDone("This machine has no workstation name yet. Name a workstation with --workstation.");
   const std::string password = ReadPassword();
   if (CheckSignOn(request.user, password) != SignOnResult::Passed) throw NotDone();
-  // Nobody works without a row in the log. Signing off would then close the row of another session.
-  const int complaints = screen.Complaints();
-  WriteAccessLogIn();
-  if (screen.Complaints() != complaints) throw NotDone();
+  // Nobody works without a row in the log.
+  row_ = WriteAccessLogIn();
+  if (row_ == 0)
+    throw NotDone("The sign-on could not be written into the access log. Nothing has been done.");
 }
 
 Session::~Session() {
   try {
-    SignOff();
+    CloseSession(row_);
   } catch (const std::exception&) {
-    // What went wrong has been told, and the command has an end of its own.
+    // What went wrong has been reported, and the command has an end of its own.
   }
 }
 

@@ -1,14 +1,13 @@
 // The sign-on of a command that changes data.
 #pragma once
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
-#include "tools/dwadmin/CommandScreen.h"
-
 namespace dw {
 
-/// Ends a command that could not do its work, with the words for the user; none where they have been told.
+/// Ends a command that could not do its work, with the words for the user; none where they have been shown.
 class NotDone : public std::runtime_error {
  public:
   explicit NotDone(const std::string& text = {}) : std::runtime_error(text) {}
@@ -20,14 +19,18 @@ struct SignOnRequest {
 };
 
 /// Signed on for as long as it lives: asks for the password, lets the system's own rules decide and leaves a
-/// row in `Access Log`, which is closed however the command ends.
+/// row in `Access Log`. However the command ends, that row is closed, and no other: the same user may run
+/// several commands at a time.
 class Session {
  public:
   /// Throws NotDone after a refusal, and then no row is left.
-  Session(const SignOnRequest& request, const CommandScreen& screen);
+  explicit Session(const SignOnRequest& request);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
+
+ private:
+  std::int32_t row_ = 0;  ///< ID in `Access Log`
 };
 
 /// A line from standard input: at a terminal after a prompt and without echo. Empty at the end of the input.

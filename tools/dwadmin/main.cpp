@@ -1,5 +1,6 @@
 // dwadmin: the system's work from a console or a script.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -35,7 +36,8 @@ constexpr const char* kFooter =
     "transactions.\n"
     "\nExit codes: 0 the work was done; 1 it was not, or not all of it, or check found differences; 2 the "
     "system\n"
-    "ended the run; 3 the command line was not understood.\n";
+    "ended the run; 3 the command line was not understood; 4 post came to its end, but transactions stay "
+    "unposted.\n";
 
 /// What the command line asks for.
 struct Arguments {
@@ -205,8 +207,10 @@ class CommandLine {
   Work work_;
 };
 
-int NotDone(const std::string& text) {
+int NotDone(std::string text) {
   dw::Progress::BreakLine();
+  // Lines of messages end in CR alone.
+  std::replace(text.begin(), text.end(), '\r', '\n');
   if (!text.empty()) std::cerr << text << std::endl;
   return kNotDone;
 }
@@ -258,7 +262,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
       return line.Tell(error) == 0 ? kDone : kUsage;
     }
-    dw::SetDataPath(line.Data().empty() ? sys::ProgramDirectory() : line.Data());
+    dw::UseDataDirectory(line.Data().empty() ? sys::ProgramDirectory() : line.Data());
     return Run(line.Chosen());
   } catch (const std::exception& error) {
     return NotDone("Error: " + std::string(error.what()));
