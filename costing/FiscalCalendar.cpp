@@ -3,8 +3,8 @@
 #include <string>
 
 #include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
 #include "data/GenericDAO.h"
+#include "data/MainConnection.h"
 #include "platform/runtime/Clock.h"
 #include "platform/screen/Screen.h"
 
@@ -12,15 +12,6 @@ namespace dw {
 namespace {
 
 constexpr std::int16_t kPeriods = 12;
-
-/// Closes the connection on every way out.
-struct OwnConnection {
-  AdoConnectionPtr connection;
-  OwnConnection() = default;
-  ~OwnConnection() { CloseObject(connection); }
-  OwnConnection(const OwnConnection&) = delete;
-  OwnConnection& operator=(const OwnConnection&) = delete;
-};
 
 void AddPeriod(ado::Recordset& periods, std::int16_t fiscalYear, std::int16_t period,
                const rt::DateTime& start) {
@@ -40,15 +31,13 @@ rt::DateTime PeriodEnd(const rt::DateTime& start) { return rt::DateAdd("d", -1, 
 
 void GenerateFiscalYear(std::int16_t fiscalYear, const rt::DateTime& start) {
   const screen::Hourglass hourglass;
-  OwnConnection own;
-  if (!AdoOpenConnection(own.connection, DataConnect, false)) return;
+  const MainConnection main;
+  if (!main.IsOpen()) return;
   rt::DateTime running = start;
   for (std::int16_t period = 1; period <= kPeriods; ++period) {
-    AdoRecordsetPtr periods = AdoOpenRecordset(
-        own.connection,
-        "SELECT * FROM [Fiscal Periods] WHERE [Fiscal Year] = " + std::to_string(fiscalYear) +
-            " AND [Period] = " + std::to_string(period),
-        ado::adOpenKeyset, ado::adLockPessimistic);
+    AdoRecordsetPtr periods =
+        main.Edit("SELECT * FROM [Fiscal Periods] WHERE [Fiscal Year] = " + std::to_string(fiscalYear) +
+                  " AND [Period] = " + std::to_string(period));
     if (periods && periods->AtEnd()) AddPeriod(*periods, fiscalYear, period, running);
     // The month is added to the running date, not to the start of the year: a day that a short month has cut
     // stays cut.

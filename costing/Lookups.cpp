@@ -37,7 +37,7 @@ rt::Currency PricedBy(const std::string& query, const char* priceColumn, float u
   return Multiply(units, price.AsCurrency());
 }
 
-/// Labour and oil take the first row effective on or after the date: a row of this log applies to the dates
+/// Labor and oil take the first row effective on or after the date: a row of this log applies to the dates
 /// up to its own. Fuel runs the other way.
 std::string LaborAndOilQuery(const std::string& date) {
   return "SELECT * FROM [Internal Pricing Log] WHERE [Effective Date] >= #" + date + "#";

@@ -17,7 +17,7 @@ rt::Currency GetInternalFuelCost(std::int32_t fuelType, float units, const std::
 /// Hours times `Hourly Rate` of the first row (by ID) of `Internal Pricing Log` effective on or after the
 /// date.
 rt::Currency GetLaborCost(float hours, const std::string& date);
-/// Units times `Oil Price`, looked up as labour is.
+/// Units times `Oil Price`, looked up as labor is.
 rt::Currency GetOilCost(float units, const std::string& date);
 /// Both 0 when the date lies in no row of `Fiscal Periods`; overlapping periods: the lowest ID.
 void GetFiscalPeriod(const rt::DateTime& date, std::int16_t& year, std::int16_t& period);

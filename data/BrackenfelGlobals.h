@@ -36,10 +36,6 @@ inline bool LocalDataInUse = false;
 inline std::string OrganisationName;
 inline std::string AppVersion;
 
-inline constexpr int kMajorVersion = 2;
-inline constexpr int kMinorVersion = 12;
-inline constexpr int kRevision = 4;
-
 /// Sets the data directory and from it the four files and their connection strings, as sign-on does once the
 /// directory is known. A missing separator at the end is added. The files need not exist.
 void SetDataPath(const std::string& directory);

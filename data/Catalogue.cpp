@@ -120,7 +120,7 @@ Columns FuelSums() {
   return columns;
 }
 
-CatalogueFile MainFile() {
+CatalogueFile MainFileTables() {
   CatalogueFile file;
   file.name = "DW.MDB";
   file.tables = {
@@ -237,7 +237,7 @@ CatalogueFile MainFile() {
   return file;
 }
 
-CatalogueFile UsersFile() {
+CatalogueFile UsersFileTables() {
   CatalogueFile file;
   file.name = "DW_USERS.MDB";
   file.tables = {
@@ -265,7 +265,7 @@ CatalogueFile UsersFile() {
   return file;
 }
 
-CatalogueFile ListsFile() {
+CatalogueFile ListsFileTables() {
   CatalogueFile file;
   file.name = "DW_LISTS.MDB";
   file.tables = {
@@ -279,7 +279,7 @@ CatalogueFile ListsFile() {
   return file;
 }
 
-CatalogueFile QueriesFile() {
+CatalogueFile QueriesFileTables() {
   CatalogueFile file;
   file.name = "DW_SANDS.MDB";
   file.tables = {
@@ -309,7 +309,7 @@ CatalogueFile QueriesFile() {
 
 const std::vector<CatalogueFile>& Catalogue() {
   static const std::vector<CatalogueFile> files = {
-      MainFile(), UsersFile(), ListsFile(), QueriesFile(),
+      MainFileTables(), UsersFileTables(), ListsFileTables(), QueriesFileTables(),
       // Shared with the other products of the family; only its place and its connection are known here.
       CatalogueFile{.name = "BFSYS.MDB", .tables = {}, .relations = {}}};
   return files;

@@ -17,4 +17,10 @@ dao::Recordset& MainFile::Read(const std::string& source) {
   return *rows_;
 }
 
+dao::Recordset& MainFile::Edit(const std::string& query) {
+  CloseObject(rows_);
+  rows_ = database_->OpenRecordset(query);
+  return *rows_;
+}
+
 }  // namespace dw

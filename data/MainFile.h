@@ -22,6 +22,8 @@ class MainFile {
 
   /// Opens a query, or a table by its name, for reading only. The recordset closes with the file.
   dao::Recordset& Read(const std::string& source);
+  /// The same for changing rows.
+  dao::Recordset& Edit(const std::string& query);
 
  private:
   DaoWorkspacePtr workspace_;

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
 #include "data/GenericDAO.h"
+#include "data/MainConnection.h"
 #include "platform/screen/Screen.h"
 
 namespace dw {
@@ -17,33 +17,20 @@ bool Agreed(const char* question) {
   return screen::MessageBox(question, screen::Icon::Question, screen::Buttons::YesNo) == screen::Answer::Yes;
 }
 
-/// Closed on every way out.
-struct OwnConnection {
-  OwnConnection() { open = AdoOpenConnection(connection, DataConnect, false); }
-  ~OwnConnection() { CloseObject(connection); }
-  OwnConnection(const OwnConnection&) = delete;
-  OwnConnection& operator=(const OwnConnection&) = delete;
-  AdoConnectionPtr connection;
-  bool open = false;
-};
-
-/// Whether nothing was done in the transaction that has to go before it; tells what has. A check that cannot
-/// be made stands in the way as well.
-bool NothingPerformedIn(const AdoConnectionPtr& connection, const std::string& id) {
-  AdoRecordsetPtr performed =
-      AdoOpenRecordset(connection, "SELECT * FROM Maintenance_Performed WHERE Maintenance_Entry_ID = " + id);
+/// Whether nothing was done in the transaction that has to go before it; reports what was. A check that
+/// cannot be made prevents it as well.
+bool NothingPerformedIn(const MainConnection& main, const std::string& id) {
+  const auto performed = main.Finds("SELECT * FROM Maintenance_Performed WHERE Maintenance_Entry_ID = " + id);
   if (!performed) return false;
-  const bool nothing = performed->AtEnd();
-  CloseObject(performed);
-  if (!nothing)
+  if (*performed)
     screen::MessageBox(
         "That Maintenance Entry has recurring maintenance entries which must be removed first.",
         screen::Icon::Information);
-  return nothing;
+  return !*performed;
 }
 
-bool DeleteRow(const AdoConnectionPtr& connection, const std::string& query) {
-  AdoRecordsetPtr row = AdoOpenRecordset(connection, query, ado::adOpenKeyset, ado::adLockPessimistic);
+bool DeleteRow(const MainConnection& main, const std::string& query) {
+  AdoRecordsetPtr row = main.Edit(query);
   if (!row) return false;
   bool gone = true;
   if (row->AtEnd())
@@ -51,23 +38,23 @@ bool DeleteRow(const AdoConnectionPtr& connection, const std::string& query) {
   else
     gone = AdoDeleteRS(*row, false, false);
   CloseObject(row);
-  AdoRefreshCache(connection, UseAccess);
+  AdoRefreshCache(main.Connection(), UseAccess);
   return gone;
 }
 
 bool AskAndDelete(const char* question, const std::string& query) {
   if (!Agreed(question)) return false;
-  const OwnConnection own;
-  return own.open && DeleteRow(own.connection, query);
+  const MainConnection main;
+  return main.IsOpen() && DeleteRow(main, query);
 }
 
 }  // namespace
 
 bool RemoveTransaction(std::int32_t id) {
   const std::string number = std::to_string(id);
-  const OwnConnection own;
-  return own.open && NothingPerformedIn(own.connection, number) && Agreed(kRemove) &&
-         DeleteRow(own.connection, "SELECT * FROM [Maintenance Transactions] WHERE ID = " + number);
+  const MainConnection main;
+  return main.IsOpen() && NothingPerformedIn(main, number) && Agreed(kRemove) &&
+         DeleteRow(main, "SELECT * FROM [Maintenance Transactions] WHERE ID = " + number);
 }
 
 bool RemoveReading(std::int32_t id) {

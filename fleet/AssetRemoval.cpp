@@ -2,10 +2,9 @@
 
 #include <array>
 
-#include "data/Attempt.h"
-#include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
+#include "data/FailureBox.h"
 #include "data/GenericDAO.h"
+#include "data/MainConnection.h"
 #include "data/Parameters.h"
 #include "platform/screen/Screen.h"
 
@@ -67,17 +66,12 @@ bool RemoveRows(const AdoConnectionPtr& connection, ado::Recordset& asset, const
 RemovalResult RemoveInTransaction(const AdoConnectionPtr& connection, ado::Recordset& asset,
                                   const std::string& assetID) {
   bool removed = false;
-  const Failure failure = Try([&] {
+  const auto remove = [&] {
     connection->BeginTrans();
     removed = RemoveRows(connection, asset, assetID);
     if (removed) connection->CommitTrans();
-  });
-  if (failure) {
-    screen::MessageBox("Error #" + std::to_string(failure.number) + "\r\r" + failure.description +
-                           "\r\rThe asset was not removed.",
-                       screen::Icon::Critical);
-  }
-  if (removed && !failure) return RemovalResult::Removed;
+  };
+  if (Done(remove, "The asset was not removed.") && removed) return RemovalResult::Removed;
   // Closing the connection takes back what a failed rollback leaves.
   Try([&] { connection->RollbackTrans(); });
   return RemovalResult::RolledBack;
@@ -97,8 +91,9 @@ RemovalResult RemoveAsset(std::int32_t id, const std::string& assetID, std::int6
     return RemovalResult::Refused;
   }
 
-  AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, DataConnect, false)) return RemovalResult::Refused;
+  const MainConnection main;
+  if (!main.IsOpen()) return RemovalResult::Refused;
+  const AdoConnectionPtr& connection = main.Connection();
   // Opening a connection leaves the pointer normal.
   screen::SetPointer(screen::Pointer::Hourglass);
   RemovalResult result = RemovalResult::Refused;
@@ -106,9 +101,7 @@ RemovalResult RemoveAsset(std::int32_t id, const std::string& assetID, std::int6
       AgreedToRows(connection, "Maintenance Transactions", assetID,
                    "The item has maintenance entries. Continue?") &&
       Agreed("Are you sure you want to delete this record?", screen::Icon::None)) {
-    AdoRecordsetPtr asset =
-        AdoOpenRecordset(connection, "SELECT * FROM [Vehicles] WHERE [ID] = " + std::to_string(id),
-                         ado::adOpenKeyset, ado::adLockPessimistic);
+    AdoRecordsetPtr asset = main.Edit("SELECT * FROM [Vehicles] WHERE [ID] = " + std::to_string(id));
     if (asset && asset->AtEnd()) {
       screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
     } else if (asset) {
@@ -116,7 +109,6 @@ RemovalResult RemoveAsset(std::int32_t id, const std::string& assetID, std::int6
     }
     CloseObject(asset);
   }
-  CloseObject(connection);
   return result;
 }
 

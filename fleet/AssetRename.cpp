@@ -3,10 +3,8 @@
 #include <array>
 
 #include "data/Attempt.h"
-#include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
-#include "data/GenericDAO.h"
 #include "data/GenericTools.h"
+#include "data/MainConnection.h"
 #include "platform/screen/Screen.h"
 
 namespace dw {
@@ -64,24 +62,23 @@ RenameResult RenameAssetTo(const std::string& assetID, const std::string& newID)
     return RenameResult::Cancelled;
   }
 
-  AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, DataConnect, false)) return RenameResult::RolledBack;
   const std::string newText = QuoteSQL(newID);
-  AdoRecordsetPtr taken =
-      AdoOpenRecordset(connection, "SELECT * FROM Vehicles WHERE [Asset ID] = '" + newText + "'");
-  const bool known = taken != nullptr;
-  const bool inUse = known && !taken->AtEnd();
-  if (inUse) screen::MessageBox("The new Asset ID is already in use.", screen::Icon::Information);
-  CloseObject(taken);
-  CloseObject(connection);
-  if (inUse) return RenameResult::InUse;
-  // Whether the code is free could not be read; its message has been shown.
-  if (!known) return RenameResult::RolledBack;
+  {
+    const MainConnection asked;
+    if (!asked.IsOpen()) return RenameResult::RolledBack;
+    const auto taken = asked.Finds("SELECT * FROM Vehicles WHERE [Asset ID] = '" + newText + "'");
+    // Whether the code is free could not be read; its message has been shown.
+    if (!taken) return RenameResult::RolledBack;
+    if (*taken) {
+      screen::MessageBox("The new Asset ID is already in use.", screen::Icon::Information);
+      return RenameResult::InUse;
+    }
+  }
 
-  if (!AdoOpenConnection(connection, DataConnect, false)) return RenameResult::RolledBack;
+  const MainConnection main;
+  if (!main.IsOpen()) return RenameResult::RolledBack;
   const screen::Hourglass hourglass;
-  const bool renamed = RenameInTransaction(connection, oldText, newText);
-  CloseObject(connection);
+  const bool renamed = RenameInTransaction(main.Connection(), oldText, newText);
   return renamed ? RenameResult::Renamed : RenameResult::RolledBack;
 }
 

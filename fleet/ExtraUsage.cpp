@@ -2,11 +2,10 @@
 
 #include <cstdint>
 
-#include "data/Attempt.h"
-#include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
+#include "data/FailureBox.h"
 #include "data/GenericDAO.h"
 #include "data/GenericTools.h"
+#include "data/MainConnection.h"
 #include "platform/runtime/Clock.h"
 
 namespace dw {
@@ -94,11 +93,12 @@ std::int32_t TwoWeeksOf(Span span) {
 }  // namespace
 
 std::string DefaultExtraUsage(const std::string& assetID) {
-  AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, DataConnect, false)) return "0";
+  const MainConnection main;
+  if (!main.IsOpen()) return "0";
+  const AdoConnectionPtr& connection = main.Connection();
   const std::string code = QuoteSQL(assetID);
   std::string usage = "0";
-  const Failure failure = Try([&] {
+  const auto workOut = [&] {
     Span span;
     {
       const store::Reading reading(connection->Store());
@@ -109,12 +109,8 @@ std::string DefaultExtraUsage(const std::string& assetID) {
       usage = std::to_string(TwoWeeksOf(span));
     } catch (const rt::RuntimeError&) {
     }
-  });
-  CloseObject(connection);
-  if (failure)
-    screen::MessageBox("Error #" + std::to_string(failure.number) + "\r\r" + failure.description +
-                           "\r\rThe expected usage could not be worked out.",
-                       screen::Icon::Critical);
+  };
+  Done(workOut, "The expected usage could not be worked out.");
   return usage;
 }
 

@@ -3,30 +3,23 @@
 #include <functional>
 #include <limits>
 
-#include "data/Attempt.h"
-#include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
+#include "data/FailureBox.h"
 #include "data/GenericDAO.h"
 #include "data/GenericTools.h"
+#include "data/MainConnection.h"
 
 namespace dw {
 namespace {
 
 constexpr std::int16_t kHighest = std::numeric_limits<std::int16_t>::max();
 
-/// Hands the rows of a query, asked over a connection of its own; what fails is told.
+/// Hands the rows of a query, asked over a connection of its own; what fails is reported.
 void Ask(const std::string& query, const std::function<void(ado::Recordset&)>& rows) {
-  AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, DataConnect, false)) return;
-  AdoRecordsetPtr found = AdoOpenRecordset(connection, query);
-  const Failure failure = Try([&] {
-    if (found) rows(*found);
-  });
+  const MainConnection main;
+  if (!main.IsOpen()) return;
+  AdoRecordsetPtr found = main.Read(query);
+  if (found) Done([&] { rows(*found); });
   CloseObject(found);
-  CloseObject(connection);
-  if (failure)
-    screen::MessageBox("Error #" + std::to_string(failure.number) + "\r\r" + failure.description,
-                       screen::Icon::Critical);
 }
 
 std::int16_t LowestFree(const std::string& assetID) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "data/Version.h"
 #include "platform/controls/Application.h"
 #include "platform/controls/Later.h"
 #include "program/SetUp.h"
@@ -42,7 +43,7 @@ bool DesktopIsThere(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   if (Given(argc, argv, "--version")) {
-    std::puts("Drovewright " DROVEWRIGHT_VERSION);
+    std::printf("Drovewright %s\n", dw::kVersionText);
     return 0;
   }
   if (Given(argc, argv, "--help") || Given(argc, argv, "-h")) {
@@ -59,7 +60,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "drovewright: '%s' is not understood.\n%s", argv[1], kHelp);
     return kUsage;
   }
-  QApplication::setApplicationVersion(DROVEWRIGHT_VERSION);
+  QApplication::setApplicationVersion(dw::kVersionText);
   dw::SetUpProgram(application);
 
   ui::Later(application, [] { ui::Guard(dw::ShowLogon); });

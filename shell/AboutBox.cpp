@@ -3,6 +3,7 @@
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericDAO.h"
 #include "data/GenericTools.h"
+#include "data/Version.h"
 #include "platform/runtime/Clock.h"
 #include "platform/system/Settings.h"
 #include "shell/DataLocation.h"
@@ -42,8 +43,7 @@ std::string DateShown(const rt::Value& value) {
 }  // namespace
 
 AboutFacts LoadAboutBox() {
-  AppVersion =
-      std::to_string(kMajorVersion) + "." + std::to_string(kMinorVersion) + "." + std::to_string(kRevision);
+  AppVersion = kVersionText;
   const std::string systemPath = sys::GetSetting("PK", kDataSection, DataPathKey("PK"));
   if (!systemPath.empty()) {
     SystemPath = WithSeparator(systemPath);

@@ -10,6 +10,7 @@
 #include "data/GenericADO.h"
 #include "data/GenericDAO.h"
 #include "data/GenericTools.h"
+#include "data/MainConnection.h"
 #include "platform/controls/Layout.h"
 #include "platform/runtime/Text.h"
 
@@ -140,29 +141,29 @@ void ListForm::RemoveRow(const std::function<bool()>& remove) {
 }
 
 bool DeleteRecord(const DeleteRule& rule) {
-  AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, DataConnect, false)) return false;
-  bool gone = false;
-  AdoRecordsetPtr inUse;
-  if (!rule.inUseQuery.empty()) inUse = AdoOpenRecordset(connection, rule.inUseQuery, ado::adOpenForwardOnly);
-  if (!rule.inUseQuery.empty() && !inUse) {
-    // The check could not be made, which has been told; nothing is deleted unchecked.
-  } else if (inUse && !inUse->AtEnd()) {
-    screen::MessageBox(rule.inUseWords, rule.inUseIcon);
-  } else if (screen::MessageBox("Are you sure you want to delete this record?", screen::Icon::Question,
-                                screen::Buttons::YesNo) == screen::Answer::Yes) {
-    AdoRecordsetPtr record =
-        AdoOpenRecordset(connection, rule.recordQuery, ado::adOpenKeyset, ado::adLockPessimistic);
-    if (record && record->AtEnd()) {
-      screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
-    } else if (record) {
-      gone = AdoDeleteRS(*record, false, true);
-      AdoRefreshCache(connection, true);
+  const MainConnection main;
+  if (!main.IsOpen()) return false;
+  if (!rule.inUseQuery.empty()) {
+    const auto inUse = main.Finds(rule.inUseQuery);
+    // Without the check, which could not be made, nothing is deleted.
+    if (!inUse) return false;
+    if (*inUse) {
+      screen::MessageBox(rule.inUseWords, rule.inUseIcon);
+      return false;
     }
-    CloseObject(record);
   }
-  CloseObject(inUse);
-  CloseObject(connection);
+  if (screen::MessageBox("Are you sure you want to delete this record?", screen::Icon::Question,
+                         screen::Buttons::YesNo) != screen::Answer::Yes)
+    return false;
+  AdoRecordsetPtr record = main.Edit(rule.recordQuery);
+  bool gone = false;
+  if (record && record->AtEnd()) {
+    screen::MessageBox("That ID is no longer on file.", screen::Icon::Exclamation);
+  } else if (record) {
+    gone = AdoDeleteRS(*record, false, true);
+    AdoRefreshCache(main.Connection(), true);
+  }
+  CloseObject(record);
   return gone;
 }
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
+#include "data/FailureBox.h"
 #include "data/GenericADO.h"
 #include "platform/controls/DisableEntry.h"
 #include "windows/ListForm.h"
@@ -37,15 +37,6 @@ class AdoRecord : public ui::BoundRecord {
  private:
   ado::Recordset* recordset_;
 };
-
-/// Runs a step of a transaction; false after a message.
-bool Done(const std::function<void()>& step) {
-  const Failure failure = Try(step);
-  if (failure)
-    screen::MessageBox("Error #" + std::to_string(failure.number) + "\r\r" + failure.description,
-                       screen::Icon::Critical);
-  return !failure;
-}
 
 }  // namespace
 

@@ -5,8 +5,7 @@
 #include <string>
 
 #include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
-#include "data/GenericDAO.h"
+#include "data/MainConnection.h"
 #include "fleet/forms/PictureForms.h"
 #include "platform/screen/Screen.h"
 
@@ -19,15 +18,10 @@ constexpr int kLines = 30;
 
 /// Whether a picture is stored with the asset.
 bool HasPicture(std::int32_t id) {
-  AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, DataConnect, false)) return false;
-  AdoRecordsetPtr found = AdoOpenRecordset(
-      connection, "SELECT ID FROM Vehicles WHERE ID = " + std::to_string(id) + " AND Photograph IS NOT NULL",
-      ado::adOpenForwardOnly);
-  const bool has = found && !found->AtEnd();
-  CloseObject(found);
-  CloseObject(connection);
-  return has;
+  const MainConnection main;
+  return main.IsOpen() && main.Finds("SELECT ID FROM Vehicles WHERE ID = " + std::to_string(id) +
+                                     " AND Photograph IS NOT NULL")
+                              .value_or(false);
 }
 
 }  // namespace

@@ -9,8 +9,9 @@
 
 #include "costing/Unposting.h"
 #include "data/BrackenfelGlobals.h"
-#include "data/GenericADO.h"
+#include "data/GenericDAO.h"
 #include "data/GenericTools.h"
+#include "data/MainConnection.h"
 #include "fleet/AssetRename.h"
 #include "fleet/DueAnalysis.h"
 #include "fleet/ExtraUsage.h"
@@ -151,15 +152,15 @@ void frmInventoryMaint::ComeBackTo(ui::TextBox& field) {
 }
 
 void frmInventoryMaint::OnLoad() {
-  AdoConnectionPtr connection;
-  if (AdoOpenConnection(connection, DataConnect, false)) {
-    AdoRecordsetPtr parameters = AdoOpenRecordset(connection, "SELECT * FROM [Parameters] WHERE ID = 1");
-    const bool shown = !parameters || parameters->AtEnd() ||
-                       (!parameters->Get("Internal_Fuel_Available").IsNull() &&
-                        parameters->Get("Internal_Fuel_Available").AsBoolean());
-    for (const int column : {3, 4}) grdMaintenance.ShowColumn(column, shown);
+  {
+    const MainConnection main;
+    AdoRecordsetPtr parameters;
+    if (main.IsOpen()) parameters = main.Read("SELECT * FROM [Parameters] WHERE ID = 1");
+    const bool hidden = parameters && !parameters->AtEnd() &&
+                        (parameters->Get("Internal_Fuel_Available").IsNull() ||
+                         !parameters->Get("Internal_Fuel_Available").AsBoolean());
+    for (const int column : {3, 4}) grdMaintenance.ShowColumn(column, !hidden);
     CloseObject(parameters);
-    CloseObject(connection);
   }
   const auto bind = [](ui::Adodc& control, const char* query) {
     BindToMainFile(control, query);

@@ -16,8 +16,8 @@
 #include "shell/Help.h"
 #include "shell/ShellState.h"
 #include "shell/forms/HelpWindow.h"
+#include "shell/forms/MenuPicture.h"
 #include "shell/forms/MenuTree.h"
-#include "shell/forms/PictureBox.h"
 #include "shell/forms/Startup.h"
 #include "shell/forms/TechSupport.h"
 
@@ -41,7 +41,7 @@ bool IsParent(std::size_t index) {
 
 }  // namespace
 
-mnuDW::mnuDW() : Form("mnuDW"), menuStyle_(new MenuStyle), picture_(new PictureBox) {
+mnuDW::mnuDW() : Form("mnuDW"), menuStyle_(new MenuStyle), picture_(new MenuPicture) {
   setWindowTitle("Drovewright");
   menuBar.setObjectName("menuBar");
   menuBar.setNativeMenuBar(false);

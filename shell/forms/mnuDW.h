@@ -14,7 +14,7 @@ class QStyle;
 
 namespace dw {
 
-class PictureBox;
+class MenuPicture;
 struct MenuEntry;
 
 /// Windows open from here without blocking it. Menu items are found by their names.
@@ -46,7 +46,7 @@ class mnuDW : public ui::Form {
   void OfferDueReport();
   void CompactMainFile();
 
-  PictureBox* picture_;
+  MenuPicture* picture_;
 };
 
 }  // namespace dw

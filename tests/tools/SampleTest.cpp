@@ -135,18 +135,18 @@ TEST_F(SampleTest, TransactionsStandInTheirPeriodAndCarryThePricesInForce) {
        !rows->AtEnd(); rows->MoveNext())
     fuelPrices[rows->Get("Fuel Type").AsLong()].push_back(
         {rows->Get("Effective Date").AsDate(), rows->Get("Fuel Price").AsCurrency(), {}});
-  std::vector<Price> labour;
+  std::vector<Price> labor;
   for (auto rows = data.Rows("SELECT * FROM [Internal Pricing Log] ORDER BY [ID]"); !rows->AtEnd();
        rows->MoveNext())
-    labour.push_back({rows->Get("Effective Date").AsDate(), rows->Get("Hourly Rate").AsCurrency(),
-                      rows->Get("Oil Price").AsCurrency()});
+    labor.push_back({rows->Get("Effective Date").AsDate(), rows->Get("Hourly Rate").AsCurrency(),
+                     rows->Get("Oil Price").AsCurrency()});
   std::map<std::pair<std::int16_t, std::int16_t>, std::pair<rt::DateTime, rt::DateTime>> periods;
   for (auto rows = data.Rows("SELECT * FROM [Fiscal Periods]"); !rows->AtEnd(); rows->MoveNext())
     periods[{rows->Get("Fiscal Year").AsInteger(), rows->Get("Period").AsInteger()}] = {
         rows->Get("Start Date").AsDate(), rows->Get("End Date").AsDate()};
 
   int fuelled = 0;
-  int laboured = 0;
+  int labored = 0;
   int oiled = 0;
   auto rows = data.Rows(
       "SELECT [Maintenance Transactions].*, [Fuel Type] FROM [Maintenance Transactions] INNER JOIN "
@@ -159,7 +159,7 @@ TEST_F(SampleTest, TransactionsStandInTheirPeriodAndCarryThePricesInForce) {
     EXPECT_LE(period->second.first, date);
     EXPECT_GE(period->second.second, date);
 
-    // Fuel: the latest row on or before the date. Labour and oil: the first row on or after it.
+    // Fuel: the latest row on or before the date. Labor and oil: the first row on or after it.
     const float fuel = rows->Get("Internal Fuel Units").AsSingle();
     if (fuel > 0) {
       const Price* inForce = nullptr;
@@ -172,7 +172,7 @@ TEST_F(SampleTest, TransactionsStandInTheirPeriodAndCarryThePricesInForce) {
       EXPECT_EQ(rows->Get("Internal Fuel Cost").AsCurrency(), rt::Currency());
     }
     const Price* agreed = nullptr;
-    for (const Price& price : labour)
+    for (const Price& price : labor)
       if (!agreed && price.effective >= date) agreed = &price;
     ASSERT_TRUE(agreed);
     const rt::Value hours = rows->Get("Time");
@@ -181,12 +181,12 @@ TEST_F(SampleTest, TransactionsStandInTheirPeriodAndCarryThePricesInForce) {
               hours.IsNull() ? rt::Currency() : Multiply(hours.AsSingle(), agreed->first));
     EXPECT_EQ(rows->Get("Oil Cost").AsCurrency(),
               oil.IsNull() ? rt::Currency() : Multiply(oil.AsSingle(), agreed->second));
-    laboured += !hours.IsNull() && hours.AsSingle() > 0;
+    labored += !hours.IsNull() && hours.AsSingle() > 0;
     oiled += !oil.IsNull() && oil.AsSingle() > 0;
     EXPECT_TRUE(rows->Get("When Posted").IsNull());
   }
   EXPECT_GT(fuelled, 200);
-  EXPECT_GT(laboured, 50);
+  EXPECT_GT(labored, 50);
   EXPECT_GT(oiled, 50);
 }
 

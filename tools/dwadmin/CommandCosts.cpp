@@ -15,13 +15,13 @@ struct Source {
   std::vector<std::string> keys;
 };
 
-Source SourceOf(CostPeriod by) {
+Source SourceOf(CostSpan by) {
   switch (by) {
-    case CostPeriod::Period:
+    case CostSpan::Period:
       return {"Assets Period Costs", {"Asset ID", "Fiscal Year", "Period"}};
-    case CostPeriod::Year:
+    case CostSpan::Year:
       return {"Assets Annual Costs", {"Asset ID", "Fiscal Year"}};
-    case CostPeriod::Lifetime:
+    case CostSpan::Life:
       break;
   }
   return {"Assets Lifetime Costs", {"Asset ID"}};
@@ -35,7 +35,7 @@ std::string Listed(const std::vector<std::string>& columns) {
 
 }  // namespace
 
-int Costs(const std::string& asset, CostPeriod by, Format format) {
+int Costs(const std::string& asset, CostSpan by, Format format) {
   const auto workspace = dao::DBEngine::CreateWorkspace("Costs", "admin", "");
   const auto database = workspace->OpenDatabase(RequireFile("DW.MDB"), false, true);
   const auto read = [&](const std::string& sql) {

@@ -13,6 +13,7 @@
 #include "data/BrackenfelGlobals.h"
 #include "data/Catalogue.h"
 #include "data/GenericTools.h"
+#include "data/Version.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
 #include "tools/dwadmin/Commands.h"

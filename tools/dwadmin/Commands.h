@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "costing/CostRows.h"
 #include "data/Application.h"
 #include "tools/dwadmin/CommandScreen.h"
 #include "tools/dwadmin/Session.h"
@@ -62,9 +63,8 @@ struct DueRequest {
 };
 int Due(const DueRequest& request, Format format);
 
-enum class CostPeriod { Period, Year, Lifetime };
 /// Costs of one asset; of all where `asset` is empty.
-int Costs(const std::string& asset, CostPeriod by, Format format);
+int Costs(const std::string& asset, CostSpan by, Format format);
 int Who(Format format);
 /// 1 when the files differ from what they should be.
 int Check(Format format);

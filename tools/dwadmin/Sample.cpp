@@ -33,12 +33,12 @@ Prices::Prices(const Span& span, Dice& dice) {
       }
     }
   }
-  // Prices of labour and oil are set for half a year, one year ahead.
+  // Prices of labor and oil are set for half a year, one year ahead.
   int hourly = 42'0000;
   int oil = 3'8500;
   for (int year = firstYear; year <= lastYear + 1; ++year) {
     for (const rt::DateTime& end : {rt::DateTime(year, 6, 30), rt::DateTime(year, 12, 31)}) {
-      labour_.push_back({end, rt::Currency::FromUnits(hourly), rt::Currency::FromUnits(oil)});
+      labor_.push_back({end, rt::Currency::FromUnits(hourly), rt::Currency::FromUnits(oil)});
       hourly += dice.Between(0, 6) * 2500;
       oil += dice.Between(-5, 12) * 100;
     }
@@ -52,9 +52,9 @@ rt::Currency Prices::FuelOn(int fuel, const rt::DateTime& date) const {
   return (next - 1)->price;
 }
 
-const Prices::Labour& Prices::LabourOn(const rt::DateTime& date) const {
-  return *std::lower_bound(labour_.begin(), labour_.end(), date,
-                           [](const Labour& row, const rt::DateTime& day) { return row.upTo < day; });
+const Prices::Labor& Prices::LaborOn(const rt::DateTime& date) const {
+  return *std::lower_bound(labor_.begin(), labor_.end(), date,
+                           [](const Labor& row, const rt::DateTime& day) { return row.upTo < day; });
 }
 
 }  // namespace sample

@@ -85,7 +85,7 @@ struct WorkFacts {
   int months;  ///< 0 for none
   int miles;   ///< 0 for none
   int hours;   ///< 0 for none; instead of the miles where the meter counts hours
-  int labour;  ///< quarters of an hour
+  int labor;   ///< quarters of an hour
   int parts;   ///< dollars
   int oil;     ///< tenths of a unit
 };
@@ -124,8 +124,8 @@ inline constexpr WorkFacts kWork[] = {
 struct RepairFacts {
   const char* notes;
   unsigned kinds;
-  int labour;  ///< quarters of an hour
-  int parts;   ///< dollars
+  int labor;  ///< quarters of an hour
+  int parts;  ///< dollars
 };
 inline constexpr RepairFacts kRepairs[] = {
     {"Replaced alternator", kCombustion, 7, 245},

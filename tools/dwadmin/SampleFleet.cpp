@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "data/BrackenfelGlobals.h"
+#include "data/Version.h"
 
 namespace dw::sample {
 namespace {
@@ -108,7 +109,7 @@ void WriteSchedule(RowWriter& lines, const SampleAsset& asset, const rt::DateTim
   for (const ScheduleLine& line : asset.schedule) {
     const WorkFacts& work = kWork[line.type - 1];
     const rt::Currency estimate =
-        rt::Currency::FromUnits((work.labour * 11 + work.parts) * std::int64_t{10000});
+        rt::Currency::FromUnits((work.labor * 11 + work.parts) * std::int64_t{10000});
     ++item;
     lines.Add({asset.code, item, line.type, work.description, line.months, line.usage, estimate,
                kAdministrator, made});

@@ -21,7 +21,7 @@ rt::Currency Charged(rt::Currency amount, int percent) {
 struct Entry {
   rt::Value workOrder;
   float fuelUnits = 0, oil = 0, hours = 0;
-  rt::Currency fuelCost, oilCost, labourCost, partsCost;
+  rt::Currency fuelCost, oilCost, laborCost, partsCost;
   float outsideFuelUnits = 0, outsideOilUnits = 0;
   rt::Currency outsideFuelCost, outsideOilCost, outsideCost;
   rt::Value notes;
@@ -61,7 +61,7 @@ class History {
   RowWriter readings_;
   int day_ = 0;
   rt::DateTime date_;
-  const Prices::Labour* labour_ = nullptr;
+  const Prices::Labor* labor_ = nullptr;
   int workOrders_ = 0;
 };
 
@@ -119,7 +119,7 @@ void History::Run(const std::function<void(int percent)>& progress) {
   int reported = 0;
   for (day_ = 0; day_ < span_.Days(); ++day_) {
     date_ = span_.Day(day_);
-    labour_ = &prices_.LabourOn(date_);
+    labor_ = &prices_.LaborOn(date_);
     std::vector<Event> today;
     today.swap(days_[static_cast<std::size_t>(day_)]);
     for (const Event& event : today) Happen(assets_[event.asset], event.what);
@@ -191,10 +191,10 @@ void History::Visit(SampleAsset& asset) {
   for (ScheduleLine& line : asset.schedule) {
     if (!asset.IsDue(line, day_)) continue;
     const WorkFacts& work = kWork[line.type - 1];
-    const int lineQuarters = std::max(work.labour + dice.Between(-1, 1), 1);
+    const int lineQuarters = std::max(work.labor + dice.Between(-1, 1), 1);
     const rt::Currency lineParts = Cents(work.parts * dice.Between(85, 120));
-    tasks.push_back({&line, Multiply(Hours(lineQuarters), labour_->hourly) + lineParts +
-                                Multiply(Tenths(work.oil), labour_->oil)});
+    tasks.push_back({&line, Multiply(Hours(lineQuarters), labor_->hourly) + lineParts +
+                                Multiply(Tenths(work.oil), labor_->oil)});
     quarters += lineQuarters;
     oil += work.oil;
     parts = parts + lineParts;
@@ -204,14 +204,14 @@ void History::Visit(SampleAsset& asset) {
   entry.workOrder = WorkOrder();
   if (dice.Chance(20)) {
     entry.outsideOilUnits = Tenths(oil);
-    entry.outsideOilCost = Charged(Multiply(entry.outsideOilUnits, labour_->oil), 140);
-    entry.outsideCost = Charged(Multiply(Hours(quarters), labour_->hourly), 150) + Charged(parts, 125);
+    entry.outsideOilCost = Charged(Multiply(entry.outsideOilUnits, labor_->oil), 140);
+    entry.outsideCost = Charged(Multiply(Hours(quarters), labor_->hourly), 150) + Charged(parts, 125);
     entry.notes = "Done by the dealer.";
   } else {
     entry.hours = Hours(quarters);
-    entry.labourCost = Multiply(entry.hours, labour_->hourly);
+    entry.laborCost = Multiply(entry.hours, labor_->hourly);
     entry.oil = Tenths(oil);
-    entry.oilCost = Multiply(entry.oil, labour_->oil);
+    entry.oilCost = Multiply(entry.oil, labor_->oil);
     entry.partsCost = parts;
   }
   const std::int32_t transaction = Write(asset, entry);
@@ -227,16 +227,16 @@ void History::Repair(SampleAsset& asset) {
   const RepairFacts* choice = &dice.Pick(kRepairs);
   while (!(choice->kinds & asset.group->kind)) choice = &dice.Pick(kRepairs);
   const RepairFacts& repair = *choice;
-  const int quarters = std::max(repair.labour + dice.Between(-1, 3), 1);
+  const int quarters = std::max(repair.labor + dice.Between(-1, 3), 1);
   const rt::Currency parts = Cents(repair.parts * dice.Between(80, 130));
   Entry entry;
   entry.workOrder = WorkOrder();
   entry.notes = repair.notes;
   if (dice.Chance(35)) {
-    entry.outsideCost = Charged(Multiply(Hours(quarters), labour_->hourly), 160) + Charged(parts, 120);
+    entry.outsideCost = Charged(Multiply(Hours(quarters), labor_->hourly), 160) + Charged(parts, 120);
   } else {
     entry.hours = Hours(quarters);
-    entry.labourCost = Multiply(entry.hours, labour_->hourly);
+    entry.laborCost = Multiply(entry.hours, labor_->hourly);
     entry.partsCost = parts;
   }
   Write(asset, entry);
@@ -248,10 +248,10 @@ void History::TopUp(SampleAsset& asset) {
   Entry entry;
   if (dice.Chance(85)) {
     entry.oil = Tenths(dice.Between(1, 3) * 10);
-    entry.oilCost = Multiply(entry.oil, labour_->oil);
+    entry.oilCost = Multiply(entry.oil, labor_->oil);
   } else {
     entry.outsideOilUnits = Tenths(dice.Between(1, 2) * 10);
-    entry.outsideOilCost = Charged(Multiply(entry.outsideOilUnits, labour_->oil), 160);
+    entry.outsideOilCost = Charged(Multiply(entry.outsideOilUnits, labor_->oil), 160);
   }
   Write(asset, entry);
   Plan(asset, day_ + dice.Between(90, 210), Happening::TopUp);
@@ -273,7 +273,7 @@ std::int32_t History::Write(SampleAsset& asset, const Entry& entry) {
                             leavesOut && entry.oil == 0 ? nothing : rt::Value(entry.oil),
                             entry.oilCost,
                             leavesOut && entry.hours == 0 ? nothing : rt::Value(entry.hours),
-                            entry.labourCost,
+                            entry.laborCost,
                             entry.partsCost,
                             entry.outsideFuelUnits,
                             entry.outsideFuelCost,

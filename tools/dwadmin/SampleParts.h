@@ -30,7 +30,7 @@ class Span {
 /// The prices in force on each day, as they stand in the price tables.
 class Prices {
  public:
-  struct Labour {
+  struct Labor {
     rt::DateTime upTo;  ///< a row holds for the days up to its effective date
     rt::Currency hourly;
     rt::Currency oil;
@@ -42,14 +42,14 @@ class Prices {
 
   Prices(const Span& span, Dice& dice);
   rt::Currency FuelOn(int fuel, const rt::DateTime& date) const;
-  const Labour& LabourOn(const rt::DateTime& date) const;
+  const Labor& LaborOn(const rt::DateTime& date) const;
   /// Monthly prices of a fuel type, the oldest first. Those without a pump of our own are what stations ask.
   const std::vector<Fuel>& OfFuel(int fuel) const { return fuels_.at(static_cast<std::size_t>(fuel - 1)); }
-  const std::vector<Labour>& OfLabour() const { return labour_; }
+  const std::vector<Labor>& OfLabor() const { return labor_; }
 
  private:
   std::vector<std::vector<Fuel>> fuels_;
-  std::vector<Labour> labour_;
+  std::vector<Labor> labor_;
 };
 
 /// What is stored for a row's maker.

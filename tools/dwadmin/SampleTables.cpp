@@ -34,7 +34,7 @@ void WritePrices(dao::Database& database, Batch& batch, const Span& span, const 
   }
   RowWriter log(batch, database, "Internal Pricing Log",
                 {"Effective Date", "Hourly Rate", "Oil Price", "Created By", "Date Created"});
-  for (const Prices::Labour& row : prices.OfLabour())
+  for (const Prices::Labor& row : prices.OfLabor())
     log.Add({row.upTo, row.hourly, row.oil, kAdministrator, span.First()});
 }
 

@@ -10,6 +10,7 @@
 
 #include "data/Application.h"
 #include "data/BrackenfelGlobals.h"
+#include "data/Version.h"
 #include "platform/ado/Ado.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/store/StoreError.h"
@@ -52,7 +53,7 @@ struct Arguments {
   dw::SignOnRequest signOn;
   dw::SampleRequest sample;
   dw::DueRequest due;
-  dw::CostPeriod by = dw::CostPeriod::Lifetime;
+  dw::CostSpan by = dw::CostSpan::Life;
 
   dw::Format Form() const { return json ? dw::Format::Json : dw::Format::Text; }
 };
@@ -65,9 +66,7 @@ class CommandLine {
   CommandLine() {
     app_.set_help_flag();
     app_.set_help_all_flag("-h,--help", "Explain all commands and end");
-    app_.set_version_flag("--version", "dwadmin " + std::to_string(dw::kMajorVersion) + "." +
-                                           std::to_string(dw::kMinorVersion) + "." +
-                                           std::to_string(dw::kRevision));
+    app_.set_version_flag("--version", std::string("dwadmin ") + dw::kVersionText);
     app_.require_subcommand(1);
     app_.footer(kFooter);
     AddMakers();
@@ -174,9 +173,8 @@ class CommandLine {
     which->add_option("--asset", arguments_.asset, "One asset")->type_name("CODE");
     which->add_flag("--all", arguments_.all, "Every asset that has costs");
     which->require_option(1);
-    const std::map<std::string, dw::CostPeriod> spans{{"period", dw::CostPeriod::Period},
-                                                      {"year", dw::CostPeriod::Year},
-                                                      {"lifetime", dw::CostPeriod::Lifetime}};
+    const std::map<std::string, dw::CostSpan> spans{
+        {"period", dw::CostSpan::Period}, {"year", dw::CostSpan::Year}, {"lifetime", dw::CostSpan::Life}};
     costs
         ->add_option("--by", arguments_.by,
                      "A row for each fiscal period, for each fiscal year or for the asset's "

@@ -9,9 +9,9 @@ namespace dw {
 
 /// Shows a picture as large as its place, cut at the sides that stand over, never out of proportion. Without
 /// a picture it is a plain ground.
-class PictureBox : public QWidget {
+class MenuPicture : public QWidget {
  public:
-  PictureBox();
+  MenuPicture();
   /// A file that is missing or holds no picture takes the picture away.
   void Load(const std::string& path);
 

@@ -1,18 +1,18 @@
-#include "shell/forms/PictureBox.h"
+#include "shell/forms/MenuPicture.h"
 
 #include <QPainter>
 
 namespace dw {
 
-PictureBox::PictureBox() { setAttribute(Qt::WA_OpaquePaintEvent); }
+MenuPicture::MenuPicture() { setAttribute(Qt::WA_OpaquePaintEvent); }
 
-void PictureBox::Load(const std::string& path) {
+void MenuPicture::Load(const std::string& path) {
   picture_ = QPixmap(QString::fromStdString(path));
   fitted_ = {};
   update();
 }
 
-void PictureBox::paintEvent(QPaintEvent*) {
+void MenuPicture::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   if (picture_.isNull()) {
     painter.fillRect(rect(), palette().color(QPalette::Window));

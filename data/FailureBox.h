@@ -1,0 +1,16 @@
+// How a step that failed is reported where nothing else is laid down.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "data/Attempt.h"
+
+namespace dw {
+
+/// A critical box with the number and the words of the failure, and what was not done because of it.
+void ReportFailure(const Failure& failure, const std::string& consequence = {});
+/// Runs a step and reports its failure. True where it was done.
+bool Done(const std::function<void()>& step, const std::string& consequence = {});
+
+}  // namespace dw
