@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "platform/ado/Ado.h"
+#include "platform/controls/TypeAhead.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/store/StoreError.h"
 
@@ -74,6 +75,7 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
 
 bool Application::notify(QObject* receiver, QEvent* event) {
   try {
+    if (HoldKey(*receiver, *event)) return true;
     return QApplication::notify(receiver, event);
   } catch (...) {
     HandleUncaught(std::current_exception());

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -130,6 +131,13 @@ void Form::Unload() {
   unloading_ = true;
   Guard([this] { OnUnload(); });
   auto& all = All();
+  const bool wasActive = all.current == this;
+  // The focus leaves before the window does: what is typed in between would reach no window at all.
+  if (wasActive && isVisible())
+    if (Form* next = NextInFront()) {
+      next->raise();
+      next->activateWindow();
+    }
   if (loaded_ && all.unloadHook) Guard([&] { all.unloadHook(*this); });
   hide();
   while (!atUnload_.empty()) {
@@ -137,24 +145,31 @@ void Form::Unload() {
     atUnload_.pop_back();
     Guard([&] { work(); });
   }
-  const bool wasActive = all.current == this;
   const bool wasLoaded = loaded_;
   std::erase(all.forms, this);
   std::erase(all.active, this);
-  if (wasActive) all.current = nullptr;
+  if (all.current == this) all.current = nullptr;
   loaded_ = false;
-  deleteLater();
+  // Behind the keys that the window system has already sent here: they pass to the next window.
+  QTimer::singleShot(0, this, &QObject::deleteLater);
   if (wasLoaded && all.forms.empty()) {
     if (all.lastFormGone) Guard([&] { all.lastFormGone(); });
     return;
   }
   // The window that was in front before comes forward; not every window manager sees to that.
-  if (!wasActive || all.active.empty()) return;
-  Form* next = all.active.back();
-  if (!next->isVisible()) return;
+  if (!wasActive || all.current) return;
+  Form* next = NextInFront();
+  if (!next) return;
   next->raise();
   next->activateWindow();
   next->BecomeActive();
+}
+
+/// The form that was active before this one, if it is shown.
+Form* Form::NextInFront() const {
+  const auto& active = All().active;
+  const auto next = std::find_if(active.rbegin(), active.rend(), [this](Form* form) { return form != this; });
+  return next != active.rend() && (*next)->isVisible() ? *next : nullptr;
 }
 
 void Form::RemoveCloseCommand() {

@@ -33,6 +33,8 @@ class Form : public QWidget {
   /// Ends the form: OnUnload, the end of its data, out of the collection. The object goes away later.
   void Unload();
   bool Minimised() const { return isMinimized(); }
+  /// Whether keys may reach the form now: it is shown, and its opening or closing is not under way.
+  virtual bool TakesKeys() const { return loaded_ && !unloading_ && !activating_ && isVisible(); }
   /// The window can then only be left by its own buttons: no close button, no Alt+F4.
   void RemoveCloseCommand();
   /// The pointer over this form.
@@ -69,6 +71,7 @@ class Form : public QWidget {
 
  private:
   void BecomeActive();
+  Form* NextInFront() const;
 
   bool loaded_ = false;
   bool unloading_ = false;

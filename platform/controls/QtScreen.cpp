@@ -7,6 +7,7 @@
 #include <QThread>
 
 #include "platform/controls/Form.h"
+#include "platform/controls/TypeAhead.h"
 
 namespace ui {
 namespace {
@@ -103,6 +104,7 @@ screen::Answer QtScreen::ShowBox(const screen::Box& box) {
   shown.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   shown.setDefaultButton(choice.first);
   shown.setEscapeButton(choice.escape);
+  GuardFromEarlierKeys(shown);
   return AnswerOf(shown.exec());
 }
 
@@ -125,7 +127,10 @@ void QtScreen::SetPointer(screen::Pointer pointer) {
     QApplication::restoreOverrideCursor();
 }
 
-void QtScreen::DoEvents() { QCoreApplication::processEvents(); }
+void QtScreen::DoEvents() {
+  const HandlerAtWork handler;
+  QCoreApplication::processEvents();
+}
 
 void QtScreen::Sleep(int milliseconds) { QThread::msleep(static_cast<unsigned long>(milliseconds)); }
 

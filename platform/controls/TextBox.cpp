@@ -93,12 +93,14 @@ void TextBox::focusInEvent(QFocusEvent* event) {
     return;
   entered_ = true;
   if (onEnter) Guard([this] { onEnter(); });
-  // A click marks the whole once; the next one sets the caret.
-  if (selectOnEntry_)
-    Later(*this, [this] {
-      if (hasFocus()) selectAll();
+  if (!selectOnEntry_) return;
+  selectAll();
+  // The press that brings the focus sets the caret when this has returned. What is typed before the work
+  // that waits has its turn must not be marked: the next key would replace it.
+  if (event->reason() == Qt::MouseFocusReason)
+    Later(*this, [this, entered = text()] {
+      if (hasFocus() && text() == entered) selectAll();
     });
-  if (selectOnEntry_) selectAll();
 }
 
 void TextBox::focusOutEvent(QFocusEvent* event) {

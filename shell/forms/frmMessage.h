@@ -1,4 +1,4 @@
-// The notice of the system: tells of a long step, blocks nothing.
+// The notice of the system: reports a long step, blocks nothing.
 #pragma once
 
 #include <QLabel>
@@ -19,6 +19,8 @@ class frmMessage : public ui::Form {
 
   /// Draws the window now: whoever shows a notice is about to keep the program busy.
   void Refresh();
+  /// What is typed meanwhile is for the window that comes after the notice.
+  bool TakesKeys() const override { return false; }
 };
 
 /// Shows the notice, or gives the one that is shown another title and text.
