@@ -1,7 +1,8 @@
 #include "windows/AuditLine.h"
 
-#include <QFontMetrics>
 #include <QGridLayout>
+
+#include "platform/controls/Layout.h"
 
 namespace dw {
 
@@ -10,11 +11,11 @@ QLayout* AuditLines(std::deque<ui::BoundLabel>& labels) {
   const char* const prompts[] = {"Date Created:", "Last Updated:"};
   for (int row = 0; row < 2; ++row) {
     const std::size_t who = 2 * static_cast<std::size_t>(row);
-    audit->addWidget(new QLabel(prompts[row]), row, 0);
+    audit->addWidget(ui::Prompt(prompts[row], labels[who + 1]), row, 0);
     audit->addWidget(&labels[who + 1], row, 1);
     audit->addWidget(&labels[who], row, 2);
   }
-  audit->setColumnMinimumWidth(1, labels[0].fontMetrics().averageCharWidth() * 26);
+  audit->setColumnMinimumWidth(1, ui::DateTimeWidth(labels[0]));
   audit->setColumnStretch(2, 1);
   audit->setHorizontalSpacing(12);
   return audit;

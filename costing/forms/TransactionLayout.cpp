@@ -67,7 +67,7 @@ QLayout* frmTransactionMaint::Header() {
   ui::SetWidth(fiscalPeriod, 3);
   ui::SetWidth(mileage, ui::kNumberWidth);
   ShowNumber(recordNumber);
-  auditLabels[4].setMinimumWidth(fontMetrics().averageCharWidth() * 24);
+  auditLabels[4].setMinimumWidth(ui::DateTimeWidth(auditLabels[4]));
 
   auto* fiscal = new QHBoxLayout;
   fiscal->addWidget(&fiscalYear);
@@ -84,7 +84,7 @@ QLayout* frmTransactionMaint::Header() {
   header->addWidget(&transactionDate, 1, 1);
   header->addWidget(ui::Prompt("Fiscal Yr/Per", fiscalYear), 1, 2);
   header->addLayout(fiscal, 1, 3);
-  header->addWidget(new QLabel("When Posted:"), 1, 4);
+  header->addWidget(ui::Prompt("When Posted:", auditLabels[4]), 1, 4);
   header->addWidget(&auditLabels[4], 1, 5);
   header->addWidget(ui::Prompt("Work Order", workOrder), 2, 0);
   header->addWidget(&workOrder, 2, 1);
@@ -99,7 +99,7 @@ QWidget* frmTransactionMaint::TasksGroup() {
   auto* inside = new QVBoxLayout;
   inside->addWidget(&grdTasks);
   grdTasks.setAccessibleName("Fixed Recurring Maintenance Items");
-  grdTasks.setMinimumHeight(grdTasks.fontMetrics().lineSpacing() * 7);
+  grdTasks.setMinimumHeight(grdTasks.fontMetrics().lineSpacing() * 4);
   return ui::Group("Fixed Recurring Maintenance Items", inside);
 }
 

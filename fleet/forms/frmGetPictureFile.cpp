@@ -54,7 +54,6 @@ void frmGetPictureFile::NameControls() {
       "choosing.");
   Frame1.setObjectName("Frame1");
   Frame1.setTitle("Scan Size");
-  optPage.setChecked(true);
   cmdCancel.setToolTip("A file that was clicked or scanned is deleted.");
 }
 
@@ -88,6 +87,8 @@ void frmGetPictureFile::LayOut() {
   all->addLayout(ui::ButtonRow({&cmdScan, &cmdSelect, &cmdRemove, &cmdCancel}));
   ui::TabOrder({&Drive1, &Dir1, &File1, &optCreditCard, &optPage, &optCam, &chkPreview, &chkTrace, &cmdScan,
                 &cmdSelect, &cmdRemove, &cmdCancel});
+  // Once the sizes are in one group, so that the Tab key reaches the chosen one alone.
+  optPage.setChecked(true);
   SetDefault(&cmdSelect);
   SetCancel(&cmdCancel);
 }

@@ -204,9 +204,15 @@ void frmInventoryMaint::AddTabs() {
 }
 
 void frmInventoryMaint::TurnPage(int step) {
-  pages.setCurrentIndex((pages.currentIndex() + step + pages.count()) % pages.count());
-  // From elsewhere in the window the way into the page is one step then.
-  if (!pages.isAncestorOf(focusWidget())) pages.tabBar()->setFocus(Qt::ShortcutFocusReason);
+  const int page = (pages.currentIndex() + step + pages.count()) % pages.count();
+  pages.setCurrentIndex(page);
+  // A field that may not be left keeps its page.
+  if (pages.currentIndex() != page) return;
+  // Wherever the focus was, it goes into what fills the page.
+  QWidget* const contents[] = {&txtDue, &grdMaintenance, &grdSchedule, &notes, &grdOdometer};
+  for (QWidget* content : contents)
+    if (pages.currentWidget()->isAncestorOf(content))
+      (content->isEnabled() ? content : pages.tabBar())->setFocus(Qt::ShortcutFocusReason);
 }
 
 void frmInventoryMaint::PutTogether() {

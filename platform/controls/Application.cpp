@@ -1,6 +1,12 @@
 #include "platform/controls/Application.h"
 
+#include <QAbstractSpinBox>
+#include <QAccessibleWidget>
+#include <QComboBox>
+#include <QDial>
 #include <QPalette>
+#include <QSlider>
+#include <QTabBar>
 #include <cstdio>
 #include <cstdlib>
 
@@ -64,6 +70,30 @@ void DarkenDisabledText() {
   QApplication::setPalette(colours);
 }
 
+bool ChangesByWheel(const QWidget* widget) {
+  return qobject_cast<const QComboBox*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget) ||
+         qobject_cast<const QTabBar*>(widget) || qobject_cast<const QSlider*>(widget) ||
+         qobject_cast<const QDial*>(widget);
+}
+
+/// What the wheel may turn: it scrolls, and neither changes a value in passing nor takes the focus.
+QWidget* UnderTheWheel(QWidget* widget) {
+  QWidget* scrolled = widget;
+  for (QWidget* around = widget; around; around = around->isWindow() ? nullptr : around->parentWidget()) {
+    if (ChangesByWheel(around)) scrolled = around->parentWidget();
+    if (around->focusPolicy() == Qt::WheelFocus) around->setFocusPolicy(Qt::StrongFocus);
+  }
+  return scrolled;
+}
+
+/// Screen readers call a window of this program a window.
+QAccessibleInterface* WindowForReaders(const QString&, QObject* object) {
+  auto* widget = qobject_cast<QWidget*>(object);
+  // Dialogs and other windows of the toolkit say what they are.
+  const bool ours = widget && widget->isWindow() && widget->metaObject() == &QWidget::staticMetaObject;
+  return ours ? new QAccessibleWidget(widget, QAccessible::Window) : nullptr;
+}
+
 }  // namespace
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
@@ -71,11 +101,17 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   // The open forms decide when the program is over, not the windows.
   setQuitOnLastWindowClosed(false);
   DarkenDisabledText();
+  QAccessible::installFactory(WindowForReaders);
 }
 
 bool Application::notify(QObject* receiver, QEvent* event) {
   try {
     if (HoldKey(*receiver, *event)) return true;
+    if (event->type() == QEvent::Wheel && receiver->isWidgetType()) {
+      QWidget* scrolled = UnderTheWheel(static_cast<QWidget*>(receiver));
+      event->ignore();
+      return scrolled && QApplication::notify(scrolled, event);
+    }
     return QApplication::notify(receiver, event);
   } catch (...) {
     HandleUncaught(std::current_exception());

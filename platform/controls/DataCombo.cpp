@@ -1,8 +1,9 @@
 #include "platform/controls/DataCombo.h"
 
 #include <QKeyEvent>
+#include <QPointer>
+#include <QProxyStyle>
 #include <QSignalBlocker>
-#include <QWheelEvent>
 #include <utility>
 
 #include "platform/controls/Application.h"
@@ -20,11 +21,31 @@ bool Same(const rt::Value& a, const rt::Value& b) {
   return a.AsDouble() == b.AsDouble();
 }
 
+/// Opens as a list that scrolls. As a menu it would show all entries at once, over the whole screen.
+class DropDownStyle : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override {
+    return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+  }
+};
+
+/// It ends with the application, whose style it goes by.
+QStyle& DropDown() {
+  static QPointer<DropDownStyle> style;
+  if (!style) {
+    style = new DropDownStyle;
+    style->setParent(qApp);
+  }
+  return *style;
+}
+
 }  // namespace
 
 DataCombo::DataCombo(const char* name, std::string listField, std::string boundColumn)
     : listField_(std::move(listField)), boundColumn_(std::move(boundColumn)) {
   setObjectName(QString::fromUtf8(name));
+  setStyle(&DropDown());
   setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   setMinimumContentsLength(24);
   setMaxVisibleItems(16);
@@ -91,14 +112,6 @@ void DataCombo::keyPressEvent(QKeyEvent* event) {
     return;
   }
   QComboBox::keyPressEvent(event);
-}
-
-void DataCombo::wheelEvent(QWheelEvent* event) {
-  // Scrolling a window must not change a record in passing.
-  if (hasFocus())
-    QComboBox::wheelEvent(event);
-  else
-    event->ignore();
 }
 
 }  // namespace ui

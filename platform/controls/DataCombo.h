@@ -41,7 +41,6 @@ class DataCombo : public QComboBox, public BoundControl {
  protected:
   void focusOutEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  void wheelEvent(QWheelEvent* event) override;
 
  private:
   template <class Rows>

@@ -5,7 +5,9 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyleOption>
 #include <QToolTip>
 #include <algorithm>
 #include <utility>
@@ -274,6 +276,18 @@ void DataGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 bool DataGrid::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::Paint && model_.rowCount() == 0 && hasFocus()) {
+    const bool done = QTableView::viewportEvent(event);
+    // Without a row that could be marked the focus would not be seen.
+    QStyleOptionFocusRect option;
+    option.initFrom(viewport());
+    option.backgroundColor = palette().color(QPalette::Base);
+    QPainter painter(viewport());
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    return done;
+  }
   if (event->type() != QEvent::ToolTip) return QTableView::viewportEvent(event);
   // What does not fit into its cell is shown whole.
   const auto* help = static_cast<QHelpEvent*>(event);
@@ -295,10 +309,12 @@ bool DataGrid::viewportEvent(QEvent* event) {
 void DataGrid::focusInEvent(QFocusEvent* event) {
   QTableView::focusInEvent(event);
   SetBold(true);
+  viewport()->update();
 }
 
 void DataGrid::focusOutEvent(QFocusEvent* event) {
   QTableView::focusOutEvent(event);
+  viewport()->update();
   // Its own menu takes the focus for a moment only.
   if (event->reason() == Qt::PopupFocusReason) return;
   SetBold(false);

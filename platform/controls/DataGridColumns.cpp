@@ -88,8 +88,17 @@ int DataGrid::WidthOf(int column) {
   if (at.shown.widthInCharacters > 0)
     return std::max(heading, at.shown.widthInCharacters * digit + kCellMargin);
   int content = at.field < 0 ? 0 : UsualCharacters(at) * digit;
-  for (int row = 0; row < std::min(kSampledRows, model_.rowCount()); ++row)
-    content = std::max(content, cells.horizontalAdvance(model_.Text(row, column)));
+  bool times = false;
+  for (int row = 0; row < std::min(kSampledRows, model_.rowCount()); ++row) {
+    const QString text = model_.Text(row, column);
+    content = std::max(content, cells.horizontalAdvance(text));
+    times = times || text.contains(QLatin1Char(':'));
+  }
+  // Any date that comes later fits as well.
+  if (at.info.type == ColumnType::DateTime)
+    for (const int hour : {times ? 10 : 0, times ? 22 : 0})
+      content = std::max(content, cells.horizontalAdvance(GridModel::Shown(
+                                      at, rt::DateTime(2008, 10, 28, hour, times ? 8 : 0, times ? 8 : 0))));
   return std::max(heading, std::min(content, kMostCharacters * digit) + kCellMargin);
 }
 
@@ -194,7 +203,7 @@ bool DataGrid::FindText(const std::string& text) {
       return !found;
     });
   }
-  if (found) SetRow(static_cast<int>(*found));
+  if (found) SetRow(static_cast<int>(*found), PositionAtCenter);
   return found.has_value();
 }
 

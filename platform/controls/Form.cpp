@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QStyle>
 #include <QTimer>
 #include <algorithm>
 #include <utility>
@@ -28,6 +29,9 @@ struct Collection {
   std::function<void()> lastFormGone;
 };
 
+/// Both borders of a window together, with a pixel that CenterForm keeps free.
+constexpr int kFrame = 10;
+
 Collection& All() {
   static Collection all;
   return all;
@@ -47,6 +51,15 @@ Form* ActiveForm() { return All().current; }
 
 void InstallUnloadHook(std::function<void(Form&)> hook) { All().unloadHook = std::move(hook); }
 void InstallLastFormGone(std::function<void()> hook) { All().lastFormGone = std::move(hook); }
+
+QSize RoomFor(const QWidget& form) {
+  const QScreen* screen = form.screen() ? form.screen() : QGuiApplication::primaryScreen();
+  if (!screen) return {QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
+  // The frame is known when the window has been shown; until then the usual one is.
+  const QSize frame = form.isVisible() ? form.frameGeometry().size() - form.size() : QSize();
+  const int title = form.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &form);
+  return screen->availableGeometry().size() - frame.expandedTo(QSize(kFrame, title + kFrame));
+}
 
 void CenterForm(QWidget& form) {
   const QScreen* screen = form.screen() ? form.screen() : QGuiApplication::primaryScreen();
@@ -83,11 +96,13 @@ void Form::LoadForm() {
   OnLoad();
   if (unloading_) return;
   ensurePolished();
-  const QSize wanted = testAttribute(Qt::WA_Resized) ? size().expandedTo(minimumSizeHint()) : sizeHint();
+  const QSize asked = testAttribute(Qt::WA_Resized) ? size().expandedTo(minimumSizeHint()) : sizeHint();
+  // Where the screen is small, what can scroll or shrink gives way, so that the buttons stay in reach.
+  const QSize wanted = asked.boundedTo(RoomFor(*this));
   resize(wanted);
   if (MinWidth == 0) MinWidth = wanted.width();
   if (MinHeight == 0) MinHeight = wanted.height();
-  setMinimumSize(MinWidth, MinHeight);
+  setMinimumSize(QSize(MinWidth, MinHeight).boundedTo(RoomFor(*this)).expandedTo(QSize(0, 0)));
   if (!testAttribute(Qt::WA_Moved)) CenterForm(*this);
 }
 

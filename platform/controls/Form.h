@@ -95,7 +95,9 @@ void InstallUnloadHook(std::function<void(Form& closing)> hook);
 /// Runs when the last form has left the collection.
 void InstallLastFormGone(std::function<void()> hook);
 
-/// Centres a form in the work area of its screen, its left and top at least 1.
+/// The largest size that a form may have on its screen, with its frame around it.
+QSize RoomFor(const QWidget& form);
+/// Centers a form in the work area of its screen, its left and top at least 1.
 void CenterForm(QWidget& form);
 
 namespace detail {

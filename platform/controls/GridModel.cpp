@@ -30,6 +30,15 @@ class SamePlace {
   std::int64_t place_;
 };
 
+bool EndsInDigit(const QString& text) { return !text.isEmpty() && text.back().isDigit(); }
+
+/// Digits behind the point; none in a number with an exponent, whose digits mean something else.
+int Decimals(const QString& text) {
+  const auto point = text.indexOf(QLatin1Char('.'));
+  if (point < 0 || text.contains(QLatin1Char('E'))) return 0;
+  return static_cast<int>(text.size() - point) - 1;
+}
+
 bool IsDeleted(const ado::Error& error) { return error.Native() == store::kRecordDeleted; }
 
 }  // namespace
@@ -50,6 +59,12 @@ bool GridModel::Column::ToTheRight() const {
     default:
       return field >= 0;
   }
+}
+
+bool GridModel::Column::IsPlainNumber() const {
+  if (field < 0 || !shown.format.empty()) return false;
+  return info.type == ColumnType::Single || info.type == ColumnType::Double ||
+         info.type == ColumnType::Currency;
 }
 
 void GridModel::SetColumns(std::vector<GridColumn> columns) {
@@ -127,6 +142,10 @@ void GridModel::Read(Block& block) {
       rows.Cursor().MoveTo(first + i);
       ReadRow(rows, block.rows[static_cast<std::size_t>(i)]);
     }
+    for (std::size_t column = 0; column < columns_.size(); ++column)
+      if (columns_[column].IsPlainNumber())
+        for (const Row& row : block.rows)
+          columns_[column].decimals = std::max(columns_[column].decimals, Decimals(row.texts[column]));
   } catch (const ado::Error& error) {
     Failed(error.Number(), error.what());
   } catch (const store::StoreError& error) {
@@ -173,7 +192,12 @@ QString GridModel::Shown(const Column& column, const rt::Value& value) {
 
 QString GridModel::Text(int row, int column) {
   const Row* found = column >= 0 && column < columnCount() ? Find(row) : nullptr;
-  return found ? found->texts[static_cast<std::size_t>(column)] : QString();
+  if (!found) return {};
+  QString text = found->texts[static_cast<std::size_t>(column)];
+  const int missing = At(column).decimals - Decimals(text);
+  if (missing <= 0 || !EndsInDigit(text) || text.contains(QLatin1Char('E'))) return text;
+  if (!text.contains(QLatin1Char('.'))) text += QLatin1Char('.');
+  return text + QString(missing, QLatin1Char('0'));
 }
 
 rt::Value GridModel::Value(int row, std::string_view field) {

@@ -32,7 +32,10 @@ class GridModel : public QAbstractTableModel {
     GridColumn shown;
     int field = -1;  ///< position in the recordset; -1 where it has no such field
     store::FieldInfo info;
+    int decimals = 0;  ///< of a number without a format: the most that a row read so far has
     bool ToTheRight() const;
+    /// A number with decimals and no format.
+    bool IsPlainNumber() const;
   };
 
   GridModel();

@@ -5,6 +5,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QStyle>
+#include <algorithm>
 
 namespace ui {
 namespace {
@@ -22,7 +24,11 @@ QString SpokenName(const std::string& prompt) {
 QLabel* Prompt(const std::string& text, QWidget& field) {
   auto* label = new QLabel(QString::fromStdString(text));
   label->setBuddy(&field);
-  if (field.accessibleName().isEmpty()) field.setAccessibleName(SpokenName(text));
+  // A label's name is what it shows; a name of its own would hide the value.
+  if (qobject_cast<QLabel*>(&field))
+    field.setAccessibleDescription(SpokenName(text));
+  else if (field.accessibleName().isEmpty())
+    field.setAccessibleName(SpokenName(text));
   return label;
 }
 
@@ -64,9 +70,19 @@ QHBoxLayout* ButtonRow(std::initializer_list<QWidget*> buttons) {
   return row;
 }
 
+int DateTimeWidth(const QWidget& field) {
+  const QFontMetrics metrics(field.font());
+  return std::max(metrics.horizontalAdvance("10/28/2008 10:08:08 AM"),
+                  metrics.horizontalAdvance("10/28/2008 10:08:08 PM")) +
+         metrics.averageCharWidth();
+}
+
 void SetWidth(QWidget& field, int characters) {
   const QFontMetrics metrics(field.font());
-  field.setFixedWidth(metrics.averageCharWidth() * (characters + 3));
+  const int letters = metrics.averageCharWidth() * (characters + 3);
+  // Digits may be wider than the average, and the frame takes its share.
+  const int frame = 2 * field.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, &field) + 6;
+  field.setFixedWidth(std::max(letters, metrics.horizontalAdvance('0') * characters + frame));
 }
 
 void TabOrder(std::initializer_list<QWidget*> fields) {

@@ -32,7 +32,9 @@ class FieldRows : public QGridLayout {
 QGroupBox* Group(const std::string& title, QLayout* content);
 /// The buttons at the right end of a row, in the order given.
 QHBoxLayout* ButtonRow(std::initializer_list<QWidget*> buttons);
-/// Width for so many characters of the font.
+/// The width that any date with its time takes.
+int DateTimeWidth(const QWidget& field);
+/// Width for so many characters of the font, digits or letters.
 void SetWidth(QWidget& field, int characters);
 /// The order of the Tab key.
 void TabOrder(std::initializer_list<QWidget*> fields);

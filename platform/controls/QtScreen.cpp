@@ -1,10 +1,15 @@
 #include "platform/controls/QtScreen.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QInputDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QThread>
+#include <algorithm>
 
 #include "platform/controls/Form.h"
 #include "platform/controls/TypeAhead.h"
@@ -92,6 +97,33 @@ class Arrow {
   bool waiting_;
 };
 
+/// A text that would push the buttons off the screen gets a scroll bar.
+void LetLongTextScroll(QMessageBox& box) {
+  auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+  auto* grid = qobject_cast<QGridLayout*>(box.layout());
+  const int at = label && grid ? grid->indexOf(label) : -1;
+  if (at < 0) return;
+  constexpr int kWidest = 100;  // characters
+  const QSize room = RoomFor(box);
+  const int width = std::min(room.width() / 2, label->fontMetrics().averageCharWidth() * kWidest);
+  const int most = room.height() * 6 / 10;
+  label->ensurePolished();
+  const QRect text = label->fontMetrics().boundingRect(QRect(0, 0, width, QWIDGETSIZE_MAX),
+                                                       Qt::TextWordWrap | Qt::TextExpandTabs, label->text());
+  if (text.height() <= most) return;
+  int row = 0, column = 0, rows = 0, columns = 0;
+  grid->getItemPosition(at, &row, &column, &rows, &columns);
+  grid->removeWidget(label);
+  auto* scroll = new QScrollArea(&box);
+  scroll->setObjectName("TextScroll");
+  scroll->setFrameShape(QFrame::NoFrame);
+  label->setWordWrap(true);
+  scroll->setWidget(label);
+  scroll->setWidgetResizable(true);
+  scroll->setMinimumSize(width + scroll->verticalScrollBar()->sizeHint().width(), most);
+  grid->addWidget(scroll, row, column, rows, columns);
+}
+
 }  // namespace
 
 screen::Answer QtScreen::ShowBox(const screen::Box& box) {
@@ -104,6 +136,7 @@ screen::Answer QtScreen::ShowBox(const screen::Box& box) {
   shown.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   shown.setDefaultButton(choice.first);
   shown.setEscapeButton(choice.escape);
+  LetLongTextScroll(shown);
   GuardFromEarlierKeys(shown);
   return AnswerOf(shown.exec());
 }

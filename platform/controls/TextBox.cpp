@@ -69,7 +69,10 @@ void TextBox::ShowValue(const rt::Value& value) {
   formatted_ = false;
   setText(Shown(plain_));
   setCursorPosition(0);
-  if (!hasFocus()) ShowFormatted();
+  if (!hasFocus())
+    ShowFormatted();
+  else if (!isReadOnly())
+    selectAll();
   changed_ = false;
 }
 
@@ -93,6 +96,8 @@ void TextBox::focusInEvent(QFocusEvent* event) {
     return;
   entered_ = true;
   if (onEnter) Guard([this] { onEnter(); });
+  // The field in which a window begins is overtyped.
+  if (event->reason() == Qt::ActiveWindowFocusReason && !isReadOnly()) selectAll();
   if (!selectOnEntry_) return;
   selectAll();
   // The press that brings the focus sets the caret when this has returned. What is typed before the work

@@ -78,10 +78,10 @@ Held& Keys() {
 }
 
 bool Held::MayPass(QWidget* addressed, const QKeyEvent& key) {
-  if (!keys_.empty()) return false;
   auto* form = dynamic_cast<Form*>(addressed);
-  // Other windows, such as a file dialog, keep their keys while they are there.
-  if (!form) return addressed && addressed->isVisible();
+  // Other windows, such as the help, keep their keys while they are there.
+  if (addressed && !form && addressed->isVisible()) return true;
+  if (!form || !keys_.empty()) return false;
   Form* active = ActiveForm();
   if (active && active == withoutFocus_) return true;
   if (form != active || !form->TakesKeys() || !form->isActiveWindow()) return false;

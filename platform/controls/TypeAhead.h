@@ -9,8 +9,8 @@ namespace ui {
 
 /// Keys belong to the form that is active for the program. The window system still sends them to the earlier
 /// window for a moment, or to a form that is busy opening or closing. Such keys are held and given to the
-/// active form, in their order, as soon as it has the focus. A message box takes none of them: it forgets what
-/// was typed before the user could see it.
+/// active form, in their order, as soon as it has the focus. A message box takes none of them: it forgets
+/// what was typed before the user could see it.
 ///
 /// True if the event is such a key: the caller then goes no further with it.
 bool HoldKey(QObject& receiver, QEvent& event);

@@ -1,6 +1,7 @@
 #include "platform/system/SingleInstance.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -26,6 +27,10 @@
 
 namespace sys {
 namespace {
+
+/// How long a start waits for an answer. A copy in the middle of a long query answers when that is done.
+constexpr std::chrono::seconds kPatience{3};
+constexpr int kPollMilliseconds = 25;
 
 /// FNV-1a: the same text gives the same number in every build, so that two versions of the program meet.
 std::uint64_t Digest(std::string_view text) {
@@ -125,21 +130,29 @@ std::unique_ptr<SingleInstance> SingleInstance::Claim() {
 bool SingleInstance::CallFirstForward() {
   const int caller = OpenSocket();
   if (caller < 0) return false;
-  socklen_t length = 0;
-  const sockaddr_un address = Address(Name(), length);
-  const std::string token = ActivationToken();
-  // The first may have taken its lock a moment ago and be about to listen.
-  constexpr int kTries = 20;
-  bool said = false;
-  for (int i = 0; i < kTries && !said; ++i) {
-    if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(25));
-    said = sendto(caller, token.data(), token.size(), 0, reinterpret_cast<const sockaddr*>(&address),
-                  length) >= 0;
-    // Calls that it has not yet taken: one more would say nothing new.
-    said = said || errno == EAGAIN;
+  // An address of any name, for the answer.
+  sockaddr_un own{};
+  own.sun_family = AF_UNIX;
+  bool answered = false;
+  if (bind(caller, reinterpret_cast<const sockaddr*>(&own), sizeof own.sun_family) == 0) {
+    socklen_t length = 0;
+    const sockaddr_un address = Address(Name(), length);
+    const std::string token = ActivationToken();
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    bool said = false;
+    while (!answered && std::chrono::steady_clock::now() < end) {
+      // The first may have taken its lock a moment ago and be about to listen.
+      if (!said)
+        said = sendto(caller, token.data(), token.size(), 0, reinterpret_cast<const sockaddr*>(&address),
+                      length) >= 0;
+      pollfd answer{.fd = caller, .events = POLLIN, .revents = 0};
+      char byte = 0;
+      answered = poll(&answer, 1, kPollMilliseconds) > 0 && recv(caller, &byte, 1, 0) > 0;
+      if (!said) std::this_thread::sleep_for(std::chrono::milliseconds(kPollMilliseconds));
+    }
   }
   close(caller);
-  return said;
+  return answered;
 }
 
 SingleInstance::~SingleInstance() {
@@ -149,10 +162,27 @@ SingleInstance::~SingleInstance() {
 
 bool SingleInstance::TakeCall(std::string& token) {
   std::array<char, 512> text{};
-  const ssize_t size = socket_ < 0 ? -1 : recv(socket_, text.data(), text.size(), 0);
+  sockaddr_un caller{};
+  socklen_t length = sizeof caller;
+  const ssize_t size = socket_ < 0 ? -1
+                                   : recvfrom(socket_, text.data(), text.size(), 0,
+                                              reinterpret_cast<sockaddr*>(&caller), &length);
   if (size < 0) return false;
   token.assign(text.data(), static_cast<std::size_t>(size));
+  callers_.emplace_back(reinterpret_cast<const char*>(&caller), length);
   return true;
+}
+
+void SingleInstance::Answer() {
+  for (const std::string& caller : callers_) {
+    sockaddr_un address{};
+    std::memcpy(&address, caller.data(), std::min(caller.size(), sizeof address));
+    // Whoever has given up waiting hears nothing.
+    [[maybe_unused]] const ssize_t sent =
+        sendto(socket_, "+", 1, MSG_NOSIGNAL, reinterpret_cast<sockaddr*>(&address),
+               static_cast<socklen_t>(caller.size()));
+  }
+  callers_.clear();
 }
 
 bool SingleInstance::IsCurrent() const { return name_ == Name(); }

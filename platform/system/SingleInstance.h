@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace sys {
 
@@ -13,7 +14,8 @@ class SingleInstance {
   /// Null when another process holds the claim. Where claims cannot be kept on this machine the result holds
   /// none, and every copy counts as the first.
   static std::unique_ptr<SingleInstance> Claim();
-  /// Tells the first copy to come forward. False when it does not answer within half a second.
+  /// Asks the first copy to come forward. False when it has not said within three seconds that it has: a copy
+  /// that is ending or hangs says nothing.
   static bool CallFirstForward();
 
   ~SingleInstance();
@@ -25,6 +27,8 @@ class SingleInstance {
   /// Takes one call; false when none is waiting. `token` is what the desktop gave the caller so that the
   /// window it leads to may come to the front; it may be empty.
   bool TakeCall(std::string& token);
+  /// Says to all whose calls were taken that this copy has come forward.
+  void Answer();
   /// Whether this claim is the one of the present user and file of settings.
   bool IsCurrent() const;
 
@@ -34,6 +38,7 @@ class SingleInstance {
   std::string name_;
   int lock_;
   int socket_;
+  std::vector<std::string> callers_;  ///< addresses of those who wait for an answer
 };
 
 }  // namespace sys

@@ -36,7 +36,6 @@ BFLogon::BFLogon() : Form("BFLogon") {
   WorkstationLabel.setObjectName("WorkstationLabel");
   WorkstationLabel.setTextFormat(Qt::PlainText);
   WorkstationLabel.setToolTip("This is the name of the Brackenfel workstation on which you are logging.");
-  WorkstationLabel.setAccessibleName("Workstation");
   OKButton.setObjectName("OKButton");
   Cancel.setObjectName("Cancel");
   LayOut();

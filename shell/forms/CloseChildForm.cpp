@@ -7,6 +7,7 @@
 #include "data/BrackenfelGlobals.h"
 #include "platform/screen/Screen.h"
 #include "shell/SignOn.h"
+#include "shell/forms/SingleInstance.h"
 #include "shell/forms/frmMessage.h"
 
 namespace dw {
@@ -24,6 +25,8 @@ bool IsOpen(ui::Form* form) {
 
 /// The row of the session is closed once, whichever forms still go.
 void SignOffOnce() {
+  // A start from now on is a program of its own, not a call for windows that are gone.
+  LeaveSingleInstance();
   if (!SignedOn) return;
   SignedOn = false;
   SignOff();

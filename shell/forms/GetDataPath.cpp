@@ -7,12 +7,15 @@
 #include <QVBoxLayout>
 
 #include "data/Application.h"
+#include "data/BrackenfelGlobals.h"
 #include "data/GenericTools.h"
 #include "platform/controls/DirectoryEntries.h"
 #include "platform/controls/Layout.h"
+#include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
 #include "shell/DataLocation.h"
 #include "shell/ReleaseCopy.h"
+#include "shell/forms/ProgramEnd.h"
 #include "shell/forms/frmGetSQLInfo.h"
 
 namespace dw {
@@ -215,8 +218,10 @@ void GetDataPath::InstallFromDisc() {
     cmdCDInstall.setFocus();
 }
 
-void FindDataFile(const std::string& fileName) {
-  const bool otherForms = !ui::Forms().empty();
+namespace {
+
+/// Shows the window once. True if the user canceled it.
+bool AskForDirectory(const std::string& fileName) {
   // The program waits, but the user is to work in the window.
   const screen::Pointer pointer = screen::SetPointer(screen::Pointer::Normal);
   auto& form = ui::The<GetDataPath>();
@@ -225,14 +230,37 @@ void FindDataFile(const std::string& fileName) {
   form.AtUnload([&] { cancelled = form.Cancelled(); });
   form.ShowModal();
   screen::SetPointer(pointer);
-  if (cancelled) {
+  return cancelled;
+}
+
+bool IsMissing(const std::string& fileName) {
+  const std::string name = BareFileName(fileName);
+  const bool system = rt::EqualNoCase(name, "BFSYS.MDB");
+  return !FileExists(FindFile(system ? SystemPath : DataPath, name));
+}
+
+/// Closes every form and comes back: what looks for its file goes on looking.
+void CloseAllForms() {
+  try {
+    EndApplication();
+  } catch (const ApplicationEnd&) {
+    // Only the windows end here.
+  }
+}
+
+}  // namespace
+
+void FindDataFile(const std::string& fileName) {
+  const bool otherForms = !ui::Forms().empty();
+  while (AskForDirectory(fileName)) {
     screen::MessageBox("This must be set up before you may use the application.", screen::Icon::Critical,
                        screen::Buttons::Ok, "Brackenfel Software Solutions Setup");
-    EndApplication();
+    CloseAllForms();
+    if (!IsMissing(fileName)) break;
   }
-  // Whoever misses the file would ask for it again for ever. Once all forms have been closed under the window
-  // the program is ending just as well.
-  if (cancelled || (otherForms && ui::Forms().empty())) throw ApplicationEnd();
+  // The work that misses the file belonged to windows that have been closed. The user has found the data and
+  // begins anew.
+  if (otherForms && ui::Forms().empty()) throw WindowsClosed();
   SetCompanionFiles();
 }
 

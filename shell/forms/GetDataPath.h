@@ -60,8 +60,9 @@ class GetDataPath : public ui::Form {
   std::string found_;     ///< the copy that the search has found and the user accepted
 };
 
-/// Shows the window for a missing file, and returns when the user has chosen or closed it. Where the user
-/// cancels, the program ends: after a message ApplicationEnd is thrown.
+/// Shows the window for a missing file, and returns when the user has chosen or closed it. Cancel closes
+/// every form after a message, and the window comes again for as long as the file is missing; WindowsClosed
+/// is thrown when it has been found after all.
 void FindDataFile(const std::string& fileName);
 /// Has FindDataFile answer for missing files, and frmGetSQLInfo for an unknown server.
 void InstallLocators();

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -19,6 +20,7 @@
 #include <functional>
 #include <utility>
 
+#include "platform/controls/Contrast.h"
 #include "platform/controls/Later.h"
 #include "platform/screen/Screen.h"
 #include "shell/Help.h"
@@ -49,6 +51,24 @@ QToolButton* PageButton(QWidget* parent, QStyle::StandardPixmap icon, const QStr
   button->setFocusPolicy(Qt::TabFocus);
   return button;
 }
+
+/// Shows pages in colors that can be read on the desktop's own ground, dark or light.
+class PageView : public QTextBrowser {
+ public:
+  using QTextBrowser::QTextBrowser;
+
+  QVariant loadResource(int type, const QUrl& url) override {
+    const QVariant resource = QTextBrowser::loadResource(type, url);
+    if (type != QTextDocument::StyleSheetResource) return resource;
+    const QColor ground = palette().color(QPalette::Base);
+    QString sheet = QString::fromUtf8(resource.toByteArray());
+    static const QRegularExpression color("#[0-9a-fA-F]{6}\\b");
+    for (auto found = color.match(sheet); found.hasMatch(); found = color.match(sheet, found.capturedEnd()))
+      sheet.replace(found.capturedStart(), found.capturedLength(),
+                    ui::Readable(QColor(found.captured()), ground).name());
+    return sheet + "a { color: " + ui::Readable(palette().color(QPalette::Link), ground).name() + "; }";
+  }
+};
 
 }  // namespace
 
@@ -128,7 +148,7 @@ QWidget* HelpWindow::RightSide() {
   cmdBack->setEnabled(false);
   cmdForward->setEnabled(false);
 
-  txtPage = new QTextBrowser(side);
+  txtPage = new PageView(side);
   txtPage->setObjectName("txtPage");
   txtPage->setAccessibleName("Page");
   txtPage->document()->setDocumentMargin(kPageMargin);

@@ -18,10 +18,13 @@
 #include "data/Application.h"
 #include "data/BrackenfelGlobals.h"
 #include "platform/controls/Application.h"
+#include "platform/controls/Later.h"
 #include "platform/runtime/Waits.h"
 #include "platform/screen/Screen.h"
 #include "shell/SignOn.h"
+#include "shell/forms/BFLogon.h"
 #include "shell/forms/CloseChildForm.h"
+#include "shell/forms/SingleInstance.h"
 
 namespace dw {
 namespace {
@@ -72,6 +75,7 @@ bool ending = false;  ///< the forms are being unloaded for good
 [[noreturn]] void EndProcess(int code) {
   if (ending) _exit(code);
   ending = true;
+  LeaveSingleInstance();
   try {
     screen::Install(std::make_shared<EndingScreen>());
     UnloadAllForms();
@@ -90,10 +94,11 @@ bool ending = false;  ///< the forms are being unloaded for good
   _exit(code);
 }
 
-bool IsApplicationEnd(std::exception_ptr error) {
+template <class Error>
+bool Is(std::exception_ptr error) {
   try {
     std::rethrow_exception(std::move(error));
-  } catch (const ApplicationEnd&) {
+  } catch (const Error&) {
     return true;
   } catch (...) {
     return false;
@@ -103,7 +108,12 @@ bool IsApplicationEnd(std::exception_ptr error) {
 void EndAfter(const std::exception_ptr& error) {
   // One error is enough: what fails while the program ends is its consequence.
   if (told || ending) return;
-  if (IsApplicationEnd(error)) EndProcess(0);
+  if (Is<WindowsClosed>(error)) {
+    // Whoever has found the data wants to work with it.
+    if (ui::Forms().empty()) ui::Later(*qApp, [] { ui::Guard(ShowLogon); });
+    return;
+  }
+  if (Is<ApplicationEnd>(error)) EndProcess(0);
   told = true;
   try {
     screen::SetPointer(screen::Pointer::Normal);

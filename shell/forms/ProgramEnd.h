@@ -2,7 +2,12 @@
 // system asks it to.
 #pragma once
 
+#include "data/Application.h"
+
 namespace dw {
+
+/// Ends the work of windows that have been closed under it; the program goes on with a new sign-on.
+class WindowsClosed : public ApplicationEnd {};
 
 /// From now on an uncaught error is shown in one box, and then the process ends with exit code 1;
 /// ApplicationEnd ends it with 0 and no word. SIGTERM, SIGINT and SIGHUP end it with 0, and at once when they

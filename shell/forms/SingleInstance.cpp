@@ -29,7 +29,7 @@ void AnswerCalls() {
   if (!called) return;
   // With it the desktop knows that the user asked for this window.
   if (!token.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
-  BringProgramForward();
+  if (BringProgramForward()) OwnInstance().claim->Answer();
 }
 
 }  // namespace
@@ -39,15 +39,21 @@ bool ActivatePreviousInstance() {
   if (own.claim && own.claim->IsCurrent()) return false;
   own.calls.reset();
   own.claim = sys::SingleInstance::Claim();
-  // A copy that does not answer is about to end, or hangs; this one then starts as usual.
-  if (!own.claim) return sys::SingleInstance::CallFirstForward();
-  if (own.claim->Descriptor() < 0) return false;
+  if (!own.claim && sys::SingleInstance::CallFirstForward()) return true;
+  // A copy that does not answer is about to end, or hangs. It may have ended meanwhile.
+  if (!own.claim) own.claim = sys::SingleInstance::Claim();
+  if (!own.claim || own.claim->Descriptor() < 0) return false;
   own.calls = std::make_unique<QSocketNotifier>(own.claim->Descriptor(), QSocketNotifier::Read);
   QObject::connect(own.calls.get(), &QSocketNotifier::activated, qApp, [] { ui::Guard(AnswerCalls); });
   return false;
 }
 
-void BringProgramForward() {
+void LeaveSingleInstance() {
+  OwnInstance().calls.reset();
+  OwnInstance().claim.reset();
+}
+
+bool BringProgramForward() {
   QWidget* window = QApplication::activeModalWidget();
   // Windows of ours lie under a box; they come up first, and the box over them.
   if (ui::Form* form = ui::ActiveForm(); form && form->isVisible()) {
@@ -55,10 +61,11 @@ void BringProgramForward() {
     form->raise();
     if (!window) window = form;
   }
-  if (!window) return;
+  if (!window) return false;
   if (window->isMinimized()) window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
   window->raise();
   window->activateWindow();
+  return true;
 }
 
 }  // namespace dw

@@ -3,10 +3,13 @@
 
 namespace dw {
 
-/// True when another copy runs and has been told to come forward; this one is to end then. Otherwise this
-/// copy is the first from now on, and comes forward when it is told.
+/// True when another copy runs and has come forward; this one is to end then. Otherwise this copy runs as
+/// usual, and comes forward when it is called.
 bool ActivatePreviousInstance();
-/// Brings the window that the user worked in last to the front, restored if it was minimised.
-void BringProgramForward();
+/// This copy is about to end: it takes no more calls, and the next start is the first copy.
+void LeaveSingleInstance();
+/// Brings the window that the user worked in last to the front, restored if it was minimized. False where
+/// there is no window.
+bool BringProgramForward();
 
 }  // namespace dw

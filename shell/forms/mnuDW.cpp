@@ -24,6 +24,9 @@
 namespace dw {
 namespace {
 
+/// A window that is not maximized leaves some of the screen to others.
+constexpr double kRestored = 0.9;
+
 /// Lets the keys and the mouse stand on entries that are out of use, so that the status bar can tell of them.
 class MenuStyle : public QProxyStyle {
  public:
@@ -147,9 +150,9 @@ void mnuDW::OnLoad() {
     HelpReady = true;
   }
   if (!Minimised()) {
-    const QRect area = screen()->availableGeometry();
-    resize(area.size());
-    move(area.topLeft());
+    // What a restored window goes back to: it fits the screen as well.
+    resize(size().expandedTo(ui::RoomFor(*this) * kRestored));
+    move(screen()->availableGeometry().topLeft() + QPoint(1, 1));
     setWindowState(windowState() | Qt::WindowMaximized);
   }
   if (!IsAdministrator) TakeAway("DW_ApplicationSetup", "for administrators");

@@ -55,6 +55,44 @@ class DataGridTest : public test::GridTest {
   QLineEdit* field = new QLineEdit;
 };
 
+TEST_F(DataGridTest, ARowFoundByTypingIsAmongItsNeighbors) {
+  Open(400);
+  ASSERT_TRUE(grid->FindText("K200"));
+  const QRect row = grid->visualRect(grid->currentIndex());
+  const int height = grid->viewport()->height();
+  EXPECT_GT(row.top(), height / 4);
+  EXPECT_LT(row.bottom(), height * 3 / 4);
+}
+
+TEST_F(DataGridTest, DecimalsOfAColumnAgreeAndDatesFit) {
+  Open(40);
+  Change("UPDATE Assets SET Miles = 7 WHERE ID = 1");
+  Change("UPDATE Assets SET Miles = 2.5 WHERE ID = 2");
+  Change("UPDATE Assets SET Miles = NULL WHERE ID = 3");
+  Change("UPDATE Assets SET Bought = #1/1/2001 1:01:01 AM#");
+  grid->SetColumns({{"Miles"}, {"Bought"}, {"ID"}});
+  rows.Refresh();
+  const auto shown = [&](int row, int column) { return grid->model()->index(row, column).data().toString(); };
+  EXPECT_EQ(shown(0, 0), "7.00");
+  EXPECT_EQ(shown(1, 0), "2.50");
+  EXPECT_EQ(shown(2, 0), "");
+  EXPECT_EQ(shown(3, 0), "12.25");
+  EXPECT_EQ(shown(0, 2), "1");
+  QFont bold = grid->font();
+  bold.setBold(true);
+  EXPECT_GT(grid->columnWidth(1), QFontMetrics(bold).horizontalAdvance("10/28/2008 10:08:08 PM"));
+}
+
+TEST_F(DataGridTest, AnEmptyGridShowsThatItHasTheFocus) {
+  Open(0);
+  field->setFocus();
+  test::Settle();
+  const QImage without = grid->viewport()->grab().toImage();
+  grid->setFocus();
+  test::Settle();
+  EXPECT_NE(grid->viewport()->grab().toImage(), without);
+}
+
 TEST_F(DataGridTest, ShowsFormattedRowsAndLeavesTheRecordsetsPlace) {
   Open(300);
   Change("UPDATE Assets SET Notes = 'two\r\nlines', Cost = NULL WHERE ID = 2");

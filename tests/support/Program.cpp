@@ -90,6 +90,12 @@ bool Program::WaitForError(const std::string& part) const {
   return true;
 }
 
+bool Program::Running() const {
+  siginfo_t ended{};
+  return waitid(P_PID, static_cast<id_t>(pid_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         ended.si_pid == 0;
+}
+
 void Program::Signal(int signal) const { kill(pid_, signal); }
 
 Outcome Program::Join() {

@@ -26,6 +26,7 @@ class Program {
   /// Waits until this has been written to standard error; false when the time is over.
   bool WaitForError(const std::string& part) const;
   void Signal(int signal) const;
+  bool Running() const;
   /// Waits for the end.
   Outcome Join();
 

@@ -35,6 +35,7 @@
 #include "shell/forms/frmGetSQLInfo.h"
 #include "shell/forms/frmMessage.h"
 #include "shell/forms/mnuDW.h"
+#include "tools/screenshots/Inspect.h"
 
 namespace shots {
 namespace {
@@ -202,7 +203,12 @@ void TakeShell(Album& album) {
   album.Take(about, about.Name());
   about.Aborted = true;
   about.Unload();
-  TakeAlone<dw::mnuDW>(album);
+  auto& menu = ui::The<dw::mnuDW>();
+  menu.ShowForm();
+  album.Take(menu, menu.Name());
+  menu.showNormal();
+  album.Take(menu, menu.Name() + "-restored");
+  menu.Unload();
   Settle();
 }
 
@@ -210,6 +216,7 @@ void TakeShell(Album& album) {
 
 void Album::Take(QWidget& window, const std::string& name) {
   Settle();
+  for (const std::string& fault : Inspect(window)) faults_.push_back(name + ": " + fault);
   Keep(window.grab(), name);
 }
 

@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <string>
+#include <vector>
 
 class QPixmap;
 class QWidget;
@@ -13,12 +14,16 @@ namespace shots {
 class Album {
  public:
   explicit Album(std::string folder) : folder_(std::move(folder)) {}
-  /// Lets a window settle and takes its picture. Throws std::runtime_error where the file cannot be written.
+  /// Lets a window settle, inspects it and takes its picture. Throws std::runtime_error where the file cannot
+  /// be written.
   void Take(QWidget& window, const std::string& name);
   void Keep(const QPixmap& picture, const std::string& name);
+  /// What is wrong with the windows so far, see Inspect.
+  const std::vector<std::string>& Faults() const { return faults_; }
 
  private:
   std::string folder_;
+  std::vector<std::string> faults_;
 };
 
 /// Opens every window on the sample fleet in the data path, one after the other, and takes its picture.

@@ -1,7 +1,10 @@
-// Opens every window on a sample fleet and takes its picture: screenshots <folder> [dark].
+// Opens every window on a sample fleet, looks for what is cut off or out of reach, and takes its picture:
+// screenshots <folder> [dark] [12pt].
+#include <QFont>
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -42,12 +45,20 @@ QPalette Dark() {
 
 int main(int argc, char** argv) {
   if (argc < 2) {
-    std::fprintf(stderr, "screenshots <folder> [dark]\n");
+    std::fprintf(stderr, "screenshots <folder> [dark] [12pt]\n");
     return 2;
   }
   ui::Application application(argc, argv);
   QApplication::setStyle(QStyleFactory::create("Fusion"));
-  if (argc > 2 && std::strcmp(argv[2], "dark") == 0) QApplication::setPalette(Dark());
+  const auto given = [&](const char* option) {
+    return std::any_of(argv + 2, argv + argc, [&](const char* one) { return std::strcmp(one, option) == 0; });
+  };
+  if (given("dark")) QApplication::setPalette(Dark());
+  if (given("12pt")) {
+    QFont font = QApplication::font();
+    font.setPointSize(12);
+    QApplication::setFont(font);
+  }
   // Boxes answer themselves; what the windows show is the same at each run.
   screen::Install(std::make_shared<screen::ScriptedScreen>());
   const rt::FixedClock clock(rt::DateTime(2026, 3, 2, 9, 30));
@@ -65,6 +76,8 @@ int main(int argc, char** argv) {
     dw::WorkstationName = "OFFICE";
     shots::Album album(argv[1]);
     shots::TakeAll(album);
+    for (const std::string& fault : album.Faults()) std::fprintf(stderr, "%s\n", fault.c_str());
+    if (!album.Faults().empty()) return 1;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "screenshots: %s\n", error.what());
     return 1;

@@ -7,6 +7,7 @@
 #include "platform/controls/Later.h"
 #include "shell/DataLocation.h"
 #include "shell/forms/GetDataPath.h"
+#include "shell/forms/ProgramEnd.h"
 
 namespace {
 
@@ -120,15 +121,23 @@ TEST_F(BFLogonTest, AsksForTheNameOfTheWorkstation) {
   EXPECT_EQ(sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name", "none"), "none");
 }
 
-TEST_F(BFLogonTest, WhoCannotFindTheDataEndsTheProgram) {
+TEST_F(BFLogonTest, WhoFindsTheDataAfterACancelSignsOnAnew) {
   sys::SaveSetting("DW", "Data", "DW Data Path", directory_.Path());
   dw::InstallLocators();
   int ends = 0;
   const auto earlier = ui::InstallUncaught([&](const std::exception_ptr& error) {
-    EXPECT_THROW(std::rethrow_exception(error), dw::ApplicationEnd);
+    EXPECT_THROW(std::rethrow_exception(error), dw::WindowsClosed);
     ++ends;
   });
-  ui::Later(*qApp, [] { test::Click(test::Open("GetDataPath"), "cmdCancel"); });
+  ui::Later(*qApp, [this] {
+    ui::Later(*qApp, [this] {
+      auto& again = static_cast<dw::GetDataPath&>(test::Open("GetDataPath"));
+      EXPECT_EQ(ui::Forms().size(), 1U) << "the sign-on window has been closed";
+      again.Dir1.SetPath(files_.Path({}));
+      again.cmdOK.click();
+    });
+    test::Find<QPushButton>(test::Open("GetDataPath"), "cmdCancel").click();
+  });
   screen_->Expect("This must be set up before you may use the application.", Icon::Critical,
                   screen::Buttons::Ok, screen::Answer::Ok, "Brackenfel Software Solutions Setup");
   dw::ShowLogon();

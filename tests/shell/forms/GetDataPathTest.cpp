@@ -13,6 +13,8 @@
 #include "platform/controls/Later.h"
 #include "platform/system/Settings.h"
 #include "shell/DataLocation.h"
+#include "shell/forms/CloseChildForm.h"
+#include "shell/forms/ProgramEnd.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFile.h"
 #include "support/TempDirectory.h"
@@ -138,15 +140,32 @@ TEST_F(GetDataPathTest, AFailedInstallationLeavesTheWindowOpen) {
   EXPECT_FALSE(form.cmdCancel.isEnabled());
 }
 
-TEST_F(GetDataPathTest, AStartWithoutItsDataFindsItOrEnds) {
+TEST_F(GetDataPathTest, TheWindowComesAgainUntilTheDataIsFound) {
   bool ok = false;
-  user_->Expect("This must be set up before you may use the application.", Icon::Critical, Buttons::Ok,
-                Answer::Ok, "Brackenfel Software Solutions Setup");
-  WhenOpen([](dw::GetDataPath& form) { test::Press(form.Dir1, Qt::Key_Escape); });
-  EXPECT_THROW(dw::LocateData(ok), dw::ApplicationEnd);
-  EXPECT_EQ(ended_, 1);
+  const auto cancel = [this](dw::GetDataPath& form) {
+    user_->Expect("This must be set up before you may use the application.", Icon::Critical, Buttons::Ok,
+                  Answer::Ok, "Brackenfel Software Solutions Setup");
+    test::Press(form.Dir1, Qt::Key_Escape);
+  };
+  WhenOpen([&](dw::GetDataPath& form) {
+    cancel(form);
+    WhenOpen([&](dw::GetDataPath& second) {
+      cancel(second);
+      WhenOpen([&](dw::GetDataPath& third) {
+        EXPECT_EQ(ended_, 2) << "every other form is closed each time";
+        EXPECT_EQ(third.FileName, "DW.MDB");
+        third.Dir1.SetPath(fleet_);
+        third.cmdOK.click();
+      });
+    });
+  });
+  dw::LocateData(ok);
+  EXPECT_TRUE(ok);
+  EXPECT_EQ(dw::DataFile, fleet_ + "/dw.mdb");
 
-  // Closing the window changes nothing: it comes again.
+  // Closing the window changes nothing either.
+  ok = false;
+  sys::SaveSetting("DW", "Data", "DW Data Path", "/gone/");
   WhenOpen([&](dw::GetDataPath& form) {
     form.close();
     WhenOpen([&](dw::GetDataPath& next) {
@@ -191,15 +210,36 @@ class NeedsFile : public ui::Form {
   }
 };
 
-TEST_F(GetDataPathTest, AWindowThatMissesItsFileAsItOpensDoesNotAskTwice) {
-  bool ended = false;
-  const auto earlier = ui::InstallUncaught([&](const std::exception_ptr&) { ended = true; });
+TEST_F(GetDataPathTest, AWindowThatIsClosedUnderItsMissingFileGoesNoFurther) {
+  bool closed = false;
+  const auto earlier = ui::InstallUncaught([&](const std::exception_ptr& error) {
+    try {
+      std::rethrow_exception(error);
+    } catch (const dw::WindowsClosed&) {
+      closed = true;
+    }
+  });
+  dw::InstallEndApplication([] {
+    dw::UnloadAllForms();
+    throw dw::ApplicationEnd();
+  });
+  dw::SetDataPath("/gone");
   user_->Expect("This must be set up before you may use the application.", Icon::Critical, Buttons::Ok,
                 Answer::Ok, "Brackenfel Software Solutions Setup");
-  WhenOpen([](dw::GetDataPath& form) { test::Click(form, "cmdCancel"); });
+  bool asked = false;
+  WhenOpen([&](dw::GetDataPath& form) {
+    WhenOpen([&](dw::GetDataPath& again) {
+      asked = true;
+      EXPECT_EQ(ui::FindForm("NeedsFile"), nullptr);
+      again.Dir1.SetPath(fleet_);
+      again.cmdOK.click();
+    });
+    form.cmdCancel.click();
+  });
   auto& form = *new NeedsFile;
   form.ShowForm();
-  EXPECT_TRUE(ended);
+  EXPECT_TRUE(asked);
+  EXPECT_TRUE(closed);
   EXPECT_EQ(form.activations, 1);
   ui::InstallUncaught(earlier);
 }

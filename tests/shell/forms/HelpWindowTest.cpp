@@ -3,14 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "platform/controls/Contrast.h"
 #include "shell/Help.h"
 #include "shell/forms/HelpKey.h"
 #include "shell/forms/HelpResults.h"
@@ -54,6 +57,37 @@ class HelpWindowTest : public testing::Test {
   test::ScreenScript user_;
   test::FormsEnd end_;
 };
+
+TEST_F(HelpWindowTest, EachPageCanBeReadOnDarkAndLightGrounds) {
+  const QPalette before = QApplication::palette();
+  for (const auto& [ground, text] : {std::pair(QColor(30, 30, 32), QColor(225, 225, 225)),
+                                     std::pair(QColor(Qt::white), QColor(Qt::black))}) {
+    QPalette palette(ground);
+    palette.setColor(QPalette::Base, ground);
+    palette.setColor(QPalette::AlternateBase, ground.lighter(110));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Link, QColor(0, 0, 255));
+    QApplication::setPalette(palette);
+    dw::ShowHelpContents();
+    int looked = 0;
+    for (const auto& page : QDir(HELP_PAGES).entryList({"*.html"})) {
+      Window()->ShowPage(page.toStdString());
+      const QTextDocument& document = *Window()->txtPage->document();
+      for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+          const QTextCharFormat format = part.fragment().charFormat();
+          const QColor shown =
+              format.hasProperty(QTextFormat::ForegroundBrush) ? format.foreground().color() : text;
+          EXPECT_GE(ui::Contrast(shown, ground), 4.5)
+              << page.toStdString() << ": " << part.fragment().text().toStdString();
+          ++looked;
+        }
+    }
+    EXPECT_GT(looked, 500);
+    delete Window();
+  }
+  QApplication::setPalette(before);
+}
 
 TEST_F(HelpWindowTest, F1ExplainsTheWindowInFront) {
   auto* list = new SomeForm("frmDivisionList");

@@ -46,6 +46,26 @@ TEST_F(ProgramTest, ASecondStartEndsAndTheFirstGoesOn) {
   EXPECT_EQ(Ask("SELECT COUNT(*) FROM [Access Log]"), "0");
 }
 
+TEST_F(ProgramTest, AStartBesideACopyThatHangsIsAProgramOfItsOwn) {
+  NameWorkstation("Front Desk");
+  test::Program first(Command());
+  ASSERT_TRUE(WaitForFirst());
+  // Its start is over: it holds no file of settings.
+  while (sys::GetSetting("DW", "Control", "Initialized") != "Yes")
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  first.Signal(SIGSTOP);
+  test::Program second(Command());
+  // Past the time that it waits for an answer.
+  std::this_thread::sleep_for(std::chrono::seconds(5));
+  EXPECT_TRUE(second.Running());
+  second.Signal(SIGTERM);
+  EXPECT_EQ(second.Join().code, 0);
+  first.Signal(SIGCONT);
+  first.Signal(SIGTERM);
+  EXPECT_EQ(first.Join().code, 0);
+}
+
 TEST_F(ProgramTest, UnderstandsItsOptions) {
   EXPECT_EQ(test::Program(Command({"--version"})).Join().out, "Drovewright 2.12.4\n");
   EXPECT_EQ(test::Program(Command({"--help"})).Join().code, 0);
@@ -61,8 +81,17 @@ TEST(SingleInstance, TheFirstHearsTheOthersAndALaterOneFollowsItsDeath) {
     const auto claim = sys::SingleInstance::Claim();
     channel.Say(claim ? "first" : "not first");
     channel.Hear();
+    // It hangs for a while.
     std::string token;
-    channel.Say(claim->TakeCall(token) ? "called " + token : "not called");
+    channel.Say("hung");
+    channel.Hear();
+    while (claim->TakeCall(token)) {
+    }
+    channel.Say("ready");
+    token = "none";
+    while (!claim->TakeCall(token)) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    claim->Answer();
+    channel.Say("called " + token);
     channel.Hear();
   });
   const test::TempDirectory directory;
@@ -74,8 +103,12 @@ TEST(SingleInstance, TheFirstHearsTheOthersAndALaterOneFollowsItsDeath) {
   ASSERT_EQ(first.Talk().Hear(), "first");
 
   EXPECT_EQ(sys::SingleInstance::Claim(), nullptr);
-  EXPECT_TRUE(sys::SingleInstance::CallFirstForward());
+  first.Talk().Say("hang");
+  EXPECT_EQ(first.Talk().Hear(), "hung");
+  EXPECT_FALSE(sys::SingleInstance::CallFirstForward()) << "a call alone is no answer";
   first.Talk().Say("go on");
+  EXPECT_EQ(first.Talk().Hear(), "ready");
+  EXPECT_TRUE(sys::SingleInstance::CallFirstForward());
   EXPECT_EQ(first.Talk().Hear(), "called token");
 
   // Other settings, other data: that copy stands by itself.

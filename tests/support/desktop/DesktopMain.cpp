@@ -2,6 +2,7 @@
 
 #include "platform/controls/Application.h"
 #include "support/desktop/Role.h"
+#include "support/desktop/Watchdog.h"
 
 namespace {
 
@@ -21,5 +22,8 @@ int main(int argc, char** argv) {
   ui::Application application(argc, argv);
   ui::InstallUncaught([](const std::exception_ptr& error) { ADD_FAILURE() << ui::UncaughtText(error); });
   const int role = test::Role::Run();
-  return role >= 0 ? role : RUN_ALL_TESTS();
+  if (role >= 0) return role;
+  // Well below the limit of CTest, which knows neither the test's line nor its stack.
+  test::WatchTests(120);
+  return RUN_ALL_TESTS();
 }
