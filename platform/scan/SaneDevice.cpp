@@ -7,6 +7,9 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <future>
+#include <memory>
+#include <thread>
 
 #include "platform/scan/ScanRows.h"
 
@@ -20,6 +23,9 @@ constexpr double kMillimetresPerInch = 25.4;
 
 using Clock = std::chrono::steady_clock;
 constexpr auto kShowEvery = std::chrono::milliseconds(150);
+constexpr auto kCancelPatience = std::chrono::seconds(5);
+
+bool driverHangs = false;
 
 bool IsNumber(const SANE_Option_Descriptor& option) {
   return (option.type == SANE_TYPE_INT || option.type == SANE_TYPE_FIXED) &&
@@ -73,7 +79,24 @@ SaneDevice::SaneDevice(const SaneLibrary& library, const std::string& name) : li
   Check(library_.open(name.c_str(), &handle_));
 }
 
-SaneDevice::~SaneDevice() { library_.close(handle_); }
+SaneDevice::~SaneDevice() {
+  if (!hangs_) library_.close(handle_);
+}
+
+bool SaneDevice::DriverHangs() { return driverHangs; }
+
+// Drivers with a thread of their own may wait for its end for ever, which must not take the program with
+// them.
+void SaneDevice::Cancel() {
+  auto ended = std::make_shared<std::promise<void>>();
+  std::future<void> end = ended->get_future();
+  std::thread([cancel = library_.cancel, handle = handle_, ended] {
+    cancel(handle);
+    ended->set_value();
+  }).detach();
+  hangs_ = end.wait_for(kCancelPatience) != std::future_status::ready;
+  driverHangs = driverHangs || hangs_;
+}
 
 void SaneDevice::Check(SANE_Status status) const {
   if (status != SANE_STATUS_GOOD) throw ScanError(std::string(library_.strstatus(status)) + ".");
@@ -185,11 +208,11 @@ ScannedPicture SaneDevice::Read(ScanDisplay* display) {
   try {
     ReadPasses(picture, display);
   } catch (...) {
-    library_.cancel(handle_);
+    Cancel();
     throw;
   }
   // A scan that succeeded ends in the same way.
-  library_.cancel(handle_);
+  Cancel();
   if (picture.height < 1) throw ScanError("The scanner has sent no picture.");
   if (display) display->ShowScan(picture, picture.height);
   return picture;

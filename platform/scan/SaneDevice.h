@@ -32,6 +32,8 @@ class SaneDevice {
 
   /// Reads one picture, in as many passes as the device makes. Throws ScanError.
   ScannedPicture Read(ScanDisplay* display);
+  /// Whether a driver of this process has never come back from ending a scan. It is left alone from then on.
+  static bool DriverHangs();
 
  private:
   struct Option {
@@ -44,6 +46,7 @@ class SaneDevice {
   void SetNumber(const Option& option, double value);
   void SetText(const Option& option, const std::string& value);
   void SetEdges(const char* low, const char* high, double millimeters);
+  void Cancel();
   void ReadPasses(ScannedPicture& picture, ScanDisplay* display);
   /// One pass; true if it was the last one.
   bool ReadPass(ScannedPicture& picture, ScanDisplay* display);
@@ -51,6 +54,7 @@ class SaneDevice {
 
   const SaneLibrary& library_;
   SANE_Handle handle_ = nullptr;
+  bool hangs_ = false;
 };
 
 }  // namespace sys

@@ -46,7 +46,7 @@ class SaneScanner : public Scanner {
  public:
   ~SaneScanner() override {
     device_.reset();
-    if (library_) library_->exit();
+    if (library_ && !SaneDevice::DriverHangs()) library_->exit();
   }
 
   bool Available() override {

@@ -4,10 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <chrono>
+#include <thread>
 
 #include "platform/scan/ScanRows.h"
+#include "support/SecondProcess.h"
 #include "support/TempDirectory.h"
 #include "support/TestScanner.h"
+#if __has_include(<sane/sane.h>)
+#include "platform/scan/SaneDevice.h"
+#endif
 
 namespace {
 
@@ -139,5 +145,43 @@ TEST_F(ScannerTest, DevicesOfOtherKindsAndDevicesInTrouble) {
     EXPECT_EQ(Failure(), "Document feeder jammed.");
   }
 }
+
+#if __has_include(<sane/sane.h>)
+
+/// A driver whose scan jams and whose end waits for a thread that never comes.
+sys::SaneLibrary Hanging() {
+  sys::SaneLibrary library;
+  library.open = [](SANE_String_Const, SANE_Handle*) { return SANE_STATUS_GOOD; };
+  library.close = [](SANE_Handle) { ADD_FAILURE() << "it would wait once more"; };
+  library.getOptionDescriptor = [](SANE_Handle, SANE_Int) -> const SANE_Option_Descriptor* {
+    return nullptr;
+  };
+  library.controlOption = [](SANE_Handle, SANE_Int, SANE_Action, void*, SANE_Int*) {
+    return SANE_STATUS_UNSUPPORTED;
+  };
+  library.start = [](SANE_Handle) { return SANE_STATUS_JAMMED; };
+  library.strstatus = [](SANE_Status) -> SANE_String_Const { return "Jammed"; };
+  library.cancel = [](SANE_Handle) { std::this_thread::sleep_for(std::chrono::minutes(10)); };
+  return library;
+}
+
+TEST(Scanner, ADriverThatNeverComesBackFromItsEndIsLeftAlone) {
+  const sys::SaneLibrary library = Hanging();
+  // In a process of its own, which the driver stays in.
+  test::SecondProcess scans([&](test::SecondProcess::Channel& channel) {
+    std::string words = "read";
+    try {
+      sys::SaneDevice device(library, "any");
+      device.Read(nullptr);
+    } catch (const sys::ScanError& error) {
+      words = error.what();
+    }
+    channel.Say(words + (sys::SaneDevice::DriverHangs() ? ", hangs" : ""));
+    channel.Hear();
+  });
+  EXPECT_EQ(scans.Talk().Hear(), "Jammed., hangs");
+}
+
+#endif
 
 }  // namespace
