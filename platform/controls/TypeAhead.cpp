@@ -83,7 +83,7 @@ bool Held::MayPass(QWidget* addressed, const QKeyEvent& key) {
   if (addressed && !form && addressed->isVisible()) return true;
   if (!form || !keys_.empty()) return false;
   Form* active = ActiveForm();
-  if (active && active == withoutFocus_) return true;
+  if (active && active == withoutFocus_ && !active->isActiveWindow()) return true;
   if (form != active || !form->TakesKeys() || !form->isActiveWindow()) return false;
   if (atWork == 0 || key.key() == Qt::Key_Escape) return true;
   return qobject_cast<QAbstractButton*>(QApplication::focusWidget()) != nullptr;
