@@ -68,6 +68,7 @@ Reading::~Reading() {
 
 std::shared_ptr<const QueryPlan> Connection::Plan(std::string_view sql, std::vector<rt::Value>* parameters) {
   Normalized statement = Normalize(sql);
+  impl_->Ready();
   auto plan = impl_->Db().Plan(statement);
   *parameters = std::move(statement.parameters);
   return plan;
@@ -81,7 +82,8 @@ std::int64_t Connection::Execute(std::string_view sql) {
     case StatementKind::Select:
       throw StoreError(kSelectNotExecuted, "A SELECT cannot be executed; it opens a recordset.");
     case StatementKind::Insert:
-      impl_->BeforeRead(t);
+      // An INSERT … SELECT reads tables that the translation does not name.
+      impl_->BeforeReadOfAll();
       CheckNumbersLeft(impl_->Db(), *plan, parameters);
       return impl_->ExecuteInsert(*plan, parameters);
     case StatementKind::Update:
@@ -121,12 +123,16 @@ int Connection::TransactionDepth() const { return impl_->Depth(); }
 void Connection::FinishGroup() { impl_->FinishGroup(); }
 void Connection::AbandonGroup() { impl_->AbandonGroup(); }
 void Connection::EnterGroup() { impl_->EnterGroup(); }
+std::uint64_t Connection::Glance(int table) const { return impl_->Glance(table); }
 
-std::shared_ptr<const Schema> Connection::Tables() { return impl_->Db().Tables(true); }
+std::shared_ptr<const Schema> Connection::Tables() {
+  impl_->Ready();
+  return impl_->Db().Tables(true);
+}
 
 std::vector<std::string> Connection::CheckIntegrity() {
   std::vector<std::string> faults;
-  Use check(impl_->Db(), "PRAGMA integrity_check");
+  Question check(*impl_, "PRAGMA integrity_check");
   while (check.Step())
     if (check.Text(0) != "ok") faults.push_back(check.Text(0));
   return faults;

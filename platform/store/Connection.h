@@ -30,7 +30,7 @@ const std::string& IdentityUser();
 /// How a transaction is committed.
 enum class Commit {
   Now,        ///< on the disk when the call returns
-  WithGroup,  ///< whole or not at all, and on the disk with the others of its group: within a tenth of a
+  WithGroup,  ///< whole or not at all, and on the disk with the others of its group: within a quarter of a
               ///< second, before the program waits for anything, and at FinishGroup at the latest
 };
 
@@ -82,6 +82,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Starts writing now, so that what is read next cannot change before the group is committed. Only between
   /// BeginTrans … CommitTrans(WithGroup) pairs; the group's limits hold from here.
   void EnterGroup();
+  /// A number that stays the same for as long as no row of the table that was read under it can have changed;
+  /// 0 where nothing keeps others from changing it. Inside a group others cannot.
+  std::uint64_t Glance(int table) const;
 
   // --- definitions; each is refused (3009) while another holds a record of the table
   std::shared_ptr<const Schema> Tables();

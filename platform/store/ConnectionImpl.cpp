@@ -1,31 +1,17 @@
 #include "platform/store/ConnectionImpl.h"
 
-#include <time.h>
-
 #include <algorithm>
+#include <chrono>
 
 #include "platform/runtime/Waits.h"
+#include "platform/store/Numbers.h"
 
 namespace store {
 namespace {
 
-// A group goes on for four times as long as its commit takes on this disk, so that commits cost a fifth of
-// the time at most; others wait for a tenth of a second and a commit at the longest.
-constexpr int kGroupCommits = 20000;
-constexpr auto kShortestGroup = std::chrono::milliseconds(25);
-constexpr auto kLongestGroup = std::chrono::milliseconds(100);
-// Between two groups others get their turn: they try every half millisecond.
-constexpr long kGroupPauseNanoseconds = 2000000;
-constexpr std::size_t kMostCachedRows = 20000;
-
 std::vector<Connection::Impl*>& Live() {
   static std::vector<Connection::Impl*> open;
   return open;
-}
-
-void NapFor(long nanoseconds) {
-  const timespec nap{0, nanoseconds};
-  nanosleep(&nap, nullptr);
 }
 
 }  // namespace
@@ -42,30 +28,37 @@ void YieldFiles() {
       impl->Yield();
     } catch (const StoreError&) {
       // What could not be committed now is kept and tried again when the work goes on; then the error is
-      // told.
+      // reported.
     }
   }
 }
 
 Connection::Impl::Impl(std::unique_ptr<Handle> handle, std::unique_ptr<SideFile> side, OpenRequest request)
-    : handle_(std::move(handle)), side_(std::move(side)), request_(std::move(request)) {
+    : handle_(std::move(handle)),
+      side_(std::move(side)),
+      request_(std::move(request)),
+      group_(*side_),
+      holds_(*side_, [this] { YieldSiblings(); }) {
   static const bool registered = [] {
     rt::BeforeEveryWait(YieldFiles);
     return true;
   }();
   (void)registered;
+  handle_->SetWaitingSign(side_.get());
   Live().push_back(this);
 }
 
 Connection::Impl::~Impl() {
   std::erase(Live(), this);
   try {
+    while (group_.On() && Depth() > 0) Rollback();
     FinishGroup();  // what was committed with the group was promised
   } catch (const StoreError&) {
-    // The disk that refuses it now has refused it before, and that was told.
+    // The disk that refuses it now has refused it before, and that was reported.
   }
-  if (physical_ && !sqlite3_get_autocommit(handle_->Db()))
+  if ((physical_ || reading_) && !sqlite3_get_autocommit(handle_->Db()))
     sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
+  handle_->SetWaitingSign(nullptr);
   side_.reset();
   Handle::Park(std::move(handle_));
 }
@@ -76,20 +69,16 @@ void Connection::Impl::YieldSiblings() {
       other->Yield();
 }
 
-// --- the physical transaction
+// --- the file's write transaction
 
-void Connection::Impl::StartReading() {
-  if (physical_ || reading_ || !log_.empty()) return;
-  Use begin(*handle_, "BEGIN");
-  begin.Step();
-  reading_ = true;
+void Connection::Impl::Do(std::string_view sql) {
+  Use use(*handle_, sql);
+  use.Step();
 }
 
-void Connection::Impl::EndReading() {
-  if (!reading_) return;
-  reading_ = false;
-  Use end(*handle_, "COMMIT");
-  end.Step();
+void Connection::Impl::NoteTablesChanged() {
+  handle_->ForgetTables();
+  tablesChanged_ = true;
 }
 
 void Connection::Impl::BeginPhysical() {
@@ -98,26 +87,19 @@ void Connection::Impl::BeginPhysical() {
   if (request_.readOnly)
     throw StoreError(kReadOnly, "Cannot update. The data base '" + request_.path + "' was opened read-only.");
   YieldSiblings();
-  {
-    Use begin(*handle_, "BEGIN IMMEDIATE");
-    begin.Step();
-  }
+  Do("BEGIN IMMEDIATE");
   physical_ = true;
-  groupStart_ = Clock::now();
   try {
     side_->Renew();
-    if (Depth() > 0 || groupMode_) {
-      Use begin(*handle_, "SAVEPOINT start");  // see TakeBack
-      begin.Step();
-    }
+    if (group_.On()) group_.Started();
+    if (Depth() > 0 || group_.On()) Do("SAVEPOINT start");  // see TakeBack
     const std::int64_t version = handle_->Number("PRAGMA data_version");
     if (version != dataVersion_) {
       dataVersion_ = version;
       ++epoch_;
-      DropCleanCaches();
+      caches_.ForgetClean();
     }
-    Replay(groupLog_);
-    Replay(log_);
+    log_.Make(Maker());
   } catch (...) {
     RollbackPhysical();
     throw;
@@ -126,49 +108,64 @@ void Connection::Impl::BeginPhysical() {
 
 void Connection::Impl::CommitPhysical() {
   try {
-    StoreCaches(false);
-    Use commit(*handle_, "COMMIT");
-    commit.Step();
+    log_.Make(Maker());
+    caches_.Store(*handle_, GroupCaches::Rows::All);
+    Do("COMMIT");
   } catch (...) {
     RollbackPhysical();
     throw;
   }
   physical_ = false;
-  CachesAreStored(false);
+  caches_.Stored(GroupCaches::Rows::All);
 }
 
 void Connection::Impl::RollbackPhysical() {
   if (!sqlite3_get_autocommit(handle_->Db()))
     sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
   physical_ = false;
+  if (tablesChanged_) handle_->ForgetTables();
+  log_.Unmake();
+  // What was read in it may have been written in it.
+  caches_.ForgetClean();
   ++epoch_;
 }
 
-void Connection::Impl::Replay(std::vector<Change>& changes) {
-  for (Change& change : changes) {
-    const std::int64_t before = change.changed;
-    if (Run(change, nullptr) != before && change.counted)
-      throw StoreError(
-          kDataChanged,
-          "The data base engine stopped: another user has changed the same data at the same time.");
+// The numbers that are given to new records here must not be given to others before these are stored. So the
+// file is not let go of before they are in it: whoever came in between would get them again.
+void Connection::Impl::TakeBack() {
+  if (log_.Reserved().empty()) return RollbackPhysical();
+  try {
+    Do("ROLLBACK TO start");
+    for (const auto& [table, id] : log_.Reserved()) {
+      const auto run = [&](std::string_view sql) {
+        Use keep(*handle_, sql);
+        keep.Bind(1, rt::Value(table));
+        keep.Bind(2, id);
+        keep.Step();
+        return sqlite3_changes64(handle_->Db());
+      };
+      if (run("UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1") == 0)
+        run("INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)");
+    }
+    Do("COMMIT");
+  } catch (...) {
+    RollbackPhysical();
+    throw;
   }
+  RollbackPhysical();
 }
 
-std::int64_t Connection::Impl::Run(Change& change, std::int64_t* newId) {
+std::int64_t Connection::Impl::Run(const Change& change) {
   try {
-    Use use(*handle_, change.sql);
+    Use use(*handle_, *change.sql);
     use.BindAll(change.values);
     while (use.Step()) {
     }
   } catch (...) {
     // A full disk makes the database give up the whole transaction; its writes are still in the log.
-    if (sqlite3_get_autocommit(handle_->Db())) {
-      physical_ = false;
-      ++epoch_;
-    }
+    if (sqlite3_get_autocommit(handle_->Db())) RollbackPhysical();
     throw;
   }
-  if (newId) *newId = sqlite3_last_insert_rowid(handle_->Db());
   return sqlite3_changes64(handle_->Db());
 }
 
@@ -185,258 +182,303 @@ void Connection::Impl::StartWriting() {
 }
 
 void Connection::Impl::NoteUnstored(const StoreError& error, std::string_view sql) {
-  if (Depth() > 0 && error.Number() == kDiskFull) unstored_ = sql;
+  if (Depth() > 0 && error.Number() == kDiskFull) log_.NoteUnstored(sql);
 }
 
 void Connection::Impl::EndWriting() {
   --writingDepth_;
-  if (Depth() == 0 && !groupMode_ && writingDepth_ == 0) CommitPhysical();
+  if (Depth() > 0 || group_.On() || writingDepth_ > 0) return;
+  CommitPhysical();
+  log_.Clear();
 }
 
 void Connection::Impl::AbandonWriting() {
   --writingDepth_;
-  if (Depth() == 0 && !groupMode_ && writingDepth_ == 0 && physical_) RollbackPhysical();
+  if (Depth() > 0 || group_.On() || writingDepth_ > 0) return;
+  if (physical_) RollbackPhysical();
+  log_.Clear();
 }
 
-std::int64_t Connection::Impl::Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId,
-                                     int idParameter, Counted counted) {
-  Change change{std::string(sql), std::move(values), 0, counted == Counted::Yes};
-  std::int64_t id = 0;
+std::int64_t Connection::Impl::Write(Change change, std::int64_t* newId, int idParameter) {
   try {
-    change.changed = Run(change, &id);
+    log_.MakeOf(change.table, Maker());
+    change.changed = Run(change);
+    change.made = true;
   } catch (const StoreError& error) {
-    NoteUnstored(error, change.sql);
+    NoteUnstored(error, *change.sql);
     throw;
   }
-  if (unstored_ && (unstored_->empty() || *unstored_ == change.sql)) unstored_.reset();
+  const std::int64_t id = sqlite3_last_insert_rowid(handle_->Db());
+  log_.NoteStored(*change.sql);
   if (newId) *newId = id;
-  if (idParameter > 0)
-    change.values[static_cast<std::size_t>(idParameter) - 1] = static_cast<std::int32_t>(id);
+  if (idParameter > 0) change.values[static_cast<std::size_t>(idParameter) - 1] = KeyValue(id);
   const std::int64_t changed = change.changed;
-  if (Depth() > 0)
-    log_.push_back(std::move(change));
-  else if (groupMode_)
-    groupLog_.push_back(std::move(change));
+  if (Depth() > 0 || group_.On()) log_.Add(std::move(change));
   return changed;
+}
+
+std::int64_t Connection::Impl::Write(int table, std::string sql, std::vector<rt::Value> values) {
+  Change change;
+  change.sql = std::make_shared<const std::string>(std::move(sql));
+  change.values = std::move(values);
+  change.table = table;
+  return Write(std::move(change));
+}
+
+void Connection::Impl::WriteDefinition(std::string sql, std::vector<rt::Value> values) {
+  Change change;
+  change.sql = std::make_shared<const std::string>(std::move(sql));
+  change.values = std::move(values);
+  change.counted = false;
+  Write(std::move(change));
+}
+
+void Connection::Impl::WriteLater(Change change) {
+  change.changed = 1;
+  change.made = false;
+  log_.Add(std::move(change));
 }
 
 // --- transactions
 
 void Connection::Impl::Begin() {
-  marks_.push_back(log_.size());
-  undoMarks_.push_back(undo_.size());
-  ++transactionSerial_;
+  // So that no transaction within another has to tell its own changes of cached rows from the outer one's.
+  if (Depth() > 0)
+    for (const int table : caches_.TablesOfTransaction()) SpillCache(table);
+  log_.Begin();
+  undoMarks_.push_back(caches_.UndoMark());
 }
 
 void Connection::Impl::Commit(store::Commit how) {
-  if (marks_.empty()) throw StoreError(kTransactionMissing, "There is no transaction to commit.");
+  if (Depth() == 0) throw StoreError(kTransactionMissing, "There is no transaction to commit.");
   // The rest of a transaction would be stored without what did not find room.
-  if (unstored_)
+  if (log_.LacksAWrite())
     throw StoreError(kDiskFull, "Not enough space on the disk for '" + request_.path +
                                     "': a part of the transaction could not be stored.");
-  if (marks_.size() > 1) {
-    marks_.pop_back();
+  if (Depth() > 1) {
+    log_.Settle();
     undoMarks_.pop_back();
     return;
   }
   if (how == store::Commit::WithGroup) {
-    if (!log_.empty()) {
+    if (log_.HasOpen()) {
+      group_.Enter();
       BeginPhysical();  // after a wait its writes have to be made again
-      groupMode_ = true;
-      std::move(log_.begin(), log_.end(), std::back_inserter(groupLog_));
-      log_.clear();
     }
-    marks_.clear();
+    log_.Settle();
     undoMarks_.clear();
-    undo_.clear();
-    if (!groupMode_) {
-      reserved_.clear();
-      return ReleaseGroupHolds();
+    caches_.ForgetUndo();
+    if (!group_.On() || (!physical_ && !log_.HasSettled() && !caches_.AnyDirty())) {
+      log_.ForgetReserved();
+      holds_.ReleaseAll();
+      return;
     }
-    transactionRows_.clear();
-    ++groupCommits_;
-    if (groupCommits_ >= kGroupCommits || Clock::now() - groupStart_ > groupTime_) FlushGroup(true);
+    holds_.SettleTransaction();
+    if (group_.CountTransaction()) GroupTick();
     return;
   }
-  const bool written = physical_ || !log_.empty() || !groupLog_.empty() || !undo_.empty();
-  if (written) {
+  if (physical_ || !log_.Empty() || caches_.AnyDirty()) {
     BeginPhysical();
     CommitPhysical();
   }
-  marks_.clear();
+  EndTransactions();
+}
+
+/// Everything is on the disk or given up.
+void Connection::Impl::EndTransactions() {
+  log_.Clear();
   undoMarks_.clear();
-  undo_.clear();
-  log_.clear();
-  reserved_.clear();
-  groupLog_.clear();
-  groupCommits_ = 0;
-  ReleaseGroupHolds();
+  caches_.ForgetUndo();
+  holds_.ReleaseAll();
+  tablesChanged_ = false;
 }
 
 void Connection::Impl::Rollback() {
-  if (marks_.empty()) throw StoreError(kTransactionMissing, "There is no transaction to roll back.");
-  const std::size_t mark = marks_.back();
-  const std::size_t undoMark = undoMarks_.back();
-  unstored_.reset();
-  marks_.pop_back();
+  if (Depth() == 0) throw StoreError(kTransactionMissing, "There is no transaction to roll back.");
+  caches_.UndoTo(undoMarks_.back());
   undoMarks_.pop_back();
-  while (undo_.size() > undoMark) {
-    CacheUndo& entry = undo_.back();
-    if (entry.wasThere) {
-      entry.row->values = std::move(entry.before);
-      entry.row->dirty = entry.wasDirty;
-    } else {
-      entry.row->dirty = false;
-      entry.cache->Rows()[entry.key] = nullptr;
-    }
-    entry.row->changedIn = entry.wasChangedIn;
-    std::erase_if(entry.cache->Dirty(), [](const auto& row) { return !row->dirty; });
-    undo_.pop_back();
-  }
-  if (log_.size() > mark) {
-    log_.resize(mark);
-    // What was written before it in the same physical transaction is written again when the work goes on.
-    if (physical_ && (!marks_.empty() || groupMode_)) TakeBack();
-  }
-  if (!marks_.empty()) return;
-  if (groupMode_) {
-    transactionRows_.clear();
+  const bool made = log_.Cut();
+  if (Depth() > 0 || group_.On()) {
+    // What was written before it in the same write transaction is written again when the work goes on.
+    if (made && physical_) TakeBack();
+    if (Depth() > 0) return;
+    if (physical_ || log_.HasSettled() || caches_.AnyDirty())
+      holds_.SettleTransaction();
+    else
+      holds_.ReleaseAll();
     return;
   }
-  reserved_.clear();
   if (physical_) RollbackPhysical();
-  ReleaseGroupHolds();
+  EndTransactions();
 }
 
 void Connection::Impl::EnterGroup() {
-  groupMode_ = true;
+  GroupTick();
+  group_.Enter();
   BeginPhysical();
 }
 
 void Connection::Impl::FinishGroup() {
-  if (!groupMode_ || !marks_.empty()) return;
+  if (!group_.On() || Depth() > 0) return;
   FlushGroup(false);
-  groupMode_ = false;
-  RetireCaches();
+  group_.Leave();
+  caches_.ForgetAll();
 }
 
 void Connection::Impl::AbandonGroup() {
-  if (!groupMode_ || !marks_.empty()) return;
+  if (!group_.On() || Depth() > 0) return;
   if (physical_) RollbackPhysical();
-  groupLog_.clear();
-  reserved_.clear();
-  groupCommits_ = 0;
-  groupMode_ = false;
-  RetireCaches();
-  ReleaseGroupHolds();
+  group_.Leave();
+  caches_.ForgetAll();
+  EndTransactions();
 }
 
 void Connection::Impl::GroupTick() {
-  if (groupMode_ && physical_ && marks_.empty() && writingDepth_ == 0 &&
-      Clock::now() - groupStart_ > groupTime_)
-    FlushGroup(true);
+  if (InGroup() && Depth() == 0 && writingDepth_ == 0 && group_.Over()) FlushGroup(true);
 }
 
 void Connection::Impl::FlushGroup(bool pause) {
-  const bool dirty =
-      std::any_of(caches_.begin(), caches_.end(), [](const auto& c) { return !c.second->Dirty().empty(); });
-  if (physical_ || !groupLog_.empty() || dirty) {
+  if (physical_ || !log_.Empty() || caches_.AnyDirty()) {
     BeginPhysical();
-    const auto start = Clock::now();
+    const auto start = std::chrono::steady_clock::now();
     CommitPhysical();
-    groupTime_ = std::clamp<Clock::duration>(4 * (Clock::now() - start), kShortestGroup, kLongestGroup);
+    group_.Committed(std::chrono::steady_clock::now() - start);
   }
-  groupLog_.clear();
-  reserved_.clear();
-  groupCommits_ = 0;
-  ReleaseGroupHolds();
-  for (auto& [table, cache] : caches_)
-    if (cache->Rows().size() > kMostCachedRows) cache->Rows().clear();
-  if (pause) NapFor(kGroupPauseNanoseconds);
+  EndTransactions();
+  caches_.Trim();
+  if (pause) group_.Pause();
 }
 
 void Connection::Impl::Yield() {
   EndReading();
-  if (!physical_ || writingDepth_ > 0) return;
-  if (marks_.empty()) {
-    if (groupMode_) FlushGroup(false);
+  if (writingDepth_ > 0) return;
+  if (Depth() == 0) {
+    if (group_.On()) FlushGroup(false);
     return;
   }
-  const auto committedDirty = [this] {
-    for (const auto& [table, cache] : caches_)
-      for (const auto& row : cache->Dirty()) {
-        const auto mine =
-            std::find_if(undo_.begin(), undo_.end(), [&](const CacheUndo& u) { return u.row == row; });
-        if (mine == undo_.end() || (mine->wasThere && mine->wasDirty)) return true;
-      }
-    return false;
-  };
-  const bool committedWork = !groupLog_.empty() || committedDirty();
-  if (!log_.empty() || !committedWork) TakeBack();
-  if (committedWork) {
-    std::vector<Change> mine;
-    mine.swap(log_);
-    try {
-      BeginPhysical();
-      StoreCaches(true);
-      Use commit(*handle_, "COMMIT");
-      commit.Step();
-    } catch (...) {
-      RollbackPhysical();
-      log_.swap(mine);
-      throw;
-    }
-    log_.swap(mine);
-    physical_ = false;
-    CachesAreStored(true);
-    groupLog_.clear();
-    groupCommits_ = 0;
-  }
+  const bool settled = log_.HasSettled() || caches_.AnyCommittedDirty();
+  if (physical_ && (log_.HasOpen() || !settled)) TakeBack();
+  if (settled) CommitSettled();
   // Others may have everything back but the records of the transaction that is still open.
-  if (!tableHolds_.empty()) {
-    std::map<int, std::vector<std::int64_t>> rows;
-    for (const auto& [table, foreign] : tableHolds_) {
-      if (bulkTables_.contains(table)) continue;
-      auto& kept = rows[table] = transactionRows_[table];
-      std::erase(kept, 0);  // added by the transaction, and not in the file yet
-      std::sort(kept.begin(), kept.end());
-      kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
-    }
-    side_->Narrow(rows);
-    std::erase_if(tableHolds_, [this](const auto& hold) { return !bulkTables_.contains(hold.first); });
-  }
+  holds_.KeepTransactionOnly();
 }
 
-// The numbers that are given to new records here must not be given to others before these are stored. So the
-// file is not let go of before they are in it: whoever came in between would get them again.
-void Connection::Impl::TakeBack() {
-  if (reserved_.empty()) return RollbackPhysical();
+/// Commits the transactions that have ended as part of the group, and leaves out the one that is open.
+void Connection::Impl::CommitSettled() {
   try {
-    {
-      Use back(*handle_, "ROLLBACK TO start");
-      back.Step();
+    if (!physical_) {
+      Do("BEGIN IMMEDIATE");
+      physical_ = true;
+      side_->Renew();
     }
-    for (const auto& [table, id] : reserved_) {
-      Change keep{"UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1",
-                  {rt::Value(table), static_cast<std::int32_t>(id)}};
-      if (Run(keep, nullptr) > 0) continue;
-      keep.sql = "INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)";
-      Run(keep, nullptr);
-    }
-    Use commit(*handle_, "COMMIT");
-    commit.Step();
+    log_.MakeSettled(Maker());
+    caches_.Store(*handle_, GroupCaches::Rows::Committed);
+    Do("COMMIT");
   } catch (...) {
     RollbackPhysical();
     throw;
   }
   physical_ = false;
-  ++epoch_;
+  caches_.Stored(GroupCaches::Rows::Committed);
+  log_.ForgetSettled();
 }
 
-void Connection::Impl::NoteReserved(const std::string& table, std::int64_t id) {
-  if (Depth() == 0) return;
-  auto& highest = reserved_[table];
-  highest = std::max(highest, id);
+// --- records
+
+std::optional<Holder> Connection::Impl::HoldRecord(int table, std::int64_t row) {
+  return InGroup() ? holds_.TakeRowWithTable(table, row) : holds_.TakeRow(table, row);
+}
+
+void Connection::Impl::ReleaseAfterWrite() {
+  if (Depth() == 0 && !group_.On()) holds_.ReleaseAll();
+}
+
+// --- reading
+
+void Connection::Impl::StartReading() {
+  if (physical_ || reading_ || !log_.Empty()) return;
+  Do("BEGIN");
+  reading_ = true;
+}
+
+void Connection::Impl::EndReading() {
+  if (!reading_) return;
+  reading_ = false;
+  Do("COMMIT");
+}
+
+void Connection::Impl::BeforeRead(int table, CachedRows cached) {
+  if (!log_.Empty()) {
+    BeginPhysical();
+    log_.MakeOf(table, Maker());
+  }
+  if (cached == CachedRows::Store) SpillCache(table);
+}
+
+void Connection::Impl::BeforeRead(const Translation& query) {
+  if (log_.Empty() && caches_.Empty()) return;
+  const auto tables = handle_->Tables();
+  for (const auto& source : query.tables)
+    if (const TableInfo* table = tables->Find(source.name)) BeforeRead(table->number);
+}
+
+void Connection::Impl::BeforeReadOfAll() {
+  if (!log_.Empty()) {
+    BeginPhysical();
+    log_.Make(Maker());
+  }
+  if (caches_.Empty()) return;
+  for (const auto& table : handle_->Tables()->tables) SpillCache(table.number);
+}
+
+std::uint64_t Connection::Impl::EpochOf(int table) const {
+  const auto own = tableEpochs_.find(table);
+  return epoch_ + (own == tableEpochs_.end() ? 0 : own->second);
+}
+
+// --- rows kept in memory within a group
+
+std::shared_ptr<RowCache> Connection::Impl::CacheFor(const std::shared_ptr<const Schema>& schema,
+                                                     const TableInfo& table, const IndexInfo& index) {
+  if (!InGroup() || Depth() > 1 || !index.unique || index.primary || index.exceptEmpty) return nullptr;
+  RowCache* kept = caches_.Of(table.number);
+  if (kept && kept->IndexName() != index.name) SpillCache(table.number);
+  if (!caches_.Of(table.number)) {
+    // A second unique index could refuse a row, and a picture would fill the memory.
+    for (const auto& other : table.indexes)
+      if (other.unique && !other.primary && other.name != index.name) return nullptr;
+    for (const auto& column : table.columns)
+      if (column.type == ColumnType::LongBinary) return nullptr;
+    // Rows that are added in memory get their numbers when the group is committed; where these run short they
+    // go to the file one by one.
+    constexpr std::int64_t kMany = 1'000'000;
+    if (NumbersLeft(*handle_, table) < kMany) return nullptr;
+  }
+  return caches_.Make(schema, table, index);
+}
+
+void Connection::Impl::SpillCache(int table) {
+  if (!caches_.Of(table)) return;
+  BeginPhysical();
+  const std::string name = caches_.Of(table)->Table().name;
+  const auto keep = [&](Change change, bool settled) {
+    const bool adds = change.values.back().IsNull();
+    Run(change);
+    const std::int64_t id = sqlite3_last_insert_rowid(handle_->Db());
+    if (adds) {
+      change.values.back() = KeyValue(id);
+      log_.Reserve(name, id);
+    }
+    if (settled)
+      log_.AddSettled(std::move(change));
+    else
+      log_.Add(std::move(change));
+    return id;
+  };
+  caches_.Spill(
+      table, [&](Change change) { return keep(std::move(change), true); },
+      [&](Change change) { return keep(std::move(change), false); });
+  NoteChange(table);
 }
 
 }  // namespace store

@@ -1,34 +1,22 @@
-// What a connection is made of: writes, transactions, groups of commits, and the records held for them.
+// What a connection is made of: the file's write transaction, and around it the log of writes, the group of
+// commits, the rows kept in memory and the records held.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
-#include <map>
 #include <memory>
-#include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "platform/store/CommitGroup.h"
 #include "platform/store/Connection.h"
+#include "platform/store/GroupCaches.h"
 #include "platform/store/Handle.h"
-#include "platform/store/RowCache.h"
+#include "platform/store/RecordHolds.h"
 #include "platform/store/SideFile.h"
+#include "platform/store/TransactionLog.h"
 
 namespace store {
-
-/// A write as it was made. A transaction keeps its writes, so that they can be taken back to let other users
-/// in and made again afterwards, and so that a part of them can be undone.
-struct Change {
-  std::string sql;
-  std::vector<rt::Value> values;
-  std::int64_t changed = 0;
-  bool counted = true;  ///< has to change as many records when it is made again
-};
-
-/// Whether a write that is made again must change as many records as before; see Change.
-enum class Counted { Yes, No };
 
 class Connection::Impl {
  public:
@@ -37,66 +25,80 @@ class Connection::Impl {
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 
+  /// The database underneath; rows are read from it by a Question alone.
   Handle& Db() { return *handle_; }
   SideFile& Side() { return *side_; }
+  RecordHolds& Holds() { return holds_; }
   const OpenRequest& Request() const { return request_; }
+  /// Makes again what was taken back before a wait, so that what is read next is there.
+  void Ready() {
+    if (!log_.Empty()) BeginPhysical();
+  }
+  /// A definition has changed, until the end of the transaction or its rollback.
+  void NoteTablesChanged();
 
   // --- one unit of change; see Writing
   void StartWriting();
   void EndWriting();
   void AbandonWriting();
-  /// Runs a write within StartWriting … EndWriting and keeps it; the number of records changed. For an
+  /// Makes a write within StartWriting … EndWriting and keeps it; the number of records changed. For an
   /// INSERT, `newId` gets the new row's ID, and parameter `idParameter` (from 1) is remembered with it, so
   /// that the write can be made again.
-  std::int64_t Write(std::string_view sql, std::vector<rt::Value> values, std::int64_t* newId = nullptr,
-                     int idParameter = 0, Counted counted = Counted::Yes);
+  std::int64_t Write(Change change, std::int64_t* newId = nullptr, int idParameter = 0);
+  std::int64_t Write(int table, std::string sql, std::vector<rt::Value> values);
+  /// A write of the file's definitions. It may change another number of records when it is made again.
+  void WriteDefinition(std::string sql, std::vector<rt::Value> values = {});
+  /// Keeps a write that changes one record, which this connection holds and has read in this group, and that
+  /// nothing in the file can refuse. It is made with others of its kind before the table is read again.
+  void WriteLater(Change change);
 
   // --- transactions
   void Begin();
   void Commit(store::Commit how);
   void Rollback();
-  int Depth() const { return static_cast<int>(marks_.size()); }
+  int Depth() const { return log_.Depth(); }
   void EnterGroup();
   void FinishGroup();
   void AbandonGroup();
-  bool InGroup() const { return groupMode_ && physical_; }
-  /// Ends the group's commit where its time is over; called while rows are merely passed over.
+  bool InGroup() const { return group_.On() && physical_; }
+  /// Ends the group's commit where its time is over; called between two transactions.
   void GroupTick();
   /// Lets other users write: commits what is whole, takes back what is not.
   void Yield();
 
-  // --- record holds
-  /// Takes a record for the running transaction (or for one write); the holder where it is refused.
-  std::optional<Holder> HoldForTransaction(int table, std::int64_t row);
-  /// Takes a record for an edit outside a transaction.
-  std::optional<Holder> HoldForEdit(int table, std::int64_t row);
-  void ReleaseEdit(int table, std::int64_t row) { side_->Release(Hold::Edit, table, row); }
+  /// Takes a record for the running transaction, its group, or one write; the holder where it is refused.
+  std::optional<Holder> HoldRecord(int table, std::int64_t row);
   /// Ends the holds of a single write outside a transaction.
   void ReleaseAfterWrite();
 
-  // --- reading
+  // --- reading; see Question
   /// See store::Reading.
   void StartReading();
   void EndReading();
-  /// Called before rows of these tables are read from the file: makes the transaction's own writes visible.
+  enum class CachedRows { Store, Keep };
+  /// Makes everything that waits visible to a reading of this table.
+  void BeforeRead(int table, CachedRows cached = CachedRows::Store);
   void BeforeRead(const Translation& query);
-  void BeforeRead(const TableInfo& table);
+  /// The same for all tables.
+  void BeforeReadOfAll();
   /// Changes whenever rows of the table that were read earlier may be out of date.
   std::uint64_t EpochOf(int table) const;
-  void NoteChange(int table);
+  void NoteChange(int table) { ++tableEpochs_[table]; }
+  /// See Connection::Glance.
+  std::uint64_t Glance(int table) const { return physical_ ? EpochOf(table) : 0; }
 
   // --- rows kept in memory within a group
-  /// The cache of a table by this index; null outside a group or for an index that is not unique.
+  /// The cache of a table by this index; null outside a group, in a transaction within another, and for an
+  /// index or a table whose rows cannot be kept.
   std::shared_ptr<RowCache> CacheFor(const std::shared_ptr<const Schema>& schema, const TableInfo& table,
                                      const IndexInfo& index);
-  void KeepForUndo(RowCache& cache, const std::shared_ptr<CachedRow>& row, const std::string& key,
-                   bool wasThere);
-  /// Keeps a changed row of the cache to be written with the group.
-  void MarkDirty(RowCache& cache, const std::string& key, const std::shared_ptr<CachedRow>& row);
+  GroupCaches& Caches() { return caches_; }
+  /// Stores what is kept of the table and keeps it no longer.
+  void SpillCache(int table);
 
   std::int64_t ReserveId(const TableInfo& table);
   /// Remembers that the open transaction has given this number to a new record.
-  void NoteReserved(const std::string& table, std::int64_t id);
+  void NoteReserved(const std::string& table, std::int64_t id) { log_.Reserve(table, id); }
   std::int64_t ExecuteBulk(const QueryPlan& plan, const std::vector<rt::Value>& parameters);
   std::int64_t ExecuteInsert(const QueryPlan& plan, const std::vector<rt::Value>& parameters);
 
@@ -105,62 +107,40 @@ class Connection::Impl {
   void YieldSiblings();
 
  private:
-  using Clock = std::chrono::steady_clock;
-
-  /// Remembers a write of the open transaction that found the disk full; `sql` is empty where it did not even
-  /// begin.
   void NoteUnstored(const StoreError& error, std::string_view sql);
+  /// Runs a statement of the file itself, without values.
+  void Do(std::string_view sql);
   void BeginPhysical();
   void CommitPhysical();
   void RollbackPhysical();
-  void Replay(std::vector<Change>& changes);
-  std::int64_t Run(Change& change, std::int64_t* newId);
-  /// Writes the cached rows into the open physical transaction; `committedOnly` writes those that the running
-  /// transaction changed as they were before it.
-  void StoreCaches(bool committedOnly);
-  void CachesAreStored(bool committedOnly);
-  void SpillCache(int table);
-  void DropCleanCaches();
-  void RetireCaches();
-  void FlushGroup(bool pause);
-  void ReleaseGroupHolds();
   /// Takes back what is written since BeginPhysical and lets go of the file.
   void TakeBack();
-  bool TakePatiently(Hold hold, int table, std::int64_t row, Holder* refused);
-  /// Holds the whole table but for what others hold; see SideFile::TakeTable.
-  std::optional<Holder> HoldTable(int table);
+  std::int64_t Run(const Change& change);
+  TransactionLog::Maker Maker() {
+    return [this](Change& change) { return Run(change); };
+  }
+  void FlushGroup(bool pause);
+  void CommitSettled();
+  void EndTransactions();
+  void HoldBulk(const QueryPlan& plan, int table, const std::vector<rt::Value>& parameters);
 
   std::unique_ptr<Handle> handle_;
   std::unique_ptr<SideFile> side_;
   OpenRequest request_;
 
-  bool reading_ = false;                ///< several readings share one look at the file
-  bool physical_ = false;               ///< the database underneath has a write transaction open
-  std::vector<std::size_t> marks_;      ///< for each open transaction: where its writes begin in log_
-  std::vector<std::size_t> undoMarks_;  ///< and where its undo entries begin
-  std::vector<Change> log_;             ///< writes of the open transactions
-  std::map<std::string, std::int64_t> reserved_;  ///< the highest number given to a new record, by table
-  /// The write that found the disk full and has not been made good since: the transaction cannot be
-  /// committed.
-  std::optional<std::string> unstored_;
-  std::vector<Change> groupLog_;  ///< writes of transactions that are committed with the group
-  bool groupMode_ = false;
-  int groupCommits_ = 0;
-  Clock::time_point groupStart_;
-  Clock::duration groupTime_ = std::chrono::milliseconds(25);  ///< how long the group may go on
+  bool reading_ = false;   ///< several readings share one look at the file
+  bool physical_ = false;  ///< the database underneath has a write transaction open
+  bool tablesChanged_ = false;
   int writingDepth_ = 0;
-
-  std::set<int> bulkTables_;  ///< held whole by a bulk statement of the open transaction
-  std::map<int, std::set<std::int64_t>>
-      tableHolds_;  ///< tables held whole for the group, with the rows that others hold
-  std::map<int, std::vector<std::int64_t>> transactionRows_;  ///< rows that the open transaction holds
+  TransactionLog log_;
+  std::vector<std::size_t> undoMarks_;  ///< for each open transaction: where its changes of cached rows begin
+  CommitGroup group_;
+  GroupCaches caches_;
+  RecordHolds holds_;
 
   std::uint64_t epoch_ = 1;
   std::unordered_map<int, std::uint64_t> tableEpochs_;
   std::int64_t dataVersion_ = -1;
-  std::map<int, std::shared_ptr<RowCache>> caches_;
-  std::vector<CacheUndo> undo_;
-  std::uint64_t transactionSerial_ = 0;
 };
 
 /// One unit of change: part of the running transaction, or committed by Done; undone when it ends without
@@ -181,6 +161,21 @@ class Writing {
  private:
   Connection::Impl& impl_;
   bool done_ = false;
+};
+
+/// The gate through which all rows are read: what waits to be written to the tables is written first.
+class Question : public Use {
+ public:
+  Question(Connection::Impl& impl, const TableInfo& table, std::string_view sql)
+      : Use((impl.BeforeRead(table.number), impl.Db()), sql) {}
+  Question(Connection::Impl& impl, const Translation& query, std::string_view sql)
+      : Use((impl.BeforeRead(query), impl.Db()), sql) {}
+  /// Of a record that the group's memory does not have.
+  Question(Connection::Impl& impl, const TableInfo& table, std::string_view sql,
+           Connection::Impl::CachedRows cached)
+      : Use((impl.BeforeRead(table.number, cached), impl.Db()), sql) {}
+  /// Of the whole file.
+  Question(Connection::Impl& impl, std::string_view sql) : Use((impl.BeforeReadOfAll(), impl.Db()), sql) {}
 };
 
 /// The refusal of a record, with its holder's names.

@@ -30,23 +30,27 @@ std::string ColumnDefinition(const ColumnInfo& column) {
 class Definition {
  public:
   Definition(Connection::Impl& impl, const TableInfo* table) : impl_(impl), writing_(impl) {
+    impl.BeforeReadOfAll();
     if (!table || impl.Request().share == Share::Exclusive) return;
-    const auto others = impl.Side().TakeTable(table->number);
-    if (!others.empty()) {
-      impl.Side().ReleaseTable(table->number);
-      throw StoreError(kTableLocked, "The table '" + table->name + "' is in use by user '" +
-                                         others.front().holder.user + "' on machine '" +
-                                         others.front().holder.computer + "'.");
+    auto holder = impl.Holds().TakeTable(table->number);
+    if (!holder) {
+      for (const std::int64_t row : impl.Holds().LeftOut(table->number))
+        if (!holder) holder = impl.Side().WhoHolds(table->number, row);
+      if (impl.Depth() > 0) impl.Holds().KeepTable(table->number);
     }
+    if (!holder) return;
+    impl.ReleaseAfterWrite();
+    throw StoreError(kTableLocked, "The table '" + table->name + "' is in use by user '" + holder->user +
+                                       "' on machine '" + holder->computer + "'.");
   }
   ~Definition() {
-    impl_.Db().ForgetTables();
+    impl_.NoteTablesChanged();
     impl_.ReleaseAfterWrite();
   }
   Definition(const Definition&) = delete;
   Definition& operator=(const Definition&) = delete;
   void Run(const std::string& sql, std::vector<rt::Value> values = {}) {
-    impl_.Write(sql, std::move(values));
+    impl_.WriteDefinition(sql, std::move(values));
   }
   void Done() { writing_.Done(); }
 
@@ -177,21 +181,21 @@ void Connection::Expect(std::string_view table, std::string_view index,
   const std::string stored = StoredIndexName(existing.name, index);
   Writing writing(*impl_);
   // Makes the table of expectations; a second time would take out what is in it.
-  if (impl_->Db().Number("SELECT COUNT(*) FROM sqlite_schema WHERE name = 'sqlite_stat1'") == 0)
-    impl_->Write("ANALYZE", {});
-  impl_->Write("DELETE FROM sqlite_stat1 WHERE idx = ?1", {rt::Value(stored)});
-  impl_->Write("INSERT INTO sqlite_stat1 (tbl, idx, stat) VALUES (?1, ?2, ?3)",
-               {rt::Value(existing.name), rt::Value(stored), rt::Value(numbers)});
-  impl_->Write("ANALYZE sqlite_schema", {});
+  const bool made = Question(*impl_, "SELECT 1 FROM sqlite_schema WHERE name = 'sqlite_stat1'").Step();
+  if (!made) impl_->WriteDefinition("ANALYZE");
+  impl_->WriteDefinition("DELETE FROM sqlite_stat1 WHERE idx = ?1", {rt::Value(stored)});
+  impl_->WriteDefinition("INSERT INTO sqlite_stat1 (tbl, idx, stat) VALUES (?1, ?2, ?3)",
+                         {rt::Value(existing.name), rt::Value(stored), rt::Value(numbers)});
+  impl_->WriteDefinition("ANALYZE sqlite_schema");
   writing.Done();
 }
 
 std::vector<RelationInfo> Connection::Relations() {
   std::vector<RelationInfo> relations;
-  Use rows(impl_->Db(),
-           "SELECT \"Name\", \"Table\", \"ForeignTable\", \"Attributes\", \"Column\", \"ForeignColumn\" FROM "
-           "\"MSysRelationships\""
-           " ORDER BY \"Name\", \"Position\"");
+  Question rows(
+      *impl_,
+      "SELECT \"Name\", \"Table\", \"ForeignTable\", \"Attributes\", \"Column\", \"ForeignColumn\" FROM "
+      "\"MSysRelationships\" ORDER BY \"Name\", \"Position\"");
   while (rows.Step()) {
     if (relations.empty() || relations.back().name != rows.Text(0))
       relations.push_back({rows.Text(0), rows.Text(1), rows.Text(2), static_cast<int>(rows.Int64(3)), {}});

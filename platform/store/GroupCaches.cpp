@@ -1,138 +1,205 @@
-// The rows that a connection keeps in memory while a group of commits is open.
+#include "platform/store/GroupCaches.h"
+
 #include <algorithm>
 
-#include "platform/store/ConnectionImpl.h"
+#include "platform/store/Handle.h"
 
 namespace store {
-
-std::shared_ptr<RowCache> Connection::Impl::CacheFor(const std::shared_ptr<const Schema>& schema,
-                                                     const TableInfo& table, const IndexInfo& index) {
-  if (!InGroup() || !index.unique || index.primary || index.exceptEmpty) return nullptr;
-  auto found = caches_.find(table.number);
-  if (found != caches_.end() && found->second->IndexName() != index.name) {
-    SpillCache(table.number);
-    found = caches_.end();
-  }
-  if (found == caches_.end())
-    found = caches_.emplace(table.number, std::make_shared<RowCache>(schema, table, index)).first;
-  return found->second;
-}
-
-void Connection::Impl::KeepForUndo(RowCache& cache, const std::shared_ptr<CachedRow>& row,
-                                   const std::string& key, bool wasThere) {
-  if (Depth() == 0 || row->changedIn == transactionSerial_) return;
-  CacheUndo entry;
-  entry.cache = &cache;
-  entry.row = row;
-  entry.key = key;
-  entry.wasThere = wasThere;
-  entry.wasDirty = row->dirty;
-  entry.wasChangedIn = row->changedIn;
-  if (wasThere) entry.before = row->values;
-  undo_.push_back(std::move(entry));
-  row->changedIn = transactionSerial_;
-}
-
-void Connection::Impl::MarkDirty(RowCache& cache, const std::string& key,
-                                 const std::shared_ptr<CachedRow>& row) {
-  cache.Rows()[key] = row;
-  if (row->dirty) return;
-  row->dirty = true;
-  cache.Dirty().push_back(row);
-}
-
 namespace {
 
-// The earliest entry of a row tells what it was before all open transactions.
-const CacheUndo* UndoOf(const std::vector<CacheUndo>& undo, const std::shared_ptr<CachedRow>& row) {
-  const auto found =
-      std::find_if(undo.begin(), undo.end(), [&](const CacheUndo& entry) { return entry.row == row; });
-  return found == undo.end() ? nullptr : &*found;
-}
+constexpr std::size_t kMostCachedRows = 50000;
+constexpr std::size_t kMostKeptUndo = 64;
 
 }  // namespace
 
-void Connection::Impl::StoreCaches(bool committedOnly) {
+RowCache* GroupCaches::Of(int table) const {
+  const auto found = caches_.find(table);
+  return found == caches_.end() ? nullptr : found->second.get();
+}
+
+std::shared_ptr<RowCache> GroupCaches::Make(std::shared_ptr<const Schema> schema, const TableInfo& table,
+                                            const IndexInfo& index) {
+  auto& cache = caches_[table.number];
+  if (!cache) cache = std::make_shared<RowCache>(std::move(schema), table, index);
+  return cache;
+}
+
+bool GroupCaches::AnyDirty() const {
+  return std::any_of(caches_.begin(), caches_.end(),
+                     [](const auto& cache) { return !cache.second->Dirty().empty(); });
+}
+
+bool GroupCaches::AnyCommittedDirty() const {
+  std::vector<rt::Value> image;
+  for (const auto& [table, cache] : caches_)
+    for (const auto& row : cache->Dirty())
+      if (!TouchedByTransaction(*row) || CommittedImage(*row, image)) return true;
+  return false;
+}
+
+CacheUndo& GroupCaches::NoteChange(RowCache& cache, const std::shared_ptr<CachedRow>& row,
+                                   bool inTransaction) {
+  CacheUndo* undo = &unused_;
+  if (inTransaction) {
+    if (used_ == undo_.size()) undo_.emplace_back();
+    undo = &undo_[used_++];
+    undo->cache = &cache;
+    undo->row = row;
+    undo->wasThere = true;
+    undo->wasDirty = row->dirty;
+  }
+  undo->before.clear();
+  if (!row->dirty) {
+    row->dirty = true;
+    cache.Dirty().push_back(row);
+  }
+  return *undo;
+}
+
+void GroupCaches::NoteAdded(RowCache& cache, const std::string& key, const std::shared_ptr<CachedRow>& row,
+                            bool inTransaction) {
+  CacheUndo& undo = NoteChange(cache, row, inTransaction);
+  undo.wasThere = false;
+  undo.wasDirty = false;
+  undo.key = key;
+  cache.Rows()[key] = row;
+}
+
+void GroupCaches::UndoTo(std::size_t mark) {
+  while (used_ > mark) {
+    CacheUndo& entry = undo_[--used_];
+    for (auto before = entry.before.rbegin(); before != entry.before.rend(); ++before)
+      entry.row->values[before->first] = std::move(before->second);
+    entry.row->dirty = entry.wasDirty;
+    if (!entry.wasThere) entry.cache->Rows()[entry.key] = nullptr;
+    if (!entry.wasDirty) std::erase(entry.cache->Dirty(), entry.row);
+  }
+  if (mark == 0) ForgetUndo();
+}
+
+void GroupCaches::ForgetUndo() {
+  used_ = 0;
+  if (undo_.size() > kMostKeptUndo) undo_.resize(kMostKeptUndo);
+}
+
+bool GroupCaches::TouchedByTransaction(const CachedRow& row) const {
+  return std::any_of(undo_.begin(), undo_.begin() + static_cast<std::ptrdiff_t>(used_),
+                     [&](const CacheUndo& entry) { return entry.row.get() == &row; });
+}
+
+bool GroupCaches::CommittedImage(const CachedRow& row, std::vector<rt::Value>& values) const {
+  values = row.values;
+  bool wasDirty = false;
+  for (std::size_t i = used_; i > 0; --i) {
+    const CacheUndo& entry = undo_[i - 1];
+    if (entry.row.get() != &row) continue;
+    for (auto before = entry.before.rbegin(); before != entry.before.rend(); ++before)
+      values[before->first] = before->second;
+    wasDirty = entry.wasThere && entry.wasDirty;
+  }
+  return wasDirty;
+}
+
+void GroupCaches::Store(Handle& handle, Rows rows) {
+  std::vector<rt::Value> image;
   for (auto& [table, cache] : caches_) {
     if (cache->Dirty().empty()) continue;
-    Use update(*handle_, cache->UpdateStatement());
-    Use insert(*handle_, cache->InsertStatement());
+    Use update(handle, *cache->UpdateStatement());
+    Use insert(handle, *cache->InsertStatement());
     for (const auto& row : cache->Dirty()) {
-      const CacheUndo* undo = committedOnly ? UndoOf(undo_, row) : nullptr;
-      if (undo && (!undo->wasThere || !undo->wasDirty)) continue;
-      Use& write = row->id != 0 ? update : insert;
-      const int last = cache->BindRow(write, undo ? undo->before : row->values);
-      if (row->id != 0) write.Bind(last + 1, row->id);
-      write.Step();
-      write.Reset();
-      if (row->id == 0) row->newId = sqlite3_last_insert_rowid(handle_->Db());
+      const std::vector<rt::Value>* values = &row->values;
+      if (rows == Rows::Committed && TouchedByTransaction(*row)) {
+        if (!CommittedImage(*row, image)) continue;
+        values = &image;
+      }
+      if (row->id != 0) {
+        cache->BindUpdate(update, *values, row->id);
+        update.Step();
+        update.Reset();
+      } else {
+        cache->BindInsert(insert, *values);
+        insert.Step();
+        insert.Reset();
+        row->newId = sqlite3_last_insert_rowid(handle.Db());
+      }
     }
   }
 }
 
-void Connection::Impl::CachesAreStored(bool committedOnly) {
+void GroupCaches::Stored(Rows rows) {
   for (auto& [table, cache] : caches_) {
     std::vector<std::shared_ptr<CachedRow>> still;
     for (const auto& row : cache->Dirty()) {
       if (row->newId != 0) row->id = row->newId;
       row->newId = 0;
-      if (committedOnly && UndoOf(undo_, row))
+      if (rows == Rows::Committed && TouchedByTransaction(*row))
         still.push_back(row);
       else
         row->dirty = false;
     }
     cache->Dirty() = std::move(still);
   }
-  if (committedOnly)
-    for (auto& entry : undo_) entry.wasDirty = false;
+  if (rows == Rows::Committed)
+    for (std::size_t i = 0; i < used_; ++i) undo_[i].wasDirty = false;
 }
 
-void Connection::Impl::SpillCache(int table) {
+void GroupCaches::Spill(int table, const Keep& settled, const Keep& open) {
   const auto found = caches_.find(table);
   if (found == caches_.end()) return;
-  RowCache& cache = *found->second;
-  BeginPhysical();
-  const auto write = [&](const CachedRow& image, CachedRow& row, std::vector<Change>& log) {
+  const std::shared_ptr<RowCache> cache = found->second;
+  const auto write = [&](const std::vector<rt::Value>& values, CachedRow& row, const Keep& keep) {
     Change change;
-    change.values = cache.Parameters(image);
+    change.table = table;
+    change.changed = 1;
     if (row.id != 0) {
-      change.sql = cache.UpdateStatement();
-      change.values.push_back(static_cast<std::int32_t>(row.id));
-      change.changed = Run(change, nullptr);
+      change.sql = cache->UpdateStatement();
+      change.values = cache->UpdateValues(values, row.id);
+      keep(std::move(change));
     } else {
-      change.sql = cache.InsertStatement();
-      change.changed = Run(change, &row.id);
+      change.sql = cache->InsertStatement();
+      change.values = cache->InsertValues(values);
+      row.id = keep(std::move(change));
     }
-    log.push_back(std::move(change));
   };
   // First what earlier transactions of the group left, so that undoing the open one brings exactly that back.
-  for (const auto& row : cache.Dirty()) {
-    const CacheUndo* undo = UndoOf(undo_, row);
-    if (!undo) {
-      write(*row, *row, groupLog_);
-    } else if (undo->wasThere && undo->wasDirty) {
-      CachedRow before;
-      before.values = undo->before;
-      write(before, *row, groupLog_);
-    }
-  }
-  for (const auto& row : cache.Dirty())
-    if (UndoOf(undo_, row)) write(*row, *row, Depth() > 0 ? log_ : groupLog_);
-  std::erase_if(undo_, [&](const CacheUndo& entry) { return entry.cache == &cache; });
-  for (auto& mark : undoMarks_) mark = std::min(mark, undo_.size());
-  cache.Retire();
+  std::vector<rt::Value> image;
+  for (const auto& row : cache->Dirty())
+    if (!TouchedByTransaction(*row))
+      write(row->values, *row, settled);
+    else if (CommittedImage(*row, image))
+      write(image, *row, settled);
+  for (const auto& row : cache->Dirty())
+    if (TouchedByTransaction(*row)) write(row->values, *row, open);
+  const auto kept = std::remove_if(undo_.begin(), undo_.begin() + static_cast<std::ptrdiff_t>(used_),
+                                   [&](const CacheUndo& entry) { return entry.cache == cache.get(); });
+  used_ = static_cast<std::size_t>(kept - undo_.begin());
+  cache->Retire();
   caches_.erase(found);
-  NoteChange(table);
 }
 
-void Connection::Impl::RetireCaches() {
+void GroupCaches::ForgetClean() {
+  for (auto& [table, cache] : caches_)
+    std::erase_if(cache->Rows(), [](const auto& entry) { return !entry.second || !entry.second->dirty; });
+}
+
+void GroupCaches::ForgetAll() {
+  ForgetUndo();
   for (auto& [table, cache] : caches_) cache->Retire();
   caches_.clear();
 }
 
-void Connection::Impl::DropCleanCaches() {
+void GroupCaches::Trim() {
   for (auto& [table, cache] : caches_)
-    std::erase_if(cache->Rows(), [](const auto& entry) { return !entry.second || !entry.second->dirty; });
+    if (cache->Rows().size() > kMostCachedRows) cache->Rows().clear();
+}
+
+std::vector<int> GroupCaches::TablesOfTransaction() const {
+  std::vector<int> tables;
+  for (std::size_t i = 0; i < used_; ++i) {
+    const int table = undo_[i].cache->Table().number;
+    if (std::find(tables.begin(), tables.end(), table) == tables.end()) tables.push_back(table);
+  }
+  return tables;
 }
 
 }  // namespace store

@@ -13,6 +13,7 @@
 #include "platform/store/FileFormat.h"
 #include "platform/store/Functions.h"
 #include "platform/store/Rights.h"
+#include "platform/store/SideFile.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -47,6 +48,10 @@ int Handle::Nap(void* self, int tries) {
   auto& handle = *static_cast<Handle*>(self);
   const auto now = std::chrono::steady_clock::now();
   if (tries == 0) handle.waitingSince_ = now;
+  if (handle.sign_ && !handle.waiting_) {
+    handle.waiting_ = true;
+    handle.sign_->ShowWaiting(true);
+  }
   // A write that is made waits for its readers, and theirs may be long. Whoever gave up would have to make it
   // again.
   const bool committing = sqlite3_txn_state(handle.db_, "main") == SQLITE_TXN_WRITE;
@@ -56,6 +61,11 @@ int Handle::Nap(void* self, int tries) {
   const timespec halfMillisecond{0, 500000};
   nanosleep(&halfMillisecond, nullptr);
   return 1;
+}
+
+void Handle::StopWaiting() {
+  waiting_ = false;
+  if (sign_) sign_->ShowWaiting(false);
 }
 
 std::unique_ptr<Handle> Handle::Acquire(const std::string& path, bool readOnly) {
@@ -156,6 +166,7 @@ Handle::~Handle() {
 
 void Handle::Run(std::string_view sql) {
   const int code = sqlite3_exec(db_, std::string(sql).c_str(), nullptr, nullptr, nullptr);
+  if (waiting_) StopWaiting();
   if (code != SQLITE_OK) Fail(code, sql);
 }
 
@@ -377,6 +388,7 @@ void Use::BindAll(const std::vector<rt::Value>& values) {
 
 bool Use::Step() {
   const int code = sqlite3_step(statement_);
+  if (handle_.waiting_) handle_.StopWaiting();
   if (code == SQLITE_ROW) return true;
   if (code == SQLITE_DONE) return false;
   // The reset fetches the extended code; the text stays.

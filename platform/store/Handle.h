@@ -71,6 +71,7 @@ struct QueryPlan {
 };
 
 class Handle;
+class SideFile;
 
 /// A statement that waits for its next use.
 struct PreparedStatement {
@@ -137,6 +138,8 @@ class Handle {
   /// How long to wait for another writer before the error 3188. A commit waits for readers for a minute at
   /// least.
   void SetPatience(std::chrono::milliseconds patience) { patience_ = patience; }
+  /// Where to show that this handle waits for another writer; null for nowhere.
+  void SetWaitingSign(SideFile* sign) { sign_ = sign; }
 
  private:
   friend class Use;
@@ -145,6 +148,9 @@ class Handle {
   static int Nap(void* self, int tries);
   std::chrono::milliseconds patience_{15000};
   std::chrono::steady_clock::time_point waitingSince_;
+  void StopWaiting();
+  SideFile* sign_ = nullptr;
+  bool waiting_ = false;
   std::string path_;
   bool readOnly_ = false;
   dev_t device_ = 0;

@@ -29,6 +29,9 @@ struct ByteRange {
 
 inline constexpr ByteRange kShareByte{std::int64_t{1} << 39, 1};
 inline constexpr ByteRange kTransactionBytes{std::int64_t{1} << 61, 0};
+/// Read locks on it show that their owners wait for the file or for a record.
+inline constexpr ByteRange kWaitingByte{kShareByte.start + 512, 1};
+inline constexpr ByteRange kAllSlotBytes{kShareByte.start + 1, kSlotCount};
 constexpr ByteRange SlotByte(int slot) { return {kShareByte.start + 1 + slot, 1}; }
 
 /// Rows `first` to `last` of a table, in one of the two ways of holding.

@@ -126,9 +126,8 @@ class QueryCursor : public RecordCursor {
     ahead_ = 1;
     place_ = 0;
     onDeleted_ = false;
-    Impl().BeforeRead(plan_->translation);
     if (!plan_->keyed) {
-      Use use(Impl().Db(), plan_->whole);
+      Question use(Impl(), plan_->translation, plan_->whole);
       use.BindAll(parameters_);
       const int count = static_cast<int>(plan_->fields.size());
       while (use.Step()) {
@@ -137,7 +136,7 @@ class QueryCursor : public RecordCursor {
       }
       return;
     }
-    Use use(Impl().Db(), plan_->keys);
+    Question use(Impl(), plan_->translation, plan_->keys);
     use.BindAll(parameters_);
     sqlite3_stmt* statement = use.Raw();
     if (width_ == 1) {
@@ -161,7 +160,7 @@ class QueryCursor : public RecordCursor {
     const auto count = static_cast<std::size_t>(std::min(ahead_, Rows() - place_));
     window_.resize(count);
     const auto fields = static_cast<int>(plan_->fields.size());
-    Use use(Impl().Db(), plan_->row);
+    Question use(Impl(), plan_->translation, plan_->row);
     for (std::size_t i = 0; i < count; ++i) {
       const auto* keys = KeysAt(place_ + static_cast<std::int64_t>(i));
       use.BindAll(parameters_);

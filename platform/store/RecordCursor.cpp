@@ -56,7 +56,7 @@ void RecordCursor::LeaveRetiredCache() {
 
 bool RecordCursor::FetchByKeys(const std::int64_t* keys, RawRow& row) {
   const int width = static_cast<int>(plan_->translation.tables.size());
-  Use use(impl_->Db(), plan_->row);
+  Question use(*impl_, plan_->translation, plan_->row);
   use.BindAll(parameters_);
   for (int i = 0; i < width; ++i) use.BindKey(i, keys[i]);
   if (!use.Step()) return false;
@@ -70,8 +70,7 @@ rt::Value RecordCursor::ValueOf(int field, const RawRow& row) {
   rt::Value value = row.Decode(field, plan_->types[at]);
   if (plan_->apart[at].empty() || value.IsNull()) return value;
   const Bookmark keys = Mark();
-  impl_->BeforeRead(plan_->translation);
-  Use use(impl_->Db(), plan_->apart[at]);
+  Question use(*impl_, plan_->translation, plan_->apart[at]);
   for (std::size_t i = 0; i < keys.size(); ++i) use.BindKey(static_cast<int>(i), keys[i]);
   if (!use.Step()) throw StoreError(kRecordDeleted, "Record is deleted.");
   RawRow alone;
@@ -90,7 +89,7 @@ rt::Value RecordCursor::Get(int field) {
       if (info.type == ColumnType::Boolean) return false;
       if (info.type != ColumnType::Counter) return rt::Null{};
       // Asked for before the record is stored: the number is taken for it now.
-      impl_->BeforeRead(*plan_->leading);
+      impl_->BeforeRead(Table());
       CheckNumbersLeft(impl_->Db(), *plan_->leading);
       buffer_[place] = static_cast<std::int32_t>(impl_->ReserveId(*plan_->leading));
       return *buffer_[place];
@@ -99,6 +98,11 @@ rt::Value RecordCursor::Get(int field) {
   if (state_ == State::Adding) return rt::Null{};
   NeedRow();
   LeaveRetiredCache();
+  if (cachedRow_ && plan_->leading->columns[static_cast<std::size_t>(column)].type == ColumnType::Counter) {
+    // It gets its number when it goes to the file.
+    if (cachedRow_->id == 0) impl_->SpillCache(Table());
+    return static_cast<std::int32_t>(cachedRow_->id);
+  }
   if (cachedRow_) return cachedRow_->values[static_cast<std::size_t>(column)];
   ReadRow();
   return ValueOf(field, *row_);
@@ -128,9 +132,11 @@ void RecordCursor::HoldForEdit() {
   const std::int64_t row = RowKey();
   if (row == 0) return;  // a row of this group, not in the file yet
   CheckLockable(*plan_->leading, row);
-  const bool transaction = impl_->Depth() > 0 || impl_->InGroup();
-  const auto refused =
-      transaction ? impl_->HoldForTransaction(Table(), row) : impl_->HoldForEdit(Table(), row);
+  const bool transaction = impl_->Depth() > 0;
+  std::optional<Holder> refused;
+  if (transaction || impl_->InGroup()) refused = impl_->HoldRecord(Table(), row);
+  // Outside of a transaction the group may end before the edit does.
+  if (!transaction && !refused) refused = impl_->Holds().TakeForEdit(Table(), row);
   if (refused) throw Refusal(refused->hold == Hold::Edit ? kEditLocked : kRecordLocked, *refused);
   if (transaction) return;
   holding_ = true;
@@ -141,7 +147,7 @@ void RecordCursor::HoldForEdit() {
 void RecordCursor::ReleaseEdit() {
   if (!holding_) return;
   holding_ = false;
-  impl_->ReleaseEdit(heldTable_, heldRow_);
+  impl_->Holds().ReleaseEdit(heldTable_, heldRow_);
 }
 
 void RecordCursor::LeaveEdit() {
@@ -170,6 +176,8 @@ void RecordCursor::Edit() {
   }
   buffer_.assign(plan_->leading->columns.size(), std::nullopt);
   changed_ = false;
+  editedInGroup_ = impl_->InGroup() && locking_ == Locking::Pessimistic;
+  editedAt_ = impl_->EpochOf(Table());
   state_ = State::Editing;
 }
 
@@ -213,44 +221,46 @@ void RecordCursor::Update() {
 void RecordCursor::StoreEdit() {
   NeedRow();
   LeaveRetiredCache();
-  const std::int64_t key = cachedRow_ ? 0 : RowKey();
-  if (!cachedRow_) lastModified_ = Mark();
+  if (changed_ && cachedRow_ && ChangesCacheKey()) {
+    impl_->SpillCache(Table());
+    LeaveRetiredCache();
+  }
+  const std::int64_t key = RowKey();
+  lastAdded_ = key == 0 ? cachedRow_ : nullptr;
+  lastModified_ = key == 0 ? Bookmark{} : Mark();
   if (!changed_) return;
   if (cachedRow_) {
-    impl_->KeepForUndo(*cache_, cachedRow_, cacheKey_, true);
-    for (std::size_t i = 0; i < buffer_.size(); ++i)
-      if (buffer_[i]) cachedRow_->values[i] = std::move(*buffer_[i]);
-    impl_->MarkDirty(*cache_, cacheKey_, cachedRow_);
+    auto& before = impl_->Caches().NoteChange(*cache_, cachedRow_, impl_->Depth() > 0).before;
+    for (std::size_t i = 0; i < buffer_.size(); ++i) {
+      if (!buffer_[i]) continue;
+      std::swap(cachedRow_->values[i], *buffer_[i]);
+      before.emplace_back(i, std::move(*buffer_[i]));
+    }
+    impl_->NoteChange(Table());
     return;
   }
   CheckLockable(*plan_->leading, key);
   if (locking_ == Locking::Optimistic) {
-    const auto refused = impl_->HoldForTransaction(Table(), key);
+    const auto refused = impl_->HoldRecord(Table(), key);
     if (refused) throw Refusal(kSaveLocked, *refused);
   }
-  std::vector<rt::Value> values;
-  std::vector<bool> columns(buffer_.size());
+  Change change;
+  change.table = Table();
+  columns_.assign(buffer_.size(), false);
   for (std::size_t i = 0; i < buffer_.size(); ++i) {
     if (!buffer_[i]) continue;
-    columns[i] = true;
-    values.push_back(*buffer_[i]);
+    columns_[i] = true;
+    change.values.push_back(*buffer_[i]);
   }
-  values.push_back(KeyValue(key));
-  if (columns != changedBefore_) {
-    std::string sql;
-    int parameter = 0;
-    for (std::size_t i = 0; i < columns.size(); ++i)
-      if (columns[i])
-        sql += (sql.empty() ? " SET " : ", ") + QuoteName(plan_->leading->columns[i].name) + " = ?" +
-               std::to_string(++parameter);
-    updateStatement_ = "UPDATE " + QuoteName(plan_->leading->name) + sql + " WHERE _rowid_ = ?" +
-                       std::to_string(parameter + 1);
-    changedBefore_ = std::move(columns);
-  }
+  change.values.push_back(KeyValue(key));
+  if (columns_ != changedBefore_) PrepareUpdate();
+  change.sql = updateStatement_;
   try {
     Writing writing(*impl_);
-    impl_->BeforeRead(*plan_->leading);
-    if (impl_->Write(updateStatement_, std::move(values)) == 0)
+    impl_->SpillCache(Table());
+    if (editedInGroup_ && updateCanWait_ && impl_->InGroup() && editedAt_ == impl_->EpochOf(Table()))
+      impl_->WriteLater(std::move(change));
+    else if (impl_->Write(std::move(change)) == 0)
       throw StoreError(kRecordDeleted, "Record is deleted.");
     impl_->NoteChange(Table());
     writing.Done();
@@ -262,24 +272,48 @@ void RecordCursor::StoreEdit() {
   RowStored(key);
 }
 
+/// Makes the statement that changes the columns of the edit.
+void RecordCursor::PrepareUpdate() {
+  std::string sql;
+  int parameter = 0;
+  updateCanWait_ = true;
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    if (!columns_[i]) continue;
+    const ColumnInfo& column = plan_->leading->columns[i];
+    sql += (sql.empty() ? " SET " : ", ") + QuoteName(column.name) + " = ?" + std::to_string(++parameter);
+    // Doubled keys must be reported at once, and pictures would fill the memory.
+    if (column.type == ColumnType::LongBinary) updateCanWait_ = false;
+    for (const auto& index : plan_->leading->indexes)
+      for (const auto& used : index.columns)
+        if ((index.unique || index.primary) && rt::EqualNoCase(used, column.name)) updateCanWait_ = false;
+  }
+  updateStatement_ =
+      std::make_shared<const std::string>("UPDATE " + QuoteName(plan_->leading->name) + sql +
+                                          " WHERE _rowid_ = ?" + std::to_string(parameter + 1));
+  changedBefore_ = columns_;
+}
+
+bool RecordCursor::ChangesCacheKey() const {
+  for (std::size_t i = 0; i < buffer_.size(); ++i)
+    if (buffer_[i] && cache_->IsKey(i) && *buffer_[i] != cachedRow_->values[i]) return true;
+  return false;
+}
+
 bool RecordCursor::StoreNewInCache(const std::vector<rt::Value>& values) {
   // Only where a Seek of this group has just found that there is no such row.
-  if (!cache_ || cache_->Retired() || !impl_->InGroup() || !noMatch_ || cacheKey_.empty()) return false;
+  if (!cache_ || cache_->Retired() || !impl_->InGroup() || impl_->Depth() > 1 || !noMatch_ ||
+      cacheKey_.empty())
+    return false;
   if (cache_->KeyOfRow(values) != cacheKey_) return false;
   const auto absent = cache_->Rows().find(cacheKey_);
   if (absent == cache_->Rows().end() || absent->second) return false;
-  for (const auto& column : plan_->leading->columns)
-    if (column.type == ColumnType::Counter &&
-        buffer_[static_cast<std::size_t>(plan_->leading->Find(column.name))])
-      return false;
-  // Rows of the cache get their numbers when the group is committed; where these run short they go to the
-  // file one by one.
-  constexpr std::int64_t kMany = 1'000'000;
-  if (NumbersLeft(impl_->Db(), *plan_->leading) < kMany) return false;
+  for (std::size_t i = 0; i < buffer_.size(); ++i)
+    if (plan_->leading->columns[i].type == ColumnType::Counter && buffer_[i]) return false;
   auto row = std::make_shared<CachedRow>();
   row->values = values;
-  impl_->KeepForUndo(*cache_, row, cacheKey_, false);
-  impl_->MarkDirty(*cache_, cacheKey_, row);
+  impl_->Caches().NoteAdded(*cache_, cacheKey_, row, impl_->Depth() > 0);
+  impl_->NoteChange(Table());
+  lastAdded_ = std::move(row);
   return true;
 }
 
@@ -302,22 +336,41 @@ void RecordCursor::StoreNew() {
     marks += (marks.empty() ? "?" : ", ?") + std::to_string(values.size());
   }
   if (StoreNewInCache(values)) return;
+  const bool counted = idParameter > 0;
+  if (!counted) {
+    values.emplace_back(rt::Null{});
+    idParameter = static_cast<int>(values.size());
+    names += ", _rowid_";
+    marks += ", ?" + std::to_string(idParameter);
+  }
   std::int64_t id = 0;
   {
     Writing writing(*impl_);
-    impl_->BeforeRead(table);
-    if (idParameter > 0 && values[static_cast<std::size_t>(idParameter) - 1].IsNull())
+    impl_->BeforeRead(Table());
+    if (counted && values[static_cast<std::size_t>(idParameter) - 1].IsNull())
       CheckNumbersLeft(impl_->Db(), table);
-    impl_->Write("INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")",
-                 std::move(values), &id, idParameter);
+    Change change;
+    change.sql = std::make_shared<const std::string>("INSERT INTO " + QuoteName(table.name) + " (" + names +
+                                                     ") VALUES (" + marks + ")");
+    change.values = std::move(values);
+    change.table = Table();
+    impl_->Write(std::move(change), &id, idParameter);
     impl_->NoteChange(Table());
-    if (idParameter > 0) impl_->NoteReserved(table.name, id);
+    if (counted) impl_->NoteReserved(table.name, id);
     writing.Done();
   }
   lastModified_.assign(plan_->translation.tables.size(), kNoKey);
   lastModified_[0] = id;
-  cache_ = nullptr;
+  lastAdded_ = nullptr;
+  LeaveRetiredCache();
   RowAdded(id);
+}
+
+// A row that was added in a group's memory gets its key when it goes to the file.
+Bookmark RecordCursor::LastModified() const {
+  if (!lastAdded_) return lastModified_;
+  if (lastAdded_->id == 0) impl_->SpillCache(Table());
+  return {lastAdded_->id};
 }
 
 void RecordCursor::Delete() {
@@ -326,15 +379,15 @@ void RecordCursor::Delete() {
   LeaveEdit();
   NeedRow();
   // A row that a group keeps in memory must be in the file before it can be deleted there.
-  if (cachedRow_) impl_->BeforeRead(*plan_->leading);
+  if (cachedRow_) impl_->SpillCache(Table());
   LeaveRetiredCache();
   const std::int64_t key = RowKey();
   CheckLockable(*plan_->leading, key);
-  if (const auto refused = impl_->HoldForTransaction(Table(), key)) throw Refusal(kRecordLocked, *refused);
+  if (const auto refused = impl_->HoldRecord(Table(), key)) throw Refusal(kRecordLocked, *refused);
   try {
     Writing writing(*impl_);
-    impl_->BeforeRead(*plan_->leading);
-    if (impl_->Write("DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1",
+    impl_->BeforeRead(Table());
+    if (impl_->Write(Table(), "DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1",
                      {KeyValue(key)}) == 0)
       throw StoreError(kRecordDeleted, "Record is deleted.");
     impl_->NoteChange(Table());
@@ -383,7 +436,7 @@ void RecordCursor::Find(std::string_view condition, bool first) {
   }
   if (!known) {
     found_ = {std::string(condition), now, {}};
-    Use use(impl_->Db(), KeysWhere(probe->translation));
+    Question use(*impl_, probe->translation, KeysWhere(probe->translation));
     use.BindAll(values);
     while (use.Step()) found_.keys.push_back(use.Int64(0));
   }
@@ -403,7 +456,7 @@ bool RecordCursor::FindNear(const QueryPlan& probe, const std::vector<rt::Value>
   const std::string sql = KeysWhere(probe.translation, WhichKeys::One);
   MoveNext();
   for (int i = 0; i < kNear && !AtEnd(); ++i, MoveNext()) {
-    Use use(impl_->Db(), sql);
+    Question use(*impl_, probe.translation, sql);
     use.BindAll(values);
     use.BindKey(0, RowKey());
     if (use.Step()) return true;

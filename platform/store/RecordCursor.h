@@ -43,7 +43,7 @@ class RecordCursor : public Cursor {
   void Update() override;
   void CancelUpdate() override;
   void Delete() override;
-  Bookmark LastModified() const override { return lastModified_; }
+  Bookmark LastModified() const override;
   bool HeldByThisProcess() const override;
   bool NoMatch() const override { return noMatch_; }
   void FindFirst(std::string_view condition) override;
@@ -106,6 +106,8 @@ class RecordCursor : public Cursor {
   void ReleaseEdit();
   void StoreEdit();
   void StoreNew();
+  void PrepareUpdate();
+  bool ChangesCacheKey() const;
   bool StoreNewInCache(const std::vector<rt::Value>& values);
   void CheckRequired(const std::vector<std::optional<rt::Value>>& buffer, bool adding) const;
 
@@ -113,7 +115,12 @@ class RecordCursor : public Cursor {
   std::vector<std::optional<rt::Value>> buffer_;  ///< by column of the leading table
   bool changed_ = false;
   std::vector<bool> changedBefore_;  ///< the columns that updateStatement_ changes
-  std::string updateStatement_;
+  std::vector<bool> columns_;        ///< the columns of the edit
+  std::shared_ptr<const std::string> updateStatement_;
+  bool updateCanWait_ = false;            ///< nothing in the file can refuse it
+  bool editedInGroup_ = false;            ///< the edit began in a group, with the record held and read
+  std::uint64_t editedAt_ = 0;            ///< the table's epoch then
+  std::shared_ptr<CachedRow> lastAdded_;  ///< the row last stored, where it has no key yet
   FoundKeys found_;
   bool holding_ = false;
   int heldTable_ = 0;

@@ -1,8 +1,10 @@
 #include "platform/store/RowCache.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/store/Handle.h"
+#include "platform/store/Numbers.h"
 
 namespace store {
 namespace {
@@ -47,22 +49,34 @@ RowCache::RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table,
   std::string changes;
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
     if (table.columns[i].type == ColumnType::Counter) continue;
-    stored_.push_back(i);
     const std::string name = QuoteName(table.columns[i].name);
-    const std::string mark = "?" + std::to_string(stored_.size());
-    names += (names.empty() ? "" : ", ") + name;
-    marks += (marks.empty() ? "" : ", ") + mark;
-    changes += (changes.empty() ? "" : ", ") + name + " = " + mark;
+    inserted_.push_back(i);
+    names += name + ", ";
+    marks += "?" + std::to_string(inserted_.size()) + ", ";
+    if (IsKey(i)) continue;
+    updated_.push_back(i);
+    changes += (changes.empty() ? "" : ", ") + name + " = ?" + std::to_string(updated_.size());
   }
-  update_ = "UPDATE " + QuoteName(table.name) + " SET " + changes + " WHERE _rowid_ = ?" +
-            std::to_string(stored_.size() + 1);
-  insert_ = "INSERT INTO " + QuoteName(table.name) + " (" + names + ") VALUES (" + marks + ")";
+  update_ = std::make_shared<const std::string>("UPDATE " + QuoteName(table.name) + " SET " + changes +
+                                                " WHERE _rowid_ = ?" + std::to_string(updated_.size() + 1));
+  insert_ = std::make_shared<const std::string>("INSERT INTO " + QuoteName(table.name) + " (" + names +
+                                                "_rowid_) VALUES (" + marks + "?" +
+                                                std::to_string(inserted_.size() + 1) + ")");
+}
+
+bool RowCache::IsKey(std::size_t column) const {
+  return std::find(keyColumns_.begin(), keyColumns_.end(), column) != keyColumns_.end();
 }
 
 std::string RowCache::KeyOf(const std::vector<rt::Value>& key) {
   std::string text;
-  for (const auto& value : key) AppendKey(text, value);
+  KeyOf(key, text);
   return text;
+}
+
+void RowCache::KeyOf(const std::vector<rt::Value>& key, std::string& text) {
+  text.clear();
+  for (const auto& value : key) AppendKey(text, value);
 }
 
 std::string RowCache::KeyOfRow(const std::vector<rt::Value>& values) const {
@@ -71,17 +85,31 @@ std::string RowCache::KeyOfRow(const std::vector<rt::Value>& values) const {
   return text;
 }
 
-int RowCache::BindRow(Use& statement, const std::vector<rt::Value>& values) const {
-  int index = 0;
-  for (const std::size_t column : stored_) statement.Bind(++index, values[column]);
-  return index;
+std::vector<rt::Value> RowCache::UpdateValues(const std::vector<rt::Value>& row, std::int64_t id) const {
+  std::vector<rt::Value> values;
+  values.reserve(updated_.size() + 1);
+  for (const std::size_t column : updated_) values.push_back(row[column]);
+  values.push_back(KeyValue(id));
+  return values;
 }
 
-std::vector<rt::Value> RowCache::Parameters(const CachedRow& row) const {
+std::vector<rt::Value> RowCache::InsertValues(const std::vector<rt::Value>& row) const {
   std::vector<rt::Value> values;
-  values.reserve(stored_.size() + 1);
-  for (const std::size_t column : stored_) values.push_back(row.values[column]);
+  values.reserve(inserted_.size() + 1);
+  for (const std::size_t column : inserted_) values.push_back(row[column]);
+  values.emplace_back(rt::Null{});
   return values;
+}
+
+void RowCache::BindUpdate(Use& statement, const std::vector<rt::Value>& row, std::int64_t id) const {
+  int index = 0;
+  for (const std::size_t column : updated_) statement.Bind(++index, row[column]);
+  statement.Bind(++index, id);
+}
+
+void RowCache::BindInsert(Use& statement, const std::vector<rt::Value>& row) const {
+  int index = 0;
+  for (const std::size_t column : inserted_) statement.Bind(++index, row[column]);
 }
 
 }  // namespace store

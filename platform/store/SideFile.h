@@ -104,10 +104,17 @@ class SideFile {
   void ReleaseTable(int table);
   /// Ends every Transaction hold of this owner.
   void ReleaseTransaction();
-  /// Turns the whole-table holds into holds of just the named records, without a gap in which another could
-  /// take them. Records that were taken singly stay held. A named record that no whole-table hold includes is
-  /// passed over.
+  /// Turns the whole-table holds on these tables into holds of just the named records, without a gap in which
+  /// another could take them. Records that were taken singly stay held, and so do other tables. A named
+  /// record that no whole-table hold includes is passed over.
   void Narrow(const std::map<int, std::vector<std::int64_t>>& rowsByTable);
+
+  /// Shows the others that this owner waits for the file or for a record, or no longer does.
+  void ShowWaiting(bool waiting);
+  /// Whether another owner shows that it waits.
+  bool OthersWait() const;
+  /// Whether another owner has the file open.
+  bool OthersAreIn() const;
 
   /// The slots that are locked by a living process, in slot order.
   std::vector<RosterEntry> Roster() const;

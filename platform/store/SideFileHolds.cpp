@@ -238,11 +238,22 @@ void SideFile::Narrow(const std::map<int, std::vector<std::int64_t>>& rowsByTabl
       if (state_->Covers({table, row})) state_->transactions.try_emplace({table, row}, 1);
     }
   }
-  const std::map<int, std::set<std::int64_t>> held = std::move(state_->tables);
-  state_->tables.clear();
-  if (share_ == Share::Exclusive) return;
-  for (const auto& [table, leftOut] : held) state_->KeepOnly(table, state_->SingleRows(table));
+  for (const auto& [table, rows] : rowsByTable) {
+    if (state_->tables.erase(table) == 0 || share_ == Share::Exclusive) continue;
+    state_->KeepOnly(table, state_->SingleRows(table));
+  }
 }
+
+void SideFile::ShowWaiting(bool waiting) {
+  if (waiting)
+    state_->locks.TryLockForReading(kWaitingByte);
+  else
+    state_->locks.Unlock(kWaitingByte);
+}
+
+bool SideFile::OthersWait() const { return state_->locks.OthersIn(kWaitingByte); }
+
+bool SideFile::OthersAreIn() const { return state_->locks.OthersIn(kAllSlotBytes); }
 
 std::vector<HeldRecord> SideFile::HeldByOthers(const std::vector<int>& tables) const {
   std::vector<HeldRecord> records;

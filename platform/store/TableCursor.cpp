@@ -25,8 +25,7 @@ class TableCursor : public RecordCursor {
   bool AtBegin() const override { return place_ == Place::Begin || (place_ == Place::End && empty_); }
   bool AtEnd() const override { return place_ == Place::End; }
   std::int64_t Count() override {
-    Impl().BeforeRead(*plan_->leading);
-    Use use(Impl().Db(), "SELECT COUNT(*) FROM " + QuoteName(plan_->leading->name));
+    Question use(Impl(), *plan_->leading, "SELECT COUNT(*) FROM " + QuoteName(plan_->leading->name));
     return use.Step() ? use.Int64(0) : 0;
   }
   std::int64_t Position() override { return -1; }
@@ -56,6 +55,7 @@ class TableCursor : public RecordCursor {
   void MoveNext() override {
     if (AtEnd()) throw StoreError(kNoCurrentRecord, "No current record.");
     if (place_ == Place::Begin) return MoveFirst();
+    GiveKey();
     Leave();
     if (byIndex_) {
       if (!orderRead_) FindInOrder();
@@ -73,6 +73,7 @@ class TableCursor : public RecordCursor {
   void MovePrevious() override {
     if (AtBegin()) throw StoreError(kNoCurrentRecord, "No current record.");
     if (place_ == Place::End) return MoveLast();
+    GiveKey();
     Leave();
     if (byIndex_) {
       if (!orderRead_) FindInOrder();
@@ -84,13 +85,15 @@ class TableCursor : public RecordCursor {
 
   Bookmark Mark() override {
     NeedRow();
+    GiveKey();
     return {key_};
   }
   void GoTo(const Bookmark& mark) override {
     Leave();
     onDeleted_ = false;
     const std::int64_t key = mark.empty() ? kNoKey : mark[0];
-    Use use(Impl().Db(), "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1");
+    Question use(Impl(), *plan_->leading,
+                 "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1");
     use.Bind(1, key);
     if (!use.Step()) throw StoreError(kRecordDeleted, "Record is deleted.");
     place_ = Place::Row;
@@ -112,7 +115,7 @@ class TableCursor : public RecordCursor {
     if (!byIndex_) return MoveFirst();
     // Standing on the first row would need the whole order read, which who only seeks never wants.
     place_ = Place::Begin;
-    Use any(Impl().Db(), "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " LIMIT 1");
+    Question any(Impl(), *plan_->leading, "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " LIMIT 1");
     empty_ = !any.Step();
     if (empty_) place_ = Place::End;
   }
@@ -133,8 +136,7 @@ class TableCursor : public RecordCursor {
         return;
       }
     }
-    Impl().BeforeRead(*plan_->leading);
-    SeekInFile(values);
+    SeekInFile(values, Connection::Impl::CachedRows::Store);
   }
 
  protected:
@@ -156,7 +158,7 @@ class TableCursor : public RecordCursor {
     ReadRowAgain();
   }
   void ReadRowAgain() override {
-    Impl().BeforeRead(*plan_->leading);
+    Impl().BeforeRead(Table());
     KeepWindow(1);
     if (!FetchByKeys(&key_, window_[0])) {
       windowEpoch_ = 0;
@@ -211,6 +213,13 @@ class TableCursor : public RecordCursor {
  private:
   enum class Place { Begin, Row, End };
 
+  /// A row that is in a group's memory alone gets its key when it goes to the file.
+  void GiveKey() {
+    if (!cachedRow_) return;
+    if (cachedRow_->id == 0) Impl().SpillCache(Table());
+    key_ = cachedRow_->id;
+  }
+
   void Leave() {
     LeaveEdit();
     cachedRow_ = nullptr;
@@ -227,8 +236,7 @@ class TableCursor : public RecordCursor {
 
   // One step by comparing keys; `edge` says that there is nothing to stand on when there is none.
   void Walk(const std::string& condition, std::int64_t from, bool edge) {
-    Impl().BeforeRead(*plan_->leading);
-    Use use(Impl().Db(), list_ + condition);
+    Question use(Impl(), *plan_->leading, list_ + condition);
     use.Bind(1, from);
     if (!use.Step()) {
       place_ = edge || from == INT64_MAX ? Place::End : Place::Begin;
@@ -253,8 +261,8 @@ class TableCursor : public RecordCursor {
   }
 
   void FetchAhead() {
-    Impl().BeforeRead(*plan_->leading);
-    Use use(Impl().Db(), list_ + " WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT " + std::to_string(kAhead));
+    Question use(Impl(), *plan_->leading,
+                 list_ + " WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT " + std::to_string(kAhead));
     use.Bind(1, key_);
     KeepWindow(kAhead);
     std::size_t count = 0;
@@ -275,11 +283,11 @@ class TableCursor : public RecordCursor {
 
   void ReadOrder() {
     if (orderRead_ && orderEpoch_ == Impl().EpochOf(Table())) return;
-    Impl().BeforeRead(*plan_->leading);
     std::string columns;
     for (const auto& column : index_->columns) columns += QuoteName(column) + ", ";
-    Use use(Impl().Db(),
-            "SELECT _rowid_ FROM " + QuoteName(plan_->leading->name) + " ORDER BY " + columns + "_rowid_");
+    Question use(
+        Impl(), *plan_->leading,
+        "SELECT _rowid_ FROM " + QuoteName(plan_->leading->name) + " ORDER BY " + columns + "_rowid_");
     order_.clear();
     while (use.Step()) order_.push_back(use.Int64(0));
     orderRead_ = true;
@@ -314,7 +322,7 @@ class TableCursor : public RecordCursor {
   }
 
   // Finds the row and reads it in one query; true where there is one.
-  bool SeekInFile(const std::vector<rt::Value>& key) {
+  bool SeekInFile(const std::vector<rt::Value>& key, Connection::Impl::CachedRows cached) {
     std::string condition;
     std::string order;
     for (std::size_t i = 0; i < index_->columns.size(); ++i) {
@@ -326,7 +334,8 @@ class TableCursor : public RecordCursor {
         order += name + ", ";
       }
     }
-    Use use(Impl().Db(), list_ + condition + " ORDER BY " + order + "_rowid_ LIMIT 1");
+    Question use(Impl(), *plan_->leading, list_ + condition + " ORDER BY " + order + "_rowid_ LIMIT 1",
+                 cached);
     use.BindAll(key);
     if (!use.Step()) {
       place_ = Place::End;
@@ -347,7 +356,7 @@ class TableCursor : public RecordCursor {
     auto found = rows.find(cacheKey_);
     if (found == rows.end()) {
       std::shared_ptr<CachedRow> row;
-      if (SeekInFile(key)) {
+      if (SeekInFile(key, Connection::Impl::CachedRows::Keep)) {
         row = std::make_shared<CachedRow>();
         row->id = key_;
         const auto count = plan_->fields.size();

@@ -66,8 +66,7 @@ void ScanTable(const std::shared_ptr<Connection>& connection, std::string_view t
   Connection::Impl& impl = connection->Internals();
   std::int64_t reached = std::numeric_limits<std::int64_t>::min();
   for (bool more = true; more;) {
-    impl.BeforeRead(*info);
-    Use use(impl.Db(), sql);
+    Question use(impl, *info, sql);
     use.Bind(1, reached);
     Clock::time_point end;
     for (int seen = 0; (more = use.Step()); ++seen) {

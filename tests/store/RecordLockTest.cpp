@@ -154,7 +154,7 @@ TEST_P(RecordLockTest, NarrowingKeepsTheNamedRecordsAndTheSingleOnes) {
   EXPECT_EQ(Take(*mine, Hold::Transaction, 1, 20), "yes");
   mine->TakeTable(1);
   mine->TakeTable(2);
-  mine->Narrow({{1, {7, 0, 8, 6, 7, 4294967294}}, {3, {5}}});
+  mine->Narrow({{1, {7, 0, 8, 6, 7, 4294967294}}, {2, {}}, {3, {5}}});
   EXPECT_FALSE(mine->HoldsTable(1));
   for (const std::string row : {"0", "6", "7", "20", "4294967294"}) {
     EXPECT_TRUE(mine->Holds(Hold::Transaction, 1, std::stoll(row)));
