@@ -22,8 +22,8 @@ std::function<void()>& End() {
   return end;
 }
 
-/// Whoever asked would ask again for ever if this came back, so it does not, even where the end that is
-/// installed only closes windows and returns.
+/// Never returns, also if the installed end only closes windows and returns: the caller would ask again for
+/// ever.
 [[noreturn]] void EndForGood(const std::string& reason) {
   screen::MessageBox(reason + "\r\rApplication terminated.", screen::Icon::Critical);
   EndApplication();

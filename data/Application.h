@@ -7,20 +7,20 @@
 
 namespace dw {
 
-/// Finds a data file that is missing: given the name or path that was looked for, it corrects DataPath and
-/// the connection strings. The shell installs the form for it; without one, ApplicationEnd is thrown after a
-/// message.
+/// Finds a missing data file: from the name or path that was looked for, it corrects DataPath and the
+/// connection strings. The shell installs a form for this. Without one, LocateFile shows a message and throws
+/// ApplicationEnd.
 using FileLocator = std::function<void(const std::string& fileName)>;
 void InstallFileLocator(FileLocator locator);
 void LocateFile(const std::string& fileName);
 
-/// Repairs a damaged file. Installed by the module that knows how; without one the file is left as it is and
-/// the program ends with a message: ApplicationEnd is thrown even where the end that is installed comes back.
+/// Repairs a damaged file. Installed by the module that can do it. Without one the file stays as it is and
+/// the program ends with a message: RepairFile throws ApplicationEnd, also if the installed end returns.
 using FileRepair = std::function<void(const std::string& path)>;
 void InstallFileRepair(FileRepair repair);
 void RepairFile(const std::string& path);
 
-/// Thrown by EndApplication where nothing else is installed; only main functions catch it.
+/// Thrown by EndApplication if no other end is installed; only main functions catch it.
 class ApplicationEnd : public std::exception {
  public:
   const char* what() const noexcept override { return "the program was ended"; }

@@ -1,4 +1,4 @@
-// What came of trying something on a data file, and the pause before it is tried again.
+// The result of a step on a data file, and the pause before the step is tried again.
 #pragma once
 
 #include <cstdint>
@@ -13,14 +13,14 @@
 
 namespace dw {
 
-/// The number and text that messages and waits go by. Number 0 is success.
+/// The number and text that decide about messages and waits. Number 0 is success.
 struct Failure {
   std::int32_t number = 0;
   std::string description;
   explicit operator bool() const { return number != 0; }
 };
 
-/// Runs a step and turns what it throws into a Failure. Only the end of the program passes through.
+/// Runs a step and turns what it throws into a Failure. Only ApplicationEnd passes through.
 template <class Step>
 Failure Try(Step&& step) {
   try {
@@ -40,7 +40,7 @@ Failure Try(Step&& step) {
 }
 
 /// The wait of an operation that another user's lock keeps out: a second for each failed try, and a box at
-/// every eleventh, so that somebody goes and looks who holds the record. It never gives up by itself.
+/// every eleventh, so that somebody finds out who holds the record. It never gives up by itself.
 class LockWait {
  public:
   enum class Events { Hold, LetRun };

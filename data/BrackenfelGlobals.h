@@ -1,4 +1,5 @@
-// What all parts of a running program share: set at sign-on, read everywhere else without further checking.
+// What all parts of a running program share. It is set at sign-on and only read afterwards, without further
+// checks.
 #pragma once
 
 #include <cstdint>
@@ -37,7 +38,7 @@ inline std::string OrganisationName;
 inline std::string AppVersion;
 
 /// Sets the data directory and from it the four files and their connection strings, as sign-on does once the
-/// directory is known. A missing separator at the end is added. The files need not exist.
+/// directory is known. Adds a missing separator at the end. The files need not exist.
 void SetDataPath(const std::string& directory);
 /// The connection string of a data file other than the main one.
 std::string FileConnect(const std::string& path);

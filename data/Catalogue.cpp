@@ -15,7 +15,7 @@ using store::IndexInfo;
 using store::RelationInfo;
 using store::TableInfo;
 
-// The words of the list below: each gives one or more columns of its kind.
+// The words of the list below: each returns one or more columns of its kind.
 
 using Names = std::initializer_list<const char*>;
 using Columns = std::vector<ColumnInfo>;
@@ -37,7 +37,7 @@ Columns Text(int size, Names names) { return OfType(ColumnType::Text, names, siz
 Columns Notes() { return OfType(ColumnType::Memo, {"Notes"}); }
 Columns Picture(Names names) { return OfType(ColumnType::LongBinary, names); }
 
-// Widths that several tables share: a code is one width wherever it is stored, or a join would miss rows.
+// Widths that several tables share: a code has the same width in every table, or a join would miss rows.
 constexpr int kAssetCode = 20;
 constexpr int kGroupCode = 20;
 constexpr int kPerson = 20;
@@ -61,7 +61,7 @@ IndexInfo Index(const char* name, std::vector<std::string> columns) {
 IndexInfo Unique(const char* name, std::vector<std::string> columns) {
   return {.name = name, .columns = std::move(columns), .unique = true};
 }
-/// Unique, but for rows that have nothing in the column yet.
+/// Unique, except that any number of rows may have nothing in the column yet.
 IndexInfo UniqueWhereGiven(const char* name, std::vector<std::string> columns) {
   return {.name = name, .columns = std::move(columns), .unique = true, .exceptEmpty = true};
 }
@@ -69,7 +69,7 @@ IndexInfo UniqueRequired(const char* name, std::vector<std::string> columns) {
   return {.name = name, .columns = std::move(columns), .unique = true, .required = true};
 }
 
-/// Columns that no row leaves empty.
+/// Columns that must have a value in every row.
 Columns Required(Columns columns) {
   for (ColumnInfo& column : columns) column.required = true;
   return columns;
@@ -132,10 +132,11 @@ CatalogueFile MainFileTables() {
              Flag({"Data Initialized", "Internal_Fuel_Available"}), Date({"Transaction Close Out Date"}),
              Long({"Deleted Inventory ID"})}),
 
-      // A code that two assets share would mix their costs, and removing one would take the other's readings:
-      // the table itself refuses it. Assets that are still being entered have no code yet. The second index
-      // on the code finds rows, which one that leaves some out cannot do for every question. The picture is
-      // the last column: the engine has to go through all of it to reach a column behind it.
+      // A code that two assets share would mix their costs, and removing one asset would delete the readings
+      // of the other. So the table itself refuses a second asset with a code. Assets that are still being
+      // entered have no code yet. That unique index leaves them out and cannot serve every query, so a second
+      // index on the code finds rows. The picture is the last column: the engine reads through all of it to
+      // reach a column behind it.
       Table("Vehicles",
             {Counter(), AssetCode(), Description(), Text(30, {"VIN/Serial Number"}),
              Text(kGroupCode, {"Division ID", "Class ID"}), Long({"Fuel Type"}),
@@ -148,8 +149,8 @@ CatalogueFile MainFileTables() {
              Index("Division ID", {"Division ID"}), Index("Class ID", {"Class ID"}),
              Index("Fuel Type", {"Fuel Type"})}),
 
-      // Codes of assets, divisions and classes may be blank, and more than once: a row that is being entered
-      // has none yet.
+      // Nothing here keeps two divisions, or two classes, from having the same code. A row that is being
+      // entered has none yet.
       Table("Divisions", {Counter(), Text(kGroupCode, {"Division ID"}), Description(), Notes(), Audit()},
             {Index("Division ID", {"Division ID"})}),
       Table("Inventory Classes", {Counter(), Text(kGroupCode, {"Class ID"}), Description(), Notes(), Audit()},
@@ -193,7 +194,7 @@ CatalogueFile MainFileTables() {
             {Counter(), Text(kPerson, {"User Name"}), AssetCode(), Single({"Mileage"}), Date({"Date"})},
             {Index("User Name", {"User Name"})}),
 
-      // The indexes of the cost tables are unique, so that two runs of posting cannot make two rows of one
+      // The indexes of the cost tables are unique, so that two posting runs cannot both add a row for one
       // sum.
       Table("Assets Period Costs", {Counter(), AssetCode(), Short({"Fiscal Year", "Period"}), AssetSums()},
             {Unique("Assets by Period", {"Asset ID", "Fiscal Year", "Period"})}),
@@ -241,8 +242,8 @@ CatalogueFile UsersFileTables() {
   CatalogueFile file;
   file.name = "DW_USERS.MDB";
   file.tables = {
-      // Names are compared in upper case by their readers, and a user or workstation that is being entered
-      // has none.
+      // Not unique: names are compared in upper case by the code that reads them, and a user or workstation
+      // that is being entered has none.
       Table("Application User List",
             {Counter(), Text(kPerson, {"User Name"}), Text(8, {"Password"}),
              Flag({"Allow Access", "Administrator"}), Audit()},
@@ -310,7 +311,7 @@ CatalogueFile QueriesFileTables() {
 const std::vector<CatalogueFile>& Catalogue() {
   static const std::vector<CatalogueFile> files = {
       MainFileTables(), UsersFileTables(), ListsFileTables(), QueriesFileTables(),
-      // Shared with the other products of the family; only its place and its connection are known here.
+      // Shared with the other products of the family. Only its place and its connection are known here.
       CatalogueFile{.name = "BFSYS.MDB", .tables = {}, .relations = {}}};
   return files;
 }

@@ -19,12 +19,12 @@ using store::IndexInfo;
 using store::RelationInfo;
 using store::TableInfo;
 
-/// What a fleet of some years looks like to the planner of queries: few types of work, many assets. Without
-/// it the work done on one asset is looked for among all the work of one type.
+/// What the query planner should expect of a fleet of some years: few types of work, many assets. Without it
+/// the planner would look for one asset's work among all the work of one type.
 struct Expectation {
   const char* table;
   const char* index;
-  std::vector<std::int64_t> rows;  ///< of the table, and sharing the first field, the first two …
+  std::vector<std::int64_t> rows;  ///< in all; sharing the first field, the first two …
 };
 const Expectation kExpected[] = {
     {"Maintenance Transactions", "By Asset and Date", {100000, 100, 2}},
@@ -42,13 +42,13 @@ std::string Joined(const std::vector<std::string>& names) {
   return text;
 }
 
-/// The type without the rule of comparison that every text has.
+/// The type without the collation that every text column has.
 std::string TypeName(const ColumnInfo& column) {
   const std::string declared = store::DeclaredType(column);
   return declared.substr(0, declared.find(" COLLATE"));
 }
 
-/// A text column may be wider than the list asks for: nothing is lost in it.
+/// A text column may be wider than the list asks for: no text is cut off.
 bool Serves(const ColumnInfo& stored, const ColumnInfo& wanted) {
   return stored.type == wanted.type && stored.size >= wanted.size;
 }
@@ -94,7 +94,8 @@ void CompareTable(const TableInfo& stored, const TableInfo& wanted, std::vector<
   }
 }
 
-/// Values that several rows of the table share though the index allows each once, with the keys of the rows.
+/// Values that several rows of the table share although the index allows each only once, with the keys of
+/// those rows.
 void NameDoubles(store::Connection& connection, const TableInfo& stored, const IndexInfo& index,
                  std::vector<std::string>& differences) {
   const std::string& column = index.columns.front();
@@ -141,7 +142,7 @@ void AddMissingIndexes(store::Connection& connection, const CatalogueFile& file)
       try {
         connection.CreateIndex(stored->name, index);
       } catch (const store::StoreError&) {
-        // The next call tries again; until then the file works as it did.
+        // The next call tries again. Until then the file works as before.
       }
     }
   }
@@ -160,7 +161,7 @@ void CreateDataFile(const std::string& directory, std::string_view file) {
   store::Engine::ForNewFiles().Create(path);
   try {
     const auto connection = store::Engine::Of(path).Open({.path = path, .share = store::Share::Exclusive});
-    // In one transaction: a hundred definitions stored one by one would keep the disk busy for a second.
+    // In one transaction: a hundred separate commits would keep the disk busy for a second.
     connection->BeginTrans();
     for (const TableInfo& table : catalogue.tables) connection->CreateTable(table);
     for (const RelationInfo& relation : catalogue.relations) connection->AddRelation(relation);
@@ -172,7 +173,7 @@ void CreateDataFile(const std::string& directory, std::string_view file) {
         connection->Expect(expected.table, expected.index, expected.rows);
     connection->CommitTrans();
   } catch (...) {
-    // Half a data file would be taken for a whole one at the next start.
+    // Removes the incomplete file: the next start would take it for a complete one.
     std::error_code ignored;
     std::filesystem::remove(path, ignored);
     throw;

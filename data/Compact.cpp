@@ -50,15 +50,14 @@ void CompactDatabase(const std::string& path, const std::string& temporaryFolder
                        Buttons::OkCancel);
     return;
   }
-  // Keeps everybody out until the copy stands in the first file's place: what somebody wrote in between would
-  // be lost.
+  // Keeps everybody out until the copy has replaced the first file: changes made in between would be lost.
   std::shared_ptr<store::Compaction> compaction;
   if (const Failure failure = Try([&] { compaction = dao::DBEngine::CompactDatabase(path, name); })) {
     ShowFailure(failure);
     return;
   }
-  // Deleting the first file and giving the copy its name are one step here: between two, a crash would leave
-  // nothing under the name.
+  // One step deletes the first file and gives the copy its name. A crash between two steps would leave no
+  // file under the name.
   if (const Failure failure = Try([&] { compaction->TakePlace(); })) {
     screen::MessageBox("Could not delete file.\r" + failure.description);
     return;

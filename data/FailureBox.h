@@ -1,4 +1,4 @@
-// How a step that failed is reported where nothing else is laid down.
+// The report of a failed step for which no other message is prescribed.
 #pragma once
 
 #include <functional>
@@ -8,9 +8,9 @@
 
 namespace dw {
 
-/// A critical box with the number and the words of the failure, and what was not done because of it.
+/// A critical box with the number and text of the failure, and what was not done because of it.
 void ReportFailure(const Failure& failure, const std::string& consequence = {});
-/// Runs a step and reports its failure. True where it was done.
+/// Runs a step and reports its failure. True if it was done.
 bool Done(const std::function<void()>& step, const std::string& consequence = {});
 
 }  // namespace dw

@@ -37,7 +37,7 @@ ado::Connection& Given(const AdoConnectionPtr& connection) {
   return *connection;
 }
 
-/// The bare name of the file in a connection string; empty where the string names none.
+/// The bare file name in a connection string; empty if the string names none.
 std::string FileNameIn(const std::string& connectionString) {
   static const std::string kKey = ";Data Source=";
   const auto key = connectionString.find(kKey);
@@ -46,13 +46,13 @@ std::string FileNameIn(const std::string& connectionString) {
   return BareFileName(connectionString.substr(begin, connectionString.find(';', begin) - begin));
 }
 
-/// What refused an open: the service's own number where it gives one.
+/// Why an open was refused: the engine's own number if the error has one.
 std::int32_t OpenErrorNumber(const AdoConnectionPtr& connection, const Failure& failure) {
   const std::int32_t native = AdoLastNativeError(connection);
   return native != 0 ? native : failure.number;
 }
 
-/// A lock, or the unspecified error that stands for one.
+/// A lock, or the unspecified error that the provider reports for one.
 bool IsDeleteLock(std::int32_t number) {
   return number == store::kSaveLocked || number == store::kSessionLocked || number == store::kRecordLocked ||
          number == ado::kUnspecified || number == ado::kErrorsOccurred;
@@ -136,7 +136,7 @@ bool AdoAddRecordWithID(const std::string& databaseType, const AdoConnectionPtr&
   sql += "INSERT INTO " + table + " (ID) VALUES (" + Number(id) + "); ";
   if (onServer) sql += "SET IDENTITY_INSERT " + table + " OFF";
 
-  // Each step is tried whatever became of the one before it: whether the row can be read back decides.
+  // Each step is tried even if the one before it failed: what counts is whether the row can be read back.
   AdoExecute(connection, sql);
   Try([&] { recordset.Close(); });
   Try([&] {
@@ -167,7 +167,7 @@ bool AdoUpdateRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh) 
                                "Contact your System Administrator about performing this function."
                                "Then click OK to continue or click Cancel to quit.",
                            Icon::Information, Buttons::OkCancel);
-    // The pointer stays an hourglass: callers that were told of the cancellation put it back.
+    // The pointer stays an hourglass: callers restore it once they know of the cancellation.
     if (answer == Answer::Cancel) return false;
     screen::SetPointer(Pointer::Normal);
   }
@@ -239,7 +239,7 @@ bool AdoFieldExists(const AdoConnectionPtr& connection, const std::string& table
   Try([&] {
     Given(connection);
     ado::Catalog catalog(connection);
-    // The catalogue finds a table by its name in any case; only the column is compared to the letter.
+    // The catalog finds a table by its name in any case; the column name must match exactly.
     for (const std::string& name : catalog.Tables()) tableFound = tableFound || rt::EqualNoCase(name, table);
     if (!tableFound) return;
     for (const ado::Column& candidate : catalog.Columns(table))
@@ -282,7 +282,7 @@ bool AdoIgnoreDataError(std::int32_t error) { return error == 3661 || error == 1
 
 void AdoRefreshCache(const AdoConnectionPtr& connection, bool doIt) {
   if (!doIt) return;
-  // Nothing is lost when it cannot be done: what others wrote is seen at the next query.
+  // A failure does no harm: the next query sees what others wrote.
   Try([&] { ado::JetEngine::RefreshCache(Given(connection)); });
 }
 

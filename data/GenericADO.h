@@ -17,13 +17,13 @@ using AdoRecordsetPtr = std::shared_ptr<ado::Recordset>;
 
 /// Opens a connection on one of the global strings (which the file locator may correct). True if open.
 bool AdoOpenConnection(AdoConnectionPtr& connection, const std::string& connectionString, bool exclusive);
-/// Runs a statement; 0 or the last error number. A time-out is tried once more.
+/// Runs a statement; returns 0 or the last error number. A time-out is tried once more.
 std::int32_t AdoExecute(const AdoConnectionPtr& connection, const std::string& sql);
-/// A recordset opened on a connection; null after the "Unknown error" box when it cannot be.
+/// Opens a recordset on a connection; returns null after the "Unknown error" box if it cannot.
 AdoRecordsetPtr AdoOpenRecordset(const AdoConnectionPtr& connection, const std::string& sql,
                                  int cursor = ado::adOpenKeyset, int lock = ado::adLockReadOnly);
 bool AdoAutoAddRS(ado::Recordset& recordset);
-/// Adds a row with a chosen ID; with an ID below 1 the database makes it. False if the row cannot be read
+/// Adds a row with a chosen ID; with an ID below 1 the database chooses one. False if the row cannot be read
 /// back.
 bool AdoAddRecordWithID(const std::string& databaseType, const AdoConnectionPtr& connection,
                         ado::Recordset& recordset, const std::string& table, std::int32_t id);
@@ -32,14 +32,14 @@ bool AdoUpdateRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh);
 /// that at once and returns false.
 bool AdoDeleteRS(ado::Recordset& recordset, bool refreshAfter, bool jetRefresh);
 bool AdoCancelUpdateRS(ado::Recordset& recordset);
-/// 0 free, 1 locked elsewhere, 2 other error.
+/// 0 free, 1 locked by someone else, 2 other error.
 int AdoTestRecordLock(ado::Field field, bool showMessage, const AdoConnectionPtr& connection = nullptr);
 bool AdoTableExists(const AdoConnectionPtr& connection, std::string_view table);
 bool AdoFieldExists(const AdoConnectionPtr& connection, const std::string& table, std::string_view column);
-/// The type code of a column, 0 if not found. Not `done` when the question itself failed, which is told.
+/// The type code of a column, 0 if not found. Not `done` if the query itself failed, which is reported.
 void AdoGetFieldType(const std::string& connectionString, const std::string& table, const std::string& column,
                      std::int16_t& fieldType, bool& done);
-/// A Boolean column is true in all rows, any other may be Null. A failure is told.
+/// A Boolean column is true in all rows, any other may be Null. Reports a failure.
 void AdoAddColumn(ado::Catalog& catalog, const std::string& table, const std::string& name, int typeCode);
 /// True for the data control errors 3661 and 16389, whose boxes are not shown.
 bool AdoIgnoreDataError(std::int32_t error);

@@ -23,7 +23,7 @@ constexpr int kCouldNotLockFile = 3050;
 
 std::string Number(std::int32_t number) { return std::to_string(number); }
 
-/// Lets the user find a missing file; `path` becomes the one of the directory that was chosen.
+/// Lets the user find a missing file; `path` becomes its path in the directory that was chosen.
 void FindAgain(std::string& path) {
   const std::string name = BareFileName(path);
   screen::SetPointer(screen::Pointer::Hourglass);
@@ -33,8 +33,7 @@ void FindAgain(std::string& path) {
   path = FindFile(rt::EqualNoCase(name.substr(0, stem.size()), stem) ? DataPath : SystemPath, name);
 }
 
-/// The notice that stands while a file is repaired, taken away also when the program ends in the middle of
-/// it.
+/// The notice that is shown while a file is repaired. It closes also if the program ends in the middle.
 class RepairNotice {
  public:
   explicit RepairNotice(const std::string& path) {
@@ -46,8 +45,8 @@ class RepairNotice {
   RepairNotice& operator=(const RepairNotice&) = delete;
 };
 
-/// Waits 5 seconds for a file that others keep to themselves, and asks first when that was done eleven times.
-/// False when the user does not want to wait any longer.
+/// Waits 5 seconds for a file that others have exclusively, and asks first after eleven such waits. False if
+/// the user does not want to wait any longer.
 bool WaitForFile(const std::string& path, int& waits) {
   if (waits > 10) {
     const Answer answer = screen::MessageBox(
@@ -63,8 +62,9 @@ bool WaitForFile(const std::string& path, int& waits) {
   return true;
 }
 
-/// Tries `verb` for as long as another user's lock keeps it out. Any other failure is shown and ends it, as
-/// does a lock of this program's own, which no wait can end. Returns the last error number, 0 for success.
+/// Tries `verb` for as long as another user's lock keeps it out. Any other failure is shown and ends the
+/// wait, and so does a hold of this program's own, which no wait can end. Returns the last error number, 0
+/// for success.
 template <class Verb>
 std::int16_t WaitForRecord(dao::Recordset& recordset, Verb verb, const std::string& during,
                            LockWait::Events events) {
@@ -94,7 +94,7 @@ std::int16_t WaitForRecord(dao::Recordset& recordset, Verb verb, const std::stri
   }
 }
 
-/// Definitions have no prompt of their own: what cannot be made is told, and the caller goes on.
+/// Definitions have no prompt of their own: a failure is reported, and the caller goes on.
 void ShowDefinitionFailure(const Failure& failure, const dao::TableDef& table, const std::string& field) {
   if (!failure) return;
   screen::MessageBox("Error #" + Number(failure.number) + "\r" + failure.description + "\r\r" +
@@ -160,8 +160,8 @@ void DaoAddRecord(dao::Recordset& recordset) {
   for (;;) {
     const Failure failure = Try([&] { recordset.AddNew(); });
     if (!failure) break;
-    // Also for a lock: who adds is told at once and decides, while the waits below serve work that must get
-    // through.
+    // Also for a lock: the person who adds a record sees it at once and decides. The waits below serve work
+    // that must get through.
     screen::MessageBox("Error #" + Number(failure.number) + "\r" + failure.description + "\r\r" +
                            "Unable to add new record. Contact your System Administrator if this continues.",
                        Icon::Critical);
@@ -242,7 +242,7 @@ void AddTextField(dao::TableDef& table, const std::string& name, int size) {
 
 void UppercaseCharAt(int position, std::string& text, int length) {
   if (position < 1 || position > length) return;
-  // A character may take several bytes; those that go on one begin with the bits 10.
+  // A character may take several bytes; its continuation bytes begin with the bits 10.
   const auto goesOn = [&](std::size_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U; };
   std::size_t begin = 0;
   for (int left = position; begin < text.size(); ++begin)

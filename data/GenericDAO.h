@@ -1,7 +1,7 @@
 // Record operations that survive other users: waits, retries and prompts around the DAO objects.
 //
-// No exception leaves these functions (except the end of the program): what fails is shown to the user, and
-// the caller sees a result or an error number.
+// No exception leaves these functions (except the end of the program): they show failures to the user, and
+// the caller gets a result or an error number.
 #pragma once
 
 #include <memory>
@@ -19,25 +19,26 @@ using DaoRecordsetPtr = std::shared_ptr<dao::Recordset>;
 /// Grows by one at each DaoOpenDatabase and makes workspace names unique.
 extern int DaoWorkspaceCount;
 
-/// Opens a data file, waiting while another has it exclusively (a question after eleven waits of 5 seconds),
-/// asking the locator for a missing file and repairing a damaged one. True if open; `error` is 0 then.
+/// Opens a data file. Waits while another user has it exclusively (a question after eleven waits of 5
+/// seconds), asks the locator for a missing file and repairs a damaged one. True if open; `error` is 0 then.
 bool DaoOpenDatabase(std::string path, bool exclusive, const std::string& user, const std::string& password,
                      DaoWorkspacePtr& workspace, DaoDatabasePtr& database, int& error, bool readOnly = false);
 
 /// AddNew, with a retry prompt after each failure.
 void DaoAddRecord(dao::Recordset& recordset);
-/// Edit that does not wait for a lock: `error` 0 when the record is held, 3218, 3260 or 3343 at once
-/// otherwise.
+/// Edit that does not wait for a lock: `error` is 0 if the record is now held, otherwise 3218, 3260 or 3343
+/// at once.
 void DaoGetRecord(dao::Recordset& recordset, int& error);
-/// Edit that waits for as long as another user's transaction holds the record; `error` is 0 when it is held.
-/// A hold of this program's own ends the wait at once, here and in the two that follow, with a message.
+/// Edit that waits for as long as another user's transaction holds the record; `error` is 0 if it is now
+/// held. A hold of this program's own ends the wait at once, here and in the next two functions, with a
+/// message.
 void DaoEditRecord(dao::Recordset& recordset, std::int16_t& error);
 /// Update that waits for the lock.
 void DaoUpdateRecord(dao::Recordset& recordset);
 /// Delete that waits for the lock.
 void DaoDeleteRecord(dao::Recordset& recordset);
 
-/// Calls Close and clears the reference; failures are passed over. Serves ADO and DAO objects alike.
+/// Calls Close and clears the reference; ignores failures. Serves ADO and DAO objects alike.
 template <class T>
 void CloseObject(std::shared_ptr<T>& object) {
   if (!object) return;

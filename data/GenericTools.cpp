@@ -21,10 +21,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The runtime's number for a file that is in use or belongs to others.
+/// The runtime's number for a file that is in use or that this user may not touch.
 constexpr int kPermissionDenied = 70;
 
-/// The name that an entry of the folder really has; empty where there is no such file, or folder.
+/// The entry's name as the folder spells it; empty if there is no such file or folder.
 std::string EntryIn(const std::string& folder, const std::string& name, bool wantsFolder) {
   std::string found;
   std::error_code error;
@@ -117,7 +117,7 @@ std::string ProperCase(const std::string& text) {
   bool wordBegins = true;
   int position = 0;
   for (const char c : text) {
-    // The later bytes of a character (their bits begin with 10) are no characters of their own.
+    // Continuation bytes (their bits begin with 10) are not characters of their own.
     if ((static_cast<unsigned char>(c) & 0xC0U) == 0x80U) continue;
     ++position;
     if (wordBegins) UppercaseCharAt(position, proper, length);

@@ -1,5 +1,5 @@
-// A connection to the main data, opened for one piece of work. Its counterpart for the object model that
-// holds records is MainFile.
+// A connection to the main data, opened for one piece of work. MainFile is its counterpart for the object
+// model that holds records.
 #pragma once
 
 #include <optional>
@@ -9,8 +9,8 @@
 
 namespace dw {
 
-/// Opens the main data and closes it again at the end of its life, whatever happened in between. Opening asks
-/// for a missing file and reports failures as AdoOpenConnection does.
+/// Opens the main data, and closes it again at the end of its life in every case. Opening asks for a missing
+/// file and reports failures as AdoOpenConnection does.
 class MainConnection {
  public:
   MainConnection();
@@ -21,11 +21,11 @@ class MainConnection {
   bool IsOpen() const { return open_; }
   const AdoConnectionPtr& Connection() const { return connection_; }
 
-  /// A recordset for reading. Null where it cannot be opened, which has been reported.
+  /// A recordset for reading. Null if it cannot be opened, which has been reported.
   AdoRecordsetPtr Read(const std::string& query) const;
-  /// A keyset that takes a row with the first change.
+  /// A keyset that holds a row from its first change.
   AdoRecordsetPtr Edit(const std::string& query) const;
-  /// Whether the query finds a row; nothing where it cannot be asked, which has been reported.
+  /// Whether the query finds a row; empty if the query fails, which has been reported.
   std::optional<bool> Finds(const std::string& query) const;
 
  private:

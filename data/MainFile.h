@@ -7,8 +7,8 @@
 
 namespace dw {
 
-/// Opens the main data file in a workspace of its own and closes it again at the end of its life, whatever
-/// happened in between. Opening waits and asks as DaoOpenDatabase does.
+/// Opens the main data file in a workspace of its own, and closes it again at the end of its life in every
+/// case. Opening waits and asks as DaoOpenDatabase does.
 class MainFile {
  public:
   MainFile();

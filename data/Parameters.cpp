@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* kParametersQuery = "SELECT * FROM [Parameters] WHERE [ID] = 1";
 
-/// The column of the row that the source gives first; Null where there is no row or no file.
+/// The column in the first row of the source; Null if there is no row or no file.
 rt::Value Parameter(const char* source, const char* column) {
   MainFile file;
   if (!file.IsOpen()) return {};

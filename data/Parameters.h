@@ -1,4 +1,4 @@
-// Look-ups on the row of the table `Parameters`, which holds what the whole company has agreed on.
+// Look-ups on the row of the table `Parameters`, which has the settings of the whole company.
 //
 // Each opens the data file for itself and closes it again.
 #pragma once
@@ -9,11 +9,11 @@
 
 namespace dw {
 
-/// `Transaction Close Out Date`; 1/1/1800 where none is set.
+/// `Transaction Close Out Date`; 1/1/1800 if none is set.
 rt::DateTime GetCloseOutDate();
-/// `Deleted Inventory ID`, 0 where none is set.
+/// `Deleted Inventory ID`, 0 if none is set.
 std::int32_t GetDeletedInventoryID();
-/// `Internal_Fuel_Available`; false where nothing is set.
+/// `Internal_Fuel_Available`; false if nothing is set.
 bool InternalFuelAvailable();
 
 }  // namespace dw

@@ -3,7 +3,7 @@
 
 namespace dw {
 
-/// Tells the main menu of every window that it can open.
+/// Registers with the main menu every window that it can open.
 void RegisterForms();
 
 }  // namespace dw

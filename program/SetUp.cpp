@@ -43,8 +43,8 @@ std::shared_ptr<screen::Screen> Desktop() {
   return desktop;
 }
 
-/// The program is over once no form is left and nothing is being done any more. A form that goes in the
-/// middle of some work does not cut it off.
+/// The program is over once no form is left and no work is going on. A form that closes in the middle of some
+/// work does not cut it off.
 void QuitOnceIdle() {
   QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, qApp, [] {
     if (ui::Forms().empty() && QThread::currentThread()->loopLevel() <= 1) QCoreApplication::exit(0);

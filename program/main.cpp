@@ -33,7 +33,7 @@ bool HasValue(const char* variable) {
   return value && *value != '\0';
 }
 
-/// Without a desktop the toolkit would give up with words for programmers.
+/// Without a desktop the toolkit would give up with a message for programmers.
 bool DesktopIsThere(int argc, char** argv) {
   return HasValue("DISPLAY") || HasValue("WAYLAND_DISPLAY") || HasValue("QT_QPA_PLATFORM") ||
          Given(argc, argv, "-platform");

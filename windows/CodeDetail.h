@@ -13,7 +13,7 @@ namespace dw {
 
 inline constexpr const char* kNoAssets = "SELECT * FROM Vehicles WHERE [ID] = -1";
 
-/// The query for the assets that bear the code that the record holds (as stored, not as being typed).
+/// The query for the assets that have the record's code (as stored, not as being typed).
 std::function<std::string(RecordHold&)> AssetsWithCode(std::string column);
 /// The grid of those assets in a group of its own.
 QWidget* AssetsGroup(ui::DataGrid& grid);

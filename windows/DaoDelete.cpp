@@ -7,7 +7,7 @@
 namespace dw {
 namespace {
 
-/// The checks and the delete. False where the record stays.
+/// The checks and the delete. False if the record stays.
 bool DeleteChecked(MainFile& file, const std::string& recordQuery, const std::vector<InUseCheck>& checks) {
   for (const InUseCheck& check : checks) {
     if (file.Read(check.query).AtEnd()) continue;
@@ -20,7 +20,7 @@ bool DeleteChecked(MainFile& file, const std::string& recordQuery, const std::ve
     return false;
   }
   DaoDeleteRecord(record);
-  // Where the delete failed, which has been reported, the record is still there.
+  // If the delete failed, which has been reported, the record is still there.
   return file.Read(recordQuery).AtEnd();
 }
 
@@ -32,7 +32,7 @@ bool DaoDeleteFromList(const std::string& recordQuery, const std::vector<InUseCh
     return false;
   MainFile file;
   bool gone = false;
-  // A check that cannot be made prevents the delete as well.
+  // A check that fails prevents the delete as well.
   return file.IsOpen() && Done([&] { gone = DeleteChecked(file, recordQuery, checks); }) && gone;
 }
 

@@ -8,14 +8,14 @@
 
 namespace dw {
 
-/// Rows that the query finds stand in the way of a delete.
+/// A delete is refused if the query finds rows.
 struct InUseCheck {
   std::string query;
   std::string words;
   screen::Icon icon = screen::Icon::Information;
 };
 
-/// Asks whether the record is to go, and only then makes the checks, in their order. True if it is gone.
+/// Asks the user first, and only then makes the checks, in their order. True if the record is gone.
 bool DaoDeleteFromList(const std::string& recordQuery, const std::vector<InUseCheck>& checks = {});
 
 }  // namespace dw

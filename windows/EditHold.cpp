@@ -40,7 +40,7 @@ void EditHold::Read(std::int32_t id, std::int32_t own, const AroundRecord& aroun
   data_.RecordSource = source_.Query(id);
   data_.Refresh();
   around.refreshGrids();
-  // Once more, by the window's own number: at load that is another one than was asked for.
+  // Once more, by the window's own number: at load it differs from the number that was asked for.
   data_.RecordSource = source_.Query(own);
   data_.Refresh();
 }
@@ -66,7 +66,7 @@ Taken EditHold::Take() {
 
 bool EditHold::Store() {
   DaoUpdateRecord(*data_.Recordset());
-  // What could not be stored has been reported, and is still being edited.
+  // A failed store has been reported, and the record is still being edited.
   return !Held();
 }
 

@@ -6,7 +6,7 @@
 
 namespace dw {
 
-/// Another user holds the record that was to be changed.
+/// Another user holds the record that the window wants to change.
 void ReportHeldElsewhere();
 
 /// Holds the record by an edit. It outlives any number of activations and ends at OK, Cancel or unload.

@@ -44,7 +44,7 @@ void BindToMainFile(ui::Adodc& data, const std::string& query) {
   data.onError = [](int number, const std::string&, bool& cancelDisplay) {
     cancelDisplay = AdoIgnoreDataError(number);
   };
-  // A window that is open already may have asked for the file meanwhile; then the path is known.
+  // A window that is already open may have asked for the file meanwhile; then the path is known.
   data.onMissingFile = [](const std::string& tried) {
     if (tried == DataConnect) LocateFile(BareFileName(DataFile));
     return DataConnect;
@@ -74,7 +74,7 @@ ListForm::ListForm(ListDefinition definition)
 }
 
 void ListForm::AddButton(QPushButton& button) {
-  // The buttons stand last.
+  // The buttons are last.
   auto* row = static_cast<QHBoxLayout*>(layout()->itemAt(layout()->count() - 1)->layout());
   row->insertWidget(row->indexOf(CloseButton), &button);
   // Behind the grid, before "Close".
@@ -145,7 +145,7 @@ bool DeleteRecord(const DeleteRule& rule) {
   if (!main.IsOpen()) return false;
   if (!rule.inUseQuery.empty()) {
     const auto inUse = main.Finds(rule.inUseQuery);
-    // Without the check, which could not be made, nothing is deleted.
+    // If the check fails, nothing is deleted.
     if (!inUse) return false;
     if (*inUse) {
       screen::MessageBox(rule.inUseWords, rule.inUseIcon);

@@ -17,7 +17,7 @@ namespace dw {
 
 /// What a delete from a list asks and says.
 struct DeleteRule {
-  std::string inUseQuery = {};  ///< rows found stand in the way; empty for no such check
+  std::string inUseQuery = {};  ///< rows that it finds prevent the delete; empty for no such check
   std::string inUseWords = {};
   screen::Icon inUseIcon = screen::Icon::Exclamation;
   std::string recordQuery;  ///< the record itself
@@ -34,11 +34,11 @@ struct ListDefinition {
   const char* data;
   std::string emptyQuery;               ///< shows the columns and no row, at load
   std::string query;                    ///< all rows, at each activation
-  std::vector<ui::GridColumn> columns;  ///< the record's ID is the first
+  std::vector<ui::GridColumn> columns;  ///< the first is the record's ID
 };
 
-/// Space and double click open the record, Insert adds one, Delete deletes it. The rows are read anew at each
-/// activation, which is how a list shows what a closed window has changed.
+/// Space and double click open the record, Insert adds one, Delete deletes it. Each activation reads the rows
+/// anew, and so the list shows what a closed window has changed.
 class ListForm : public ui::Form {
  public:
   explicit ListForm(ListDefinition definition);
@@ -59,15 +59,16 @@ class ListForm : public ui::Form {
 
   /// Opens the pair's detail form. `id` is -1 when adding.
   virtual void OpenDetail(bool add, std::int32_t id) = 0;
-  /// Whether a record may be added or shown at all; tells what stands in the way.
+  /// Whether a record may be added or shown at all; reports why not.
   virtual bool MayOpen() { return true; }
 
-  /// The delete of most lists: without rows it tells so; otherwise the rule is asked for and followed, and
-  /// the list is read anew where the record went.
+  /// The delete of most lists. Without rows it says so; otherwise it follows the rule and, if the record is
+  /// gone, reads the list anew.
   void DeleteRow(const std::function<DeleteRule()>& rule);
-  /// The same for lists that delete in a way of their own: `remove` is true if the record went.
+  /// The same for lists that delete in a way of their own: `remove` returns true if the record is gone.
   void RemoveRow(const std::function<bool()>& remove);
-  /// Whether another user deleted the grid's row before it was read: that is told, and the list is read anew.
+  /// Whether another user deleted the grid's row before it was read. If so, reports it and reads the list
+  /// anew.
   bool RowIsGone();
   bool HasRows();
   /// The text of a column in the grid's row.
@@ -88,8 +89,8 @@ class ListForm : public ui::Form {
   ui::DataGrid* grid_;
 };
 
-/// Sets up a data control of the main file for a grid: query, lock type 3, 10 rows at a time. The errors that
-/// are not worth a box get none. If the file is missing, the user is asked for it once.
+/// Sets up a data control of the main file for a grid: query, lock type 3, 10 rows at a time. Errors that are
+/// not worth a box get none. If the file is missing, asks the user for it once.
 void BindToMainFile(ui::Adodc& data, const std::string& query);
 
 }  // namespace dw

@@ -13,18 +13,18 @@ namespace dw {
 
 /// "There are no records for which to display detail."
 void ReportNoRecords();
-/// The ID in the grid's row. Nothing where another user deleted the row before it was read: that is reported,
-/// and `refresh` reads the grid again.
+/// The ID in the grid's row. Empty if another user deleted the row before it was read: that is reported, and
+/// `refresh` reads the grid again.
 std::optional<std::int32_t> RowNumber(ui::DataGrid& grid, const std::function<void()>& refresh);
 
 namespace detail {
-/// Whether a window for this form may be opened now; tells what stands in the way.
+/// Whether a window for this form may be opened now; reports why not.
 bool MayOpenDetail(const char* form, ui::DataGrid& grid, bool add, std::int32_t& currentRow, bool hasRows);
 }  // namespace detail
 
-/// Opens the detail form F on the record `id`, or for adding. One window of each class at a time: where one
-/// is open already the user is told, and it stays as it is. `hand` gives the form what else it must know
-/// before it is shown. Sets `currentRow` to the grid's row.
+/// Opens the detail form F on the record `id`, or for adding. Only one window of each class can be open: a
+/// second one is refused with a message, and the first stays as it is. `hand` sets what else the form must
+/// know before it is shown. Sets `currentRow` to the grid's row.
 template <class F>
 void OpenDetailForm(ui::DataGrid& grid, bool add, std::int32_t id, std::int32_t& currentRow, bool hasRows,
                     const std::function<void(F&)>& hand = {}) {

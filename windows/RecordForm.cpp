@@ -72,7 +72,7 @@ void RecordForm::LayOut(QLayout* fields, std::initializer_list<QWidget*> room,
                         std::initializer_list<QWidget*> extra) {
   auto* column = new QVBoxLayout(this);
   column->addLayout(fields);
-  // What comes last, a grid mostly, gets most of the room.
+  // The last item, mostly a grid, gets most of the room.
   int share = 0;
   for (QWidget* widget : room) column->addWidget(widget, ++share);
   if (room.size() == 0) column->addStretch(1);
@@ -173,7 +173,7 @@ void RecordForm::LoadRecord() {
     leave();
     return;
   }
-  // Another user may have changed it between the reading and the hold.
+  // Another user may have changed the record after it was read and before it was held.
   if (taken == Taken::Held) hold_->Show();
   // A window may take its record more than once.
   OkButton->setEnabled(taken == Taken::Held);

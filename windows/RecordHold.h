@@ -1,4 +1,4 @@
-// How a window has its record to itself, from its opening to OK or Cancel.
+// How a window holds its record, from its opening to OK or Cancel.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ namespace dw {
 struct RecordSource {
   const char* data;  ///< name of the data control
   std::string table;
-  /// The query for the record of this number; none has the number -1.
+  /// The query for the record with this number; -1 finds none.
   std::string Query(std::int32_t id) const {
     return "SELECT * FROM " + table + " WHERE [ID] = " + std::to_string(id);
   }
@@ -26,14 +26,14 @@ struct RecordSource {
 
 /// What a window reads around its record.
 struct AroundRecord {
-  std::function<void()> openLists;     ///< what its combos and lists offer
+  std::function<void()> openLists;     ///< the choices of its combos and lists
   std::function<void()> refreshGrids;  ///< the rows of its inner grids
 };
 
-/// What came of taking a record.
+/// The result of taking a record.
 enum class Taken {
   Held,           ///< nobody else can change it now
-  HeldElsewhere,  ///< another user has it, which has been reported
+  HeldElsewhere,  ///< another user holds it, which has been reported
   Failed,         ///< it cannot be shown at all, which has been reported
 };
 
@@ -45,32 +45,32 @@ class RecordHold {
   /// Binds a control to a column; `label` is what messages call the field.
   virtual void Bind(ui::BoundControl& control, std::string column, std::string label) = 0;
   virtual bool HasRow() const = 0;
-  /// What the record has in a column; Null where there is no record.
+  /// The record's value in a column; Null if there is no record.
   virtual rt::Value Get(const std::string& column) = 0;
   virtual void Set(const std::string& column, const rt::Value& value) = 0;
 
   /// Shows a window without a record.
   virtual void OpenBlank(const AroundRecord& around) = 0;
-  /// Reads the record with the number `id` and what is around it, and shows it. `own` is the number that the
+  /// Reads the record with the number `id` and the data around it, and shows it. `own` is the number that the
   /// window has at that time.
   virtual void Read(std::int32_t id, std::int32_t own, const AroundRecord& around) = 0;
   /// Shows the record again as it is now.
   virtual void Show() = 0;
-  /// Adds an empty row, which `fill` completes. Returns its number; nothing where it cannot be added, which
-  /// has been reported.
+  /// Adds an empty row, which `fill` completes. Returns its number; empty if it cannot be added, which has
+  /// been reported.
   virtual std::optional<std::int32_t> AddRow(const std::function<void()>& fill) = 0;
 
   virtual Taken Take() = 0;
   /// Called once the window shows the record that it has taken.
   virtual void KeepHeld() {}
   virtual bool Held() const = 0;
-  /// Puts what the controls hold into the record. Throws ui::BadContent.
+  /// Puts the contents of the controls into the record. Throws ui::BadContent.
   virtual void StoreControls() = 0;
-  /// Stores the record and gives it back. False, after a message, where it cannot be stored: it stays held.
+  /// Stores the record and releases it. False, after a message, if it cannot be stored: it stays held.
   virtual bool Store() = 0;
-  /// Removes the row that AddRow made and gives the hold back.
+  /// Removes the row that AddRow made and releases the hold.
   virtual void RemoveRow() = 0;
-  /// Gives the record back as it was.
+  /// Releases the record unchanged.
   virtual void GiveBack() = 0;
 };
 

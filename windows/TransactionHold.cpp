@@ -60,7 +60,7 @@ void TransactionHold::Show() {
 
 void TransactionHold::OpenBlank(const AroundRecord&) {
   BindToMainFile(data_, source_.Query(-1));
-  // From the first change on the record is taken from others.
+  // From the first change on others cannot change the record.
   data_.LockType = ado::adLockPessimistic;
   data_.Refresh();
   Show();
@@ -102,7 +102,7 @@ Taken TransactionHold::Take() {
 }
 
 void TransactionHold::KeepHeld() {
-  // A box may have been answered by the end of the program.
+  // The end of the program may have answered a box.
   if (!HasRow()) return;
   Record().ActiveConnection()->BeginTrans();
   held_ = true;
@@ -119,7 +119,7 @@ bool TransactionHold::Store() {
     screen::SetPointer(screen::Pointer::Normal);
     return false;
   }
-  // What was typed is still in the controls, and is stored again at the next try.
+  // The controls still have what was typed; the next try stores it again.
   if (held_ && !Done([&] { connection->CommitTrans(); })) return false;
   AdoRefreshCache(connection, UseAccess);
   LetGo();
@@ -132,7 +132,7 @@ void TransactionHold::RemoveRow() {
     AdoCancelUpdateRS(Record());
     Record().Move(0);
     AdoDeleteRS(Record(), false, false);
-    // Whatever fails, the user gets out: letting go takes back what is not committed.
+    // The user can always leave: closing takes back what is not committed.
     if (held_) Done([&] { connection->CommitTrans(); });
     AdoRefreshCache(connection, UseAccess);
   }

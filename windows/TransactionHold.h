@@ -7,11 +7,11 @@
 
 namespace dw {
 
-/// Holds the record from its loading to OK or Cancel. Storing ends the transaction and lets the record go;
+/// Holds the record from its loading to OK or Cancel. Storing ends the transaction and releases the record;
 /// what was stored then stays, whatever happens later.
 class TransactionHold : public RecordHold {
  public:
-  /// `lockField` is the column that is read and written back to learn whether the record is free.
+  /// `lockField` is the column that is read and written back to find out whether the record is free.
   TransactionHold(ui::Form& form, RecordSource source, const char* lockField);
 
   ui::Adodc& Data() { return data_; }
