@@ -21,8 +21,8 @@ namespace {
 
 constexpr std::size_t kSums = kAssetCostColumns.size();
 
-/// Owner as text columns compare it, year, period; a part that is Null or that the table does not have is
-/// empty.
+/// Owner as text columns compare it, year, period; a part is empty if it is Null or the table does not have
+/// it.
 using Key = std::tuple<std::optional<std::string>, std::optional<int>, std::optional<int>>;
 
 bool IsMoney(std::string_view column) { return column.ends_with(" Cost"); }
@@ -45,12 +45,12 @@ std::optional<int> NumberKey(const rt::Value& number) {
   return number.AsLong();
 }
 
-/// Ten-thousandths in a width that no file can fill, so that amounts which overflow a sum can be reported.
+/// Ten-thousandths in a type wide enough for any file, so that amounts which overflow a sum can be reported.
 __extension__ typedef __int128 WideMoney;
 
 /// One sum over some transactions.
 struct Sum {
-  std::int64_t nulls = 0;  ///< addends that are Null: the sum is Null then, and stays so
+  std::int64_t nulls = 0;  ///< addends that are Null: they make the sum Null, and it stays so
   WideMoney money = 0;
   double units = 0;
   double magnitude = 0;  ///< of the addends that are units, without their signs
@@ -76,7 +76,7 @@ std::string GroupQuery(const std::string& condition) {
          " GROUP BY [Asset ID], [Year], [Period]";
 }
 
-/// The groups as the file engine adds them up. Throws StoreError where a sum of money overflows there.
+/// The groups as the file engine adds them up. Throws StoreError if a sum of money overflows there.
 std::vector<Group> GroupsByQuery(store::Connection& connection, const std::string& condition) {
   const auto rows = store::Cursor::OpenQuery(connection.shared_from_this(), GroupQuery(condition),
                                              store::Locking::ReadOnly);
@@ -104,7 +104,7 @@ std::vector<Group> GroupsByQuery(store::Connection& connection, const std::strin
   return groups;
 }
 
-/// The same, added up here a transaction at a time.
+/// The same, added up here one transaction at a time.
 std::vector<Group> GroupsByRow(store::Connection& connection, const std::string& condition) {
   std::string sql = "SELECT [Asset ID], [Year], [Period]";
   for (const CostColumn& column : kAssetCostColumns) sql += ", [" + std::string(column.transaction) + "]";
@@ -140,20 +140,21 @@ std::vector<Group> GroupsByRow(store::Connection& connection, const std::string&
 void ForEachGroup(store::Connection& connection, const std::string& condition,
                   const std::function<void(const Group&)>& use) {
   std::vector<Group> groups;
-  // Amounts that overflow a sum of the engine are added up here. Any other error comes a second time.
+  // Amounts that overflow a sum of the engine are added up here. Any other error is thrown again there.
   if (Try([&] { groups = GroupsByQuery(connection, condition); }))
     groups = GroupsByRow(connection, condition);
   for (const Group& group : groups) use(group);
 }
 
-/// What a row of a cost table should hold, and what is known of the transactions that have been in it.
+/// The sums that a row of a cost table should have, and what is known of the transactions that have been in
+/// it.
 struct Expected {
   rt::Value owner;
   std::int64_t posted = 0;
   std::int64_t additions = 0;  ///< transactions that are in the sums or have been in them
   std::vector<Sum> sums;
   std::vector<double> magnitudes;          ///< over all those additions
-  std::vector<std::int64_t> waitingNulls;  ///< addends that are Null in transactions that wait to be posted
+  std::vector<std::int64_t> waitingNulls;  ///< addends that are Null in transactions that wait for posting
 };
 
 /// One cost table with the columns that it adds up.
@@ -197,8 +198,8 @@ struct Table {
   }
 };
 
-/// Whether a transaction was in the sums at one time or another does not show on it for certain; totals that
-/// posting has left on a waiting one tell that it was.
+/// Nothing shows for certain whether a transaction was once in the sums. But if a transaction that waits has
+/// totals, a posting has left them, so it was.
 constexpr const char* kPosted = "[When Posted] IS NOT Null";
 constexpr const char* kWaiting = "[When Posted] IS Null";
 constexpr const char* kUnposted =
@@ -257,8 +258,8 @@ std::vector<Table> ExpectedTables(store::Connection& connection) {
   return tables;
 }
 
-/// What a cost table holds for a key: the sums of its first row, and how many rows there are. Older files
-/// have several rows of a key with a Null in it; a re-post that clears first leaves one.
+/// The sums of the first row that a cost table has for a key, and the number of such rows. Older files have
+/// several rows of a key with a Null in it; a re-post that clears first leaves one.
 struct Stored {
   rt::Value owner;
   std::vector<rt::Value> sums;
@@ -307,15 +308,15 @@ std::string ExpectedText(const Sum& sum, bool money) {
   return rt::Currency::FromUnits(static_cast<std::int64_t>(sum.money)).PlainText();
 }
 
-/// Whether the stored sum is what the transactions add up to.
+/// Whether the stored sum is the sum of the transactions.
 ///
-/// Each addition of Singles rounds by at most 2^-24 of the sum so far, which is never more than all
-/// magnitudes together: n additions in any order stay within n * 2^-24 * magnitude. A few more cover the
-/// expected sum's own way into a Single.
+/// Each addition of Singles rounds by at most 2^-24 of the sum so far, which never exceeds the sum of all
+/// magnitudes: n additions in any order stay within n * 2^-24 * magnitude. A few more allow for converting
+/// the expected sum into a Single.
 ///
 /// A Null addend makes the sum Null, and it stays Null when the transaction is unposted. So a stored Null is
-/// as it should be where a posted addend is Null, or where a transaction that waits has a Null to have left
-/// there; for any other a re-post that clears first is the repair.
+/// correct if a posted addend is Null, or if a transaction that waits has a Null that it may have left there.
+/// A re-post that clears first repairs any other Null.
 bool Agrees(const rt::Value& stored, const Expected& expected, std::size_t i, bool money) {
   const Sum& sum = expected.sums[i];
   if (stored.IsNull()) return sum.nulls > 0 || expected.waitingNulls[i] > 0;

@@ -28,8 +28,8 @@ const std::array<CostColumn, 4> kFuelCostColumns{{
     {"Outside Cost", "Outside Fuel Cost"},
 }};
 
-// "Annual" in the words for a missing period row of fuel, and the one singular "cost.", are the words users
-// know.
+// "Annual" in the message about a missing period row of fuel, and the one singular "cost.", are the words
+// that users know.
 const std::array<CostTableKind, 5> kCostTables{{
     {"Assets Period Costs", "Assets by Period", CostOwner::Asset, CostSpan::Period,
      "Unable to update period costs.", "Unable to update Period Costs.",
@@ -118,12 +118,12 @@ bool CostTable::Find(const CostFigures& figures) {
 
 bool CostTable::AddRow(const CostFigures& figures) {
   DaoAddRecord(*rows_);
-  if (!rows_->Editing()) return false;  // refused, told, and given up by the user
+  if (!rows_->Editing()) return false;  // refused, reported, and given up by the user
   for (std::size_t i = 0; i < keyFields_.size(); ++i) rows_->Set(keyFields_[i], key_[i]);
   for (std::size_t i = 0; i < sumFields_.size(); ++i) rows_->Set(sumFields_[i], Figure(figures, i));
   DaoUpdateRecord(*rows_);
   if (!rows_->Editing()) return true;
-  rows_->CancelUpdate();  // what failed was told; the next transaction begins with a clean buffer
+  rows_->CancelUpdate();  // the failure was reported; the next transaction begins with a clean buffer
   return false;
 }
 
@@ -181,7 +181,7 @@ std::optional<rt::Value> GetUnlessDeleted(dao::Recordset& rows, int field) {
 }
 
 std::string AssetQuery(const rt::Value& assetID) {
-  // The code goes in as it stands; a Null reads as an empty text, which no asset bears.
+  // The code goes in unchanged; a Null becomes an empty text, which is the code of no asset.
   return "SELECT * FROM [Vehicles] WHERE [Asset ID] = '" + assetID.Shown() + "'";
 }
 

@@ -1,4 +1,5 @@
-// Rows of the five cost tables: their keys, their sums, and how a transaction goes into them and out again.
+// Rows of the five cost tables: their keys, their sums, and how a transaction is added to them and
+// subtracted.
 #pragma once
 
 #include <array>
@@ -11,7 +12,7 @@
 
 namespace dw {
 
-/// What one transaction brings to the cost tables.
+/// The figures that one transaction adds to the cost tables.
 struct CostFigures {
   rt::Value assetID;
   rt::Value year;
@@ -21,11 +22,11 @@ struct CostFigures {
   std::array<rt::Value, 4> fuel;
 };
 
-/// Where the columns of `Maintenance Transactions` stand in a recordset, found once so that loops need no
-/// names.
+/// The positions of the columns of `Maintenance Transactions` in a recordset, found once so that loops need
+/// no names.
 struct TransactionFields {
   explicit TransactionFields(const dao::Recordset& transactions);
-  /// Reads the row that the recordset stands on, or its edit buffer.
+  /// Reads the recordset's current row, or its edit buffer.
   CostFigures Read(dao::Recordset& transactions, const rt::Value& fuelType) const;
 
   int assetID;
@@ -41,7 +42,7 @@ struct TransactionFields {
 enum class CostOwner { Asset, FuelType };
 enum class CostSpan { Period, Year, Life };
 
-/// One of the five cost tables: what a row is, and the words for what can fail there.
+/// One of the five cost tables: its key, and the words for what can fail there.
 struct CostTableKind {
   const char* table;
   const char* index;
@@ -51,7 +52,7 @@ struct CostTableKind {
   const char* lockedWhenSubtracting;
   const char* notFound;
 };
-/// In the order in which a transaction goes through them.
+/// In the order in which a transaction is added to them.
 extern const std::array<CostTableKind, 5> kCostTables;
 /// "Asset ID" or "Fuel Type ID".
 const char* OwnerColumn(CostOwner owner);
@@ -61,11 +62,11 @@ class CostTable {
  public:
   CostTable(const CostTableKind& kind, DaoRecordsetPtr rows);
 
-  /// Adds the figures to their row, which is made where there is none. A row held elsewhere is told and left
-  /// as it is.
+  /// Adds the figures to their row, and makes the row if there is none. A row that another user holds is
+  /// reported and left unchanged.
   void Post(const CostFigures& figures, PostingCounts& counts);
-  /// Subtracts the figures from their row. A row that is missing or held elsewhere is told; none is ever made
-  /// or removed.
+  /// Subtracts the figures from their row. Reports a row that is missing or that another user holds. Never
+  /// makes or removes a row.
   void Unpost(const CostFigures& figures);
 
  private:
@@ -85,7 +86,7 @@ class CostTable {
 /// The five tables in the order of kCostTables.
 std::vector<CostTable> CostTablesOf(const Accumulators& accumulators);
 
-/// A value of the row that the recordset stands on; empty where another user has deleted the row meanwhile.
+/// A value of the recordset's current row; empty if another user has deleted the row meanwhile.
 std::optional<rt::Value> GetUnlessDeleted(dao::Recordset& rows, int field);
 
 /// The query for the asset of a transaction.

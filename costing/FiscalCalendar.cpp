@@ -39,8 +39,8 @@ void GenerateFiscalYear(std::int16_t fiscalYear, const rt::DateTime& start) {
         main.Edit("SELECT * FROM [Fiscal Periods] WHERE [Fiscal Year] = " + std::to_string(fiscalYear) +
                   " AND [Period] = " + std::to_string(period));
     if (periods && periods->AtEnd()) AddPeriod(*periods, fiscalYear, period, running);
-    // The month is added to the running date, not to the start of the year: a day that a short month has cut
-    // stays cut.
+    // The month is added to the running date, not to the start of the year: once a short month has cut the
+    // day, all later periods start on the cut day.
     running = rt::DateAdd("m", 1, running);
     CloseObject(periods);
   }

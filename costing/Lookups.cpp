@@ -11,8 +11,8 @@
 namespace dw {
 namespace {
 
-/// The date of a price look-up in the short form, or empty where there is nothing to look up: an empty text
-/// is passed over in silence, a text that is no date is told.
+/// The date of a price look-up in the short form, or empty if there is nothing to look up. An empty text is
+/// ignored silently; a text that is not a date is reported.
 std::optional<std::string> EffectiveDate(const std::string& date) {
   if (date.empty()) return std::nullopt;
   const auto parsed = rt::ParseDate(date);
@@ -23,7 +23,7 @@ std::optional<std::string> EffectiveDate(const std::string& date) {
   return rt::ShortDate(*parsed);
 }
 
-/// Units times the price of the query's first row. An empty price is an invalid use of Null.
+/// Units times the price in the query's first row. An empty price is an invalid use of Null.
 rt::Currency PricedBy(const std::string& query, const char* priceColumn, float units, const char* noPrice) {
   MainFile file;
   if (!file.IsOpen()) return {};
@@ -37,8 +37,8 @@ rt::Currency PricedBy(const std::string& query, const char* priceColumn, float u
   return Multiply(units, price.AsCurrency());
 }
 
-/// Labor and oil take the first row effective on or after the date: a row of this log applies to the dates
-/// up to its own. Fuel runs the other way.
+/// Labor and oil take the first row effective on or after the date: a row of this log applies to the dates up
+/// to its own. Fuel is the other way round.
 std::string LaborAndOilQuery(const std::string& date) {
   return "SELECT * FROM [Internal Pricing Log] WHERE [Effective Date] >= #" + date + "#";
 }
@@ -81,7 +81,7 @@ void GetFiscalPeriod(const rt::DateTime& date, std::int16_t& year, std::int16_t&
   dao::Recordset& periods = file.Read("SELECT * FROM [Fiscal Periods] WHERE #" + day +
                                       "# >= [Start Date] AND #" + day + "# <= [End Date]");
   if (periods.AtEnd()) return;
-  // A period may have been saved without its numbers; 0 says that the date lies outside the calendar.
+  // A period may have been saved without its numbers; 0 means that the date is in no fiscal period.
   const rt::Value yearFound = periods.Get("Fiscal Year");
   const rt::Value periodFound = periods.Get("Period");
   if (!yearFound.IsNull()) year = yearFound.AsInteger();

@@ -11,7 +11,7 @@
 namespace dw {
 namespace {
 
-/// An engine transaction that an error ends without a trace.
+/// An engine transaction that an error rolls back completely.
 class RowTransaction {
  public:
   explicit RowTransaction(dao::Workspace& workspace) : workspace_(workspace) { workspace_.BeginTrans(); }
@@ -20,7 +20,7 @@ class RowTransaction {
     try {
       workspace_.RollbackTrans();
     } catch (const std::exception&) {
-      // The error that brought us here is the one to tell.
+      // The earlier error is the one to report.
     }
   }
   RowTransaction(const RowTransaction&) = delete;
@@ -79,8 +79,9 @@ bool TransactionPoster::PostTransaction(PostingCounts& counts) {
     row.Commit();
     return false;
   }
-  // The wait for the record may have been a wait for another posting run, which then has counted the row. Nor
-  // do the sums go to an asset that the row no longer names; the next run takes it up.
+  // The wait for the record may have been a wait for another posting run, which has counted the row then.
+  // Also, if the row has been given another asset meanwhile, the sums of this one must not change; the next
+  // run posts it.
   if (!transactions_.Get(fields_.whenPosted).IsNull() ||
       !rt::EqualNoCase(transactions_.Get(fields_.assetID).Shown(), assetID.Shown())) {
     transactions_.CancelUpdate();

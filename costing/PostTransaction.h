@@ -8,23 +8,22 @@
 
 namespace dw {
 
-/// Throws StoreError 3044 where the data file is no longer at its place. The engine notices that only when it
+/// Throws StoreError 3044 if the data file is no longer at its place. The engine notices that only when it
 /// writes, and then each record would fail with a box of its own.
 void RequireDataFile();
 
-/// Posts transactions of one run, each in an engine transaction of its own. Nothing is ever rolled back
-/// because a record was held: what could not be changed is reported, and a re-post that clears first makes
-/// the sums whole again.
+/// Posts transactions of one run, each in an engine transaction of its own. A record that another user holds
+/// does not roll anything back: it is reported and left unchanged, and a re-post that clears first makes the
+/// sums complete again.
 class TransactionPoster {
  public:
   TransactionPoster(dao::Workspace& workspace, dao::Database& database, dao::Recordset& transactions,
                     const Accumulators& accumulators);
 
-  /// Whether the row that the recordset stands on waits to be posted. A row that has been deleted meanwhile
-  /// does not.
+  /// Whether the recordset's current row waits for posting. A row that has been deleted meanwhile does not.
   bool Waiting();
-  /// Posts that row. A row without an asset on file stays as it is, in silence; a row that another user holds
-  /// stays unposted, with its message. The commit shares its way to the disk with others, see
+  /// Posts that row. A row without an asset on file silently stays as it is; a row that another user holds
+  /// stays unposted, with its message. The commit shares its physical commit with others, see
   /// dao::Commit::WithGroup. True if the row was posted.
   bool PostTransaction(PostingCounts& counts);
 

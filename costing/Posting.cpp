@@ -35,7 +35,7 @@ void TellPercent(const PostingProgress& progress, int percent) {
   if (progress.percent) progress.percent(percent);
 }
 
-/// The rows that share commits. What is committed stays so when an error ends the run.
+/// The rows that share a physical commit. What is committed stays so when an error ends the run.
 class Group {
  public:
   explicit Group(dao::Workspace& workspace) : workspace_(workspace) {}
@@ -43,7 +43,7 @@ class Group {
     try {
       Finish();
     } catch (const std::exception&) {
-      // The error that brought us here is the one to tell.
+      // The earlier error is the one to report.
     }
   }
   Group(const Group&) = delete;
@@ -70,7 +70,7 @@ class FileWatch {
   std::chrono::steady_clock::time_point last_;
 };
 
-/// The transaction that an error ended the run at, as far as it can still be read.
+/// The transaction at which an error ended the run, if it can still be read.
 std::string PlaceOf(dao::Recordset& transactions) {
   std::string place;
   Try([&] {
@@ -82,8 +82,9 @@ std::string PlaceOf(dao::Recordset& transactions) {
   return place;
 }
 
-/// Posts the row unless it is posted already. The row as it was read may be old, and another run may be at
-/// work: only once nothing can change any more does a second look decide, so that no row is counted twice.
+/// Posts the row unless it is posted already. The row that was read may be out of date, because another run
+/// may be at work. Inside the group nobody else can change it, so a second look there decides, and no row is
+/// counted twice.
 bool PostIfWaiting(TransactionPoster& poster, Group& group, PostingCounts& counts) {
   if (!poster.Waiting()) return false;
   group.Enter();
@@ -93,7 +94,7 @@ bool PostIfWaiting(TransactionPoster& poster, Group& group, PostingCounts& count
 void PostEachRow(MainFile& file, dao::Recordset& transactions, const Accumulators& accumulators,
                  const PostingProgress& progress, PostingCounts& counts) {
   TransactionPoster poster(file.Workspace(), file.Database(), transactions, accumulators);
-  // The asset of the first row is asked for without need; it is here that a run on an empty table ends.
+  // The result of this query is not used. It is here that a run on an empty table ends with an error.
   file.Read(AssetQuery(transactions.Get("Asset ID")));
   TellPercent(progress, 0);
   std::int64_t rows = 0;
@@ -108,7 +109,7 @@ void PostEachRow(MainFile& file, dao::Recordset& transactions, const Accumulator
     ++counts.seen;
     watch.Look();
     if (PostIfWaiting(poster, group, counts)) ++counts.posted;
-    // Rows that others add meanwhile are walked too, so the count can outgrow what was there at the start.
+    // Rows that others add meanwhile are walked too, so the count can exceed the number of rows at the start.
     TellPercent(progress,
                 rows == 0 ? 100 : static_cast<int>(std::min<std::int64_t>(counts.seen * 100 / rows, 100)));
     screen::DoEvents();
@@ -117,7 +118,7 @@ void PostEachRow(MainFile& file, dao::Recordset& transactions, const Accumulator
   group.Finish();
 }
 
-/// As PostEachRow; an error that ends it names the transaction.
+/// As PostEachRow; an error names the transaction at which it ended the run.
 void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& accumulators,
               const PostingProgress& progress, PostingCounts& counts) {
   try {
@@ -140,7 +141,7 @@ bool IsCleared(const std::string& table) {
                      [&](const CostTableKind& kind) { return table == kind.table; });
 }
 
-/// Who holds which record of the tables that a clearing changes, a line each; the first ten.
+/// Who holds which record of the tables that a clearing changes, one line each, ten at most.
 std::string HoldersInTheWay(store::Connection& connection) {
   constexpr int kMostLines = 10;
   const auto schema = connection.Tables();
@@ -160,9 +161,9 @@ std::string HoldersInTheWay(store::Connection& connection) {
   return lines;
 }
 
-/// The statements run one after the other, outside any transaction. They share one commit, so that a run that
-/// dies among them cannot leave rows that say posted beside cost tables that are empty; and where one is
-/// refused, because somebody holds a transaction, nothing has been cleared.
+/// The statements run one after the other, outside any transaction. They share one physical commit: a run
+/// that dies among them cannot leave posted rows beside empty cost tables, and if a statement is refused
+/// because somebody holds a transaction, nothing has been cleared.
 void ClearCosts(MainFile& file, const PostingProgress& progress) {
   file.Workspace().EnterGroup();
   try {

@@ -11,7 +11,7 @@
 
 namespace dw {
 
-/// A sum of a cost table and the column of `Maintenance Transactions` that it takes.
+/// A sum of a cost table and the column of `Maintenance Transactions` that is added to it.
 struct CostColumn {
   const char* accumulator;
   const char* transaction;
@@ -33,13 +33,13 @@ struct Accumulators {
   void Close();
 };
 
-/// What a posting run reports while it goes on; each may be empty.
+/// What a posting run reports while it runs; each may be empty.
 struct PostingProgress {
   std::function<void(const std::string&)> status;  ///< the stage: "Clearing Assets Period Costs..." …
   std::function<void(int)> percent;  ///< 0 when the rows begin; to 100, after each, posted or not
 };
 
-/// What the run did; the program's own windows show none of it.
+/// The result of a run; the program's own windows show none of it.
 struct PostingCounts {
   std::int64_t seen = 0;
   std::int64_t posted = 0;
@@ -48,18 +48,18 @@ struct PostingCounts {
 };
 
 /// A clearing that was refused because somebody holds records that it would change. Nothing has been cleared
-/// or posted. The text has the engine's words and who holds which record.
+/// or posted. The text has the engine's words and says who holds which record.
 class ClearingRefused : public dao::StoreError {
  public:
   using dao::StoreError::StoreError;
 };
 
-/// Posts every transaction of the data file whose `When Posted` is Null, after emptying the cost tables and
-/// marking all transactions unposted where `clearFirst` says so. Ends with the box "Posting is Complete.".
+/// Posts every transaction of the data file whose `When Posted` is Null. If `clearFirst`, it first empties
+/// the cost tables and marks all transactions as unposted. Ends with the box "Posting is Complete.".
 ///
 /// Throws ClearingRefused, and StoreError for an engine error outside the record operations (an empty table,
-/// a data file that is gone); where the run was at a transaction, the text names it. Every row that was
-/// posted before the error stays posted with its sums.
+/// a data file that is gone); if the run was at a transaction, the text names it. Every row that was posted
+/// before the error stays posted with its sums.
 PostingCounts RunPosting(bool clearFirst, const PostingProgress& progress);
 
 }  // namespace dw

@@ -19,7 +19,7 @@ namespace {
 
 void Tell(const std::string& words) { screen::MessageBox(words, screen::Icon::Critical); }
 
-/// A text as a Single; empty where it is none.
+/// A text as a Single; empty if it is not a number.
 std::optional<float> AsSingle(const std::string& text) {
   const auto number = rt::ParseNumber(text);
   if (!number || std::abs(*number) > std::numeric_limits<float>::max()) return std::nullopt;
@@ -73,12 +73,12 @@ PricedTexts PriceUnits(OwnUnits kind, PricedTexts texts) {
     if (texts.cost.empty()) texts.cost = "0.00";
     return texts;
   }
-  // What is no number cannot be told from a cost that somebody meant.
+  // A cost that is not a number may be one that somebody meant, so it stays.
   if (!texts.cost.empty() && rt::ParseNumber(texts.cost) != 0.0) return texts;
   try {
     texts.cost = LookUpCost(kind, texts, *units).PlainText();
   } catch (const rt::RuntimeError& error) {
-    // An empty price, or more units than money can count.
+    // An empty price, or a product that is too large for money.
     Tell(error.what());
   }
   return texts;
@@ -102,7 +102,7 @@ bool CheckPeriod(const std::string& text) {
     Tell("Period must be a number between 1 and 13. Please check.");
     return false;
   }
-  // It is stored as a whole number, ties going to the even one.
+  // It is stored as a whole number; ties round to the even one.
   const double period = std::nearbyint(*number);
   if (period >= 1 && period <= 13) return true;
   Tell("Period must be between 1 and 13. Please check.");

@@ -1,6 +1,6 @@
-// What the transaction window decides: which texts pass, and what units cost.
+// The rules of the transaction window: which texts pass, and what units cost.
 //
-// Each function tells the user what is wrong before it says so.
+// Each check reports what is wrong to the user before it returns false.
 #pragma once
 
 #include <array>
@@ -11,13 +11,13 @@
 
 namespace dw {
 
-/// The empty row that adding a transaction makes: today's date and zeros. `Oil` and `Time` stay Null.
+/// The empty row for a new transaction: today's date and zeros. `Oil` and `Time` stay Null.
 void FillNewTransaction(dao::Recordset& row, const std::string& assetID);
 
 /// What is drawn from the organization's own stock, and priced while it is typed.
 enum class OwnUnits { Fuel, Oil, Labor };
 
-/// The texts that a price hangs on.
+/// The texts that a price depends on.
 struct PricedTexts {
   std::string assetID;
   std::string date;
@@ -25,21 +25,21 @@ struct PricedTexts {
   std::string cost;
 };
 
-/// What the texts become when the units are left: empty units are 0, and units without a cost get the price
-/// of their date. A cost other than 0 is never changed. A look-up that finds no price makes it 0; where the
+/// The texts after the focus leaves the units: empty units become 0, and units without a cost get the price
+/// of their date. A cost other than 0 never changes. If a look-up finds no price, the cost becomes 0; if the
 /// price is empty, or the product too large, the cost stays as it was, after a message. Units that are not a
 /// number are left for the check of the whole window.
 PricedTexts PriceUnits(OwnUnits kind, PricedTexts texts);
 
 bool CheckAssetID(const std::string& text);
-/// Leaving a field of money: an empty text is no cost either.
+/// Leaving a field of money: an empty text is not a cost either.
 bool CheckCost(const std::string& text);
 bool CheckPeriod(const std::string& text);
 
 enum class DateVerdict {
   Good,
-  Refused,         ///< no date, or too early
-  OutsideCalendar  ///< a good date that lies in no fiscal period
+  Refused,         ///< not a date, or too early
+  OutsideCalendar  ///< a good date that is in no fiscal period
 };
 struct TransactionDay {
   DateVerdict verdict = DateVerdict::Refused;
@@ -49,15 +49,15 @@ struct TransactionDay {
 /// Only a transaction that is being added must lie on or after the close-out date.
 TransactionDay CheckTransactionDate(const std::string& text, bool adding);
 
-/// A field that must hold a number unless it is empty, and what is said where it does not.
+/// A field that must be a number unless it is empty, and the message if it is not.
 struct NumericRule {
   const char* column;
   const char* words;
 };
-/// In the order in which saving a transaction checks them, after asset, date and period.
+/// In the order of the checks when a transaction is saved, after asset, date and period.
 extern const std::array<NumericRule, 12> kNumericRules;
 
-/// What the window shows beside an asset's code: its serial number, or why there is none.
+/// The text beside an asset's code: its serial number, or why there is none.
 std::string AssetSerial(const std::string& assetID);
 
 }  // namespace dw

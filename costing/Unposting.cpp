@@ -44,8 +44,9 @@ bool UnpostTransaction(dao::Recordset& transaction) {
   dao::Recordset& asset = file.Read(AssetQuery(transaction.Get(fields.assetID)));
   if (asset.AtEnd()) return false;
 
-  // A row that is missing or held keeps nobody else's figures: whatever was found is committed. Should the
-  // engine itself fail, closing the workspace takes the whole subtraction back.
+  // A row that is missing or that another user holds does not keep the other sums from being changed:
+  // whatever was found is committed. If the engine itself fails, closing the workspace rolls the whole
+  // subtraction back.
   file.Workspace().BeginTrans();
   const CostFigures figures = fields.Read(transaction, asset.Get("Fuel Type"));
   for (CostTable& table : CostTablesOf(accumulators)) table.Unpost(figures);
@@ -91,7 +92,7 @@ void UnpostAll(const std::function<void(int percent)>& progress) {
   for (std::int64_t seen = 1; !transactions->AtEnd(); transactions->MoveNext(), ++seen) {
     const auto posted = GetUnlessDeleted(*transactions, whenPosted);
     if (posted && !posted->IsNull()) UnpostRow(*transactions);
-    // Rows that others add meanwhile are walked too, so more can be seen than there were at the start.
+    // Rows that others add meanwhile are walked too, so more rows can be seen than there were at the start.
     if (progress)
       progress(rows == 0 ? 100 : static_cast<int>(std::min<std::int64_t>(seen * 100 / rows, 100)));
   }

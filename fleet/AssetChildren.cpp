@@ -17,8 +17,8 @@ bool Agreed(const char* question) {
   return screen::MessageBox(question, screen::Icon::Question, screen::Buttons::YesNo) == screen::Answer::Yes;
 }
 
-/// Whether nothing was done in the transaction that has to go before it; reports what was. A check that
-/// cannot be made prevents it as well.
+/// Whether no scheduled work was done in the transaction; such work has to be removed before it. Reports any
+/// that was. A check that fails prevents the delete as well.
 bool NothingPerformedIn(const MainConnection& main, const std::string& id) {
   const auto performed = main.Finds("SELECT * FROM Maintenance_Performed WHERE Maintenance_Entry_ID = " + id);
   if (!performed) return false;

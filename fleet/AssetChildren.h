@@ -1,14 +1,14 @@
-// Taking away what hangs on an asset, row by row.
+// Removing the records that belong to an asset, one by one.
 #pragma once
 
 #include <cstdint>
 
 namespace dw {
 
-/// Each asks first and deletes over a connection of its own. True where the grid that showed the row is to be
-/// read again: the row went, now or before; false where it stays.
+/// Each asks first and deletes over a connection of its own. True if the grid that showed the row has to be
+/// read again, because the row is gone (now or earlier); false if the row stays.
 ///
-/// A transaction with recurring maintenance that was done in it stays until that is removed.
+/// A transaction stays as long as recurring maintenance is recorded as done in it.
 bool RemoveTransaction(std::int32_t id);
 bool RemoveReading(std::int32_t id);
 bool DeleteScheduleLine(std::int32_t id);

@@ -13,11 +13,11 @@ namespace dw {
 namespace {
 
 struct RemovalStep {
-  const char* statement;  ///< up to the asset's code
+  const char* statement;  ///< the asset's code follows it
   const char* refusal;
 };
 
-// The words of the second and third step speak of each other's tables; users know them so.
+// The second and third step name each other's tables. Users know these words, so they stay.
 constexpr std::array<RemovalStep, 3> kSteps = {{
     {"DELETE * FROM [Odometer Entries] WHERE [Asset ID] = '",
      "Unable to remove asset's odometer readings. Removal cancelled."},
@@ -31,8 +31,8 @@ bool Agreed(const std::string& question, screen::Icon icon) {
   return screen::MessageBox(question, icon, screen::Buttons::YesNo) == screen::Answer::Yes;
 }
 
-/// Asks only where the table has rows of the asset. False for a No, and after the message of a query that
-/// cannot be read. The code goes in as it stands, as it does in the statements of the removal.
+/// Asks only if the table has rows of the asset. False for a No, and after the message about a query that
+/// fails. The code goes into the query unchanged, as it does in the statements of the removal.
 bool AgreedToRows(const AdoConnectionPtr& connection, const std::string& table, const std::string& assetID,
                   const std::string& question) {
   AdoRecordsetPtr rows =
@@ -43,7 +43,7 @@ bool AgreedToRows(const AdoConnectionPtr& connection, const std::string& table, 
   return agreed;
 }
 
-/// The statements between the beginning of the transaction and its commit; false when it is to be taken back.
+/// The statements between the beginning of the transaction and its commit; false if it has to be rolled back.
 bool RemoveRows(const AdoConnectionPtr& connection, ado::Recordset& asset, const std::string& assetID) {
   for (const RemovalStep& step : kSteps) {
     if (AdoExecute(connection, step.statement + assetID + "'") != 0) {
@@ -55,8 +55,8 @@ bool RemoveRows(const AdoConnectionPtr& connection, ado::Recordset& asset, const
       "WARNING: Accumulating rermoved Asset costs into the Deleted Asset in not yet functional. "
       "This data will be permanently lost.",
       screen::Icon::Information);
-  // The costs stay under the removed code: the asset that stands for removed ones is looked up, and nothing
-  // is moved to it.
+  // The costs stay under the removed code: the asset for removed ones is looked up, but nothing is moved to
+  // it.
   GetDeletedInventoryID();
   if (!AdoDeleteRS(asset, false, false)) return false;
   AdoRefreshCache(connection, true);
@@ -72,7 +72,7 @@ RemovalResult RemoveInTransaction(const AdoConnectionPtr& connection, ado::Recor
     if (removed) connection->CommitTrans();
   };
   if (Done(remove, "The asset was not removed.") && removed) return RemovalResult::Removed;
-  // Closing the connection takes back what a failed rollback leaves.
+  // If the rollback fails, closing the connection takes everything back.
   Try([&] { connection->RollbackTrans(); });
   return RemovalResult::RolledBack;
 }
@@ -94,7 +94,7 @@ RemovalResult RemoveAsset(std::int32_t id, const std::string& assetID, std::int6
   const MainConnection main;
   if (!main.IsOpen()) return RemovalResult::Refused;
   const AdoConnectionPtr& connection = main.Connection();
-  // Opening a connection leaves the pointer normal.
+  // Opening a connection has set the pointer back to normal.
   screen::SetPointer(screen::Pointer::Hourglass);
   RemovalResult result = RemovalResult::Refused;
   if (AgreedToRows(connection, "Odometer Entries", assetID, "The item has odometer entries. Continue?") &&

@@ -1,4 +1,4 @@
-// Removing an asset with what hangs on it.
+// Removing an asset with the records that belong to it.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ namespace dw {
 enum class RemovalResult { Refused, RolledBack, Removed };
 
 /// Removes the asset with this database number and code, after its questions. `recordCount` is the number of
-/// rows of the list that asks. Refused: the list stands as it was; otherwise it is to be read again.
+/// rows of the list that asks. After Refused the list is unchanged; otherwise it has to be read again.
 RemovalResult RemoveAsset(std::int32_t id, const std::string& assetID, std::int64_t recordCount);
 
 }  // namespace dw

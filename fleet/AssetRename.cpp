@@ -11,7 +11,7 @@ namespace dw {
 
 namespace {
 
-// Every table that carries the code, the asset's own last.
+// Every table that has the code, the asset's own last.
 constexpr std::array<const char*, 10> kTables = {
     "Assets Annual Costs",
     "Assets Lifetime Costs",
@@ -34,7 +34,7 @@ bool RenameRows(const AdoConnectionPtr& connection, const std::string& oldID, co
   return true;
 }
 
-/// All ten tables or none. What fails is taken back without a word: the user sees the old code again.
+/// All ten tables or none. A failure is rolled back silently: the user sees the old code again.
 bool RenameInTransaction(const AdoConnectionPtr& connection, const std::string& oldID,
                          const std::string& newID) {
   bool renamed = false;
@@ -44,7 +44,7 @@ bool RenameInTransaction(const AdoConnectionPtr& connection, const std::string& 
     if (renamed) connection->CommitTrans();
   });
   if (renamed && !failure) return true;
-  // Closing the connection takes back what a failed rollback leaves.
+  // If the rollback fails, closing the connection takes everything back.
   Try([&] { connection->RollbackTrans(); });
   return false;
 }
@@ -67,7 +67,7 @@ RenameResult RenameAssetTo(const std::string& assetID, const std::string& newID)
     const MainConnection asked;
     if (!asked.IsOpen()) return RenameResult::RolledBack;
     const auto taken = asked.Finds("SELECT * FROM Vehicles WHERE [Asset ID] = '" + newText + "'");
-    // Whether the code is free could not be read; its message has been shown.
+    // Whether the code is free could not be read; a message has said so.
     if (!taken) return RenameResult::RolledBack;
     if (*taken) {
       screen::MessageBox("The new Asset ID is already in use.", screen::Icon::Information);

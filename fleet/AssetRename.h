@@ -1,4 +1,4 @@
-// Changing an asset's code in every table that carries it.
+// Changing an asset's code in every table that has it.
 #pragma once
 
 #include <string>
@@ -7,10 +7,10 @@ namespace dw {
 
 enum class RenameResult { Cancelled, InUse, RolledBack, Renamed };
 
-/// Asks for the new code and renames in ten tables, all or none. What fails in the middle is taken back
-/// without a word.
+/// Asks for the new code and renames in ten tables, all or none. A failure in the middle is rolled back
+/// silently.
 RenameResult RenameAsset(const std::string& assetID);
-/// The same without the question; an empty `newID` is a cancelled rename.
+/// The same without the question; an empty `newID` is a canceled rename.
 RenameResult RenameAssetTo(const std::string& assetID, const std::string& newID);
 
 }  // namespace dw

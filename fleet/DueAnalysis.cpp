@@ -16,10 +16,10 @@ namespace dw {
 
 namespace {
 
-/// A frequency counts from above 0 on; a Null is none.
+/// A frequency counts if it is above 0; a Null does not count.
 bool IsAboveZero(const rt::Value& frequency) { return !frequency.IsNull() && frequency.AsDouble() > 0; }
 
-/// Mileages are Singles from the file to the text; none on file reads 0.
+/// Mileages are Singles from the file to the text; no mileage on file counts as 0.
 float MileageOf(const rt::Value& mileage) { return mileage.IsNull() ? 0.0F : mileage.AsSingle(); }
 
 void TellBrokenOff(std::int32_t number, const std::string& description) {
@@ -28,11 +28,11 @@ void TellBrokenOff(std::int32_t number, const std::string& description) {
                      screen::Icon::Critical);
 }
 
-/// A recordset could not be opened, which the user knows.
+/// A recordset could not be opened, which has been reported.
 struct NotOpened {};
 
-/// Runs a piece of the analysis; false after a message when the data cannot be read. Errors of conversion
-/// pass to the caller.
+/// Runs a part of the analysis; false after a message if the data cannot be read. Conversion errors pass to
+/// the caller.
 template <class Piece>
 bool Guarded(Piece piece) {
   try {
@@ -46,7 +46,7 @@ bool Guarded(Piece piece) {
   return false;
 }
 
-/// Adds months to a date; empty where the calendar ends before. A day that never comes is never due.
+/// Adds months to a date; empty if the result is beyond the calendar. A day that never comes is never due.
 std::optional<rt::DateTime> MonthsAfter(const rt::DateTime& date, const rt::Value& months) {
   try {
     return rt::DateAdd("m", months.AsLong(), date);
@@ -71,8 +71,8 @@ void DueAnalysis::Run(const DueAsset& asset, DueSource& source) {
   if (!scheduled) destination_.write("There are no scheduled maintenance items to analyze.");
 }
 
-/// The newest reading counts, unless the transaction with the highest mileage is of a later day. If even the
-/// newest reading has no date, it is as if there were none.
+/// The newest reading counts, unless the transaction with the highest mileage has a later date. If even the
+/// newest reading has no date, the asset counts as one without readings.
 DueAnalysis::Standing DueAnalysis::FindStanding(const DueAsset& asset, DueSource& source) {
   Standing standing;
   const auto reading = source.NewestReading(asset.assetID);
@@ -138,7 +138,7 @@ bool AnalyseDue(const AdoConnectionPtr& connection, ado::Recordset& asset, const
       return DueAsset{asset.Get("Asset ID").Shown(), asset.Get("Description"), asset.Get("Purchase Date")};
     });
     if (!found) return false;
-    // A dozen questions about one asset share one look at the file.
+    // A dozen queries about one asset share one look.
     const store::Reading reading(connection->Store());
     DueQueries queries([&](const std::string& sql) {
       AdoRecordsetPtr rows = AdoOpenRecordset(connection, sql);
@@ -168,7 +168,7 @@ std::string CalculateDue(const std::string& assetID, const rt::DateTime& dueBy, 
     DueHorizon horizon;
     horizon.dueBy = [&] { return dueBy; };
     horizon.extraUsage = [&] { return extraUsage; };
-    // Half an analysis would read as if nothing else were due.
+    // Half an analysis would look as if nothing else were due.
     if (!AnalyseDue(connection, *asset, destination, horizon)) text.clear();
   }
   CloseObject(asset);

@@ -11,16 +11,16 @@
 
 namespace dw {
 
-/// Where the lines of an analysis go. The asset's window and the report differ in two things only: what
-/// separates the head from the items, and where the text goes.
+/// Where the lines of an analysis go. The asset's window and the report differ only in what separates the
+/// head from the items, and in where the text goes.
 struct DueDestination {
   std::function<void(const std::string& line)> write;
   std::string
-      separator;  ///< written behind the "Latest mileage" line: hyphens on the window, empty in the report
+      separator;  ///< written after the "Latest mileage" line: hyphens on the window, empty in the report
 };
 
-/// How far ahead to look. Each is read anew for each schedule line; what they throw ends the analysis and
-/// reaches the caller.
+/// How far ahead to look. Each is read anew for each schedule line. Their exceptions end the analysis and
+/// reach the caller.
 struct DueHorizon {
   std::function<rt::DateTime()> dueBy;
   std::function<float()> extraUsage;  ///< miles
@@ -29,10 +29,10 @@ struct DueHorizon {
 /// One due item as a fact, for tables and scripts.
 struct DueItem {
   std::string assetID;
-  std::string type;  ///< `Maintenance Types`.`Description`, empty where there is no type
+  std::string type;  ///< `Maintenance Types`.`Description`, empty if there is no type
   bool byDate = false;
-  rt::DateTime nextDate;  ///< where byDate
-  float nextMileage = 0;  ///< where not byDate
+  rt::DateTime nextDate;  ///< if byDate
+  float nextMileage = 0;  ///< if not byDate
 };
 
 /// What the analysis takes from the asset's own row.
@@ -42,17 +42,17 @@ struct DueAsset {
   rt::Value purchaseDate;
 };
 
-/// The analysis of one asset after the other.
+/// The analysis of assets, one after the other.
 class DueAnalysis {
  public:
   DueAnalysis(DueDestination destination, DueHorizon horizon,
               std::function<void(const DueItem&)> onItem = {});
-  /// Writes the lines of the asset. What the source and the horizon throw ends it, and so does a value that
-  /// is not of the kind that a fact has to be (RuntimeError); what was written up to there is not the whole.
+  /// Writes the lines of the asset. An exception of the source or the horizon ends it, and so does a fact of
+  /// the wrong kind (RuntimeError); the lines written so far are incomplete then.
   void Run(const DueAsset& asset, DueSource& source);
 
  private:
-  /// The mileage that the asset is taken to be at, and the day of it.
+  /// The standing of the asset: the mileage that it is taken to have now, and the date of that mileage.
   struct Standing {
     float mileage = 0;
     rt::DateTime date;
@@ -68,14 +68,14 @@ class DueAnalysis {
 };
 
 /// Analyzes the asset at the place of the recordset (columns of `Vehicles`) and writes a line for each due
-/// item; `onItem`, where given, gets each as a fact. False after a message when the data cannot be read (what
-/// was written up to there is not the whole), and when another user has removed the asset meanwhile.
+/// item; `onItem`, if set, gets each as a fact. False after a message if the data cannot be read (the lines
+/// written so far are incomplete then), and if another user has removed the asset meanwhile.
 bool AnalyseDue(const AdoConnectionPtr& connection, ado::Recordset& asset, const DueDestination& destination,
                 const DueHorizon& horizon, const std::function<void(const DueItem&)>& onItem = {});
 
 /// The text of the "Maintenance Due" tab for one asset, lines ended with CR LF. Empty after the box "Unable
-/// to find asset to report." when the asset is not on file, and after the message of an analysis that could
-/// not be finished.
+/// to find asset to report." if the asset is not on file, and after the message of an analysis that could not
+/// be finished.
 std::string CalculateDue(const std::string& assetID, const rt::DateTime& dueBy, float extraUsage);
 
 }  // namespace dw

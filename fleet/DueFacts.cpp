@@ -15,7 +15,7 @@ using store::ColumnType;
 using store::ScannedRecord;
 using Cell = ScannedRecord::Cell;
 
-/// Up to here every whole number is a floating number as well.
+/// Up to this number a Double can represent every whole number.
 constexpr std::int64_t kLargestExact = std::int64_t{1} << 53;
 
 bool FitsLong(std::int64_t number) {
@@ -35,7 +35,7 @@ bool CanBeAskedFor(std::string_view code) {
   return code.find('\'') == std::string_view::npos && code.find('\0') == std::string_view::npos;
 }
 
-/// A column that may be Null. `proper` is false where the value is not of the column's kind.
+/// A column that may be Null. `proper` is false if the value is not of the column's kind.
 template <class T>
 struct Read {
   bool proper = true;
@@ -65,7 +65,7 @@ Read<double> MileageOf(const ScannedRecord& record, int column) {
   return {.proper = false, .value = {}};
 }
 
-/// Dates in the file's own form sort by their text as by their time. Any other text does not.
+/// Dates in the file's own form sort as texts in the order of time. Any other text does not.
 Read<std::int64_t> DateOf(const ScannedRecord& record, int column) {
   const Cell cell = record.CellOf(column);
   if (cell == Cell::Null) return {};
@@ -94,7 +94,7 @@ DueFacts::DueFacts(const std::shared_ptr<store::Connection>& connection) {
     unknowable_ = true;
     return;
   }
-  // The codes come first: an asset that gets its code from another during the pass is not among them.
+  // The codes come first: an asset that gets the code of another one during the pass is not among them.
   ReadCodes(connection);
   ReadTypes(connection);
   ReadSchedule(connection);
@@ -138,7 +138,7 @@ bool DueFacts::LaidOutAsExpected(store::Connection& connection) {
 
 void DueFacts::ReadCodes(const std::shared_ptr<store::Connection>& connection) {
   store::ScanTable(connection, "Vehicles", {"Asset ID"}, [this](const ScannedRecord& record) {
-    // An asset without a code is asked for by the empty text. One whose code is no text is not known.
+    // An asset without a code is looked up by the empty text. One whose code is not a text stays unknown.
     const Cell cell = record.CellOf(0);
     if (cell != Cell::Null && cell != Cell::Text) return;
     const std::string_view code = record.Text(0);
@@ -186,7 +186,7 @@ std::vector<DueFacts::Performed> DueFacts::ReadPerformed(
   store::ScanTable(
       connection, "Maintenance_Performed", {"Maintenance_Entry_ID", "Maintenance_Type_ID"},
       [&](const ScannedRecord& record) {
-        // What is not a whole number equals no ID.
+        // A value that is not a whole number equals no ID.
         if (record.CellOf(0) != Cell::Whole || record.CellOf(1) != Cell::Whole) return;
         const std::int64_t type = record.Whole(1);
         if (!FitsLong(type)) return;

@@ -15,19 +15,19 @@
 
 namespace dw {
 
-/// Knows of each asset what the queries would find, as facts of some 100 bytes for an asset and 70 for a line
-/// of its schedule, however many transactions there are.
+/// Finds the same facts of each asset as the queries do, and keeps some 100 bytes for an asset and 70 for a
+/// line of its schedule, however many transactions there are.
 ///
-/// It knows nothing of an asset whose code changes the meaning of a query, of one with a value in the file
-/// that is not of its column's kind, and of one that was not there when the pass began. Those have to be
-/// asked for by DueQueries.
+/// It knows no facts of an asset whose code changes the meaning of a query, of an asset with a value in the
+/// file that is not of its column's kind, and of an asset that was added after the pass began. DueQueries has
+/// to be used for those.
 class DueFacts : public DueSource {
  public:
-  /// Reads the tables, letting other users write meanwhile. A file whose tables are not laid out as the
-  /// catalogue says gives facts of no asset. Throws StoreError where the file cannot be read.
+  /// Reads the tables, and lets other users write meanwhile. If the tables are not laid out as the catalogue
+  /// says, it knows no asset. Throws StoreError if the file cannot be read.
   explicit DueFacts(const std::shared_ptr<store::Connection>& connection);
 
-  /// Whether the facts of this asset are known; the other functions are for such assets only.
+  /// Whether the facts of this asset are known. The other functions may be called only for such assets.
   bool Know(const std::string& assetID);
 
   std::optional<DatedMileage> NewestReading(const std::string& assetID) override;
@@ -46,7 +46,7 @@ class DueFacts : public DueSource {
     bool hasReading = false;
     Moment readingDate = kNoDate;
     std::optional<float> readingMileage;
-    double highestMileage = 0;  ///< 0 where no transaction is above it
+    double highestMileage = 0;  ///< 0 if no transaction has a mileage above it
     Moment highestDate = kNoDate;
     std::int32_t firstLine = kNone;
     std::int32_t lastLine = kNone;
@@ -86,7 +86,7 @@ class DueFacts : public DueSource {
   std::vector<Line> lines_;
   std::unordered_map<std::int32_t, std::string> types_;
   std::string folded_;
-  bool unknowable_ = false;  ///< nothing is known of any asset
+  bool unknowable_ = false;  ///< no asset is known
 };
 
 }  // namespace dw

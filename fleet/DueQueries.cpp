@@ -39,7 +39,7 @@ bool DueQueries::ForEachLine(const std::string& assetID, const std::function<voi
   for (; !schedule->AtEnd(); schedule->MoveNext()) {
     const auto line = UnlessDeleted([&] {
       const rt::Value typeID = typeID_.Of(*schedule);
-      // A line without a type counts as type 0, which means none as well.
+      // A line without a type has type 0, which also finds nothing.
       return DueLine{typeID.IsNull() ? 0 : typeID.AsLong(), typeText_.Of(*schedule).Shown(),
                      months_.Of(*schedule), usage_.Of(*schedule)};
     });

@@ -8,7 +8,7 @@
 
 namespace dw {
 
-/// A column of one query, whose position is looked up at the first row and kept for all recordsets of that
+/// A column of one query. Its position is looked up at the first row and kept for all recordsets of that
 /// query.
 class DueColumn {
  public:
@@ -20,7 +20,7 @@ class DueColumn {
   int field_ = -1;
 };
 
-/// What `read` returns; empty where another user deleted the row since its key was read.
+/// What `read` returns; empty if another user has deleted the row since its key was read.
 template <class Read>
 auto UnlessDeleted(Read read) -> std::optional<decltype(read())> {
   try {
@@ -31,11 +31,11 @@ auto UnlessDeleted(Read read) -> std::optional<decltype(read())> {
   }
 }
 
-/// Asks the file. The code of the asset is put into the query as it is, so an apostrophe in it breaks the
-/// query.
+/// Reads the facts from the file. The code of the asset goes into the query unchanged, so an apostrophe in it
+/// breaks the query.
 class DueQueries : public DueSource {
  public:
-  /// Opens a recordset, or throws what has to reach the caller of the analysis.
+  /// Opens a recordset. Throws what the caller of the analysis has to handle.
   using Opener = std::function<AdoRecordsetPtr(const std::string& sql)>;
   explicit DueQueries(Opener open) : open_(std::move(open)) {}
 

@@ -34,9 +34,8 @@ void Tell(const std::string& what) {
   screen::MessageBox(what + "\rNo maintenance report was written.", screen::Icon::Critical);
 }
 
-/// The log while it is being written. It grows under a name of its own and takes the log's name once it is
-/// complete. Until then an earlier log stays, and nobody takes the beginning of a run that broke off for the
-/// whole.
+/// The log while it is being written. It has a temporary name and takes the log's name once it is complete.
+/// Until then an earlier log stays, and nobody mistakes the part that a broken run has written for the whole.
 class LogFile {
  public:
   explicit LogFile(std::string path)
@@ -65,11 +64,10 @@ class LogFile {
     }
   }
 
-  /// Whether all lines up to here went out; a full disk may come to light only at the end.
+  /// Whether all lines so far were written; a full disk may show only at the end.
   bool Healthy() const { return failure_ == 0; }
 
-  /// Puts the complete log in the place of an earlier one. False after a message, and then nothing is left of
-  /// it.
+  /// Replaces an earlier log by the complete one. False after a message, and then no temporary file is left.
   bool Finish() {
     if (std::fclose(std::exchange(file_, nullptr)) != 0) NoteFailure();
     if (Healthy() && std::rename(growing_.c_str(), path_.c_str()) != 0) NoteFailure();
@@ -80,7 +78,7 @@ class LogFile {
   }
 
  private:
-  /// Keeps the first failure; later calls may change what the system says of the last one.
+  /// Keeps the first failure; later calls may change what the system reports about the last one.
   void NoteFailure() {
     if (failure_ == 0) failure_ = errno;
   }
@@ -92,7 +90,7 @@ class LogFile {
   std::FILE* file_ = nullptr;
 };
 
-/// A typed text that is not a date or a number. It ends the whole run, unlike a value of an asset.
+/// A typed text that is not a date or a number. It ends the whole run, unlike a bad value of an asset.
 class BadHorizon : public rt::RuntimeError {
  public:
   explicit BadHorizon(const std::string& text) : rt::RuntimeError(13, text) {}
@@ -117,8 +115,8 @@ DueHorizon TypedHorizon(const std::string& dueBy, const std::string& usage) {
   return horizon;
 }
 
-/// Whether an engine's error comes from the asset itself: from its code, which is put into the queries as it
-/// is, or from a value. All other errors, such as a lock or a lost disk, are not the asset's.
+/// Whether an error of the engine comes from the asset itself: from its code, which goes into the queries
+/// unchanged, or from a value. All other errors, such as a lock or a lost disk, are not the asset's.
 bool IsOfAsset(const std::string& assetID, std::int32_t native) {
   switch (native) {
     case store::kTypeMismatch:
@@ -157,7 +155,7 @@ class Run {
     log_.Line("Items due in the next " + request_.usage + " mile(s) or by " + request_.dueBy);
     log_.Line(kRule);
     log_.Line("");
-    // A full disk ends the loop early; the close reports it.
+    // A full disk ends the loop early; closing the log reports it.
     for (std::size_t ahead = 1; !assets.AtEnd() && log_.Healthy(); ahead = std::min(ahead * 4, kMostAhead))
       for (const AssetRow& row : Ahead(assets, ahead)) WriteAsset(row);
     log_.Line(kRule);
@@ -182,8 +180,8 @@ class Run {
     return rows;
   }
 
-  /// The next rows in one look at the file; those that another user has deleted are left out. Few at first: a
-  /// row that is read ahead is not seen to change.
+  /// The next rows in one look, without those that another user has deleted. Only a few at first: a change of
+  /// a row that has been read ahead goes unseen.
   std::vector<AssetRow> Ahead(ado::Recordset& assets, std::size_t count) {
     const store::Reading reading(connection_->Store());
     std::vector<AssetRow> rows;
@@ -213,7 +211,7 @@ class Run {
       if (request_.onItem) std::for_each(items_.begin(), items_.end(), request_.onItem);
       return;
     }
-    // The lines up to the failure would read as if nothing else were due.
+    // The lines before the failure would look as if nothing else were due.
     failed_.push_back(asset.assetID);
     log_.Line("ERROR: " + words);
   }
@@ -222,12 +220,12 @@ class Run {
     lines_.clear();
     items_.clear();
     if (facts_ && facts_->Know(asset.assetID)) return analysis_.Run(asset, *facts_);
-    // A dozen questions about one asset share one look at the file.
+    // A dozen queries about one asset share one look.
     const store::Reading reading(connection_->Store());
     analysis_.Run(asset, queries_);
   }
 
-  /// The engine's words in one line where a step fails because of the asset; empty where it does not fail.
+  /// The engine's words in one line if a step fails because of the asset; empty if it does not fail.
   template <class Step>
   std::string WordsOfFailure(const DueAsset& asset, Step step) {
     try {
@@ -275,7 +273,7 @@ void TellFailed(const std::vector<std::string>& assets) {
                      screen::Icon::Exclamation);
 }
 
-/// The path written, else empty after a message.
+/// The path that was written; empty after a message.
 std::string WriteLog(const AdoConnectionPtr& connection, ado::Recordset& assets,
                      const DueReportRequest& request) {
   const std::string path = (std::filesystem::path(request.directory) / kLogName).string();

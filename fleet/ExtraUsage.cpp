@@ -14,7 +14,7 @@ namespace {
 constexpr int kDaysAhead = 14;
 const rt::DateTime kNoDate;
 
-/// The stretch of time that usage is measured over. A day without a date is the calendar's day zero.
+/// The time over which usage is measured. A missing date is the calendar's day zero.
 struct Span {
   rt::DateTime firstDate;
   rt::DateTime lastDate;
@@ -28,14 +28,14 @@ struct Mark {
   rt::Value mileage;
 };
 
-/// A row without a mileage moves the day alone.
+/// A row without a mileage changes only the date.
 void Take(const Mark& mark, rt::DateTime& date, float& mileage) {
   date = mark.date;
   if (!mark.mileage.IsNull()) mileage = mark.mileage.AsSingle();
 }
 
-/// Hands the rows of a query in their order; false, after a message, where it cannot be run. Rows without a
-/// date say nothing and are passed over.
+/// Passes on the rows of a query in their order; false, after a message, if the query fails. Skips rows
+/// without a date.
 template <class Seen>
 bool EachMark(const AdoConnectionPtr& connection, const std::string& query, const char* dateColumn,
               Seen seen) {
@@ -63,8 +63,8 @@ bool TakeReadings(const AdoConnectionPtr& connection, const std::string& code, S
                   });
 }
 
-/// Transactions narrow the span that readings have opened: its end only moves to an earlier day, and its
-/// beginning only to a later one.
+/// Transactions narrow the span of the readings: its end moves only to an earlier day, and its beginning only
+/// to a later one.
 bool TakeTransactions(const AdoConnectionPtr& connection, const std::string& code, Span& span) {
   return EachMark(connection,
                   "SELECT TOP 25 * FROM [Maintenance Transactions] WHERE [Asset ID] = '" + code +
@@ -104,7 +104,7 @@ std::string DefaultExtraUsage(const std::string& assetID) {
       const store::Reading reading(connection->Store());
       if (!TakeReadings(connection, code, span) || !TakeTransactions(connection, code, span)) return;
     }
-    // Mileages that no meter shows may be beyond all numbers; nothing is proposed then.
+    // Mileages that no meter shows may overflow; no usage is proposed then.
     try {
       usage = std::to_string(TwoWeeksOf(span));
     } catch (const rt::RuntimeError&) {

@@ -21,8 +21,8 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
   return text;
 }
 
-/// Where the bare name begins. What stands before it is the name of a directory, which is another one in
-/// other letters.
+/// Where the bare name begins. The part before it names a directory, and a change of case there would name
+/// another one.
 std::size_t NameBegin(const std::string& path) { return path.size() - BareFileName(path).size(); }
 
 void DeleteEarlier(const std::string& path) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int16_t kHighest = std::numeric_limits<std::int16_t>::max();
 
-/// Hands the rows of a query, asked over a connection of its own; what fails is reported.
+/// Passes on the rows of a query over a connection of its own; reports a failure.
 void Ask(const std::string& query, const std::function<void(ado::Recordset&)>& rows) {
   const MainConnection main;
   if (!main.IsOpen()) return;

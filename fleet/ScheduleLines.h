@@ -6,10 +6,10 @@
 
 namespace dw {
 
-/// The number for the asset's next line: one above its highest, 1 for its first line. Where nothing is above
-/// the highest, the lowest that is free.
+/// The number for the asset's next line: one above its highest, 1 for its first line. If no number is above
+/// the highest, the lowest free one.
 std::int16_t NextLineItem(const std::string& assetID);
-/// Whether another line of the asset than the one with this ID bears the number.
+/// Whether the asset has another line than the one with this ID that has the number.
 bool LineItemInUse(const std::string& assetID, std::int32_t lineItem, std::int32_t id);
 
 }  // namespace dw

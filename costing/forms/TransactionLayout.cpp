@@ -1,4 +1,4 @@
-// Where the controls of the transaction window stand.
+// The layout of the transaction window.
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>

@@ -15,7 +15,7 @@ namespace dw {
 namespace {
 
 constexpr std::size_t kYearDigits = 4;
-/// The latest year in which a fiscal year can begin and still end within the calendar.
+/// The latest fiscal year that still ends within the calendar.
 constexpr int kLastYear = 9998;
 
 void Stop(ui::TextBox& field, const char* words) {
@@ -23,8 +23,8 @@ void Stop(ui::TextBox& field, const char* words) {
   field.setFocus();
 }
 
-/// The year as the periods store it. A pasted text such as "1E99" has four characters and is numeric, and yet
-/// no year.
+/// The year as the periods store it. A pasted text such as "1E99" has four characters and is numeric, but is
+/// not a year.
 std::optional<std::int16_t> YearOf(const std::string& text) {
   try {
     return rt::Value(text).AsInteger();

@@ -1,4 +1,4 @@
-// One scheduled kind of maintenance that a transaction's work counted as.
+// One kind of scheduled maintenance that was done in a transaction.
 #pragma once
 
 #include "platform/controls/DataCombo.h"

@@ -31,7 +31,7 @@ void frmPeriodsList::OpenDetail(bool add, std::int32_t id) {
   OpenDetailForm<frmPeriodsMaint>(Grid(), add, id, CurrentRow, HasRows());
 }
 
-// Transactions keep the year and period that they took from a row, so none is ever taken away.
+// Transactions keep the year and period that they took from a row, so the list deletes none.
 void frmPeriodsList::DeleteItem() {
   screen::MessageBox("This function not yet implemented.", screen::Icon::Critical);
 }

@@ -32,7 +32,7 @@ frmPeriodsMaint::frmPeriodsMaint()
 bool frmPeriodsMaint::StartLeft() {
   if (!ValidDate(startDate.Text(), true)) return false;
   const auto start = rt::ParseDate(startDate.Text());
-  // In the calendar's last year a month later may be no day at all.
+  // In the calendar's last year the date a month later may not exist.
   if (endDate.Text().empty() && start && start->Year() < kLastYear)
     endDate.SetText(rt::ShortDate(PeriodEnd(*start)));
   return true;

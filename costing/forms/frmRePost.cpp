@@ -61,7 +61,7 @@ void frmRePost::closeEvent(QCloseEvent* event) {
     Form::closeEvent(event);
 }
 
-/// The window as it is during a run. The end of the program may take the window away under the run.
+/// The state of the window during a run. The end of the program may destroy the window during the run.
 class frmRePost::Run {
  public:
   explicit Run(frmRePost& form) : form_(&form) { SetRunning(true); }

@@ -1,4 +1,4 @@
-// Posts all transactions, and rebuilds the cost tables where it is asked to.
+// Posts all transactions, and rebuilds the cost tables if the user asks for it.
 #pragma once
 
 #include "platform/controls/Form.h"

@@ -9,7 +9,7 @@ class frmTransactionList : public ListForm {
  public:
   static constexpr const char* kName = "frmTransactionList";
   frmTransactionList();
-  /// Posted transactions go as well, and their costs stay in the cost tables.
+  /// Posted transactions can be deleted too, and their costs stay in the cost tables.
   void DeleteItem() override;
 
  protected:

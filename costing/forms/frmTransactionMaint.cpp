@@ -95,8 +95,8 @@ void frmTransactionMaint::BindFields() {
 }
 
 void frmTransactionMaint::SetRules() {
-  // Each rule holds back while Cancel is being pressed, and while the check of the whole window goes to the
-  // field that is wrong.
+  // Each rule is off while Cancel is being pressed, and while the check of the whole window moves the focus
+  // to the wrong field.
   const auto leaving = [this](ui::TextBox& field, std::function<bool()> rule) {
     field.onLeave = [this, rule = std::move(rule)] { return CancelPressed() || checking_ || rule(); };
   };
@@ -133,7 +133,7 @@ void frmTransactionMaint::SetRules() {
     filled(*field, "0.00");
   filled(outsideFuelUnits, "0.0");
 
-  // A double click adds a task wherever it falls; Space shows the one that is chosen.
+  // A double click adds a task wherever it falls; Space shows the selected one.
   grdTasks.onAdd = grdTasks.onDoubleClick = [this] { AddTask(); };
   grdTasks.SetDoubleClickAnywhere(true);
   grdTasks.onDetail = [this] { ShowTask(); };
@@ -147,7 +147,7 @@ void frmTransactionMaint::OnActivate() {
 }
 
 void frmTransactionMaint::RecordLoaded() {
-  // A field that is disabled with the focus in it would hand the focus on, and rules would run on the way.
+  // Disabling the field with the focus would move the focus on, and run the rules of the fields on the way.
   const std::int16_t last = focus_.LastTabIndex;
   if (focusWidget()) focusWidget()->clearFocus();
   focus_.LastTabIndex = last;
@@ -160,7 +160,7 @@ void frmTransactionMaint::RecordLoaded() {
            &outsideCost, &transactionDate, &fiscalYear, &fiscalPeriod})
     field->setEnabled(!posted);
   cmdUnpost->setEnabled(posted);
-  // Labor and parts are hidden with the fuel; what is to the right of them moves into their place.
+  // Labor and parts are hidden with the fuel; the fields to their right move into their place.
   fraTab[1]->setVisible(InternalFuelAvailable());
   ShowAssetSerial();
 }
@@ -226,7 +226,7 @@ bool frmTransactionMaint::CheckAll() {
 
 bool frmTransactionMaint::CommitForTask() {
   if (Held()) return SaveForChild();
-  // A record that is only read has nothing to store.
+  // A record that is open for reading has nothing to store.
   Rearm();
   return true;
 }
@@ -248,7 +248,7 @@ void frmTransactionMaint::OpenTask(bool add, std::int32_t id) {
   OpenDetailForm<frmMaintTaskMaint>(
       grdTasks, add, id, currentTask_, adoSchedule.HasRows(),
       [this](frmMaintTaskMaint& task) { task.MaintenanceID = rt::Value(recordNumber.Text()).AsLong(); });
-  // Where no window was opened this one goes on at once, with its record in hand.
+  // If no window was opened, this one goes on at once and holds its record.
   if (ui::ActiveForm() == this) OnActivate();
 }
 
@@ -264,8 +264,8 @@ void frmTransactionMaint::DeleteTask() {
 }
 
 void frmTransactionMaint::Unpost() {
-  // Out of the sums again, the row belongs where the calendar puts its date now; where it stays posted, the
-  // year and period of its sums come back.
+  // After the unposting the row belongs to the period of its date in the present calendar. If it stays
+  // posted, the year and period of its sums are put back.
   const std::string year = fiscalYear.Text();
   const std::string period = fiscalPeriod.Text();
   keepsPeriod_ = false;
@@ -285,8 +285,8 @@ void frmTransactionMaint::UnpostAtItsPlace() {
     return;
   }
   const DaoRecordsetPtr record = Data().Recordset();
-  // Since the posting the calendar may have changed, and a code may have been typed where the window was
-  // opened for no asset. The figures leave the asset and the period that they went into.
+  // Since the posting the calendar may have changed, and if the window was opened for no asset, another code
+  // may have been typed. The figures leave the asset and the period to which they were added.
   static constexpr std::array kPlace{"Asset ID", "Year", "Period"};
   std::array<rt::Value, kPlace.size()> posted;
   std::array<rt::Value, kPlace.size()> now;
@@ -306,7 +306,7 @@ void frmTransactionMaint::UnpostAtItsPlace() {
   }
   focus_.LastTabIndex = last;
   if (held) {
-    // The fields stay as they are, closed ones too: only opening the record anew frees them.
+    // The fields stay as they are, disabled ones too: only opening the record anew enables them.
     Data().ShowRecord();
     OnActivate();
   } else if (!Held()) {

@@ -1,4 +1,4 @@
-// One maintenance transaction: what an asset cost on a day, inside and outside the house.
+// One maintenance transaction: what an asset cost on a day, inside and outside the organization.
 #pragma once
 
 #include <array>
@@ -18,21 +18,21 @@ namespace dw {
 inline constexpr const char* kUnitsFormat = "###0.0";
 inline constexpr const char* kHoursFormat = "###0.00";
 
-/// Saving never posts. What was posted is only shown, but for notes, work order and mileage, until it has
-/// been unposted and opened again.
+/// Saving never posts. A posted transaction can only be read, except for notes, work order and mileage, until
+/// it has been unposted and opened again.
 class frmTransactionMaint : public RecordForm {
  public:
   static constexpr const char* kName = "frmTransactionMaint";
   frmTransactionMaint();
 
-  std::string AssetID;  ///< the asset that the window is opened for; empty lets the user name one
+  std::string AssetID;  ///< the asset that the window is opened for; if empty, the user names one
 
   ui::DataControl& Data() { return ByEdit().Data(); }
-  /// Whether everything on the window passes; tells what does not and goes to it.
+  /// Whether everything on the window is valid; reports what is not and moves the focus there.
   bool ValidData() override;
   void ShowAssetSerial();
-  /// Both save the transaction first, for the task needs one on file; the window takes its record again when
-  /// it becomes active.
+  /// Both save the transaction first, because a task needs one on file. The window takes its record again
+  /// when it becomes active.
   void AddTask();
   void ShowTask();
   void DeleteTask();
@@ -86,19 +86,19 @@ class frmTransactionMaint : public RecordForm {
   bool CheckDate();
   bool CheckAll();
   void PriceField(OwnUnits kind, ui::TextBox& units, ui::TextBox& cost);
-  /// The window is left as well where Enter presses OK with the focus on units.
+  /// The same leave rule runs if Enter presses OK with the focus on units.
   void PriceFocusedField();
-  /// Stores the transaction for a task. False where it does not pass.
+  /// Stores the transaction for a task. False if it is not valid.
   bool CommitForTask();
   void OpenTask(bool add, std::int32_t id);
   void Unpost();
-  /// Takes the figures out of the sums that they went into.
+  /// Subtracts the figures from the sums to which they were added.
   void UnpostAtItsPlace();
 
   std::int32_t currentTask_ = 0;
   bool checking_ = false;
-  bool keepsPeriod_ = false;  ///< a posted row: its sums stay in its year and period
-  std::vector<std::pair<std::string, ui::TextBox*>> figures_;  ///< the fields of numbers, by their column
+  bool keepsPeriod_ = false;  ///< a posted row: its year and period stay those of its sums
+  std::vector<std::pair<std::string, ui::TextBox*>> figures_;  ///< the number fields, by their column
   FocusMemory focus_;
 };
 

@@ -1,4 +1,4 @@
-// What the window that gets a picture knows of the window that wants one.
+// The interface between the window that gets a picture and the window that wants one.
 #pragma once
 
 #include <string>
@@ -6,14 +6,14 @@
 
 namespace dw {
 
-/// A form that gets a picture. It looks at both at its next activation and clears them then.
+/// A form that gets a picture. It reads both members at its next activation and clears them then.
 class PictureCaller {
  public:
   virtual ~PictureCaller() = default;
-  /// Path of the picture file that waits to be loaded; empty for none.
+  /// Path of the picture file to load; empty for none.
   virtual const std::string& Photo() const { return photo_; }
   virtual void SetPhoto(std::string path) { photo_ = std::move(path); }
-  /// The picture is to be taken away.
+  /// The picture is to be removed.
   virtual bool RemovePhoto() const { return removePhoto_; }
   virtual void SetRemovePhoto(bool remove) { removePhoto_ = remove; }
 

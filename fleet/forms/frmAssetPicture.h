@@ -14,7 +14,7 @@ class frmAssetPicture : public ui::Form {
   frmAssetPicture();
 
   std::int32_t DataID = 0;  ///< the asset's `ID`
-  /// Reads the picture of the asset, which the first activation does by itself.
+  /// Reads the picture of the asset, as the first activation does by itself.
   void ReadPicture();
 
   ui::PictureBox imgPicture{"imgPicture"};

@@ -25,7 +25,7 @@ void frmDivisionList::OpenDetail(bool add, std::int32_t id) {
 }
 
 void frmDivisionList::DeleteItem() {
-  // The check takes the row's number where assets keep the division's code: it finds something only where a
+  // The check compares the row's number with the division codes of assets, so it finds something only if a
   // code happens to be that number.
   DeleteRow([this] {
     return DeleteRule{.inUseQuery = "SELECT * FROM [Vehicles] WHERE [Division ID] = '" + CellText(0) + "'",

@@ -87,7 +87,7 @@ void frmGetPictureFile::LayOut() {
   all->addLayout(ui::ButtonRow({&cmdScan, &cmdSelect, &cmdRemove, &cmdCancel}));
   ui::TabOrder({&Drive1, &Dir1, &File1, &optCreditCard, &optPage, &optCam, &chkPreview, &chkTrace, &cmdScan,
                 &cmdSelect, &cmdRemove, &cmdCancel});
-  // Once the sizes are in one group, so that the Tab key reaches the chosen one alone.
+  // After the sizes have become one group, so that the Tab key stops only at the chosen one.
   optPage.setChecked(true);
   SetDefault(&cmdSelect);
   SetCancel(&cmdCancel);
@@ -113,8 +113,8 @@ QLayout* frmGetPictureFile::LayOutRight() {
 void frmGetPictureFile::Connect() {
   Drive1.onChange = [this] { DriveChosen(); };
   Dir1.onChange = [this] { DirectoryChosen(); };
-  // Marking a file is what counts, by the mouse or by the keys; the focus alone marks none. A click on the
-  // marked file counts again.
+  // Selecting a file hands it over, by the mouse or by the keys; the focus alone selects none. A click on the
+  // selected file counts again.
   connect(&File1, &QListWidget::itemSelectionChanged, this, [this] { ui::Guard([&] { FileMarked(); }); });
   connect(&File1, &QListWidget::itemClicked, this, [this] { SetPhoto(ChosenPath()); });
   connect(&File1, &QListWidget::itemDoubleClicked, &cmdSelect, &QPushButton::click, Qt::QueuedConnection);
@@ -154,7 +154,7 @@ void frmGetPictureFile::CallerGone() {
 void frmGetPictureFile::DriveChosen() {
   if (following_) return;
   if (Dir1.SetPath(Drive1.Drive().empty() ? "/" : Drive1.Drive())) return;
-  // The drive is not ready: back to the one that is still shown.
+  // The drive is not ready: back to the one that is shown.
   following_ = true;
   Drive1.SetDrive(Dir1.Path());
   following_ = false;

@@ -21,17 +21,17 @@
 
 namespace dw {
 
-/// A click on a file hands its path to the caller at once, and Cancel then deletes that file: so a discarded
-/// scan leaves nothing behind, but a file that was only clicked goes as well.
+/// A click on a file passes its path to the caller at once, and Cancel then deletes that file. So a discarded
+/// scan leaves nothing behind, but a file that was only clicked is deleted as well.
 class frmGetPictureFile : public ui::Form {
  public:
   frmGetPictureFile();
 
-  bool ReturnJPG = false;                ///< a scan is handed over as JPEG
-  PictureCaller* CallingForm = nullptr;  ///< null once that form has gone
+  bool ReturnJPG = false;                ///< a scan is passed on as JPEG
+  PictureCaller* CallingForm = nullptr;  ///< null once that form is gone
   std::string TemporaryFilepath;         ///< directory for a scan; empty for the program's own
   std::string TemporaryFilename;         ///< name for a scan without an ending; empty for a new one
-  /// The calling form is going away.
+  /// The calling form is about to close.
   void CallerGone();
 
   ui::DriveListBox Drive1{"Drive1"};
@@ -58,7 +58,7 @@ class frmGetPictureFile : public ui::Form {
   void Connect();
   void DriveChosen();
   void DirectoryChosen();
-  /// Empty while no file is marked.
+  /// Empty while no file is selected.
   std::string ChosenPath() const;
   void FileMarked();
   void Select();
@@ -67,11 +67,11 @@ class frmGetPictureFile : public ui::Form {
   void SetPhoto(const std::string& path);
 
   void Scan();
-  /// Prepares, scans and hands over. False where there is no scan and the window stays.
+  /// Prepares, scans and passes the scan on. False if there is no scan and the window stays.
   bool ScanPicture(ScanTrace& trace);
-  /// False where the user gave it up.
+  /// False if the user gave up.
   bool RunScanner(const std::string& bmp, ScanTrace& trace);
-  /// Saves the scan and gives the file to hand over.
+  /// Saves the scan and returns the file to pass on.
   std::string SaveScan(const ScanFiles& files, ScanTrace& trace);
   sys::ScanSize Size() const;
 

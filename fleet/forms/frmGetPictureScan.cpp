@@ -10,7 +10,7 @@
 namespace dw {
 namespace {
 
-/// What saving and converting report as a sentence ends the scan.
+/// Ends the scan with a sentence from saving or converting.
 void Demand(const std::string& fault) {
   if (!fault.empty()) throw sys::ScanError(fault);
 }
@@ -42,7 +42,7 @@ void frmGetPictureFile::Scan() {
 
 bool frmGetPictureFile::ScanPicture(ScanTrace& trace) {
   const auto files = PrepareScanFiles(TemporaryFilepath, TemporaryFilename, trace);
-  // Without a name there is nothing to try again here, and the window goes.
+  // Without a name another try makes no sense, and the window closes.
   if (!files) return true;
   try {
     if (!RunScanner(files->bmp, trace)) return false;

@@ -1,4 +1,4 @@
-// What hangs on an asset: the windows that its grids open, and what they delete.
+// The records that belong to an asset: the windows that its grids open, and what they delete.
 #include <QPushButton>
 
 #include "costing/forms/frmTransactionMaint.h"
@@ -70,8 +70,8 @@ void frmInventoryMaint::OpenChild(int page, bool add, std::int32_t id) {
     OpenAssetDetailForm<frmSchedMaintAsset>(*child.grid, add, id, asset, child.currentRow, rows);
   else
     OpenAssetDetailForm<frmOdometerMaint>(*child.grid, add, id, asset, child.currentRow, rows);
-  // Where another record's window stood in the way, this window never lost its place: it takes its record
-  // again at once.
+  // If no window was opened because one is open already, this window has stayed the active one: it takes its
+  // record again at once.
   if (ui::ActiveForm() == this) OnActivate();
 }
 

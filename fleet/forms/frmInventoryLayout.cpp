@@ -1,4 +1,4 @@
-// Where things stand on the asset's window.
+// The layout of the asset's window.
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -73,7 +73,7 @@ std::vector<ui::GridColumn> MaintenanceColumns() {
           {"Oil"}};
 }
 
-/// A page with a row of controls above what fills it.
+/// A page with a row of controls above the one that fills it.
 QWidget* Page(QLayout* above, QWidget& content) {
   auto* page = new QWidget;
   auto* column = new QVBoxLayout(page);
@@ -206,9 +206,9 @@ void frmInventoryMaint::AddTabs() {
 void frmInventoryMaint::TurnPage(int step) {
   const int page = (pages.currentIndex() + step + pages.count()) % pages.count();
   pages.setCurrentIndex(page);
-  // A field that may not be left keeps its page.
+  // A field whose content is refused keeps its page.
   if (pages.currentIndex() != page) return;
-  // Wherever the focus was, it goes into what fills the page.
+  // The focus goes into the control that fills the page, wherever it was before.
   QWidget* const contents[] = {&txtDue, &grdMaintenance, &grdSchedule, &notes, &grdOdometer};
   for (QWidget* content : contents)
     if (pages.currentWidget()->isAncestorOf(content))

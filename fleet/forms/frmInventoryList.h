@@ -11,7 +11,7 @@ class frmInventoryList : public ListForm {
  public:
   static constexpr const char* kName = "frmInventoryList";
   frmInventoryList();
-  /// Removes the asset with what hangs on it.
+  /// Removes the asset with the records that belong to it.
   void DeleteItem() override;
 
   QCheckBox chkInService{"In Service Only"};

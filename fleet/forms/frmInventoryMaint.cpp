@@ -28,7 +28,7 @@
 namespace dw {
 namespace {
 
-/// What stands for the code of an asset that has none yet: it matches nothing, where a blank might.
+/// Replaces the code of an asset that has none yet: it matches no row, and a blank might.
 constexpr const char* kNoCode = "~~~~~~~~~~~~";
 
 QPushButton* Button(const char* name, const char* caption) {
@@ -37,7 +37,7 @@ QPushButton* Button(const char* name, const char* caption) {
   return button;
 }
 
-/// The pointer over a form while it works, whichever way the work ends.
+/// Sets the pointer over a form while it works, and restores it however the work ends.
 struct Busy {
   explicit Busy(ui::Form& busy) : form(busy) { form.SetPointer(screen::Pointer::Hourglass); }
   ~Busy() { form.SetPointer(screen::Pointer::Normal); }
@@ -46,8 +46,7 @@ struct Busy {
   ui::Form& form;
 };
 
-/// Shows how far an unposting of all transactions is. The notice keeps the screen alive: each change of it
-/// lets the windows paint.
+/// Shows the progress of unposting all transactions. Each change of the notice lets the windows paint.
 class UnpostNotice {
  public:
   UnpostNotice() { Show(0); }
@@ -55,7 +54,7 @@ class UnpostNotice {
   UnpostNotice(const UnpostNotice&) = delete;
   UnpostNotice& operator=(const UnpostNotice&) = delete;
 
-  /// A few times a second at most.
+  /// At most a few times a second.
   void Percent(int percent) {
     if (std::chrono::steady_clock::now() - shown_ < std::chrono::milliseconds(200)) return;
     Show(percent);
@@ -71,7 +70,7 @@ class UnpostNotice {
   std::chrono::steady_clock::time_point shown_;
 };
 
-/// The dates that code moves between box and column, so that an empty box is a Null.
+/// The dates that code moves between box and column, so that an empty box becomes a Null.
 struct DateColumn {
   ui::TextBox frmInventoryMaint::*box;
   const char* column;
@@ -108,7 +107,7 @@ frmInventoryMaint::frmInventoryMaint()
   SetUpGrids();
 
   cmdRename->setEnabled(false);
-  // All transactions of all assets: too much to be reached by a Tab too many out of a grid.
+  // It unposts all transactions of all assets, so one Tab too many out of a grid must not reach it.
   cmdUnpost->setFocusPolicy(Qt::ClickFocus);
   cmdUnpost->setToolTip("Unposts all posted transactions of all assets");
   cmdUnpost->setAccessibleDescription("Unposts all posted transactions of all assets, not only of this one");
@@ -142,7 +141,7 @@ void frmInventoryMaint::CheckDateOnLeaving(ui::TextBox& field) {
 
 void frmInventoryMaint::ComeBackTo(ui::TextBox& field) {
   if (pages.currentIndex() == 0) return;
-  // The page is being turned just now, and the focus has more than one step to go.
+  // The page is just being turned, and the focus will move once more.
   comingBack_ = true;
   ui::Later(field, [this, &field] {
     comingBack_ = false;
@@ -229,14 +228,14 @@ void frmInventoryMaint::RecordLoaded() {
     assetCode.setEnabled(false);
     cmdRename->setEnabled(!ReadOnly());
   }
-  // What is due can be read, and scrolled, in any window.
+  // The due text can be read and scrolled in any window.
   txtDue.setEnabled(true);
   for (const DateColumn& date : kDates) (this->*date.box).ShowValue(Stored(date.column));
   const rt::Value code = Stored("Asset ID");
   setWindowTitle(QString::fromStdString(code.IsNull() ? "Detail for New Asset"
                                                       : "Detail for Asset ID " + code.AsText()));
   CheckPosted();
-  // What has the focus may lose it with its page.
+  // Turning the page may take the focus from the control that has it.
   focus_.Note(focusWidget());
   const std::int16_t last = focus_.LastTabIndex;
   pages.setCurrentIndex(0);
@@ -250,7 +249,7 @@ void frmInventoryMaint::CheckPosted() {
   if (!adoMaintenance_.HasRows()) return;
   const bool posted = ui::FirstRowWhere(adoMaintenance_, "[When Posted] IS NOT NULL").has_value();
   cmdUnpost->setEnabled(posted);
-  // Posted costs stand under the fuel type that the asset has now.
+  // Posted costs are counted under the fuel type that the asset has now, so it must not change.
   fuelType.setEnabled(!posted && !ReadOnly());
 }
 
@@ -275,7 +274,7 @@ void frmInventoryMaint::RunDue() {
 }
 
 bool frmInventoryMaint::Refreshed() {
-  // A record that somebody else holds takes no picture.
+  // A record that another user holds takes no picture.
   if (ReadOnly()) {
     photo_.clear();
     removePhoto_ = false;
@@ -299,7 +298,7 @@ bool frmInventoryMaint::Refreshed() {
 bool frmInventoryMaint::TakePhoto() {
   if (!ValidData()) return false;
   const std::string path = std::exchange(photo_, {});
-  // A file that is no picture has been told of; the record stays as it is.
+  // A file that is not a picture has been reported; the record stays as it is.
   if (!photograph.LoadFile(path)) return false;
   if (!AddAsset()) return false;
   removePhoto_ = false;
@@ -320,12 +319,12 @@ void frmInventoryMaint::RestoreFocus() {
   const std::int16_t last = focus_.LastTabIndex;
   for (int page = 0; page < pages.count(); ++page) {
     if (!pages.widget(page)->isAncestorOf(stop) || page == pages.currentIndex()) continue;
-    // The grids leave the page as it is; the others bring their own with them.
+    // If a grid had the focus, the page stays; any other control brings its page to the front.
     for (const Child& child : children_)
       if (child.grid == stop) return;
     pages.setCurrentIndex(page);
   }
-  // A field that takes no input now gives the focus to one that does.
+  // If the field takes no input now, the focus goes to one that does.
   if (!stop->isEnabled()) stop = &description;
   if (!stop->isEnabled()) stop = pages.tabBar();
   stop->setFocus();
@@ -346,7 +345,7 @@ bool frmInventoryMaint::ValidData() {
 bool frmInventoryMaint::StoreMore() {
   for (const DateColumn& date : kDates) {
     ui::TextBox& box = this->*date.box;
-    // Enter on a field saves without leaving it, so what was typed may not have been looked at.
+    // Enter on a field saves without leaving it, so the text may not have been checked yet.
     if (!ValidDate(box.Text(), false)) {
       box.setFocus();
       return false;

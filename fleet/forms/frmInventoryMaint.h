@@ -1,4 +1,4 @@
-// One asset: its data, its picture, and the readings, transactions and schedule lines that hang on it.
+// One asset: its data, its picture, and the readings, transactions and schedule lines that belong to it.
 #pragma once
 
 #include <QCheckBox>
@@ -72,7 +72,7 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   bool StoreMore() override;
 
  private:
-  /// A grid of what hangs on the asset.
+  /// A grid of records that belong to the asset.
   struct Child {
     ui::DataGrid* grid = nullptr;
     ui::Adodc* data = nullptr;
@@ -89,7 +89,7 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   void AddTabs();
 
   void FillCombos();
-  /// The asset's code for a query; a marker that no asset bears where it has none yet.
+  /// The asset's code for a query; for an asset without a code, a marker that no asset has.
   std::string CodeForQuery();
   void RefreshMaintenance();
   void CheckPosted();
@@ -103,15 +103,15 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   void AddChild(int page);
   void ShowChild(int page);
   void OpenChild(int page, bool add, std::int32_t id);
-  /// Reads the rows of a grid anew and goes back to where it stood.
+  /// Reads the rows of a grid anew and goes back to the row where it was.
   void RefreshChild(Child& child);
-  /// The next page but so many, round and round.
+  /// Goes on by `step` pages, from the last to the first and back.
   void TurnPage(int step);
-  /// Brings the focus back to a field of the first page, which another page may cover by then.
+  /// Returns the focus to a field of the first page, which may not be the one in front by then.
   void ComeBackTo(ui::TextBox& field);
   void DeleteChild(int page);
   Child& ChildOn(int page);
-  /// The rule of a date field: left with something that is no date, it takes the focus back.
+  /// The rule of a date field: if its text is not a date, it gets the focus back.
   void CheckDateOnLeaving(ui::TextBox& field);
 
   ui::Adodc adoDivisions_;
@@ -121,8 +121,8 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   ui::Adodc adoSchedule_;
   ui::Adodc adoOdometers_;
   std::vector<Child> children_;
-  bool comingBack_ = false;  ///< the focus is on its way back to a field that was left too early
-  bool justRead_ = false;    ///< the grids show the record that was read a moment ago
+  bool comingBack_ = false;  ///< the focus is on its way back to a field with a bad text
+  bool justRead_ = false;    ///< the grids show the record that was just read
   FocusMemory focus_;
 };
 

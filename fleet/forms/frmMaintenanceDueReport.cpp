@@ -62,7 +62,7 @@ void frmMaintenanceDueReport::Proceed() {
         screen::Icon::Exclamation);
   cmdProceed->setEnabled(true);
   cmdCancel->setEnabled(true);
-  // What was typed may have been the reason; it can be put right.
+  // The user can correct a typed text if that was the reason.
   if (end != DueReportEnd::Failed) Unload();
 }
 

@@ -8,7 +8,7 @@ class QPushButton;
 
 namespace dw {
 
-/// Writes the report beside the program and shows it. The window stays where no report could be written.
+/// Writes the report beside the program and shows it. The window stays open if no report could be written.
 class frmMaintenanceDueReport : public ui::Form {
  public:
   static constexpr const char* kName = "frmMaintenanceDueReport";

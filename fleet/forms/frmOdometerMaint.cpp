@@ -25,7 +25,7 @@ frmOdometerMaint::frmOdometerMaint()
 
 void frmOdometerMaint::OpenLists() {
   assets.DatabaseName = DataFile;
-  // Until it is activated the window knows neither its record nor its asset.
+  // Before its activation the window knows neither its record nor its asset.
   if (!Activated)
     assets.RecordSource = "SELECT * FROM [Vehicles] WHERE [ID] = -1";
   else if (AssetID.empty())

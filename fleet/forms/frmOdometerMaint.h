@@ -15,7 +15,7 @@ class frmOdometerMaint : public RecordForm {
   static constexpr const char* kName = "frmOdometerMaint";
   frmOdometerMaint();
 
-  std::string AssetID;  ///< the asset, whose choice is closed then; empty for any
+  std::string AssetID;  ///< the asset, which cannot be changed then; empty for any
 
   ui::DataControl assets{*this, "AssetData"};
   ui::DataCombo asset{"AssetCombo", "VIN/Serial Number", "Asset ID"};  ///< `Asset ID`

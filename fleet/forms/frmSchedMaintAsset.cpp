@@ -10,7 +10,7 @@
 namespace dw {
 namespace {
 
-/// An empty field gets its zero when the focus comes in, marked for typing over it.
+/// An empty field gets a zero when the focus comes in, selected so that typing replaces it.
 void FillOnEntry(ui::TextBox& field, const char* zero) {
   field.onEnter = [&field, zero] {
     if (field.Text().empty()) field.SetText(zero);
@@ -18,7 +18,7 @@ void FillOnEntry(ui::TextBox& field, const char* zero) {
   field.SelectOnEntry();
 }
 
-/// Each word begins with a capital while it is typed; the caret stays where the typing left it.
+/// Each word gets a capital while it is typed; the caret stays where typing has left it.
 void CapitalizeWords(ui::TextBox& field) {
   field.onChange = [&field] {
     const std::string proper = ProperCase(field.Text());
@@ -86,7 +86,7 @@ bool frmSchedMaintAsset::ValidLineItem() {
   try {
     number = rt::Value(typed).AsLong();
   } catch (const rt::RuntimeError&) {
-    // No line has such a number; storing it reports that.
+    // No line has such a number; storing it reports the error.
     return true;
   }
   const std::string asset = Stored("Asset ID").Shown();
