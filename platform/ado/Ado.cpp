@@ -8,7 +8,7 @@
 
 namespace ado {
 
-/// What was being done decides which number of the provider an engine's error becomes.
+/// The kind of work decides which provider number an engine error gets.
 enum class Connection::Work { Opening, Reading, WritingBack, Storing, Executing };
 
 namespace {
@@ -22,7 +22,7 @@ bool IsLocked(int number) {
 
 bool IsTransient(int number) { return number == store::kFileInUse || number == store::kOpenedExclusively; }
 
-/// A value that the file does not accept; whoever entered it can correct it and try again.
+/// Whether the file refuses a value; whoever entered it can correct it and try again.
 bool IsRefusedValue(int number) {
   switch (number) {
     case store::kDuplicateKey:
@@ -37,8 +37,9 @@ bool IsRefusedValue(int number) {
   }
 }
 
-/// Only what another try can cure becomes a number that callers wait for. Everything else keeps the engine's
-/// own number, so that a row that is gone, a damaged file or a lost directory ends the operation at once.
+/// Callers wait on the provider's numbers, so only errors that another try can cure get one. Everything else
+/// keeps the engine's own number, so that a missing row, a damaged file or a lost directory ends the
+/// operation at once.
 std::int32_t NumberOf(int number, bool writingBack, bool executing) {
   if (IsLocked(number)) {
     if (executing && number == store::kSessionLocked) return kTimeout;
@@ -101,7 +102,7 @@ void Connection::Open(const std::string& connectionString) {
   try {
     const std::string provider = ValueOf(connectionString, "Provider");
     if (!rt::EqualNoCase(provider.substr(0, 14), "Microsoft.Jet.") || request.path.empty())
-      // The whole string is not shown: it may hold a password.
+      // The message leaves out the rest of the string, which may contain a password.
       throw StoreError(store::kCannotStart, "This program cannot reach the data source '" +
                                                 (request.path.empty() ? provider : request.path) + "'.");
     connection_ = store::Engine::Of(request.path).Open(request);
@@ -249,7 +250,7 @@ void Recordset::AddNew() {
 
 void Recordset::Update() {
   Guard(Connection::Work::Storing, [](store::Cursor& cursor) {
-    if (!cursor.Editing()) return;  // nothing was changed: nothing is to be stored
+    if (!cursor.Editing()) return;  // no field has changed, so there is nothing to store
     const bool adding = cursor.Adding();
     cursor.Update();
     if (adding) cursor.GoTo(cursor.LastModified());
@@ -402,7 +403,7 @@ void Catalog::RenameColumn(std::string_view table, std::string_view column, std:
 }
 
 void JetEngine::RefreshCache(Connection& connection) {
-  // Every read goes to the file's newest state; what is left to do is to let go of what a group keeps back.
+  // Every read sees the file's newest state, so only what a group keeps back remains to be released.
   if (connection.IsOpen()) connection.Store()->FinishGroup();
 }
 

@@ -1,4 +1,4 @@
-// Connections, recordsets and the catalogue: the object model of lists, look-ups and held transactions.
+// Connections, recordsets and the catalog: the object model of lists, look-ups and held transactions.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace ado {
 
-/// Error numbers of the provider. Any other error keeps the engine's own number: no wait can cure it.
+/// Error numbers of the provider. Any other error keeps the engine's own number: waiting cannot cure it.
 constexpr std::int32_t kUnspecified = -2147467259;       // 80004005: locked, in use
 constexpr std::int32_t kErrorsOccurred = -2147217887;    // 80040E21: the file does not accept a value
 constexpr std::int32_t kProviderFailure = -2147217888;   // 80040E20: the write-back of a locked record
@@ -25,7 +25,7 @@ constexpr std::int32_t kClosed = 3704;
 /// Native number of a file that was not found.
 constexpr std::int32_t kNativeFileNotFound = -534578963;
 
-/// What an operation of this model throws.
+/// The error that this model throws.
 class Error : public std::runtime_error {
  public:
   Error(std::int32_t number, std::int32_t native, const std::string& text)
@@ -47,10 +47,10 @@ struct ErrorEntry {
 enum CursorType : int { adOpenForwardOnly = 0, adOpenKeyset = 1, adOpenDynamic = 2, adOpenStatic = 3 };
 enum LockType : int { adLockReadOnly = 1, adLockPessimistic = 2, adLockOptimistic = 3 };
 
-/// The rows that OpenSchema gives.
+/// The rows that OpenSchema returns.
 struct SchemaRow {
-  std::string computerName;  ///< "COMPUTER_NAME", arrives with a NUL at its end
-  std::string loginName;     ///< "LOGIN_NAME", likewise
+  std::string computerName;  ///< "COMPUTER_NAME", with a NUL at its end
+  std::string loginName;     ///< "LOGIN_NAME", also with a NUL
   bool connected = false;    ///< "CONNECTED"
 };
 
@@ -63,7 +63,7 @@ class Connection {
   /// every error is also added to Errors.
   void Open(const std::string& connectionString);
   bool IsOpen() const { return connection_ != nullptr; }
-  /// Records affected. 80004005 (native 3260) when a record that it touches is held elsewhere.
+  /// Returns the number of changed records. Throws 80004005 (native 3260) if another user holds one of them.
   std::int64_t Execute(std::string_view sql);
   void BeginTrans();
   void CommitTrans();
@@ -79,17 +79,17 @@ class Connection {
  private:
   friend class Recordset;
   enum class Work;
-  /// Adds what went wrong to Errors and throws it as Error.
+  /// Adds the error to Errors and throws it as Error.
   [[noreturn]] void Fail(const store::StoreError& error, Work work);
   store::Connection& Opened();
   std::vector<std::weak_ptr<store::Cursor>> cursors_;
   std::shared_ptr<store::Connection> connection_;
 };
 
-/// A recordset; a change begins with the first Set, as this model has it.
+/// A recordset. In this model, the first Set begins a change.
 class Recordset {
  public:
-  /// A SELECT or a table's name. Dynamic and keyset cursors are alike here.
+  /// A SELECT or a table's name. Dynamic and keyset cursors behave alike here.
   void Open(std::string_view source, const std::shared_ptr<Connection>& connection,
             int cursor = adOpenForwardOnly, int lock = adLockReadOnly);
   bool IsOpen() const { return cursor_ != nullptr; }
@@ -102,13 +102,13 @@ class Recordset {
   void MoveLast();
   void MoveNext();
   void MovePrevious();
-  /// Moving to another row stores an edit that is in hand, as this model has it. Relative to the place; 0
-  /// stays and stores nothing.
+  /// Moves by so many rows. In this model, a move to another row stores an edit in progress; 0 stays and
+  /// stores nothing.
   void Move(std::int64_t rows);
 
   rt::Value Get(std::string_view column);
-  /// Begins an edit where there is none: a pessimistic cursor takes the record (80040E20 when it is held
-  /// elsewhere).
+  /// Begins an edit if there is none: a pessimistic cursor holds the record then (80040E20 if another user
+  /// holds it).
   void Set(std::string_view column, const rt::Value& value);
   int FieldIndex(std::string_view column) const;
   rt::Value Get(int field);
@@ -116,13 +116,13 @@ class Recordset {
   const std::vector<store::FieldInfo>& Fields() const;
 
   void AddNew();
-  /// 80004005 when the record is held elsewhere.
+  /// 80004005 if another user holds the record.
   void Update();
   void CancelUpdate();
-  /// The current row. 80004005 when the record is held elsewhere.
+  /// Deletes the current row. 80004005 if another user holds the record.
   void Delete();
-  /// Looks forward from the place (from the first row when asked) for a condition such as "[ID] = 5"; at the
-  /// end if none.
+  /// Searches forward from the current row (from the first row if asked) for a condition such as "[ID] = 5";
+  /// without a hit, the recordset is at its end.
   void Find(std::string_view condition, bool fromFirst = false);
   store::Bookmark Bookmark();
   void SetBookmark(const store::Bookmark& mark);
@@ -139,7 +139,7 @@ class Recordset {
   std::shared_ptr<store::Cursor> cursor_;
 };
 
-/// One value of a recordset's current row, as the write-back probe wants it.
+/// One value of a recordset's current row, in the form that the write-back probe needs.
 class Field {
  public:
   Field(Recordset& recordset, int index) : recordset_(&recordset), index_(index) {}
@@ -151,8 +151,8 @@ class Field {
   int index_;
 };
 
-/// Type codes of the catalogue: 2 small integer, 3 integer, 4 single, 5 double, 6 currency, 7 date, 11
-/// Boolean, 202 text, 203 memo, 205 long binary.
+/// Type codes of the catalog: 2 small integer, 3 integer, 4 single, 5 double, 6 currency, 7 date, 11 Boolean,
+/// 202 text, 203 memo, 205 long binary.
 int TypeCode(store::ColumnType type);
 store::ColumnType TypeOfCode(int code);
 
@@ -168,7 +168,7 @@ class Catalog {
   explicit Catalog(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {}
   std::vector<std::string> Tables();
   std::vector<Column> Columns(std::string_view table);
-  /// `nullable` false makes a column that is never Null, with `defaultTrue` as the value of a Boolean's
+  /// With `nullable` false, the column can never be Null. `defaultTrue` is the value of a Boolean column in
   /// existing rows.
   void AppendColumn(std::string_view table, const Column& column, bool nullable, bool defaultTrue);
   void RenameColumn(std::string_view table, std::string_view column, std::string_view newName);

@@ -146,7 +146,7 @@ void Adodc::AddListener(const QObject& owner, std::function<void()> work) {
 
 void Adodc::TellListeners() {
   std::erase_if(listeners_, [](const Listener& listener) { return !listener.owner; });
-  // A copy: who is told may add others.
+  // A copy: a listener may add others.
   const auto listeners = listeners_;
   for (const auto& listener : listeners)
     if (listener.owner) listener.work();

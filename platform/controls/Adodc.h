@@ -19,7 +19,7 @@ class Form;
 class Adodc : public QObject {
  public:
   explicit Adodc(const char* name = "");
-  /// Lets go of its file when the form is unloaded.
+  /// Releases its file when the form is unloaded.
   Adodc(Form& form, const char* name);
   ~Adodc() override;
   Adodc(const Adodc&) = delete;
@@ -41,12 +41,12 @@ class Adodc : public QObject {
   /// string to try next. Without it a missing file is an error like any other.
   std::function<std::string(const std::string& connectionString)> onMissingFile;
 
-  /// Runs the record source and stands on its first row. What fails is told to the user and leaves the
-  /// control empty. A sort that the record source does not have ends; otherwise it stays.
+  /// Runs the record source and goes to its first row. Shows an error to the user and is empty afterwards. A
+  /// sort by a column that the record source does not have ends; any other sort stays.
   void Refresh();
-  /// The same with the query that it runs already, also where RecordSource has been changed since.
+  /// Runs the present query again, even if RecordSource has changed since.
   void Requery();
-  /// Lets go of recordset and connection.
+  /// Releases the recordset and the connection.
   void Close();
   /// Calls `work` after each Refresh, Requery, Close and failure, for as long as `owner` lives.
   void AddListener(const QObject& owner, std::function<void()> work);
@@ -54,22 +54,23 @@ class Adodc : public QObject {
   /// Null before the first Refresh and after a failure.
   const std::shared_ptr<ado::Recordset>& Recordset() const { return recordset_; }
   bool HasRows() const { return RecordCount() > 0; }
-  /// 0 where there is no recordset. Costs nothing: the keys are there.
+  /// 0 without a recordset. Costs nothing: the keys have been read already.
   std::int64_t RecordCount() const;
-  /// The query whose rows the recordset has, with the order that has been chosen.
+  /// The query of the recordset, with the order that the user chose.
   const std::string& Query() const { return query_; }
 
-  /// From the next Refresh on the rows come by this column, whatever order the record source asks for. Lives
-  /// as long as the control.
+  /// Sorts the rows by this column from the next Refresh on, whatever order the record source asks for. The
+  /// sort lives as long as the control.
   void SortBy(const store::FieldInfo& field, bool ascending);
   void ClearSort() { sort_.reset(); }
-  /// Whether its rows would be the same ones in another order: not with TOP, DISTINCT or groups.
+  /// Whether another order leaves the rows the same: not with TOP, DISTINCT or groups.
   bool CanSort() const;
   bool Sorted() const { return sort_.has_value(); }
   bool SortedBy(const store::FieldInfo& field) const;
   bool SortsAscending() const { return sort_ && sort_->ascending; }
 
-  /// What a reader of its rows met: the control stands empty, and the user is told unless onError says no.
+  /// A reader of the rows reports its error here: the control becomes empty and shows the error, unless
+  /// onError cancels that.
   void Fail(int number, const std::string& text);
 
  private:
@@ -82,7 +83,7 @@ class Adodc : public QObject {
     std::function<void()> work;
   };
   std::string WantedQuery() const;
-  /// True where the connection was open already.
+  /// True if the connection was open already.
   bool OpenConnection();
   void OpenRecordset();
   void Try(const std::function<void()>& work);

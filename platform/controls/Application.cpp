@@ -58,7 +58,7 @@ std::string UncaughtText(std::exception_ptr error) {
 
 namespace {
 
-/// Fields that take no input now still have to be read: their text stands out more than most styles let it.
+/// People still have to read disabled fields: most styles make their text too pale for that.
 void DarkenDisabledText() {
   QPalette colours = QApplication::palette();
   const QColor text = colours.color(QPalette::Active, QPalette::Text);
@@ -76,7 +76,8 @@ bool ChangesByWheel(const QWidget* widget) {
          qobject_cast<const QDial*>(widget);
 }
 
-/// What the wheel may turn: it scrolls, and neither changes a value in passing nor takes the focus.
+/// The widget that may take a turn of the wheel: the wheel scrolls, and neither changes a value in passing
+/// nor moves the focus.
 QWidget* UnderTheWheel(QWidget* widget) {
   QWidget* scrolled = widget;
   for (QWidget* around = widget; around; around = around->isWindow() ? nullptr : around->parentWidget()) {
@@ -86,10 +87,10 @@ QWidget* UnderTheWheel(QWidget* widget) {
   return scrolled;
 }
 
-/// Screen readers call a window of this program a window.
+/// Makes screen readers announce a window of this program as a window.
 QAccessibleInterface* WindowForReaders(const QString&, QObject* object) {
   auto* widget = qobject_cast<QWidget*>(object);
-  // Dialogs and other windows of the toolkit say what they are.
+  // Dialogs and other windows of the toolkit have roles of their own.
   const bool ours = widget && widget->isWindow() && widget->metaObject() == &QWidget::staticMetaObject;
   return ours ? new QAccessibleWidget(widget, QAccessible::Window) : nullptr;
 }
@@ -98,7 +99,7 @@ QAccessibleInterface* WindowForReaders(const QString&, QObject* object) {
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName("Drovewright");
-  // The open forms decide when the program is over, not the windows.
+  // The program ends when no form is open, whatever other windows are there.
   setQuitOnLastWindowClosed(false);
   DarkenDisabledText();
   QAccessible::installFactory(WindowForReaders);

@@ -30,8 +30,8 @@ std::string NextNumber(std::string digits) {
   return "1" + digits;
 }
 
-/// The numbers up to `most` whose digits are these, or begin with these where `begun`; a leading zero belongs
-/// to the number behind it.
+/// The numbers up to `most` that have these digits or, if `begun`, begin with them. A leading zero belongs to
+/// the number after it.
 template <std::size_t Count>
 std::bitset<Count> NumbersOf(const std::string& digits, int most, bool begun) {
   std::bitset<Count> numbers;
@@ -64,7 +64,7 @@ year_month_day Beginning::Days::Nearest(year_month_day from, bool backward) cons
   const int step = backward ? -1 : 1;
   const int fromYear = static_cast<int>(from.year());
   const int start = backward ? std::min(fromYear, lastYear) : std::max(fromYear, firstYear);
-  // The rarest day comes once in eight years, around the turn of a century.
+  // The rarest day, February 29, can be eight years away, around the turn of a century.
   constexpr int kMostYears = 9;
   for (int y = start, tried = 0; y >= firstYear && y <= lastYear && tried < kMostYears; y += step, ++tried)
     for (unsigned i = 1; i <= 12; ++i) {
@@ -119,7 +119,7 @@ std::string Beginning::SpansCondition(const std::string& column, bool text) cons
   return all;
 }
 
-// The store itself passes over the case of A to Z; the case of other letters is covered by asking for both.
+// The store itself ignores the case of A to Z; asking for both cases covers other letters.
 void Beginning::Texts(const std::string& typed) {
   static const std::string kLastCharacter = "\xF4\x8F\xBF\xBF";
   std::vector<std::string> forms{typed};
@@ -131,7 +131,8 @@ void Beginning::Texts(const std::string& typed) {
   for (const auto& form : forms) Add({form, form + kLastCharacter, true, true});
 }
 
-// 12 begins 12, 120 to 129, 1200 to 1299 and so on, each with its decimals; 12.3 begins 12.3 to below 12.4.
+// 12 begins 12, 120 to 129, 1200 to 1299 and so on, each with its decimals; 12.3 begins the numbers from 12.3
+// to below 12.4.
 void Beginning::Numbers(const std::string& typed, bool single) {
   static constexpr std::size_t kMostDigits = 15;
   std::string digits;
@@ -150,7 +151,7 @@ void Beginning::Numbers(const std::string& typed, bool single) {
   if (whole.empty()) whole = "0";
   if (whole.size() + decimals.size() > kMostDigits || (whole.size() > 1 && whole[0] == '0')) return;
 
-  // A Single may stand a little beside the decimal number that it shows.
+  // A Single can differ a little from the decimal number that it shows.
   const auto bound = [&](const std::string& number) {
     double exact = 0;
     std::from_chars(number.data(), number.data() + number.size(), exact);

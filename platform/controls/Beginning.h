@@ -10,12 +10,12 @@
 
 namespace ui {
 
-/// Texts begin without regard to case; numbers by their digits, signs of money and commas passed over; dates
-/// as month, day and year; flags by "Yes" and "No".
+/// Ignores the case of texts. Compares numbers by their digits, without currency signs and commas; dates as
+/// month, day and year; flags as "Yes" and "No".
 class Beginning {
  public:
-  /// Values from `low` to `high`, as SQL writes numbers and without the quotation marks of texts. An empty
-  /// bound is none.
+  /// Values from `low` to `high`, as SQL writes numbers, and texts without quotation marks. An empty bound is
+  /// no bound.
   struct Span {
     std::string low;
     std::string high;
@@ -30,8 +30,8 @@ class Beginning {
     int lastYear = 9999;
 
     bool Hold(std::chrono::year_month_day day) const;
-    /// The nearest of these days that is not before `day`, or not behind it where `backward`; an invalid date
-    /// for none.
+    /// The nearest of these days that is not before `day`, or not after it if `backward`; an invalid date if
+    /// there is none.
     std::chrono::year_month_day Nearest(std::chrono::year_month_day day, bool backward) const;
   };
 
@@ -39,9 +39,9 @@ class Beginning {
 
   /// Whether any value can begin so.
   bool Possible() const { return !condition_.empty(); }
-  /// The condition of SQL that these values satisfy; empty where there are none.
+  /// The SQL condition that these values satisfy; empty if no value can.
   const std::string& Condition() const { return condition_; }
-  /// Of columns of other types than dates.
+  /// For columns of all types but dates.
   const std::vector<Span>& Spans() const { return spans_; }
   const Days& Dates() const { return days_; }
 

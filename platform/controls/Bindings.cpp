@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kEmptyNotAllowed = 3315;
 
-/// What was typed instead of a value, in words.
+/// The message about a typed text that the column cannot store.
 std::string Complaint(const std::string& label, const std::string& typed, store::ColumnType type,
                       int number) {
   const std::string field = label.empty() ? "this field" : "\"" + label + "\"";
@@ -90,7 +90,7 @@ void Bindings::Store(BoundRecord& record) {
       try {
         record.Set(field, value);
       } catch (const store::StoreError& error) {
-        // A column that takes no empty text takes the absence of one.
+        // A column that does not accept an empty text gets a Null.
         if (error.Number() != kEmptyNotAllowed) throw;
         record.Set(field, rt::Null{});
       }

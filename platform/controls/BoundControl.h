@@ -9,21 +9,21 @@ class QWidget;
 
 namespace ui {
 
-/// A control that shows a column's value. What the user has not changed is never written back, so that a Null
-/// stays a Null.
+/// A control that shows a column's value. It writes nothing back unless the user has changed it, so that a
+/// Null stays a Null.
 class BoundControl {
  public:
   virtual ~BoundControl() = default;
   /// Shows the value as unchanged.
   virtual void ShowValue(const rt::Value& value) = 0;
-  /// Whether the content has been changed, by the user or by the program, since ShowValue.
+  /// Whether the user or the program has changed the content since ShowValue.
   virtual bool Changed() const { return false; }
-  /// What is to be stored: a text as typed, or a value with its type. An empty text stands for Null in a
-  /// column that holds no text.
+  /// The content to store: a text as typed, or a value with its type. In a column that is not a text, an
+  /// empty text means Null.
   virtual rt::Value Content() const { return {}; }
-  /// What was changed is stored now.
+  /// Says that the content is stored now.
   virtual void SetUnchanged() {}
-  /// The most characters that the column takes.
+  /// Limits the number of characters to what the column takes.
   virtual void SetLimit(int characters) { static_cast<void>(characters); }
   virtual QWidget* Widget() = 0;
 };

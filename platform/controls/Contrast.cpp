@@ -22,7 +22,7 @@ double Contrast(const QColor& one, const QColor& other) {
 }
 
 QColor Readable(const QColor& color, const QColor& ground) {
-  constexpr double kMiddle = 0.18;  // black and white read equally well on it
+  constexpr double kMiddle = 0.18;  // black and white have equal contrast to it
   constexpr int kSteps = 20;
   const int end = Luminance(ground) < kMiddle ? 255 : 0;
   for (int step = 0; step < kSteps; ++step) {

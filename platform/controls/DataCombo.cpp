@@ -13,7 +13,7 @@
 namespace ui {
 namespace {
 
-/// Keys of other tables compare as numbers whatever their width, codes without regard to case.
+/// Compares keys of other tables as numbers whatever their width, and codes without regard to case.
 bool Same(const rt::Value& a, const rt::Value& b) {
   if (a.IsNull() || b.IsNull()) return a.IsNull() && b.IsNull();
   if (a.Type() == rt::ValueType::Text || b.Type() == rt::ValueType::Text)
@@ -21,7 +21,7 @@ bool Same(const rt::Value& a, const rt::Value& b) {
   return a.AsDouble() == b.AsDouble();
 }
 
-/// Opens as a list that scrolls. As a menu it would show all entries at once, over the whole screen.
+/// Opens as a list that scrolls. A menu would show all entries at once, over the whole screen.
 class DropDownStyle : public QProxyStyle {
  public:
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -30,7 +30,7 @@ class DropDownStyle : public QProxyStyle {
   }
 };
 
-/// It ends with the application, whose style it goes by.
+/// The application owns it, because its style is built on the application's.
 QStyle& DropDown() {
   static QPointer<DropDownStyle> style;
   if (!style) {
@@ -49,7 +49,7 @@ DataCombo::DataCombo(const char* name, std::string listField, std::string boundC
   setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   setMinimumContentsLength(24);
   setMaxVisibleItems(16);
-  // A choice that is closed has to be read like the text of any other field.
+  // People still have to read a disabled choice, like the text of any other field.
   QPalette colours = palette();
   colours.setColor(QPalette::Disabled, QPalette::ButtonText,
                    colours.color(QPalette::Disabled, QPalette::Text));

@@ -12,21 +12,21 @@
 
 namespace ui {
 
-/// Typing finds the entry that begins with the letters typed; Delete takes the choice away.
+/// Typing finds the entry that begins with the typed letters; Delete clears the choice.
 class DataCombo : public QComboBox, public BoundControl {
  public:
   DataCombo(const char* name, std::string listField, std::string boundColumn);
 
-  /// Fills the list with the rows of a recordset, in its order; the choice stays where its value is still
-  /// there. A null recordset empties the list.
+  /// Fills the list with the rows of a recordset, in its order. Keeps the choice if the list still has its
+  /// value. A null recordset empties the list.
   void Fill(dao::Recordset* rows);
   void Fill(ado::Recordset* rows);
-  /// The stored value of the choice, of the bound column's type; what was shown last where it is not in the
-  /// list, and Null where nothing was ever chosen.
+  /// The stored value of the choice, with the bound column's type. The value that was shown last if the list
+  /// does not have it; Null if nothing was ever chosen.
   rt::Value BoundValue() const { return value_; }
   /// Chooses as a user would.
   void Choose(const rt::Value& value);
-  /// The text of the choice, empty where there is none.
+  /// The text of the choice; empty without a choice.
   std::string Text() const { return currentText().toStdString(); }
 
   std::function<void()> onChange;

@@ -12,7 +12,7 @@ DatabaseOpener& Installed() {
   return opener;
 }
 
-/// A recordset as the bindings want it; none at all is a record without columns.
+/// Shows a recordset to the bindings; a null one is a record without columns.
 class DaoRecord : public BoundRecord {
  public:
   explicit DaoRecord(dao::Recordset* recordset) : recordset_(recordset) {}
@@ -81,7 +81,7 @@ void DataControl::Close() {
     if (database_) database_->Close();
     if (workspace_) workspace_->Close();
   } catch (const std::exception&) {
-    // A file that has gone away has nothing left to give back.
+    // A file that is no longer there has nothing to release.
   }
   recordset_.reset();
   database_.reset();

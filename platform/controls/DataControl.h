@@ -1,4 +1,4 @@
-// The data control of the object model with edit locks: one query on a file of its own opening, and the
+// The data control of the object model with edit locks: one query on a file that it opens for itself, and the
 // controls that are bound to its record.
 #pragma once
 
@@ -13,9 +13,9 @@ namespace ui {
 
 class Form;
 
-/// Opens a data file for data controls; null when it could not be opened, which the user has been told.
+/// Opens a data file for data controls. Null if that failed; it has shown the reason then.
 using DatabaseOpener = std::function<std::shared_ptr<dao::Database>(const std::string& path)>;
-/// Gives the earlier one. Without one the file is opened plainly, and what fails is thrown.
+/// Returns the earlier opener. Without one, the control opens the file itself and throws its errors.
 DatabaseOpener InstallDatabaseOpener(DatabaseOpener opener);
 
 class DataControl {
@@ -30,19 +30,19 @@ class DataControl {
 
   /// Binds a control to a column; `label` is what messages call the field.
   void Bind(BoundControl& control, std::string column, std::string label = {});
-  /// Runs the record source again (an edit in hand is given up) and shows its first row. Engine errors are
-  /// thrown.
+  /// Runs the record source again, drops an edit in progress, and shows the first row. Throws the engine's
+  /// errors.
   void Refresh();
-  /// Shows the row again as it stands in the recordset.
+  /// Shows the row again as the recordset has it.
   void ShowRecord();
-  /// Puts what the controls hold into the record in hand, as saving it needs. Throws BadContent.
+  /// Writes the content of the controls into the current record before it is saved. Throws BadContent.
   void StoreControls();
   bool Changed() const { return bindings_.Changed(); }
 
   /// Null before the first Refresh.
   const std::shared_ptr<dao::Recordset>& Recordset() const { return recordset_; }
   bool HasRow() const { return recordset_ && !recordset_->AtEnd(); }
-  /// Gives the record and the file back.
+  /// Releases the record and the file.
   void Close();
   const std::string& Name() const { return name_; }
 

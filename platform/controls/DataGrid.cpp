@@ -37,7 +37,7 @@ DataGrid::DataGrid(const char* name, QWidget* parent) : QTableView(parent) {
   setVerticalScrollMode(ScrollPerItem);
   setHorizontalScrollMode(ScrollPerPixel);
 
-  // Headings stay as they are when the cells turn bold.
+  // Headings stay regular while the cells are bold.
   QFont regular = font();
   regular.setBold(false);
   horizontalHeader()->setFont(regular);
@@ -49,7 +49,7 @@ DataGrid::DataGrid(const char* name, QWidget* parent) : QTableView(parent) {
   horizontalHeader()->setSectionsClickable(true);
   horizontalHeader()->setTextElideMode(Qt::ElideRight);
   horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
-  // Fitting a column to its content looks at the rows that are seen, not at all.
+  // Fits a column to the visible rows only, not to all rows.
   horizontalHeader()->setResizeContentsPrecision(0);
   FitRowHeight();
 
@@ -71,7 +71,7 @@ DataGrid::DataGrid(const char* name, QWidget* parent) : QTableView(parent) {
   connect(&soughtFor_, &QTimer::timeout, this, [this] { EndSeek(); });
 }
 
-// The view must not ask a model that is gone.
+// The view must not ask a model that is destroyed already.
 DataGrid::~DataGrid() { setModel(nullptr); }
 
 // --- rows
@@ -173,7 +173,7 @@ bool DataGrid::RefreshSorted(const std::function<void()>& change) {
   try {
     if (MoveToCurrent()) record = source_->Recordset()->Bookmark();
   } catch (const ado::Error&) {
-    // Without a record to come back to the list stands on its first row.
+    // Without a record to return to, the list goes to its first row.
   }
   change();
   source_->Refresh();
@@ -183,7 +183,7 @@ bool DataGrid::RefreshSorted(const std::function<void()>& change) {
     rows->SetBookmark(record);
     SetRow(static_cast<int>(rows->Cursor().Position()), PositionAtCenter);
   } catch (const ado::Error&) {
-    MoveToCurrent();  // gone meanwhile
+    MoveToCurrent();  // deleted meanwhile
   }
   return true;
 }
@@ -203,7 +203,7 @@ void DataGrid::ShowSortMark() {
 
 bool DataGrid::Act(const std::function<void()>& work) {
   if (!work) return false;
-  // A copy: what is done may end the form.
+  // A copy: the work may end the form.
   Guard([now = work] { now(); });
   return true;
 }
@@ -225,7 +225,7 @@ void DataGrid::keyPressEvent(QKeyEvent* event) {
   const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == 0;
   const int key = event->key();
   if (plain && (key == Qt::Key_Insert || key == Qt::Key_Delete || key == Qt::Key_Space)) {
-    // In a grid that has nothing to open a blank may stand inside what is sought.
+    // In a grid that opens nothing, a blank can be part of the search text.
     if (!event->isAutoRepeat() && !ActOnKey(key) && key == Qt::Key_Space && !sought_.isEmpty())
       Seek(event->text());
     return;
@@ -234,7 +234,7 @@ void DataGrid::keyPressEvent(QKeyEvent* event) {
     Guard([this] { CopySelection(); });
     return;
   }
-  // For the form's default button and for Cancel.
+  // These keys belong to the form's default button and to Cancel.
   if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {
     event->ignore();
     return;
@@ -263,7 +263,7 @@ QModelIndex DataGrid::moveCursor(CursorAction action, Qt::KeyboardModifiers modi
 
 QItemSelectionModel::SelectionFlags DataGrid::selectionCommand(const QModelIndex& index,
                                                                const QEvent* event) const {
-  // A click beside the rows leaves the current one marked.
+  // A click beside the rows leaves the current row marked.
   if (!index.isValid()) return QItemSelectionModel::NoUpdate;
   return QTableView::selectionCommand(index, event);
 }
@@ -278,7 +278,7 @@ void DataGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 bool DataGrid::viewportEvent(QEvent* event) {
   if (event->type() == QEvent::Paint && model_.rowCount() == 0 && hasFocus()) {
     const bool done = QTableView::viewportEvent(event);
-    // Without a row that could be marked the focus would not be seen.
+    // Without a row to mark, nobody would see the focus.
     QStyleOptionFocusRect option;
     option.initFrom(viewport());
     option.backgroundColor = palette().color(QPalette::Base);
@@ -289,7 +289,7 @@ bool DataGrid::viewportEvent(QEvent* event) {
     return done;
   }
   if (event->type() != QEvent::ToolTip) return QTableView::viewportEvent(event);
-  // What does not fit into its cell is shown whole.
+  // Shows the whole text of a cell that is too narrow for it.
   const auto* help = static_cast<QHelpEvent*>(event);
   const QModelIndex index = indexAt(help->pos());
   const QString text = model_.Text(index.row(), index.column());
@@ -315,7 +315,7 @@ void DataGrid::focusInEvent(QFocusEvent* event) {
 void DataGrid::focusOutEvent(QFocusEvent* event) {
   QTableView::focusOutEvent(event);
   viewport()->update();
-  // Its own menu takes the focus for a moment only.
+  // The grid's own menu takes the focus for a moment only.
   if (event->reason() == Qt::PopupFocusReason) return;
   SetBold(false);
   EndSeek();
@@ -333,7 +333,7 @@ void DataGrid::changeEvent(QEvent* event) {
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) FitRowHeight();
 }
 
-// For the bold font, so that the focus changes no heights.
+// Measures the bold font, so that the focus does not change the height of rows.
 void DataGrid::FitRowHeight() {
   QFont bold = font();
   bold.setBold(true);

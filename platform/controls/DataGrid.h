@@ -16,21 +16,21 @@ class QMenu;
 
 namespace ui {
 
-/// Whole rows are chosen; one of them is the current one, and the recordset follows it. Nothing is edited
-/// here. The font is bold while the grid has the focus.
+/// The user chooses whole rows; one of them is the current one, and the recordset follows it. The grid edits
+/// nothing. Its font is bold while it has the focus.
 ///
-/// Insert, Space and Delete and a double click call what the form has set. A click on a heading sorts by it,
-/// a second one the other way round; typing finds a row by its first letters; Ctrl+C copies the chosen rows
-/// with headings; the context menu has the rest.
+/// Insert, Space, Delete and a double click call what the form has set. A click on a heading sorts by it, a
+/// second one reverses the order; typing finds a row by its first letters; Ctrl+C copies the chosen rows with
+/// headings; the context menu has the rest.
 class DataGrid : public QTableView {
  public:
   explicit DataGrid(const char* name = "", QWidget* parent = nullptr);
   ~DataGrid() override;
 
-  /// Shows the rows of a data control from now on; one that was never refreshed is.
+  /// Shows the rows of a data control from now on. Refreshes the control if it has never been refreshed.
   void SetDataSource(Adodc& source);
   Adodc* DataSource() const { return source_; }
-  /// The columns in their order; none at all stands for all fields of the recordset.
+  /// The columns in their order; an empty list means all fields of the recordset.
   void SetColumns(std::vector<GridColumn> columns);
   void ShowColumn(int column, bool shown) { setColumnHidden(column, !shown); }
 
@@ -39,42 +39,43 @@ class DataGrid : public QTableView {
   std::function<void()> onDelete;       ///< Delete
   std::function<void()> onDoubleClick;  ///< a double click, in place of onDetail
   std::function<void()> onRowChange;    ///< another row is the current one
-  /// A double click acts on a row, and anywhere in a grid without rows; so set, anywhere below the rows too.
+  /// A double click acts on a row, and anywhere in a grid without rows. If set, it also acts below the rows.
   void SetDoubleClickAnywhere(bool anywhere) { doubleClickAnywhere_ = anywhere; }
 
-  /// The current row from 0; -1 where there is none.
+  /// The current row from 0; -1 if there is none.
   int Row() const { return currentIndex().row(); }
-  /// Makes a row the only chosen one and scrolls to it. A row beyond the end is the last one.
+  /// Makes a row the only chosen one and scrolls to it. A row beyond the end means the last one.
   void SetRow(int row, ScrollHint where = EnsureVisible);
-  /// Puts the recordset on the current row; false where there is none.
+  /// Moves the recordset to the current row; false if there is none.
   bool MoveToCurrent();
   /// The text that the current row shows in a column; empty without a row.
   std::string CellText(int column);
-  /// The value of a field; Null where there is no such row or field.
+  /// The value of a field; Null if there is no such row or field.
   rt::Value CellValue(int row, const std::string& field);
   /// Rows that fit into the grid's height.
   int VisibleRows() const;
   std::int64_t RecordCount() const { return source_ ? source_->RecordCount() : 0; }
 
-  /// Sorts by a column, the other way round if it is sorted by it already; false where that is not possible.
-  /// The current record stays the current one.
+  /// Sorts by a column; reverses the order if the grid is sorted by it already. False if it cannot. The
+  /// current record stays the current one.
   bool SortByColumn(int column);
-  /// Back to the order that the record source asks for.
+  /// Returns to the order of the record source.
   void UseDefinedOrder();
-  /// Goes to the first row whose text in the sorted column (else the first one of the defined order, else the
-  /// first text column) begins with this. False, and no change, where there is none.
+  /// Goes to the first row whose text begins with this: in the sorted column, else in the first column of the
+  /// defined order, else in the first text column. False, without a change, if there is none.
   bool FindText(const std::string& text);
-  /// What typing is looking for at the moment.
+  /// The search text that the user is typing now.
   const QString& Sought() const { return sought_; }
 
-  /// The chosen rows, parted by tabs, the headings above them.
+  /// The chosen rows, with tabs between the cells and the headings above.
   std::string SelectedText();
   void CopySelection();
-  /// Writes all rows with the columns that are shown as comma separated values (RFC 4180, UTF-8 with its
-  /// mark): amounts as plain numbers, dates as in the grid. An existing file is replaced when all is written.
-  /// False when it could not be, which the user has been told.
+  /// Writes all rows with the visible columns as comma separated values (RFC 4180, UTF-8 with its mark):
+  /// amounts as plain numbers, dates as in the grid. Replaces an existing file once all rows are written.
+  /// False if it failed; it has shown the reason then.
   bool SaveCsv(const std::string& path);
-  /// Asks for a file name to save under; empty if there is none. A file dialog unless a test sets another.
+  /// Asks for a file name to save under; empty if the user gives none. A file dialog unless a test sets
+  /// another.
   std::function<std::string(const std::string& suggested)> askFileName;
 
   void keyboardSearch(const QString& text) override { Seek(text); }
@@ -121,14 +122,14 @@ class DataGrid : public QTableView {
   std::vector<bool> widthIsTheUsers_;
   std::vector<std::string> fittedFields_;
   QString sought_;
-  QString notFound_;  ///< the shortest text of this search that no row begins with
+  QString notFound_;  ///< the shortest search text without a row
   QTimer soughtFor_;
   QLabel* soughtShown_ = nullptr;
 };
 
 /// Keeps a grid's place around a change, in two calls. The first one, with `armed` false, stores the row in
 /// `topRow`. The next ones run the query of its data control again and go back to that row, about in the
-/// middle of what is visible. `armed` stays set.
+/// middle of the visible rows. `armed` stays set.
 void AdoRefreshGrid(DataGrid& grid, Adodc& rows, bool& armed, long& topRow, bool setFocus = false);
 
 }  // namespace ui

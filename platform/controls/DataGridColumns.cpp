@@ -1,4 +1,4 @@
-// The grid's part for widths, its menu, and what typing looks for.
+// The grid's column widths, its menu, and its search for typed text.
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QLabel>
@@ -23,7 +23,7 @@ constexpr int kCellMargin = 12;
 constexpr int kSampledRows = 30;
 constexpr int kMostCharacters = 40;
 
-/// The characters that a column of this type shows at least.
+/// The number of characters that a column of this type has room for at least.
 int UsualCharacters(const GridModel::Column& column) {
   switch (column.info.type) {
     case ColumnType::Boolean:
@@ -58,7 +58,7 @@ bool Begins(const QString& text, const QString& start) { return text.startsWith(
 
 // --- widths
 
-// Once with the first rows; what the user has set by hand stays.
+// Fits once, with the first rows. Widths that the user has set stay.
 void DataGrid::FitColumns() {
   std::vector<std::string> fields;
   for (const auto& column : model_.Columns()) fields.push_back(column.shown.field);
@@ -94,7 +94,7 @@ int DataGrid::WidthOf(int column) {
     content = std::max(content, cells.horizontalAdvance(text));
     times = times || text.contains(QLatin1Char(':'));
   }
-  // Any date that comes later fits as well.
+  // Makes room for any later date too.
   if (at.info.type == ColumnType::DateTime)
     for (const int hour : {times ? 10 : 0, times ? 22 : 0})
       content = std::max(content, cells.horizontalAdvance(GridModel::Shown(
@@ -135,12 +135,12 @@ void DataGrid::Seek(const QString& typed) {
   sought_ += typed;
   if (sought_.isEmpty()) return EndSeek();
   bool found = false;
-  // What begins with nothing in the list does so with every key that is added.
+  // If no row begins with a text, none begins with a longer one.
   if (notFound_.isEmpty() || !sought_.startsWith(notFound_)) {
     Guard([&] { found = FindText(sought_.toStdString()); });
   }
   ShowSought(found, SearchColumn());
-  // From the end of the search on, which may take a moment on a long list.
+  // Counts from the end of the search, which may take a moment on a long list.
   soughtFor_.start();
 }
 
@@ -170,7 +170,7 @@ int DataGrid::SearchColumn() {
       const int column = first([&](const auto& one) { return one.field == field; });
       if (column >= 0) return column;
     } catch (const ado::Error&) {
-      // Rows may be ordered by what is not among the fields.
+      // The order may use a column that is not among the fields.
     }
   }
   const int text = first([](const auto& column) { return column.info.type == ColumnType::Text; });
@@ -194,7 +194,7 @@ bool DataGrid::FindText(const std::string& text) {
       return false;
     }
   } else {
-    // Short by their nature: TOP, groups.
+    // Such lists (TOP, groups) are short.
     std::int64_t row = 0;
     const QString start = QString::fromStdString(text);
     model_.Visit(0, model_.rowCount() - 1, [&](const std::vector<rt::Value>& values) {
@@ -225,7 +225,7 @@ void DataGrid::ShowSought(bool found, int column) {
   soughtShown_->adjustSize();
   const QRect area = viewport()->geometry();
   soughtShown_->move(area.left() + 4, area.bottom() - soughtShown_->height() - 3);
-  // Not over the row that was found.
+  // The hint must not cover the row that was found.
   if (visualRect(currentIndex()).translated(area.topLeft()).bottom() >= soughtShown_->y())
     soughtShown_->move(area.left() + 4, area.top() + 3);
   soughtShown_->show();

@@ -1,4 +1,4 @@
-// The grid's part for taking rows elsewhere: the clipboard and files of comma separated values.
+// The grid's export of rows: to the clipboard and to files of comma separated values.
 #include <QClipboard>
 #include <QFileDialog>
 #include <QGuiApplication>
@@ -17,7 +17,7 @@
 namespace ui {
 namespace {
 
-/// More rows than this are for a file.
+/// More rows than this belong in a file.
 constexpr std::int64_t kMostCopied = 100'000;
 
 struct Stretch {
@@ -25,7 +25,7 @@ struct Stretch {
   std::int64_t last;
 };
 
-/// The chosen rows as stretches from the top down.
+/// The chosen rows as ranges, from the top down.
 std::vector<Stretch> Chosen(const QItemSelection& selection) {
   std::vector<Stretch> stretches;
   for (const auto& range : selection) stretches.push_back({range.top(), range.bottom()});
@@ -41,7 +41,7 @@ std::vector<Stretch> Chosen(const QItemSelection& selection) {
   return joined;
 }
 
-// What other programs read as a number must look like one.
+// Other programs must be able to read a number as one.
 std::string CsvText(const GridModel::Column& column, const rt::Value& value) {
   if (value.Type() == rt::ValueType::Binary) return GridModel::Shown(column, value).toStdString();
   return Format(value, value.Type() == rt::ValueType::Date ? column.shown.format : "");
@@ -58,10 +58,10 @@ void WriteCell(std::ostream& out, const std::string& text) {
   out << '"';
 }
 
-/// Rows from which on the writing is announced.
+/// From this number of rows on, a notice says that the writing takes time.
 constexpr std::int64_t kLongFile = 50'000;
 
-/// A notice for as long as it lives.
+/// Shows a notice for as long as it lives.
 class Notice {
  public:
   explicit Notice(std::int64_t rows) : shown_(rows >= kLongFile) {
@@ -153,7 +153,7 @@ bool DataGrid::SaveCsv(const std::string& path) {
     reason = renamed.text;
   }
   if (sys::FileExists(temporary)) sys::DeleteFile(temporary);
-  // A fault of the data is told by the data control.
+  // The data control has reported a fault of the data itself.
   if (read) TellNotSaved(path, reason);
   return false;
 }

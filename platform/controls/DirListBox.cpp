@@ -15,7 +15,7 @@ std::string PathOf(const QTreeWidgetItem* item) {
   return item ? item->data(0, Qt::UserRole).toByteArray().toStdString() : std::string();
 }
 
-/// The directories on the way, "/" first, the path itself last.
+/// The directories along the path: "/" first, the path itself last.
 std::vector<std::string> WayTo(const std::string& path) {
   std::vector<std::string> way{"/"};
   for (std::size_t end = 1; path.size() > 1 && end != std::string::npos;) {
@@ -71,7 +71,7 @@ bool DirListBox::SetPath(const std::string& path) {
   for (const std::string& directory : entries->directories) children << NewItem(base + directory, closed);
   present->addChildren(children);
   expandAll();
-  // As wide as the list, and wider where a name needs it.
+  // As wide as the list, or wider if a name needs it.
   header()->setMinimumSectionSize(sizeHintForColumn(0));
   setCurrentItem(present);
   scrollToItem(present);
@@ -93,7 +93,7 @@ void DirListBox::keyPressEvent(QKeyEvent* event) {
     QTreeWidget::keyPressEvent(event);
     return;
   }
-  // On the present directory there is nothing to enter, and Enter is the form's.
+  // The present directory cannot be entered again: Enter then belongs to the form.
   if (PathOf(currentItem()) == path_) {
     event->ignore();
     return;

@@ -1,4 +1,4 @@
-// The list of directories: the way from the root to the present one, and what lies in it.
+// The list of directories: the path from the root to the present one, and the directories in it.
 #pragma once
 
 #include <QTreeWidget>
@@ -14,14 +14,14 @@ class DirListBox : public QTreeWidget {
 
   /// The present directory, without a separator at its end (but "/" itself). Empty at first.
   const std::string& Path() const { return path_; }
-  /// Makes a directory the present one. False, after a box, where it cannot be read; the old one stays then.
+  /// Makes a directory the present one. False, after a box, if it cannot be read; the old one stays then.
   bool SetPath(const std::string& path);
-  /// The present directory is another one, by the user or by SetPath.
+  /// Called after the user or SetPath has changed the present directory.
   std::function<void()> onChange;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
-  /// Nothing can be folded here, so there are no signs for it.
+  /// Without fold signs: nothing can be folded here.
   void drawBranches(QPainter*, const QRect&, const QModelIndex&) const override {}
 
  private:

@@ -1,4 +1,4 @@
-// What the drive, directory and file lists read of the file system.
+// Reads the file system for the lists of drives, directories and files.
 #pragma once
 
 #include <optional>
@@ -7,13 +7,13 @@
 
 namespace ui {
 
-/// The names in a directory, without the hidden ones, each list in the order of the alphabet.
+/// The names in a directory without the hidden ones, each list in alphabetical order.
 struct DirectoryEntries {
   std::vector<std::string> directories;
   std::vector<std::string> files;
 };
-/// Empty where the directory cannot be read, after a box that says so: a network directory that has vanished,
-/// a drive that is not ready, a directory of others.
+/// Empty, after a box with the reason, if the directory cannot be read: a network directory that is no longer
+/// there, a drive that is not ready, a directory without permission.
 std::optional<DirectoryEntries> ReadDirectory(const std::string& path);
 
 /// An absolute path without "." and "..", and without a separator at its end (but "/" itself).

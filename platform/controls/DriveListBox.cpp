@@ -73,7 +73,7 @@ void DriveListBox::Read() {
   const QByteArray chosen = currentData().toByteArray();
   const bool first = count() == 0;
   {
-    // Where the chosen drive is still there, reading the list again is no change.
+    // If the chosen drive is still there, a new reading of the list is not a change.
     const QSignalBlocker quiet(this);
     clear();
     for (const sys::Drive& drive : provider_())

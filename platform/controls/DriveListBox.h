@@ -10,19 +10,19 @@
 
 namespace ui {
 
-/// Shows the roots of the drives. The list is read again each time that it is opened, so that a disc that was
-/// put in meanwhile is there.
+/// Shows the roots of the drives. Reads the list again each time that the user opens it, so that it includes
+/// a disc inserted meanwhile.
 class DriveListBox : public QComboBox {
  public:
   using Provider = std::function<std::vector<sys::Drive>()>;
   explicit DriveListBox(const char* name, Provider drives = sys::Drives);
 
-  /// The root of the drive that is chosen; empty where the machine tells of none.
+  /// The root of the chosen drive; empty if the machine reports none.
   std::string Drive() const;
-  /// Chooses the drive that holds a path: the one with the longest root that the path begins with. False
-  /// where there is none.
+  /// Chooses the drive of a path: the one with the longest root that the path begins with. False if there is
+  /// none.
   bool SetDrive(const std::string& path);
-  /// Another drive has been chosen, by the user or by SetDrive.
+  /// Called after the user or SetDrive has chosen another drive.
   std::function<void()> onChange;
 
   void showPopup() override;

@@ -48,7 +48,7 @@ void FileListBox::SetPattern(const std::string& pattern) {
 }
 
 std::string FileListBox::FileName() const {
-  // The focus makes the first file the current one without marking it.
+  // The focus makes the first file current without marking it.
   const QList<QListWidgetItem*> marked = selectedItems();
   return marked.isEmpty() ? std::string() : marked.first()->data(Qt::UserRole).toByteArray().toStdString();
 }

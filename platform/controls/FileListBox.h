@@ -1,4 +1,4 @@
-// The list of the files in a directory that fit a pattern.
+// The list of the files in a directory that match a pattern.
 #pragma once
 
 #include <QListWidget>
@@ -9,18 +9,18 @@ namespace ui {
 
 class FileListBox : public QListWidget {
  public:
-  /// `pattern`: names with "*" for any letters and "?" for one, several with ";" between them, whatever the
-  /// case of the letters.
+  /// `pattern`: names with "*" for any characters and "?" for one, with ";" between several names; ignores
+  /// case.
   explicit FileListBox(const char* name, std::string pattern = "*");
 
   const std::string& Path() const { return path_; }
   const std::string& Pattern() const { return pattern_; }
-  /// False, after a box, where the directory cannot be read; the old one stays then.
+  /// False, after a box, if the directory cannot be read; the old one stays then.
   bool SetPath(const std::string& path);
   void SetPattern(const std::string& pattern);
-  /// The name of the file that is chosen; empty while none is.
+  /// The name of the chosen file; empty without one.
   std::string FileName() const;
-  /// The directory or the pattern is another one.
+  /// Called after the directory or the pattern has changed.
   std::function<void()> onChange;
 
  private:

@@ -20,7 +20,7 @@
 namespace ui {
 namespace {
 
-/// The loaded forms, and the same in the order in which they were active, the latest last.
+/// The loaded forms, and the same forms in the order of their activation, the latest last.
 struct Collection {
   std::vector<Form*> forms;
   std::vector<Form*> active;
@@ -29,7 +29,7 @@ struct Collection {
   std::function<void()> lastFormGone;
 };
 
-/// Both borders of a window together, with a pixel that CenterForm keeps free.
+/// Both borders of a window together, and one pixel that CenterForm leaves free.
 constexpr int kFrame = 10;
 
 Collection& All() {
@@ -55,7 +55,7 @@ void InstallLastFormGone(std::function<void()> hook) { All().lastFormGone = std:
 QSize RoomFor(const QWidget& form) {
   const QScreen* screen = form.screen() ? form.screen() : QGuiApplication::primaryScreen();
   if (!screen) return {QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
-  // The frame is known when the window has been shown; until then the usual one is.
+  // The real frame is known only when the window is shown; until then this uses the usual one.
   const QSize frame = form.isVisible() ? form.frameGeometry().size() - form.size() : QSize();
   const int title = form.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &form);
   return screen->availableGeometry().size() - frame.expandedTo(QSize(kFrame, title + kFrame));
@@ -76,7 +76,7 @@ void OnClick(QAbstractButton& button, std::function<void()> work) {
 
 Form::Form(const char* name) : QWidget(nullptr, Qt::Window) {
   setObjectName(QString::fromUtf8(name));
-  // Enter and Esc that no control wants arrive here.
+  // The form gets Enter and Esc when no control takes them.
   setFocusPolicy(Qt::NoFocus);
 }
 
@@ -97,7 +97,7 @@ void Form::LoadForm() {
   if (unloading_) return;
   ensurePolished();
   const QSize asked = testAttribute(Qt::WA_Resized) ? size().expandedTo(minimumSizeHint()) : sizeHint();
-  // Where the screen is small, what can scroll or shrink gives way, so that the buttons stay in reach.
+  // On a small screen, contents that can scroll or shrink become smaller, so that the buttons stay in reach.
   const QSize wanted = asked.boundedTo(RoomFor(*this));
   resize(wanted);
   if (MinWidth == 0) MinWidth = wanted.width();
@@ -109,7 +109,7 @@ void Form::LoadForm() {
 void Form::ShowForm() {
   LoadForm();
   if (unloading_) return;
-  // A maximized window comes back maximized.
+  // A maximized window stays maximized.
   if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
   show();
   raise();
@@ -132,8 +132,8 @@ void Form::BecomeActive() {
   std::erase(all.active, this);
   all.active.push_back(this);
   all.current = this;
-  // What an activation opens over its form, such as the window for a missing file, gives the form back when
-  // it closes: that goes on with the same activation and begins no other.
+  // An activation may open a window over its form, such as the one for a missing file. When that closes, the
+  // form is in front again: this continues the same activation and starts no other.
   if (activating_) return;
   activating_ = true;
   const QPointer<Form> alive(this);
@@ -147,7 +147,7 @@ void Form::Unload() {
   Guard([this] { OnUnload(); });
   auto& all = All();
   const bool wasActive = all.current == this;
-  // The focus leaves before the window does: what is typed in between would reach no window at all.
+  // The focus moves on before the window goes: keys typed in between would reach no window at all.
   if (wasActive && isVisible())
     if (Form* next = NextInFront()) {
       next->raise();
@@ -165,13 +165,14 @@ void Form::Unload() {
   std::erase(all.active, this);
   if (all.current == this) all.current = nullptr;
   loaded_ = false;
-  // Behind the keys that the window system has already sent here: they pass to the next window.
+  // Deletes the object after the keys that the window system has already sent here: they pass to the next
+  // window.
   QTimer::singleShot(0, this, &QObject::deleteLater);
   if (wasLoaded && all.forms.empty()) {
     if (all.lastFormGone) Guard([&] { all.lastFormGone(); });
     return;
   }
-  // The window that was in front before comes forward; not every window manager sees to that.
+  // Brings the earlier window to the front; not every window manager does.
   if (!wasActive || all.current) return;
   Form* next = NextInFront();
   if (!next) return;
@@ -180,7 +181,7 @@ void Form::Unload() {
   next->BecomeActive();
 }
 
-/// The form that was active before this one, if it is shown.
+/// The form that was active before this one; null if it is not shown.
 Form* Form::NextInFront() const {
   const auto& active = All().active;
   const auto next = std::find_if(active.rbegin(), active.rend(), [this](Form* form) { return form != this; });
@@ -215,7 +216,7 @@ void Form::SetCancel(QPushButton* button) {
 }
 
 bool Form::CancelPressed() {
-  // The focus leaves a field before the button hears of the press.
+  // The focus leaves a field before the button gets the press.
   if (cancel_ && QApplication::focusWidget() == cancel_ && LeavingByMouse()) cancelPressed_ = true;
   return cancelPressed_;
 }
@@ -230,7 +231,7 @@ bool Form::eventFilter(QObject* watched, QEvent* event) {
 
 bool Form::event(QEvent* event) {
   if (event->type() != QEvent::WindowActivate) return QWidget::event(event);
-  // What the activation leads to may end the form, and another event loop under it the object.
+  // The activation may end the form, and another event loop below it may delete the object.
   const QPointer<Form> alive(this);
   BecomeActive();
   return alive ? QWidget::event(event) : true;

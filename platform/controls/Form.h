@@ -1,4 +1,4 @@
-// A top-level window of the program and its life.
+// A top-level window of the program, from its load to its unload.
 #pragma once
 
 #include <QWidget>
@@ -13,9 +13,9 @@ class QPushButton;
 
 namespace ui {
 
-/// A form is made (Initialize: its constructor), loaded, shown, activated, resized and unloaded. The loaded
-/// forms are the collection of open forms. Activation means that another form of the program was active
-/// before: the end of a message box is no activation.
+/// The constructor makes a form (Initialize); then it is loaded, shown, activated, resized and unloaded. The
+/// loaded forms are the collection of open forms. A form is activated if another form of the program was
+/// active before; the end of a message box is not an activation.
 class Form : public QWidget {
  public:
   /// `name` is the form's class name, by which the collection knows it.
@@ -23,37 +23,38 @@ class Form : public QWidget {
   ~Form() override;
 
   std::string Name() const;
-  /// Puts the form into the collection, runs OnLoad and takes the size as the smallest one; once.
+  /// Adds the form to the collection, runs OnLoad and makes the size the smallest one; once.
   void LoadForm();
   bool Loaded() const { return loaded_; }
-  /// Loads the form if need be, shows it without blocking and makes it the active form.
+  /// Loads the form if necessary, shows it without blocking and makes it the active form.
   void ShowForm();
-  /// The same, and returns when the form has been unloaded. Other windows take no input meanwhile.
+  /// The same, and returns after the form's unload. Other windows take no input meanwhile.
   void ShowModal();
-  /// Ends the form: OnUnload, the end of its data, out of the collection. The object goes away later.
+  /// Ends the form: runs OnUnload, ends its data and removes it from the collection. The object is deleted
+  /// later.
   void Unload();
   bool Minimised() const { return isMinimized(); }
-  /// Whether keys may reach the form now: it is shown, and its opening or closing is not under way.
+  /// Whether the form can take keys now: it is shown, and it is neither opening nor closing.
   virtual bool TakesKeys() const { return loaded_ && !unloading_ && !activating_ && isVisible(); }
-  /// The window can then only be left by its own buttons: no close button, no Alt+F4.
+  /// Only the form's own buttons close the window then: it has no close button, and Alt+F4 does nothing.
   void RemoveCloseCommand();
-  /// The pointer over this form.
+  /// Sets the pointer over this form.
   void SetPointer(screen::Pointer pointer);
 
   int MinWidth = 0;   ///< size at first load, in pixels, unless OnLoad has set another
   int MinHeight = 0;  ///< likewise
 
-  /// Runs at the end of the form's life, in reverse order: data controls close themselves so.
+  /// Runs the work at the form's unload, the latest first: data controls close themselves so.
   void AtUnload(std::function<void()> work);
-  /// Enter clicks this button wherever the focus is; null for none.
+  /// Enter clicks this button wherever the focus is; null for no button.
   void SetDefault(QPushButton* button);
   /// Esc clicks this one.
   void SetCancel(QPushButton* button);
   QPushButton* Default() const { return default_; }
   QPushButton* Cancel() const { return cancel_; }
-  /// Set once the mouse or a key has gone down on the Cancel button: rules for leaving a field then hold
-  /// back, so that a bad field cannot keep anybody from it. True already while the press that takes the focus
-  /// there is on its way.
+  /// True after the mouse or a key has gone down on the Cancel button, and already while the mouse press
+  /// there is taking the focus. Rules for leaving a field do nothing then, so that a bad value never blocks
+  /// Cancel.
   bool CancelPressed();
   void ClearCancelPressed() { cancelPressed_ = false; }
 
@@ -85,9 +86,9 @@ class Form : public QWidget {
 
 /// The loaded forms in the order of loading, hidden ones too.
 const std::vector<Form*>& Forms();
-/// The loaded form with this name; null if there is none.
+/// The loaded form with this name, or null.
 Form* FindForm(const std::string& name);
-/// The form that was active last; null if none is.
+/// The form that was active last, or null.
 Form* ActiveForm();
 
 /// Runs in each form's unload, before the form leaves the collection.
@@ -95,7 +96,7 @@ void InstallUnloadHook(std::function<void(Form& closing)> hook);
 /// Runs when the last form has left the collection.
 void InstallLastFormGone(std::function<void()> hook);
 
-/// The largest size that a form may have on its screen, with its frame around it.
+/// The largest size of a form, such that it fits its screen together with its frame.
 QSize RoomFor(const QWidget& form);
 /// Centers a form in the work area of its screen, its left and top at least 1.
 void CenterForm(QWidget& form);
@@ -108,13 +109,13 @@ F*& SharedForm() {
 }
 }  // namespace detail
 
-/// The one form of a class, if it has been made.
+/// The one form of a class, or null.
 template <class F>
 F* Existing() {
   return detail::SharedForm<F>();
 }
-/// The one form of a class, made at first use; its unload clears the reference, so that the next use makes a
-/// fresh one.
+/// The one form of a class, made at first use. Its unload clears the reference, so that the next use makes a
+/// new one.
 template <class F>
 F& The() {
   F*& form = detail::SharedForm<F>();

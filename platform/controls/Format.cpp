@@ -15,9 +15,9 @@ namespace {
 
 /// One section of a number's format.
 struct Section {
-  std::string before;  // what stands before the first digit
+  std::string before;  // the text before the first digit
   std::string after;
-  int leastWhole = 0;  // digits that are shown even where they are zeros
+  int leastWhole = 0;  // the number of digits that are shown even if they are zeros
   int leastDecimals = 0;
   int mostDecimals = 0;
   bool point = false;
@@ -27,7 +27,8 @@ struct Section {
 
 bool IsPlace(char c) { return c == '0' || c == '#'; }
 
-// Reads a literal at `at` (a quoted text, an escaped character or the character itself) and goes behind it.
+// Reads a literal at `at` (a quoted text, an escaped character or the character itself) and moves `at` past
+// it.
 std::string TakeLiteral(std::string_view format, std::size_t& at) {
   const char c = format[at++];
   if (c == '\\' && at < format.size()) return std::string(1, format[at++]);
@@ -82,9 +83,9 @@ struct Rounded {
   bool IsZero() const { return whole.empty() && decimals.find_first_not_of('0') == std::string::npos; }
 };
 
-// Half away from zero, on the decimal digits.
+// Rounds half away from zero, on the decimal digits.
 Rounded Round(const rt::ScannedNumber& number, int decimals) {
-  // All digits that count, as one whole number of units of the last decimal.
+  // All digits that count, as a whole number of units of the last decimal.
   std::string units = number.digits;
   const int shift = number.exponent + decimals;
   if (shift >= 0) {
@@ -167,7 +168,7 @@ std::string FormatDate(const rt::DateTime& date, const std::string& format) {
   const bool halves = letters.find("am/pm") != std::string::npos;
   const int hour = !halves ? date.Hour() : date.Hour() % 12 == 0 ? 12 : date.Hour() % 12;
   std::string text;
-  bool behindHour = false;  // an m behind the hour means minutes
+  bool behindHour = false;  // an m after the hour means minutes
   for (std::size_t at = 0; at < letters.size();) {
     const char c = letters[at];
     if (letters.compare(at, 5, "am/pm") == 0) {
@@ -207,7 +208,7 @@ std::string FormatDate(const rt::DateTime& date, const std::string& format) {
   return text;
 }
 
-// Whether a format speaks of dates: a name of one, or date letters without a digit's place.
+// Whether a format is for dates: the name of a date format, or date letters without a digit's place.
 bool IsDateFormat(const std::string& format) {
   bool letters = false;
   for (std::size_t at = 0; at < format.size();) {
@@ -243,7 +244,7 @@ std::string Format(const rt::Value& value, const std::string& format) {
     default:
       break;
   }
-  // A Single's own digits are what is rounded, not those of the Double next to it.
+  // Rounds the digits of the Single itself, not those of the nearest Double.
   std::string text = value.AsText();
   if (format.empty()) return text;
   if (IsDateFormat(format)) {

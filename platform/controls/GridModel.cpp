@@ -17,7 +17,7 @@ constexpr int kSmallestBlock = 64;
 constexpr int kLargestBlock = 256;
 constexpr qsizetype kLongestText = 512;
 
-/// Puts a recordset back on the row where it stood.
+/// Returns a recordset to the row where it was.
 class SamePlace {
  public:
   explicit SamePlace(ado::Recordset& rows) : rows_(rows), place_(rows.Cursor().Position()) {}
@@ -32,7 +32,7 @@ class SamePlace {
 
 bool EndsInDigit(const QString& text) { return !text.isEmpty() && text.back().isDigit(); }
 
-/// Digits behind the point; none in a number with an exponent, whose digits mean something else.
+/// Digits after the point; zero for a number with an exponent, whose digits mean something else.
 int Decimals(const QString& text) {
   const auto point = text.indexOf(QLatin1Char('.'));
   if (point < 0 || text.contains(QLatin1Char('E'))) return 0;
@@ -87,7 +87,7 @@ void GridModel::Reset() {
   std::vector<GridColumn> shown = wanted_;
   if (shown.empty() && rows)
     for (const auto& field : rows->Fields()) shown.push_back({field.name, {}, {}, 0});
-  // Without a recordset the columns stay as they were.
+  // Without a recordset, the columns stay as they were.
   if (rows || !wanted_.empty()) columns_.clear();
   for (auto& one : shown) {
     Column column;
@@ -159,14 +159,14 @@ void GridModel::ReadRow(ado::Recordset& rows, Row& row) const {
     for (const auto& column : columns_)
       row.texts.push_back(column.field < 0 ? QString() : Shown(column, rows.Get(column.field)));
   } catch (const ado::Error& error) {
-    // Beyond the end: rows that were deleted through this recordset.
+    // A position beyond the end: this recordset has deleted rows.
     if (!IsDeleted(error) && error.Number() != store::kNoCurrentRecord) throw;
     row.deleted = true;
     row.texts.assign(columns_.size(), QStringLiteral("#Deleted"));
   }
 }
 
-// Cells are read while the grid is being painted, where no message box may come up; and one is enough.
+// The grid reads cells while it paints, when no message box may come up. One box is enough, too.
 void GridModel::Failed(int number, const std::string& text) {
   if (failure_) return;
   failure_ = Failure{number, text};
@@ -175,7 +175,7 @@ void GridModel::Failed(int number, const std::string& text) {
 
 void GridModel::Tell() {
   if (!failure_ || !source_) return;
-  const Failure failure = *failure_;  // ends with the reset that this leads to
+  const Failure failure = *failure_;  // a copy: Fail resets the model, which clears failure_
   source_->Fail(failure.number, failure.text);
 }
 
@@ -223,7 +223,7 @@ bool GridModel::Visit(std::int64_t first, std::int64_t last,
   try {
     const SamePlace same(*rows);
     for (std::int64_t row = first; row <= last && row < rows_;) {
-      // Others get in between the blocks.
+      // Other users get their turn between the blocks.
       const store::Reading reading(rows->ActiveConnection()->Store());
       for (const auto end = row + blockSize_; row < end && row <= last && row < rows_; ++row) {
         rows->Cursor().MoveTo(row);
@@ -254,7 +254,7 @@ int GridModel::columnCount(const QModelIndex& parent) const {
 
 QVariant GridModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
-  // Reading a row when it is shown is what this model is for; to the view it is no change.
+  // This model reads a row when the view shows it; to the view, that is not a change.
   auto* self = const_cast<GridModel*>(this);
   switch (role) {
     case Qt::DisplayRole:

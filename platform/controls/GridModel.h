@@ -1,4 +1,5 @@
-// The rows of a data control as a grid shows them: read in blocks when they are seen, and forgotten again.
+// The rows of a data control as a grid shows them: read in blocks when they become visible, and dropped
+// again.
 #pragma once
 
 #include <QAbstractTableModel>
@@ -18,21 +19,21 @@ namespace ui {
 
 struct GridColumn {
   std::string field;          ///< a column's name or "table.column"
-  std::string caption = {};   ///< the field's name where it is empty
+  std::string caption = {};   ///< the field's name if empty
   std::string format = {};    ///< see Format
-  int widthInCharacters = 0;  ///< 0: by type, caption and the first rows
+  int widthInCharacters = 0;  ///< 0: by the type, the caption and the first rows
 };
 
-/// The recordset's place is the caller's: after each reading it is where it was. While the recordset is being
-/// edited nothing is read.
+/// The place of the recordset belongs to the caller: each reading leaves it where it was. While the recordset
+/// is in edit, nothing is read.
 class GridModel : public QAbstractTableModel {
  public:
-  /// What a shown column is made of.
+  /// A shown column and the field behind it.
   struct Column {
     GridColumn shown;
-    int field = -1;  ///< position in the recordset; -1 where it has no such field
+    int field = -1;  ///< position in the recordset; -1 if it has no such field
     store::FieldInfo info;
-    int decimals = 0;  ///< of a number without a format: the most that a row read so far has
+    int decimals = 0;  ///< of a number without a format: the most decimals in the rows read so far
     bool ToTheRight() const;
     /// A number with decimals and no format.
     bool IsPlainNumber() const;
@@ -41,18 +42,18 @@ class GridModel : public QAbstractTableModel {
   GridModel();
   void SetSource(Adodc* source) { source_ = source; }
   void SetColumns(std::vector<GridColumn> columns);
-  /// Takes the recordset as it is now; no row is read.
+  /// Takes over the present recordset; reads no row.
   void Reset();
 
   const std::vector<Column>& Columns() const { return columns_; }
   const Column& At(int column) const { return columns_[static_cast<std::size_t>(column)]; }
-  /// The text of a cell in one line, cut at 512 characters. "#Deleted" where another user has deleted the row
-  /// before it was read.
+  /// The text of a cell in one line, cut at 512 characters. "#Deleted" if another user deleted the row before
+  /// it was read.
   QString Text(int row, int column);
-  /// The value of any field of the recordset in a row; Null where there is no such row or field.
+  /// The value of any field of the recordset in a row; Null if there is no such row or field.
   rt::Value Value(int row, std::string_view field);
-  /// Hands the values of the shown columns, row by row, from `first` to `last`; deleted rows are passed over.
-  /// Ends where `seen` is false or the reading fails; false if it failed.
+  /// Calls `seen` with the values of the shown columns, row by row, from `first` to `last`; skips deleted
+  /// rows. Ends when `seen` returns false or the reading fails; false if it failed.
   bool Visit(std::int64_t first, std::int64_t last,
              const std::function<bool(const std::vector<rt::Value>& values)>& seen);
   /// A value as its column shows it, in one line.
@@ -90,7 +91,7 @@ class GridModel : public QAbstractTableModel {
   int blockSize_ = 64;
   std::optional<Failure> failure_;
   QTimer telling_;
-  std::list<Block> blocks_;  ///< the latest used first
+  std::list<Block> blocks_;  ///< the last used one first
 };
 
 }  // namespace ui

@@ -14,7 +14,7 @@ namespace {
 
 using std::chrono::year_month_day;
 
-/// In longer lists a row that is not where its value belongs is not looked for in the whole file.
+/// In a longer list, the search does not read the whole file for a row that is not where its value belongs.
 constexpr std::int64_t kShortList = 100'000;
 constexpr std::size_t kMostRowsRead = 2000;
 
@@ -46,7 +46,7 @@ std::string Folded(std::string text) {
   return text;
 }
 
-/// Below zero, zero or above: as the value is below, at or above a bound of a span.
+/// Negative, zero or positive: the value is below, at or above a bound of a span.
 int Compare(const rt::Value& value, const std::string& bound, Rank rank) {
   if (RankOf(value) != rank) return RankOf(value) < rank ? -1 : 1;
   if (rank == Rank::Text) return Folded(value.AsText()).compare(Folded(bound));
@@ -74,10 +74,10 @@ year_month_day DayOf(const rt::Value& value) {
           std::chrono::day(static_cast<unsigned>(date.Day()))};
 }
 
-/// A list that is in the order of one of its fields.
+/// A list that is ordered by one of its fields.
 class OrderedRows {
  public:
-  /// What a search found: `known` says whether it could be made at all.
+  /// The result of a search. `known` is false if the search gave up.
   struct Answer {
     bool known = false;
     std::optional<std::int64_t> row;
@@ -99,7 +99,7 @@ class OrderedRows {
  private:
   struct GaveUp {};
 
-  /// The value in a row; empty where another user has deleted it.
+  /// The value in a row; empty if another user has deleted it.
   const std::optional<rt::Value>& At(std::int64_t row) {
     const auto known = values_.find(row);
     if (known != values_.end()) return known->second;
@@ -119,7 +119,8 @@ class OrderedRows {
     return row;
   }
 
-  /// The first row from `begin` on that does not come before what is sought; the number of rows for none.
+  /// The first row from `begin` on that does not come before the wanted value; the number of rows if there is
+  /// none.
   std::int64_t FirstNot(std::int64_t begin, const std::function<bool(const rt::Value&)>& comesBefore) {
     std::int64_t end = count_;
     while (begin < end) {
@@ -148,11 +149,11 @@ class OrderedRows {
     return first;
   }
 
-  // From a day that does not fit the search goes on at the next one that would.
+  // After a day that does not match, the search goes on at the next one that could.
   std::optional<std::int64_t> FindDay(const Beginning::Days& days) {
     const auto comesBefore = [&](const rt::Value& value, year_month_day wanted) {
       if (value.Type() != rt::ValueType::Date) {
-        if (RankOf(value) == Rank::Text) throw GaveUp();  // no date, and so in no place of a date
+        if (RankOf(value) == Rank::Text) throw GaveUp();  // not a date, so its place says nothing
         return (RankOf(value) < Rank::Text) != descending_;
       }
       return descending_ ? DayOf(value) > wanted : DayOf(value) < wanted;
@@ -180,7 +181,7 @@ class OrderedRows {
   std::map<std::int64_t, std::optional<rt::Value>> values_;
 };
 
-/// Whether the list is in descending order of the field; empty where it is in no order of it.
+/// Whether the list is in descending order of the field; empty if it is not ordered by the field.
 std::optional<bool> Descends(Adodc& source, const store::FieldInfo& field) {
   if (source.Sorted())
     return source.SortedBy(field) ? std::optional<bool>(!source.SortsAscending()) : std::nullopt;
@@ -211,7 +212,7 @@ std::optional<std::int64_t> FirstRowThatBegins(Adodc& source, const store::Field
 }
 
 std::optional<std::int64_t> FirstRowWhere(Adodc& source, const std::string& condition) {
-  // A row that another user has added since is not in the list yet; one of the next may be.
+  // The list does not have rows that another user has added since; it may have one of the next hits.
   static constexpr int kTried = 8;
   const auto& rows = source.Recordset();
   if (!rows) return std::nullopt;

@@ -63,7 +63,7 @@ void ImageEdit::ShowScan(const sys::ScannedPicture& soFar, int rows) {
   painter.drawImage(QRectF(0, 0, image.width(), 1.0 * image.height() * soFar.height / height), rowsSoFar);
   painter.end();
   Show(std::move(image), {soFar.width, height});
-  // The window shows how far the scan is, but takes no input: what was begun is finished first.
+  // The window shows the progress but takes no input: the scan ends before anything else starts.
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 

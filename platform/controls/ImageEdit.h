@@ -1,4 +1,4 @@
-// The scan as it comes in, and the files that become of it.
+// Shows a scan as it comes in, and saves it to files.
 #pragma once
 
 #include <QImage>
@@ -9,15 +9,15 @@
 
 namespace ui {
 
-/// Shows a scan while it is being made, and keeps a picture for saving. The functions give why they could not
-/// do it, as a sentence; empty when done.
+/// Shows a scan while it is made, and keeps a picture for saving. The functions return the reason of a
+/// failure as a sentence; empty on success.
 class ImageEdit : public PictureView, public sys::ScanDisplay {
  public:
   explicit ImageEdit(const char* name);
 
   void ShowScan(const sys::ScannedPicture& soFar, int rows) override;
   std::string SetImage(const std::string& path);
-  /// Saves as a BMP file; what stood there before stays until the new file is whole.
+  /// Saves as a BMP file; an earlier file stays until the new one is whole.
   std::string SaveBmp(const std::string& path);
   void ClearDisplay();
 
@@ -25,7 +25,7 @@ class ImageEdit : public PictureView, public sys::ScanDisplay {
   QImage picture_;
 };
 
-/// Turns a picture file into one of another kind. The functions give what ImageEdit's give.
+/// Converts a picture file to another kind. The functions return the reason of a failure as ImageEdit's do.
 class PictureConverter {
  public:
   std::string Load(const std::string& path);

@@ -7,8 +7,8 @@ class QObject;
 
 namespace ui {
 
-/// Runs the work once, behind what is queued already; not at all when the object is gone by then. An error in
-/// it is one that nothing catches.
+/// Runs the work once, after all events that are queued already, unless the object is destroyed before.
+/// Nothing catches an error in the work.
 void Later(QObject& object, std::function<void()> work);
 
 }  // namespace ui

@@ -11,7 +11,7 @@
 namespace ui {
 namespace {
 
-/// A name for people who hear the screen: the prompt without its access key and its colon.
+/// The name that a screen reader speaks: the prompt without its access key and its colon.
 QString SpokenName(const std::string& prompt) {
   QString name = QString::fromStdString(prompt);
   name.remove('&');
@@ -24,7 +24,7 @@ QString SpokenName(const std::string& prompt) {
 QLabel* Prompt(const std::string& text, QWidget& field) {
   auto* label = new QLabel(QString::fromStdString(text));
   label->setBuddy(&field);
-  // A label's name is what it shows; a name of its own would hide the value.
+  // Screen readers speak a label's text as its name; another name would hide the value.
   if (qobject_cast<QLabel*>(&field))
     field.setAccessibleDescription(SpokenName(text));
   else if (field.accessibleName().isEmpty())
@@ -47,7 +47,7 @@ FieldRows::FieldRows() {
 void FieldRows::Row(const std::string& prompt, std::initializer_list<QWidget*> fields) {
   const int row = rowCount();
   addWidget(Prompt(prompt, **fields.begin()), row, 0);
-  // What a field of fixed width leaves over goes to its right, never to the prompts.
+  // The space that a field of fixed width leaves goes to its right, never to the prompts.
   auto* side = new QHBoxLayout;
   const int share = fields.size() == 1 ? 1 : 0;
   for (QWidget* field : fields) side->addWidget(field, share);
@@ -80,7 +80,7 @@ int DateTimeWidth(const QWidget& field) {
 void SetWidth(QWidget& field, int characters) {
   const QFontMetrics metrics(field.font());
   const int letters = metrics.averageCharWidth() * (characters + 3);
-  // Digits may be wider than the average, and the frame takes its share.
+  // Digits may be wider than the average, and the frame takes some room.
   const int frame = 2 * field.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, &field) + 6;
   field.setFixedWidth(std::max(letters, metrics.horizontalAdvance('0') * characters + frame));
 }

@@ -13,28 +13,28 @@ class QWidget;
 
 namespace ui {
 
-/// A prompt beside or above a field, whose access key and accessible name go to the field.
+/// A prompt beside or above a field. The field gets the prompt's access key and its name for screen readers.
 QLabel* Prompt(const std::string& text, QWidget& field);
-/// Shows a text on a control of no further use: headings, explanations.
+/// A label without a function: for headings and explanations.
 QLabel* Caption(const std::string& text);
 
 /// Prompts in one column, fields in the next: the shape of most detail forms.
 class FieldRows : public QGridLayout {
  public:
   FieldRows();
-  /// Adds a row; more than one field stand side by side. A field of the row that should not stretch keeps its
-  /// own width.
+  /// Adds a row, with several fields side by side. A field of the row that should not stretch keeps its own
+  /// width.
   void Row(const std::string& prompt, std::initializer_list<QWidget*> fields);
-  /// A field over the whole width.
+  /// Adds a field over the whole width.
   void Whole(QWidget& field);
 };
 
 QGroupBox* Group(const std::string& title, QLayout* content);
-/// The buttons at the right end of a row, in the order given.
+/// The buttons in the order given, at the right end of a row.
 QHBoxLayout* ButtonRow(std::initializer_list<QWidget*> buttons);
-/// The width that any date with its time takes.
+/// The width of any date with its time.
 int DateTimeWidth(const QWidget& field);
-/// Width for so many characters of the font, digits or letters.
+/// Gives the field room for so many characters of its font, digits or letters.
 void SetWidth(QWidget& field, int characters);
 /// The order of the Tab key.
 void TabOrder(std::initializer_list<QWidget*> fields);

@@ -13,7 +13,7 @@ namespace {
 bool byMouse = false;
 bool running = false;
 
-/// Swallows the press that took the focus from a field whose rule failed, and its release.
+/// Swallows the press that took the focus from a field whose rule failed, and the release of that press.
 class PressSwallower : public QObject {
  public:
   static void Arm() {
@@ -28,7 +28,7 @@ class PressSwallower : public QObject {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (!watched->isWidgetType()) return false;
-    // The second press of a double click moves the focus as well.
+    // The second press of a double click moves the focus, too.
     const bool press =
         event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
     if (press && pressed_) {
@@ -40,7 +40,7 @@ class PressSwallower : public QObject {
       qApp->removeEventFilter(this);
       return true;
     }
-    // A box has taken the release; what is pressed next is meant.
+    // A message box took the release, so the user means this press.
     if (press) qApp->removeEventFilter(this);
     return false;
   }
@@ -74,7 +74,7 @@ void RunLeaveRule(QWidget& control, const QFocusEvent& event, const std::functio
   Guard([&] { good = rule(); });
   const bool wasMouse = byMouse;
   if (alive && !good) {
-    // The rule may have sent the focus to another field.
+    // The rule may have moved the focus to another field.
     if (QApplication::focusWidget() == next || !QApplication::focusWidget()) control.setFocus();
     if (wasMouse) PressSwallower::Arm();
   }

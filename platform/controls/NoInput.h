@@ -1,4 +1,4 @@
-// A window that is left alone while work in it lets events run.
+// Keeps the user's input from a window while work in it lets events run.
 #pragma once
 
 #include <QPointer>
@@ -7,8 +7,8 @@ class QWidget;
 
 namespace ui {
 
-/// For as long as it lives the window takes no keys and no mouse, so that work which waits for others is not
-/// begun a second time, and its window not ended under it. The focus comes back to where it was.
+/// For as long as it lives, the window takes no keys and no mouse. While work waits for other users, nobody
+/// can start it a second time or end its window. The focus comes back to where it was.
 class NoInput {
  public:
   explicit NoInput(QWidget& window);

@@ -51,7 +51,7 @@ bool PictureBox::HasPicture() {
 void PictureBox::ShowValue(const rt::Value& value) {
   static const rt::Binary kNothing;
   const rt::Binary& bytes = value.Type() == rt::ValueType::Binary ? value.AsBinary() : kNothing;
-  // Records are read again and again; their pictures are mostly the same.
+  // Records are read again and again, mostly with the same picture.
   if (bytes != bytes_ || bytes.empty()) Take(bytes, false);
   changed_ = false;
 }
@@ -88,7 +88,7 @@ void PictureBox::Prepare() {
     Decode();
     return;
   }
-  // A window that has been enlarged needs more of the picture's pixels.
+  // An enlarged window needs more of the picture's pixels.
   const QSize held = Image().size();
   const QSize place = PlaceOnScreen();
   if (held.isEmpty() || held == whole_ || place.boundedTo(decodedFor_) == place) return;

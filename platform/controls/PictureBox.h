@@ -9,18 +9,18 @@
 
 namespace ui {
 
-/// Shows what a column holds as a picture, or "No picture", or why it cannot be shown. The bytes are kept and
-/// stored as they came, whatever can be shown of them.
+/// Shows a column's picture, or "No picture", or why it cannot show it. It keeps and stores the bytes as they
+/// came, whether it can show them or not.
 class PictureBox : public PictureView, public BoundControl {
  public:
   explicit PictureBox(const char* name);
 
-  /// Takes the picture of a file. False, after a box with the reason, where the file is no picture that can
-  /// be shown or is too large; the old picture stays then.
+  /// Takes the picture of a file. False, after a box with the reason, if the file is too large or not a
+  /// picture that can be shown; the old picture stays then.
   bool LoadFile(const std::string& path);
-  /// Shows the picture of a file or, in its place, why it cannot be shown; then there is none.
+  /// Shows the picture of a file; if it cannot, shows the reason and has no picture.
   void ShowFile(const std::string& path);
-  /// Takes the picture away.
+  /// Removes the picture.
   void Clear();
   /// Whether there is a picture that can be shown.
   bool HasPicture();
@@ -36,16 +36,16 @@ class PictureBox : public PictureView, public BoundControl {
   void Prepare() override;
 
  private:
-  /// Decodes and shows what the bytes hold; gives why they cannot be shown.
+  /// Decodes the bytes and shows the picture; returns why it cannot be shown.
   std::string Decode();
   void ShowDecoded(DecodedPicture decoded);
   void Take(rt::Binary bytes, bool changed);
 
   rt::Binary bytes_;
   bool changed_ = false;
-  bool decoded_ = true;  ///< what is shown is what the bytes hold
+  bool decoded_ = true;  ///< the display shows the bytes
   QSize whole_;          ///< the picture's own size
-  QSize decodedFor_;     ///< the place that it was decoded for
+  QSize decodedFor_;     ///< the size that the picture was decoded for
 };
 
 }  // namespace ui

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What one image in memory may hold, however large the place is.
+/// The most pixels of one image in memory, however large its place on the screen is.
 constexpr std::int64_t kMostDecodedPixels = 24'000'000;
 
 std::int64_t Pixels(const QSize& size) { return static_cast<std::int64_t>(size.width()) * size.height(); }
@@ -21,8 +21,8 @@ QSize Part(const QSize& whole, int part) {
   return {(whole.width() + part - 1) / part, (whole.height() + part - 1) / part};
 }
 
-/// The largest power of two by which the picture can be divided and still fill the place. The common photo
-/// format is decoded fast at such sizes.
+/// The largest power of two by which the picture can be divided and still fill its place. The common photo
+/// format decodes fast at such sizes.
 int PartFor(const QSize& whole, const QSize& place) {
   int part = 1;
   const QSize needed = whole.scaled(place, Qt::KeepAspectRatio);

@@ -8,7 +8,7 @@
 
 namespace ui {
 
-/// The picture is never shown larger than it is on a screen at 100%.
+/// The picture never appears larger than its own size on a screen at 100%.
 class PictureView : public QFrame {
  public:
   explicit PictureView(const char* name);
@@ -17,14 +17,13 @@ class PictureView : public QFrame {
   QSize minimumSizeHint() const override;
 
  protected:
-  /// Shows an image that stands for a picture of this size; it may hold fewer pixels. An empty one shows the
-  /// text.
+  /// Shows an image of a picture of this size; the image may have fewer pixels. An empty one shows the text.
   void Show(QImage image, const QSize& whole);
-  /// What stands where no picture is; quiet texts are drawn in the colour of hints.
+  /// The text that appears when there is no picture; quiet texts have the color of hints.
   void ShowText(const std::string& text, bool quiet);
-  /// Called before painting: the last moment to show an image with pixels enough for the place.
+  /// Called before painting: the last moment to show an image with enough pixels for its place.
   virtual void Prepare() {}
-  /// The room that a picture has, in pixels of the screen.
+  /// The room for a picture, in pixels of the screen.
   QSize PlaceOnScreen() const;
   const QImage& Image() const { return image_; }
 

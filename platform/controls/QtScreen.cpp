@@ -81,7 +81,7 @@ QWidget* Parent() {
   return form && form->isVisible() ? form : nullptr;
 }
 
-/// The arrow for as long as a box is open: an hourglass over it would say that it cannot be answered.
+/// Shows the arrow while a box is open: with an hourglass, it would look as if the box took no answer.
 class Arrow {
  public:
   Arrow() : waiting_(QApplication::overrideCursor() != nullptr) {
@@ -97,7 +97,7 @@ class Arrow {
   bool waiting_;
 };
 
-/// A text that would push the buttons off the screen gets a scroll bar.
+/// Adds a scroll bar to a text that would otherwise push the buttons off the screen.
 void LetLongTextScroll(QMessageBox& box) {
   auto* label = box.findChild<QLabel*>("qt_msgbox_label");
   auto* grid = qobject_cast<QGridLayout*>(box.layout());

@@ -10,11 +10,11 @@ namespace ui {
 
 class QtScreen : public screen::Screen {
  public:
-  /// The notice window, which belongs to the program's own forms.
+  /// The notice window; it belongs to the program's own forms.
   std::function<void(const std::string& title, const std::string& text)> showNotice;
   std::function<void()> hideNotice;
 
-  /// Text of a box can be marked and copied; Esc is the safe answer.
+  /// The user can mark and copy the text of a box; Esc is the safe answer.
   screen::Answer ShowBox(const screen::Box& box) override;
   std::string AskText(const std::string& prompt, const std::string& title, const std::string& text) override;
   void SetPointer(screen::Pointer pointer) override;

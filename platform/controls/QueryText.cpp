@@ -13,7 +13,7 @@ namespace {
 
 bool IsWordCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
-/// Where a quoted text, a bracket or a date that begins at `at` ends; `at` itself for anything else.
+/// The end of a quoted text, a bracket or a date that begins at `at`; `at` itself for anything else.
 std::size_t EndOfQuoted(std::string_view text, std::size_t at) {
   const char open = text[at];
   if (open != '\'' && open != '"' && open != '#' && open != '[') return at;
@@ -21,8 +21,8 @@ std::size_t EndOfQuoted(std::string_view text, std::size_t at) {
   return end == std::string_view::npos ? text.size() : end + 1;
 }
 
-/// Calls `seen` with the place and text of each word and comma that stands outside of all quotation marks,
-/// brackets and parentheses.
+/// Calls `seen` with the place and text of each word and comma outside of all quotation marks, brackets and
+/// parentheses.
 void ForEachWord(std::string_view text, const std::function<void(std::size_t, std::string_view)>& seen) {
   int depth = 0;
   for (std::size_t at = 0; at < text.size();) {

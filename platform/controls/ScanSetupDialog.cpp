@@ -12,7 +12,7 @@
 namespace ui {
 namespace {
 
-/// A single choice, or none, is shown and cannot be changed.
+/// Shows a single choice, or none, without a way to change it.
 void Finish(QComboBox& box, const char* name, int chosen) {
   box.setObjectName(name);
   if (chosen >= 0) box.setCurrentIndex(chosen);

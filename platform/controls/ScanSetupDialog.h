@@ -1,4 +1,4 @@
-// What may be set before a scan.
+// The window of the settings before a scan.
 #pragma once
 
 #include "platform/scan/Scanner.h"
@@ -7,7 +7,7 @@ class QWidget;
 
 namespace ui {
 
-/// Shows the choices over a window and takes over what the user chooses. False where the user cancels.
+/// Shows the choices over a window and takes the user's. False if the user cancels.
 bool AskScanSetup(QWidget* over, sys::ScanSetup& setup);
 
 }  // namespace ui

@@ -15,7 +15,7 @@ namespace {
 
 QString Shown(const std::string& text) { return QString::fromStdString(text); }
 
-/// Whether a typed character passes; a key that types nothing always does.
+/// Whether the field accepts a typed character; keys without a character always pass.
 bool Passes(Keys keys, const QString& typed) {
   if (typed.isEmpty() || !typed[0].isPrint()) return true;
   switch (keys) {
@@ -91,17 +91,17 @@ void TextBox::focusInEvent(QFocusEvent* event) {
     setText(Shown(plain_));
   }
   QLineEdit::focusInEvent(event);
-  // The focus that a window gives back when it becomes active is no entry, unless it is the first.
+  // When a window becomes active, its focus comes back to the field; only the first time is an entry.
   if (entered_ && (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason))
     return;
   entered_ = true;
   if (onEnter) Guard([this] { onEnter(); });
-  // The field in which a window begins is overtyped.
+  // Typing replaces the content of the field in which a window begins.
   if (event->reason() == Qt::ActiveWindowFocusReason && !isReadOnly()) selectAll();
   if (!selectOnEntry_) return;
   selectAll();
-  // The press that brings the focus sets the caret when this has returned. What is typed before the work
-  // that waits has its turn must not be marked: the next key would replace it.
+  // After this returns, the press that brought the focus sets the caret, so the marking must wait. Text that
+  // is typed before then must stay unmarked, or the next key would replace it.
   if (event->reason() == Qt::MouseFocusReason)
     Later(*this, [this, entered = text()] {
       if (hasFocus() && text() == entered) selectAll();

@@ -1,4 +1,4 @@
-// Text fields: one line, a number or amount with a format, notes of several lines, texts that are only shown.
+// Text fields: one line, a number or amount with a format, notes of several lines, read-only texts.
 #pragma once
 
 #include <QLabel>
@@ -11,29 +11,29 @@
 
 namespace ui {
 
-/// Which characters typing lets through; any other beeps and is dropped. Backspace and editing keys always
+/// Which characters the field accepts; any other one beeps and is dropped. Backspace and editing keys always
 /// pass.
 enum class Keys { Any, Digits, DigitsAndPoint, UpperCase };
 
 /// A field of one line.
 class TextBox : public QLineEdit, public BoundControl {
  public:
-  /// `format` (see Format) is how the value looks while the field has no focus.
+  /// `format` (see Format) shows the value while the field does not have the focus.
   explicit TextBox(const char* name, Keys keys = Keys::Any, std::string format = {});
 
-  /// The content as it would be stored, without the format's signs.
+  /// The content to store, without the format's signs.
   std::string Text() const;
   /// Sets the content as typing would.
   void SetText(const std::string& text);
-  /// Read-only fields show a value and are no stop of the Tab key.
+  /// Makes the field show its value only; the Tab key skips it.
   void SetDisplayOnly();
-  /// Marks the whole content each time that the focus comes in.
+  /// Marks the whole content whenever the focus comes in.
   void SelectOnEntry() { selectOnEntry_ = true; }
 
-  /// The focus has come in, before the content is marked.
+  /// Called when the focus has come in, before the content is marked.
   std::function<void()> onEnter;
-  /// The focus goes to another control of this window. False brings it back, and a click that took it away is
-  /// forgotten.
+  /// Called when the focus goes to another control of this window. False brings the focus back and drops the
+  /// click that took it away.
   std::function<bool()> onLeave;
   std::function<void()> onChange;
 
@@ -55,14 +55,15 @@ class TextBox : public QLineEdit, public BoundControl {
 
   Keys keys_;
   std::string format_;
-  std::string plain_;  ///< the content while the formatted text is shown
+  std::string plain_;  ///< the content while the formatted text is visible
   bool formatted_ = false;
   bool changed_ = false;
   bool selectOnEntry_ = false;
-  bool entered_ = false;  ///< also while another window is in front
+  bool entered_ = false;  ///< stays true while another window is in front
 };
 
-/// A field for numbers: digits and the point, to the right, with a format while the focus is elsewhere.
+/// A field for numbers: accepts digits and the point, right-aligned, with a format while the focus is
+/// elsewhere.
 class MaskEdBox : public TextBox {
  public:
   explicit MaskEdBox(const char* name, std::string format = {}, Keys keys = Keys::DigitsAndPoint);
@@ -86,7 +87,7 @@ class NotesBox : public QPlainTextEdit, public BoundControl {
   rt::Value Content() const override { return Text(); }
   void SetUnchanged() override { changed_ = false; }
   QWidget* Widget() override { return this; }
-  /// Five lines, for what is mostly empty.
+  /// Five lines, for notes that are mostly empty.
   QSize sizeHint() const override;
 
  protected:
@@ -97,7 +98,7 @@ class NotesBox : public QPlainTextEdit, public BoundControl {
   bool changed_ = false;
 };
 
-/// A value that is only shown.
+/// A read-only value.
 class BoundLabel : public QLabel, public BoundControl {
  public:
   explicit BoundLabel(const char* name, std::string format = {});

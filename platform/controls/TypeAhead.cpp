@@ -12,7 +12,8 @@
 
 #include "platform/controls/Form.h"
 
-// What Qt's own test library delivers keys with: the access keys and shortcuts of a window first.
+// Qt's own test library delivers keys with this function: it tries a window's access keys and shortcuts
+// first.
 Q_GUI_EXPORT bool qt_sendShortcutOverrideEvent(QObject* receiver, ulong timestamp, int key,
                                                Qt::KeyboardModifiers modifiers, const QString& text,
                                                bool autoRepeat, ushort count);
@@ -20,9 +21,10 @@ Q_GUI_EXPORT bool qt_sendShortcutOverrideEvent(QObject* receiver, ulong timestam
 namespace ui {
 namespace {
 
-constexpr int kRetry = 5;        ///< milliseconds between two looks for the focus
-constexpr int kMostLooks = 200;  ///< without the focus that many times, the window has been refused it
-/// Nobody reads a box faster. Keys that follow each other closely were begun before it, for a second at most.
+constexpr int kRetry = 5;        ///< milliseconds between two checks for the focus
+constexpr int kMostLooks = 200;  ///< after so many checks without the focus, the window system has refused it
+/// No user reads a box in less. Keys in quick succession began before the box; that counts for a second at
+/// most.
 constexpr qint64 kToSee = 250;
 constexpr qint64 kLongestBurst = 1000;
 
@@ -61,11 +63,11 @@ class Held {
   std::deque<std::unique_ptr<QKeyEvent>> keys_;
   QTimer retry_;
   int looks_ = 0;
-  QPointer<Form> withoutFocus_;  ///< an active form that the window system refused the focus
-  bool passing_ = false;         ///< the next key that comes is one that was held
+  QPointer<Form> withoutFocus_;  ///< an active form without the focus: the window system refused it
+  bool passing_ = false;         ///< the next key is one that was kept back
 };
 
-/// The keys end with the application, whose timers they use.
+/// The kept keys end with the application, whose timers they use.
 Held& Keys() {
   static QPointer<QObject> owner;
   static std::unique_ptr<Held> held;
@@ -79,7 +81,7 @@ Held& Keys() {
 
 bool Held::MayPass(QWidget* addressed, const QKeyEvent& key) {
   auto* form = dynamic_cast<Form*>(addressed);
-  // Other windows, such as the help, keep their keys while they are there.
+  // Other windows, such as the help, keep their keys while they are visible.
   if (addressed && !form && addressed->isVisible()) return true;
   if (!form || !keys_.empty()) return false;
   Form* active = ActiveForm();
@@ -99,14 +101,14 @@ bool Held::Hold(QObject& receiver, QKeyEvent& key) {
   QWidget* modal = QApplication::activeModalWidget();
   if (modal && !IsForm(modal)) {
     Forget();
-    // The windows behind a dialog take nothing, and what was meant for them is not for the dialog.
+    // The windows behind a dialog take no keys, and the dialog must not get keys that were meant for them.
     return IsForm(addressed);
   }
   if (MayPass(addressed, key)) return false;
-  // Accepted, the question whether a control wants the key for itself keeps shortcuts from being tried now.
+  // Accepting the shortcut override keeps Qt from trying shortcuts now.
   key.accept();
   if (key.type() == QEvent::ShortcutOverride) return true;
-  // A key that is held down a little too long must not answer to the next window.
+  // The repeats of a key that is down a little too long must not answer to the next window.
   if (key.isAutoRepeat()) return true;
   keys_.emplace_back(key.clone());
   GiveOut();
@@ -158,7 +160,7 @@ void Held::Give(QWindow& window, const QKeyEvent& key) {
   passing_ = false;
 }
 
-/// Swallows the keys that reach a box before its user can have seen it.
+/// Swallows the keys that reach a box before the user can have seen it.
 class BoxGuard : public QObject {
  public:
   explicit BoxGuard(QWidget& box) : QObject(&box), box_(box) { qApp->installEventFilter(this); }

@@ -41,12 +41,12 @@ enum class Access { ReadWrite, ReadOnly };
 class Workspace;
 class Database;
 
-/// A set of records with a place in it, an edit buffer and locks. Everything throws StoreError.
+/// A set of records with a current place, an edit buffer and locks. Every function throws StoreError.
 class Recordset {
  public:
   bool AtBegin() const;
   bool AtEnd() const;
-  /// All rows of the set (the engine reads no further than it must to know).
+  /// The number of all rows of the set (the engine reads no further than necessary to count them).
   std::int64_t RecordCount();
   void MoveFirst();
   void MoveLast();
@@ -55,7 +55,7 @@ class Recordset {
 
   rt::Value Get(std::string_view column);
   void Set(std::string_view column, const rt::Value& value);
-  /// The same by position, for loops; FieldIndex throws 3265 for a column that is not there.
+  /// The same by position, for loops; FieldIndex throws 3265 if there is no such column.
   int FieldIndex(std::string_view column) const;
   rt::Value Get(int field) { return cursor_->Get(field); }
   void Set(int field, const rt::Value& value) { cursor_->Set(field, value); }
@@ -66,11 +66,11 @@ class Recordset {
   void Update();
   void CancelUpdate();
   void Delete();
-  bool Editing() const;  ///< an edit or a new record is in hand
+  bool Editing() const;  ///< an edit or an addition is in progress
 
-  /// Table recordsets.
+  /// For table recordsets.
   void SetIndex(std::string_view name);
-  /// "=" on the current index, with as many leading values as given.
+  /// "=" on the current index, with as many leading values as the caller passes.
   void Seek(const std::vector<rt::Value>& key);
   bool NoMatch() const;
   void FindFirst(std::string_view condition);
@@ -107,8 +107,8 @@ struct Index {
   bool exceptEmpty = false;  ///< see store::IndexInfo
 };
 
-/// A table's definition: of a stored table (each change goes to the file at once), or of one that is still
-/// being built and is stored by Database::AppendTable.
+/// A table's definition: of a stored table, whose changes go to the file at once, or of a new one, which
+/// Database::AppendTable stores.
 class TableDef {
  public:
   explicit TableDef(std::string name) : name_(std::move(name)) {}
@@ -124,17 +124,17 @@ class TableDef {
  private:
   friend class Database;
   std::string name_;
-  std::shared_ptr<store::Connection> connection_;  ///< null while it is being built
+  std::shared_ptr<store::Connection> connection_;  ///< null until the table is stored
   store::TableInfo building_;
 };
 
 class Database {
  public:
-  /// A table's name (with or without brackets) or a SELECT. Table type needs a table's name.
+  /// A table's name (with or without brackets) or a SELECT. The table type needs a table's name.
   std::shared_ptr<Recordset> OpenRecordset(std::string_view source,
                                            RecordsetType type = RecordsetType::Dynaset,
                                            Access access = Access::ReadWrite);
-  /// Runs a statement and returns the number of records that it changed.
+  /// Runs a statement and returns the number of changed records.
   std::int64_t Execute(std::string_view sql);
   std::vector<std::string> TableNames();
   /// 3265 if there is none.
@@ -170,11 +170,11 @@ class Workspace {
   void CommitTrans(Commit how = Commit::Now);
   /// 3034 without a transaction.
   void RollbackTrans();
-  /// See store::Connection; on every database of the workspace.
+  /// See store::Connection; applies to every database of the workspace.
   void EnterGroup();
   void FinishGroup();
   void AbandonGroup();
-  /// Rolls back what is open and closes its databases.
+  /// Rolls back an open transaction and closes its databases.
   void Close();
 
  private:
@@ -191,12 +191,12 @@ class Workspace {
 namespace DBEngine {
 std::shared_ptr<Workspace> CreateWorkspace(const std::string& name, const std::string& user,
                                            const std::string& password, int type = dbUseJet);
-/// Makes an empty file and opens it.
+/// Creates an empty file and opens it.
 std::shared_ptr<Database> CreateDatabase(Workspace& workspace, const std::string& path);
 /// See store::Compaction: nobody else can open the source for as long as the result exists.
 [[nodiscard]] std::shared_ptr<store::Compaction> CompactDatabase(const std::string& source,
                                                                  const std::string& target);
-/// Releases what is no longer needed (1: read locks). Reading holds no locks here.
+/// Releases read locks for 1. Does nothing: reading takes no locks here.
 void Idle(int what);
 /// "4.0": this engine has no repair method of its own.
 std::string Version();

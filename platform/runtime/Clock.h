@@ -14,7 +14,7 @@ DateTime Today();
 /// Replaces the clock; an empty function restores the workstation's own. Returns the earlier one.
 std::function<DateTime()> SetClock(std::function<DateTime()> clock);
 
-/// Fixes the present time for as long as it lives.
+/// Fixes the present time as long as it lives.
 class FixedClock {
  public:
   explicit FixedClock(DateTime now) : earlier_(SetClock([now] { return now; })) {}

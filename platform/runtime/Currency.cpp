@@ -23,9 +23,9 @@ std::int64_t Narrow(Wide units) {
   return static_cast<std::int64_t>(units);
 }
 
-/// number * factor, rounded to the nearest whole with ties to even. The product is exact: a floating number
-/// is a whole mantissa of at most 53 bits times a power of two, and the factor must be below 2^63, so that
-/// 116 bits hold it.
+/// number * factor, rounded to the nearest whole number with ties to even. The product is exact: a floating
+/// number is a whole mantissa of at most 53 bits times a power of two, and the factor must be below 2^63, so
+/// that 116 bits are enough.
 std::int64_t ExactProduct(double number, std::int64_t factor) {
   if (!std::isfinite(number)) throw RuntimeError(kOverflow);
   static constexpr int kMantissaBits = 53;
@@ -36,7 +36,7 @@ std::int64_t ExactProduct(double number, std::int64_t factor) {
   Wide product = static_cast<Wide>(mantissa) * factor;
   if (product == 0) return 0;
   if (exponent >= 0) {
-    // The mantissa's top bit is set, so a larger shift could only leave the range.
+    // The mantissa's top bit is set, so with a larger shift the product is always out of range.
     if (exponent > 63 - kMantissaBits) throw RuntimeError(kOverflow);
     return Narrow(product * (Wide{1} << exponent));
   }
@@ -135,7 +135,7 @@ std::string Currency::DisplayText() const {
   text.push_back('.');
   text.push_back(static_cast<char>('0' + cents % 100 / 10));
   text.push_back(static_cast<char>('0' + cents % 10));
-  // What rounds to zero shows as zero, without a sign.
+  // An amount that rounds to zero appears as zero, without a sign.
   return units_ < 0 && cents != 0 ? "(" + text + ")" : text;
 }
 

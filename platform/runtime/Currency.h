@@ -18,11 +18,11 @@ class Currency {
   static constexpr Currency FromUnits(std::int64_t units) { return Currency(units); }
   /// A whole amount. Throws RuntimeError 6 beyond the range.
   static Currency FromWhole(std::int64_t whole);
-  /// The nearest amount; a tie goes to the even ten-thousandth. Throws RuntimeError 6 beyond the range and
-  /// for what is not a number.
+  /// The nearest amount; a tie goes to the even ten-thousandth. Throws RuntimeError 6 if the number is out of
+  /// range or not a number.
   static Currency RoundedToEven(double amount);
-  /// Reads "12", "-12.5", "$1,234.50", "($3.00)"; a digit beyond the fourth rounds with ties to even. Empty
-  /// when the text is not an amount or is beyond the range.
+  /// Reads "12", "-12.5", "$1,234.50", "($3.00)"; a digit after the fourth decimal rounds with ties to even.
+  /// Empty if the text is not an amount or out of range.
   static std::optional<Currency> Parse(std::string_view text);
 
   constexpr std::int64_t Units() const { return units_; }

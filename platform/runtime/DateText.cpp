@@ -97,7 +97,7 @@ class DateReader {
     return any;
   }
 
-  /// Blanks behind the last word do not count.
+  /// Ignores blanks after the last word.
   bool AtEnd() const { return rest_.find_first_not_of(' ') == std::string_view::npos; }
 
   bool NextIs(char c) const { return !rest_.empty() && rest_.front() == c; }
@@ -178,7 +178,7 @@ class DateReader {
     return WithYear(month, day.value, false);
   }
 
-  /// A number with a colon behind it is the hour of a time, so the year is missing there.
+  /// A number before a colon is the hour of a time: then the year is missing.
   std::optional<Civil> WithYear(int month, int day, bool comma) {
     const std::string_view behind = rest_;
     const bool separated = (comma && Take(',')) || Take('-');
@@ -191,7 +191,7 @@ class DateReader {
     return Civil{Today().Year(), month, day};
   }
 
-  /// M/d/yyyy, M-d-yyyy, M/d and yyyy-M-d; both separators mean the same, but not mixed.
+  /// M/d/yyyy, M-d-yyyy, M/d and yyyy-M-d. Both separators mean the same, but one date uses only one of them.
   std::optional<Civil> ReadNumbers(Number first) {
     const char separator = NextIs('/') ? '/' : '-';
     if (!Take(separator)) return std::nullopt;

@@ -42,8 +42,8 @@ class DateTime {
 
 /// The one short date form, M/d/yyyy: "3/1/2026".
 std::string ShortDate(const DateTime& d);
-/// The general form: the short date, and the time behind it where there is one: "3/1/2026 2:05:09 PM". A
-/// value on the day zero with a time shows the time alone.
+/// The general form: the short date, and after it the time if there is one: "3/1/2026 2:05:09 PM". A value on
+/// the day zero with a time has only the time.
 std::string GeneralDate(const DateTime& d);
 /// "Medium Date": dd-MMM-yy, "01-Mar-26".
 std::string MediumDate(const DateTime& d);
@@ -52,8 +52,8 @@ std::string PaddedDate(const DateTime& d);
 
 /// Reads a date as people type it: M/d/yyyy, M-d-yyyy, M/d/yy (00 to 29 are 2000s, 30 to 99 are 1900s), M/d
 /// (this year by the Clock), yyyy-M-d, d-MMM-yy, d MMM yyyy, MMM d, yyyy; each with an optional time
-/// h:mm[:ss] [AM|PM]; or a time alone. Where the first number cannot be a month and the second can, they are
-/// read as day and month. Empty when the text is not a date.
+/// h:mm[:ss] [AM|PM]; or a time alone. If the first number cannot be a month and the second can, they are day
+/// and month. Empty if the text is not a date.
 std::optional<DateTime> ParseDate(std::string_view text);
 
 /// "m": months, keeping the day and cutting it to the last day of a shorter month; "d": days; "yyyy": years;

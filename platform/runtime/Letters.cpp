@@ -61,8 +61,8 @@ void Encode(std::uint32_t code, std::string& text) {
   }
 }
 
-/// The letters' own rules, whatever language the workstation is set to: the same text must give the same key
-/// everywhere.
+/// The rules of the letters themselves, whatever language the workstation uses: the same text must have the
+/// same key everywhere.
 locale_t LetterRules() {
   static const locale_t rules = [] {
     const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);

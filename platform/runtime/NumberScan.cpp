@@ -32,7 +32,7 @@ class Scanner {
     return true;
   }
 
-  /// Each at most once, in either order. Within parentheses a sign would say the same thing twice.
+  /// A sign and "$", each at most once, in either order. Within parentheses, a sign would be redundant.
   bool ReadSignAndDollar(bool parentheses) {
     bool sign = false;
     bool dollar = false;
@@ -86,7 +86,7 @@ class Scanner {
   }
 
   bool ReadExponent() {
-    // Far beyond every type's range, and far from the limits of int.
+    // Far beyond the range of every type, and far from the limits of int.
     static constexpr int kLargest = 100'000;
     if (!Take('E') && !Take('e')) return true;
     const bool minus = Take('-');

@@ -1,4 +1,4 @@
-// A number text taken apart exactly, before it becomes a floating number or an amount.
+// Splits the text of a number exactly, before it becomes a floating number or an amount.
 #pragma once
 
 #include <optional>
@@ -7,16 +7,16 @@
 
 namespace rt {
 
-/// The number is digits * 10^exponent, with the sign.
+/// The value is digits * 10^exponent, with the sign.
 struct ScannedNumber {
   std::string digits;  // without leading zeros; empty for zero
   int exponent = 0;    // within +-200,000
   bool negative = false;
 };
 
-/// Reads one number: blanks around it, a sign and "$" in either order, or parentheses for a negative;
-/// thousands commas in groups of three; a decimal point; an exponent. Empty when the text has anything
-/// else in it or has no digit.
+/// Reads one number: blanks around it, a sign and "$" in either order, or parentheses for a negative number;
+/// thousands commas in groups of three; a decimal point; an exponent. Empty if the text has anything else in
+/// it or has no digit.
 std::optional<ScannedNumber> ScanNumber(std::string_view text);
 
 }  // namespace rt

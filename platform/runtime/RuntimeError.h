@@ -1,4 +1,4 @@
-// Errors of the runtime, with the numbers the field knows them by.
+// Errors of the runtime, with their usual numbers in the field.
 #pragma once
 
 #include <stdexcept>

@@ -19,7 +19,7 @@ struct Decimal {
   int exponent = 0;
 };
 
-/// The shortest digits that read back as the same number, or the `most` digits nearest to it where those are
+/// The shortest digits that read back as the same number, or the `most` digits nearest to it if those are
 /// fewer.
 template <typename Float>
 Decimal DecimalOf(Float number, int most) {
@@ -30,7 +30,7 @@ Decimal DecimalOf(Float number, int most) {
     while (at != end && *at != 'e') ++at;
     return at;
   };
-  // Digits come before the mark, one of them before a point.
+  // The digits are before the 'e', with a point after the first.
   if (mark() - text.data() > most + 1) {
     end =
         std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific, most - 1)
@@ -88,7 +88,7 @@ std::string Plain(Float number, int most, Float firstTooLong) {
   return fixed ? Fixed(decimal, number < 0) : Scientific(decimal, number < 0);
 }
 
-/// Powers of ten that a double holds exactly.
+/// Powers of ten that a double can represent exactly.
 constexpr std::array<double, 23> kPowers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                          1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                          1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};

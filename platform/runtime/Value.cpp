@@ -15,7 +15,7 @@ constexpr int kNull = 94;
 constexpr double kSecondsOfDay = 86'400;
 constexpr std::int64_t kUnits = 10'000;
 
-/// Why a value has no form as a number.
+/// Why a value cannot become a number.
 [[noreturn]] void Refuse(ValueType type) { throw RuntimeError(type == ValueType::Null ? kNull : kMismatch); }
 
 /// The nearest whole number, ties to even.
@@ -58,7 +58,7 @@ double NumberOf(const std::string& text) {
   return *number;
 }
 
-/// Days since the day zero. The fraction is the time of day and counts forward, also before the day zero.
+/// Days since the day zero. The fraction is the time of day and counts forward, even before the day zero.
 double SerialOf(DateTime date) {
   const auto seconds = static_cast<double>((date.Time() - DateTime().Time()).count());
   const double days = std::floor(seconds / kSecondsOfDay);

@@ -1,4 +1,4 @@
-// The values that columns, controls and formulas hold.
+// The values of columns, controls and formulas.
 #pragma once
 
 #include <cstdint>
@@ -55,10 +55,10 @@ class Value {
   Currency AsCurrency() const;
   DateTime AsDate() const;
   const Binary& AsBinary() const;
-  /// The plain text of the value: numbers as PlainText gives them, dates in the general form, "True" and
+  /// The plain text of the value: numbers as PlainText writes them, dates in the general form, "True" and
   /// "False".
   std::string AsText() const;
-  /// AsText, with a Null as the empty text: what joining texts makes of a Null.
+  /// AsText, but a Null is the empty text, as when texts are joined.
   std::string Shown() const;
 
   const std::variant<Null, bool, std::int16_t, std::int32_t, float, double, Currency, DateTime, std::string,
@@ -76,11 +76,11 @@ class Value {
       data_;
 };
 
-/// Sum and difference as the field's runtime forms them: a Null on either side gives Null; Currency with a
-/// whole number or a Currency stays Currency; Single with Single, Integer or Boolean stays Single; Integer
-/// with Integer is Integer; everything wider is Long, then Double. A Date and a number of days give a Date,
-/// two Dates have a difference in days as Double. Throws RuntimeError 6 on overflow and 13 for a Binary or a
-/// text that is not a number.
+/// Sum and difference as the field's runtime computes them. A Null on either side makes the result Null;
+/// Currency with a whole number or a Currency stays Currency; Single with Single, Integer or Boolean stays
+/// Single; Integer with Integer is Integer; everything wider is Long, then Double. A Date and a number of
+/// days make a Date; the difference of two Dates is in days, as a Double. Throws RuntimeError 6 on overflow
+/// and 13 for a Binary or a text that is not a number.
 Value Add(const Value& a, const Value& b);
 Value Subtract(const Value& a, const Value& b);
 

@@ -5,7 +5,7 @@
 namespace rt {
 namespace {
 
-/// A deque keeps a listener in its place while it runs, even if it adds another one.
+/// In a deque, a listener keeps its place while it runs, even if it adds another one.
 std::deque<std::function<void()>>& Listeners() {
   static std::deque<std::function<void()>> listeners;
   return listeners;

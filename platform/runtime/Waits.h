@@ -5,8 +5,8 @@
 
 namespace rt {
 
-/// Adds something to do before each wait: the store gives the file back to other users then. Listeners
-/// stay for the life of the process.
+/// Adds work to do before each wait; the store then gives the file back to other users. Listeners stay for
+/// the life of the process.
 void BeforeEveryWait(std::function<void()> listener);
 /// Called before a message box is shown, a question is asked or the program sleeps.
 void AboutToWait();

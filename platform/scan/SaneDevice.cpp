@@ -85,8 +85,7 @@ SaneDevice::~SaneDevice() {
 
 bool SaneDevice::DriverHangs() { return driverHangs; }
 
-// Drivers with a thread of their own may wait for its end for ever, which must not take the program with
-// them.
+// Drivers with a thread of their own may wait forever for its end, which must not hang the program.
 void SaneDevice::Cancel() {
   auto ended = std::make_shared<std::promise<void>>();
   std::future<void> end = ended->get_future();
@@ -103,7 +102,7 @@ void SaneDevice::Check(SANE_Status status) const {
 }
 
 SaneDevice::Option SaneDevice::Find(const char* name) const {
-  // Any change of an option may change the others, so nothing is kept.
+  // A change of one option may change the others, so this reads them anew each time.
   SANE_Int count = 0;
   library_.controlOption(handle_, 0, SANE_ACTION_GET_VALUE, &count, nullptr);
   for (SANE_Int index = 1; index < count; ++index) {
@@ -211,7 +210,7 @@ ScannedPicture SaneDevice::Read(ScanDisplay* display) {
     Cancel();
     throw;
   }
-  // A scan that succeeded ends in the same way.
+  // A successful scan ends in the same way.
   Cancel();
   if (picture.height < 1) throw ScanError("The scanner has sent no picture.");
   if (display) display->ShowScan(picture, picture.height);
@@ -246,7 +245,7 @@ bool SaneDevice::ReadPass(ScannedPicture& picture, ScanDisplay* display) {
     Check(status);
     held += static_cast<std::size_t>(got);
     std::size_t used = 0;
-    // A device may send more than it announced; a picture has no room for it.
+    // A device may send more rows than it announced, even more than a picture may have.
     for (; held - used >= pass.bytesPerRow && static_cast<std::size_t>(y) < most; used += pass.bytesPerRow)
       AddRow(pass, &block[used], y++, picture);
     if (static_cast<std::size_t>(y) >= most) throw ScanError("The picture would be too large.");

@@ -22,17 +22,18 @@ class SaneDevice {
   int Resolution() const;
   std::vector<std::string> Modes() const;
   std::string Mode() const;
-  /// Skips what the device does not have; what it has but refuses throws ScanError.
+  /// These two skip what the device does not have, and throw ScanError if the device has it but refuses.
   void SetResolution(int dotsPerInch);
   void SetMode(const std::string& mode);
-  /// 8 bits for each sample, where there is a choice.
+  /// Sets 8 bits for each sample, if the device has a choice.
   void SetDepth();
-  /// Width and height from the corner, in millimeters, cut to what the device has; 0 for all of it.
+  /// Sets width and height from the corner, in millimeters, cut to the device's area; 0 for all of it.
   void SetArea(double width, double height);
 
   /// Reads one picture, in as many passes as the device makes. Throws ScanError.
   ScannedPicture Read(ScanDisplay* display);
-  /// Whether a driver of this process has never come back from ending a scan. It is left alone from then on.
+  /// Whether a driver of this process has hung at the end of a scan. The library's own end would then hang
+  /// too.
   static bool DriverHangs();
 
  private:
@@ -40,7 +41,7 @@ class SaneDevice {
     SANE_Int index;
     const SANE_Option_Descriptor* descriptor;
   };
-  /// The option with this name, if it can be used now; its descriptor is null where not.
+  /// The option with this name, if it can be set now; else its descriptor is null.
   Option Find(const char* name) const;
   double Number(const Option& option) const;
   void SetNumber(const Option& option, double value);
@@ -48,7 +49,7 @@ class SaneDevice {
   void SetEdges(const char* low, const char* high, double millimeters);
   void Cancel();
   void ReadPasses(ScannedPicture& picture, ScanDisplay* display);
-  /// One pass; true if it was the last one.
+  /// Reads one pass; true if it was the last one.
   bool ReadPass(ScannedPicture& picture, ScanDisplay* display);
   void Check(SANE_Status status) const;
 

@@ -9,7 +9,7 @@ namespace sys {
 namespace {
 
 std::optional<SaneLibrary> LoadLibrary() {
-  // It stays loaded: drivers may leave threads behind.
+  // The library stays loaded: drivers may leave threads behind.
   void* handle = dlopen("libsane.so.1", RTLD_NOW | RTLD_LOCAL);
   if (!handle) return std::nullopt;
   SaneLibrary library;

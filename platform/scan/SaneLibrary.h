@@ -1,11 +1,11 @@
-// The system's library of scanner drivers, loaded only when a scanner is asked for.
+// The system's library of scanner drivers, loaded only when somebody uses a scanner.
 #pragma once
 
 #include <sane/sane.h>
 
 namespace sys {
 
-/// The library's functions. A program that never scans neither loads nor needs it.
+/// The library's functions. A program that never scans does not load it and works without it.
 struct SaneLibrary {
   decltype(&sane_init) init = nullptr;
   decltype(&sane_exit) exit = nullptr;

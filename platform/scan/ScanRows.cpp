@@ -13,7 +13,7 @@ namespace {
 
 using Samples = ScanPass::Samples;
 
-/// The sample at a place of the row, as 8 bits.
+/// The sample at a position of the row, as 8 bits.
 std::uint8_t Sample(const ScanPass& pass, const std::uint8_t* row, std::size_t place) {
   if (pass.bits == 1) return (row[place / 8] >> (7 - place % 8)) & 1 ? 0 : 255;
   if (pass.bits == 8) return row[place];
@@ -22,7 +22,7 @@ std::uint8_t Sample(const ScanPass& pass, const std::uint8_t* row, std::size_t p
 
 std::size_t SamplesPerPixel(const ScanPass& pass) { return pass.samples == Samples::RedGreenBlue ? 3 : 1; }
 
-/// A number with its lowest byte first, as the file wants it.
+/// A number with its lowest byte first, as in the file.
 template <std::size_t bytes>
 void Put(std::string& text, std::uint32_t number) {
   for (std::size_t i = 0; i < bytes; ++i) text += static_cast<char>(number >> (8 * i) & 0xFF);

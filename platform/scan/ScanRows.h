@@ -1,4 +1,4 @@
-// From the rows as devices send them to pixels, and from pixels to a file.
+// Converts the rows that devices send to pixels, and pixels to a file.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace sys {
 
-/// What one pass of a device sends.
+/// The rows of one pass of a device.
 struct ScanPass {
   enum class Samples { Grey, RedGreenBlue, Red, Green, Blue };
   Samples samples = Samples::Grey;
@@ -18,7 +18,7 @@ struct ScanPass {
   std::size_t bytesPerRow = 0;
 };
 
-/// Whether rows of this kind can be put into a picture.
+/// Whether this system can put rows of this kind into a picture.
 bool IsKnown(const ScanPass& pass);
 /// Puts one row of a pass into the picture, which grows as needed.
 void AddRow(const ScanPass& pass, const std::uint8_t* row, int y, ScannedPicture& picture);

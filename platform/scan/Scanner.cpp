@@ -25,10 +25,10 @@ void Scanner::Reset() {
 #ifdef DROVEWRIGHT_SANE
 namespace {
 
-/// A sheet and a card, in millimeters.
+/// The sizes of a sheet and a card, in millimeters.
 constexpr double kPaperWidth = 215.9, kPaperHeight = 279.4;
 constexpr double kCardWidth = 86, kCardHeight = 54;
-/// A scanned page must still be a picture of a size that a record takes.
+/// A scanned page must not be larger than the pictures that a record can store.
 constexpr double kMostBytes = 60e6;
 
 double SquareInches(ScanSize size) {
@@ -94,7 +94,7 @@ class SaneScanner : public Scanner {
     std::string name;
     std::string title;
     bool camera = false;
-    bool chosen = false;  ///< by the environment
+    bool chosen = false;  ///< the environment names it
   };
 
   void Look() {
@@ -115,7 +115,7 @@ class SaneScanner : public Scanner {
     }
   }
 
-  /// Color, and a resolution that gives pictures of a handy size, unless the user wants others.
+  /// Proposes color and a resolution with handy pictures; the user can choose others.
   void Propose(ScanSetup& setup) const {
     std::erase_if(setup.resolutions,
                   [&](int one) { return 3.0 * one * one * SquareInches(Size) > kMostBytes; });

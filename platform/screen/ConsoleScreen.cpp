@@ -21,7 +21,7 @@ constexpr std::array kOkCancel{Choice{Answer::Ok, 'o', "OK"}, Choice{Answer::Can
 constexpr std::array kYesNo{Choice{Answer::Yes, 'y', "Yes"}, Choice{Answer::No, 'n', "No"}};
 constexpr std::array kRetryCancel{Choice{Answer::Retry, 'r', "Retry"}, Choice{Answer::Cancel, 'c', "Cancel"}};
 
-/// The answers that a box offers; the last one is the safe choice. None for a box that is only to be read.
+/// The answers that a box offers; the last one is the safe choice. None for a box that has nothing to answer.
 std::span<const Choice> ChoicesOf(Buttons buttons) {
   switch (buttons) {
     case Buttons::OkCancel:

@@ -12,7 +12,7 @@ namespace screen {
 enum class Answering {
   Person,      // a person at a terminal; without a terminal as SafeChoice
   SafeChoice,  // nobody: No, Cancel, no text; waits for nothing
-  AssumeYes    // nobody: Yes and OK, but Cancel where Retry is offered, or a run could go on for ever
+  AssumeYes    // nobody: Yes and OK, but Cancel if the box offers Retry, or a run could go on forever
 };
 
 /// Writes boxes to standard error as "title: text", with CR, LF and CR LF as line breaks, and reads answers
@@ -20,8 +20,8 @@ enum class Answering {
 class ConsoleScreen : public Screen {
  public:
   explicit ConsoleScreen(Answering answering = Answering::Person);
-  /// With streams of the caller's, which must outlive the screen; `answering` is used without looking for a
-  /// terminal.
+  /// Uses the caller's streams, which must outlive the screen. Does not check for a terminal: `answering`
+  /// applies as it is.
   ConsoleScreen(Answering answering, std::istream& in, std::ostream& out);
 
   Answer ShowBox(const Box& box) override;

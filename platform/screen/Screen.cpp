@@ -18,7 +18,7 @@ Pointer& ShownPointer() {
   return pointer;
 }
 
-/// A screen may be replaced while it shows a box; whoever calls it keeps it alive.
+/// A function may replace the screen while it shows a box; the caller keeps the old one alive.
 std::shared_ptr<Screen> Held() {
   static const std::shared_ptr<Screen> console = std::make_shared<ConsoleScreen>();
   return Installed() ? Installed() : console;

@@ -1,5 +1,5 @@
-// Everything that the program says to the user outside a form: one small interface, reached by free
-// functions.
+// Everything that the program says to the user outside a form: one small interface, which free functions
+// call.
 #pragma once
 
 #include <memory>
@@ -13,7 +13,7 @@ enum class Buttons { Ok, OkCancel, YesNo, RetryCancel };
 enum class Answer { Ok, Cancel, Yes, No, Retry };
 enum class Pointer { Normal = 0, Hourglass = 11 };
 
-/// A message box as it is asked for. CR, LF and CR LF in the text are all line breaks.
+/// A message box with its text. CR, LF and CR LF in the text are all line breaks.
 struct Box {
   std::string text;
   Icon icon = Icon::None;
@@ -42,7 +42,7 @@ class Screen {
 std::shared_ptr<Screen> Install(std::shared_ptr<Screen> screen);
 Screen& Current();
 
-/// The title of boxes that name none: "Drovewright".
+/// The title of boxes without one of their own: "Drovewright".
 const std::string& ApplicationTitle();
 
 /// Shows a modal box and waits for its answer. Before that, gives the data files back to other
@@ -58,7 +58,7 @@ void Sleep(int milliseconds);
 void ShowNotice(const std::string& title, const std::string& text);
 void HideNotice();
 
-/// The hourglass for as long as it lives, and the earlier pointer afterwards.
+/// Shows the hourglass for as long as it lives, and the earlier pointer afterwards.
 class Hourglass {
  public:
   Hourglass() : earlier_(SetPointer(Pointer::Hourglass)) {}

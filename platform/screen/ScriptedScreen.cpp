@@ -107,8 +107,8 @@ std::string ScriptedScreen::NotShown(const Expected& expected) {
 std::optional<ScriptedScreen::Expected> ScriptedScreen::Take(const Box& box, bool input) {
   for (std::size_t i = 0; i < expected_.size(); ++i) {
     if (!Matches(expected_[i], box, input)) continue;
-    // Those before it should have come earlier; continuing after them keeps one fault from causing a list of
-    // others.
+    // Reports the earlier expectations as not shown. The test goes on after them, so that one fault does not
+    // cause a list of others.
     for (; i > 0; --i) {
       faults_.push_back(NotShown(expected_.front()));
       expected_.pop_front();
@@ -118,7 +118,7 @@ std::optional<ScriptedScreen::Expected> ScriptedScreen::Take(const Box& box, boo
     return found;
   }
   faults_.push_back(input ? "unexpected question: " + Quoted(box.text) : "unexpected: " + Described(box));
-  // A loop that shows the same box until it gets another answer would keep the test from ending.
+  // Without this limit, a loop that shows the same box until it gets another answer would never end.
   static constexpr std::size_t kPatience = 200;
   if (faults_.size() > kPatience)
     throw std::logic_error("too many unexpected boxes; the last was " + faults_.back());

@@ -23,12 +23,12 @@ class ScriptedScreen : public Screen {
   /// The text must contain this part.
   void ExpectPart(std::string part, Icon icon, Buttons buttons = Buttons::Ok, Answer answer = Answer::Ok);
   void ExpectInput(std::string prompt, std::string answer);
-  /// Called at each sleep with its length in milliseconds, and at each box before it is answered.
+  /// Runs at each sleep with its length in milliseconds, and at each box before its answer.
   std::function<void(int)> onSleep;
   std::function<void(const Box&)> onBox;
   std::function<void()> onEvents;
 
-  /// One line for each unexpected box and each expectation left over.
+  /// One line for each unexpected box and each unused expectation.
   std::vector<std::string> Faults() const;
   int SleepCount() const { return sleeps_; }
   int SleptMilliseconds() const { return slept_; }

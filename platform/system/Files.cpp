@@ -22,7 +22,7 @@ ReplaceConfirm& Confirm() {
 
 std::string Named(const std::string& path) { return "'" + path + "'"; }
 
-/// What an error of the operating system means to the field.
+/// Converts an error of the operating system to a runtime number.
 FileResult Failure(int error, const std::string& action) {
   const auto because = [&](int number, const std::string& reason) {
     return FileResult{number, action + ": " + reason};
@@ -57,7 +57,7 @@ fs::path FolderOf(const std::string& path) {
   return folder.empty() ? fs::path(".") : folder;
 }
 
-/// Closes what it holds, so that no way out of a copy leaks a descriptor.
+/// Closes its descriptor, so that no exit from a copy leaks it.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
@@ -76,7 +76,7 @@ class Descriptor {
   int number_;
 };
 
-/// Makes the operating system write to disk what it still keeps in memory of a file or a folder.
+/// Makes the operating system write to disk what it still has in memory of a file or a folder.
 void Flush(const fs::path& path) {
   const Descriptor descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (descriptor.IsOpen()) fsync(descriptor.Number());
@@ -179,8 +179,8 @@ std::string TemporaryFileName(const std::string& folder, const std::string& pref
 
 FileResult RenameOver(const std::string& from, const std::string& to) {
   const std::string action = "Could not rename " + Named(from) + " to " + Named(to);
-  // What the file holds must be on disk before its new name is, or a power failure could leave the name with
-  // nothing.
+  // The contents of the file must be on disk before its new name is, or a power failure could leave an empty
+  // file with that name.
   Flush(from);
   if (std::rename(from.c_str(), to.c_str()) != 0) {
     if (errno != EXDEV) return Failure(errno, action);

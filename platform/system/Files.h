@@ -19,38 +19,38 @@ struct FileResult {
 
 /// Whether there is a file at the path, also a hidden or read-only one. A folder is not a file.
 bool FileExists(const std::string& path);
-/// Makes a file writable by its owner, as files copied from a disc are not. True if the file exists, even
-/// if its permissions belong to somebody else.
+/// Makes a file writable by its owner, because files copied from a disc are not. True if the file exists,
+/// even if its permissions belong to another user.
 bool ClearReadOnly(const std::string& path);
 
-/// A name that is free in the folder: the prefix, hexadecimal digits and ".TMP". Makes no file.
-/// Empty when the folder does not exist or cannot be written.
+/// A free name in the folder: the prefix, hexadecimal digits and ".TMP". Creates no file. Empty if the folder
+/// does not exist or is not writable.
 std::string TemporaryFileName(const std::string& folder, const std::string& prefix);
 
-/// Puts `from` in the place of `to`, which may exist; after a power failure one of the two is there,
-/// whole. Works across file systems too.
+/// Moves `from` to the name `to`, which may exist. After a power failure, one of the two is there, whole.
+/// Works across file systems too.
 FileResult RenameOver(const std::string& from, const std::string& to);
 /// Deletes one file. A missing file is a fault (53).
 FileResult DeleteFile(const std::string& path);
-/// Copies a file over `to`, which may exist but must not be the same file. A copy that fails leaves an
-/// earlier `to` as it was.
+/// Copies a file over `to`, which may exist but must not be the same file. If the copy fails, an earlier `to`
+/// stays as it was.
 FileResult CopyFile(const std::string& from, const std::string& to);
 
 /// The results of ShellCopy and ShellDelete that callers look at.
 inline constexpr int kShellDone = 0;
 inline constexpr int kShellCancelled = 7;
 
-/// Copies a file as a file manager does: makes the folder of the target where it is missing, and asks before
-/// an existing target is replaced. 0 done, 7 canceled by the user; anything else is a failure code: 2 no
+/// Copies a file as a file manager does: creates the folder of the target if there is none, and asks before
+/// it replaces a target. Returns 0 on success, 7 if the user canceled; anything else is a failure code: 2 no
 /// such file, 3 no such folder, 5 access denied, 112 disk full, 113 source and target are the same, 31 other.
 int ShellCopy(const std::string& from, const std::string& to);
-/// Deletes a file; 0 done, else a failure code as above.
+/// Deletes a file. Returns 0 on success, else a failure code as above.
 int ShellDelete(const std::string& path);
 
-/// Asked before ShellCopy replaces a file; false cancels the copy.
+/// ShellCopy asks this before it replaces a file; false cancels the copy.
 using ReplaceConfirm = std::function<bool(const std::string& target)>;
-/// Installs the question; an empty function removes it, and targets are then replaced without asking. Returns
-/// the earlier one.
+/// Installs the question and returns the earlier one. An empty function removes it: then ShellCopy replaces
+/// targets without asking.
 ReplaceConfirm InstallReplaceConfirm(ReplaceConfirm confirm);
 
 }  // namespace sys

@@ -25,11 +25,11 @@ bool OneOf(const std::array<std::string_view, N>& names, std::string_view name) 
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// The desktop's own viewer starts the program for the file and ends at once. Where it finds none it ends
-/// with an error, which takes it less than this.
+/// The desktop's own viewer starts the program for the file and ends at once. If it finds none, it ends with
+/// an error in less time than this.
 constexpr std::chrono::milliseconds kViewerRefuses{1500};
 
-/// Starts a program in a session of its own, so that it outlives ours; -1 where it cannot be started.
+/// Starts a program in a session of its own, so that it outlives this one; -1 if it cannot be started.
 pid_t Spawn(std::string program, std::string argument) {
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
@@ -62,7 +62,7 @@ std::optional<DriveKind> KindOfDrive(const std::string& root, const std::string&
   static constexpr std::array<std::string_view, 10> kRemote{"nfs",   "nfs4", "cifs", "smb3",       "smbfs",
                                                             "ncpfs", "afs",  "9p",   "fuse.sshfs", "davfs"};
   static constexpr std::array<std::string_view, 2> kDisc{"iso9660", "udf"};
-  // Packages that are mounted as images: they come from a device but hold programs only.
+  // Packages mounted as images: they come from a device but contain programs only.
   static constexpr std::array<std::string_view, 2> kImage{"squashfs", "erofs"};
 
   if (OneOf(kRemote, fileSystem)) return DriveKind::Remote;
@@ -78,7 +78,7 @@ std::vector<Drive> Drives() {
     if (!volume.isValid() || !volume.isReady()) continue;
     const std::string root = volume.rootPath().toStdString();
     const auto kind = KindOfDrive(root, volume.device().toStdString(), volume.fileSystemType().toStdString());
-    // A single file can be a mount point too; a search has nothing to walk there.
+    // A single file can be a mount point too; it has nothing to search.
     std::error_code error;
     if (kind && std::filesystem::is_directory(root, error)) drives.push_back({root, *kind});
   }
@@ -107,7 +107,8 @@ bool StartViewer(const std::string& path) {
     if (waitpid(pid, &status, WNOHANG) == pid) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
-  // It shows the file. Somebody has to take its end, or the system keeps its entry as long as we run.
+  // The viewer shows the file. A thread waits for its end, or the system would keep its entry as long as this
+  // program runs.
   std::thread([pid] { waitpid(pid, nullptr, 0); }).detach();
   return true;
 }

@@ -22,8 +22,8 @@ std::string RedirectedFile() {
   return named != nullptr ? named : "";
 }
 
-/// Runs `work` on the opened settings. They are opened for each call, so that what another copy of the
-/// program has saved in between is seen.
+/// Runs `work` on the settings. Opens them for each call, so that it sees what another copy of the program
+/// has saved in between.
 template <typename Work>
 auto WithSettings(Work work) {
   const std::string path = RedirectedFile();
@@ -35,7 +35,7 @@ auto WithSettings(Work work) {
   return work(settings);
 }
 
-/// Both slashes separate levels in the settings file, so inside a name they are escaped.
+/// In the settings file, both slashes separate levels, so slashes inside a name are escaped.
 QString Level(const std::string& name) {
   QString level = QString::fromStdString(name);
   level.replace('%', "%25").replace('/', "%2F").replace('\\', "%5C");
@@ -48,11 +48,11 @@ QString Place(const std::string& application, const std::string& section, const 
 
 bool Written(QSettings& settings) {
   settings.sync();
-  // A damaged line elsewhere in the file does not keep this value out of it.
+  // A damaged line elsewhere in the file must not hide this value.
   return settings.status() != QSettings::AccessError;
 }
 
-/// Marks a value that is not UTF-8: what follows are its bytes in the percent form.
+/// Marks a value that is not UTF-8: its bytes follow in the percent form.
 constexpr const char* kBytes = "bytes:";
 
 QString Stored(const std::string& value) {
@@ -67,8 +67,8 @@ std::string Read(const QString& text) {
       .toStdString();
 }
 
-/// A value with commas that somebody wrote into the file without quotation marks arrives in parts. The line
-/// that has these parts says what is between them.
+/// If somebody wrote a value with commas into the file without quotation marks, it arrives in parts. This
+/// searches for the line with these parts, which has the text between them.
 std::string ReadParts(const QString& file, const QStringList& parts) {
   QFile lines(file);
   if (lines.open(QIODevice::ReadOnly)) {
@@ -118,7 +118,7 @@ bool SettingsDamaged() {
 bool DeleteSetting(const std::string& application, const std::string& section, const std::string& key) {
   return WithSettings([&](QSettings& settings) {
     const QString place = Place(application, section, key);
-    // A key that is not there needs no write, so a file that cannot be written does not matter.
+    // Removing a missing key writes nothing, so it works even if the file cannot be written.
     if (!settings.contains(place)) return true;
     settings.remove(place);
     return Written(settings);

@@ -5,25 +5,25 @@
 
 namespace sys {
 
-/// The value that is kept under application, section and key; `otherwise` if nothing is kept. An empty
-/// text that was saved is a value and comes back as such. Upper and lower case letters differ. Values are any
-/// bytes, as the names of directories may be.
+/// The value of a key under an application and section; `otherwise` if there is none. A saved empty text is a
+/// value and comes back as such. Upper and lower case letters differ. Values can be any bytes, as the names
+/// of directories can.
 std::string GetSetting(const std::string& application, const std::string& section, const std::string& key,
                        const std::string& otherwise = {});
-/// Keeps the value for this user, at once on disk. False when the settings file cannot be written; nothing
-/// is kept then.
+/// Saves the value for this user, at once on disk. False, with nothing saved, if the settings file cannot be
+/// written.
 bool SaveSetting(const std::string& application, const std::string& section, const std::string& key,
                  const std::string& value);
-/// Forgets the value; a missing one is not a fault. False when the settings file cannot be written.
+/// Removes the value; a missing one is not a fault. False if the settings file cannot be written.
 bool DeleteSetting(const std::string& application, const std::string& section, const std::string& key);
 
-/// Whether the settings file has parts that cannot be read. What it kept may then be missing from GetSetting.
+/// Whether parts of the settings file are unreadable. GetSetting may then miss values that were saved.
 bool SettingsDamaged();
 
-/// Keeps the settings in this file from now on; an empty path restores the usual place: the file that the
+/// Uses this file for the settings from now on. An empty path restores the usual place: the file that the
 /// environment variable DROVEWRIGHT_SETTINGS names, else Drovewright.ini among the user's settings.
 void UseSettingsFile(const std::string& path);
-/// Where the settings are kept at present.
+/// The present file of the settings.
 std::string SettingsFile();
 
 }  // namespace sys

@@ -28,18 +28,19 @@
 namespace sys {
 namespace {
 
-/// How long a start waits for an answer. A copy in the middle of a long query answers when that is done.
+/// How long a start waits for an answer. A copy in the middle of a long query answers only afterwards.
 constexpr std::chrono::seconds kPatience{3};
 constexpr int kPollMilliseconds = 25;
 
-/// FNV-1a: the same text gives the same number in every build, so that two versions of the program meet.
+/// FNV-1a: the same text has the same number in every build, so that two versions of the program find each
+/// other.
 std::uint64_t Digest(std::string_view text) {
   std::uint64_t digest = 14695981039346656037U;
   for (const char c : text) digest = (digest ^ static_cast<unsigned char>(c)) * 1099511628211U;
   return digest;
 }
 
-/// The name that lock and socket go by. Copies with other settings work on other data and stay apart.
+/// The name of the lock and the socket. Copies with other settings work on other data and must not meet.
 std::string Name() {
   std::error_code error;
   const std::string settings = SettingsFile();
@@ -57,8 +58,8 @@ std::string LockPath(const std::string& name) {
   return std::string(usable ? runtime : "/tmp") + "/" + name + ".lock";
 }
 
-/// The lock file, opened; -1 where it is not ours or cannot be made. The folder may be one that others write
-/// to as well.
+/// Opens the lock file; -1 if it belongs to another user or cannot be created. Others may be able to write to
+/// the folder.
 int OpenLock(const std::string& path) {
   const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
   struct stat facts {};
@@ -69,7 +70,7 @@ int OpenLock(const std::string& path) {
   return file;
 }
 
-/// An address that needs no file: it goes with the process.
+/// An address without a file: it disappears with the process.
 sockaddr_un Address(const std::string& name, socklen_t& length) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -91,11 +92,11 @@ int Listen(const std::string& name) {
   return -1;
 }
 
-/// For people who wonder whose file this is.
+/// Names the owner for people who look at the file.
 void WriteProcessNumber(int file) {
   const std::string number = std::to_string(getpid()) + "\n";
   if (ftruncate(file, 0) != 0) return;
-  // Nothing depends on it.
+  // Nothing depends on the result.
   [[maybe_unused]] const ssize_t written = pwrite(file, number.data(), number.size(), 0);
 }
 
@@ -130,7 +131,7 @@ std::unique_ptr<SingleInstance> SingleInstance::Claim() {
 bool SingleInstance::CallFirstForward() {
   const int caller = OpenSocket();
   if (caller < 0) return false;
-  // An address of any name, for the answer.
+  // An address with any name, to receive the answer.
   sockaddr_un own{};
   own.sun_family = AF_UNIX;
   bool answered = false;
@@ -141,7 +142,7 @@ bool SingleInstance::CallFirstForward() {
     const auto end = std::chrono::steady_clock::now() + kPatience;
     bool said = false;
     while (!answered && std::chrono::steady_clock::now() < end) {
-      // The first may have taken its lock a moment ago and be about to listen.
+      // The first copy may have taken its lock a moment ago and not be listening yet.
       if (!said)
         said = sendto(caller, token.data(), token.size(), 0, reinterpret_cast<const sockaddr*>(&address),
                       length) >= 0;
@@ -177,7 +178,7 @@ void SingleInstance::Answer() {
   for (const std::string& caller : callers_) {
     sockaddr_un address{};
     std::memcpy(&address, caller.data(), std::min(caller.size(), sizeof address));
-    // Whoever has given up waiting hears nothing.
+    // Callers that have given up waiting get nothing.
     [[maybe_unused]] const ssize_t sent =
         sendto(socket_, "+", 1, MSG_NOSIGNAL, reinterpret_cast<sockaddr*>(&address),
                static_cast<socklen_t>(caller.size()));
