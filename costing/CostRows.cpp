@@ -90,7 +90,9 @@ CostTable::CostTable(const CostTableKind& kind, DaoRecordsetPtr rows) : kind_(&k
 }
 
 void CostTable::Post(const CostFigures& figures, PostingCounts& counts) {
-  if (!Find(figures)) {
+  if (ChangeAtOnce(figures, Direction::Add)) {
+    ++counts.changed;
+  } else if (!Find()) {
     if (AddRow(figures)) ++counts.added;
   } else if (ChangeRow(figures, Direction::Add)) {
     ++counts.changed;
@@ -100,18 +102,29 @@ void CostTable::Post(const CostFigures& figures, PostingCounts& counts) {
 }
 
 void CostTable::Unpost(const CostFigures& figures) {
-  if (!Find(figures)) {
+  if (ChangeAtOnce(figures, Direction::Subtract)) return;
+  if (!Find()) {
     screen::MessageBox(kind_->notFound, screen::Icon::Critical);
   } else if (!ChangeRow(figures, Direction::Subtract)) {
     screen::MessageBox(kind_->lockedWhenSubtracting, screen::Icon::Critical);
   }
 }
 
-bool CostTable::Find(const CostFigures& figures) {
-  key_.clear();
-  key_.push_back(kind_->owner == CostOwner::Asset ? figures.assetID : figures.fuelType);
-  if (kind_->span != CostSpan::Life) key_.push_back(figures.year);
-  if (kind_->span == CostSpan::Period) key_.push_back(figures.period);
+void CostTable::TakeKey(const CostFigures& figures) {
+  key_.resize(keyFields_.size());
+  key_[0] = kind_->owner == CostOwner::Asset ? figures.assetID : figures.fuelType;
+  if (kind_->span != CostSpan::Life) key_[1] = figures.year;
+  if (kind_->span == CostSpan::Period) key_[2] = figures.period;
+}
+
+/// The row is most often in the memory of the group, where nobody else can change it.
+bool CostTable::ChangeAtOnce(const CostFigures& figures, Direction direction) {
+  TakeKey(figures);
+  if (kind_->owner == CostOwner::Asset) return rows_->AddAtOnce(key_, sumFields_, figures.asset, direction);
+  return rows_->AddAtOnce(key_, sumFields_, figures.fuel, direction);
+}
+
+bool CostTable::Find() {
   rows_->Seek(key_);
   return !rows_->NoMatch();
 }

@@ -70,8 +70,10 @@ class CostTable {
   void Unpost(const CostFigures& figures);
 
  private:
-  enum class Direction { Add, Subtract };
-  bool Find(const CostFigures& figures);
+  using Direction = store::Direction;
+  void TakeKey(const CostFigures& figures);
+  bool ChangeAtOnce(const CostFigures& figures, Direction direction);
+  bool Find();
   bool AddRow(const CostFigures& figures);
   bool ChangeRow(const CostFigures& figures, Direction direction);
   const rt::Value& Figure(const CostFigures& figures, std::size_t sum) const;

@@ -66,9 +66,8 @@ bool TransactionPoster::Waiting() {
 
 bool TransactionPoster::PostTransaction(PostingCounts& counts) {
   const rt::Value assetID = transactions_.Get(fields_.assetID);
-  const DaoRecordsetPtr asset =
-      database_.OpenRecordset(AssetQuery(assetID), dao::RecordsetType::Dynaset, dao::Access::ReadOnly);
-  if (asset->AtEnd()) return false;
+  const std::optional<rt::Value> fuelType = FuelTypeOf(assetID);
+  if (!fuelType) return false;
 
   RowTransaction row(workspace_);
   std::int16_t error = 0;
@@ -91,13 +90,28 @@ bool TransactionPoster::PostTransaction(PostingCounts& counts) {
 
   transactions_.Set(fields_.whenPosted, rt::Now());
   WriteTotals();
-  const CostFigures figures = fields_.Read(transactions_, asset->Get("Fuel Type"));
+  // The wait for the record may have been one in which the asset was changed.
+  const CostFigures figures = fields_.Read(transactions_, FuelTypeOf(assetID).value_or(*fuelType));
   for (CostTable& table : tables_) table.Post(figures, counts);
   DaoUpdateRecord(transactions_);
   const bool stored = !transactions_.Editing();
   if (!stored) transactions_.CancelUpdate();
   row.Commit();
   return stored;
+}
+
+std::optional<rt::Value> TransactionPoster::FuelTypeOf(const rt::Value& assetID) {
+  const std::uint64_t glance = database_.Glance();
+  if (glance == 0 || glance != glance_) fuelTypes_.clear();
+  glance_ = glance;
+  const auto known = fuelTypes_.find(assetID.Shown());
+  if (known != fuelTypes_.end()) return known->second;
+  const DaoRecordsetPtr asset =
+      database_.OpenRecordset(AssetQuery(assetID), dao::RecordsetType::Dynaset, dao::Access::ReadOnly);
+  std::optional<rt::Value> fuelType;
+  if (!asset->AtEnd()) fuelType = asset->Get("Fuel Type");
+  fuelTypes_.emplace(assetID.Shown(), fuelType);
+  return fuelType;
 }
 
 void TransactionPoster::WriteTotals() {

@@ -1,6 +1,10 @@
 // Posting of one transaction: its totals, its time of posting, and its share of the five cost tables.
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "costing/CostRows.h"
@@ -28,6 +32,8 @@ class TransactionPoster {
   bool PostTransaction(PostingCounts& counts);
 
  private:
+  /// The fuel type of an asset on file; empty where there is no such asset.
+  std::optional<rt::Value> FuelTypeOf(const rt::Value& assetID);
   void WriteTotals();
   rt::Value SumOf(const std::vector<int>& columns);
 
@@ -38,6 +44,9 @@ class TransactionPoster {
   std::vector<CostTable> tables_;
   std::vector<int> internalCosts_;
   std::vector<int> outsideCosts_;
+  /// The assets of this group's rows; they are good for as long as nobody else can have changed them.
+  std::unordered_map<std::string, std::optional<rt::Value>> fuelTypes_;
+  std::uint64_t glance_ = 0;
 };
 
 }  // namespace dw

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -73,6 +74,11 @@ class Recordset {
   /// "=" on the current index, with as many leading values as the caller passes.
   void Seek(const std::vector<rt::Value>& key);
   bool NoMatch() const;
+  /// Seek, Edit, Set and Update in one step where that can be done at once; see store::Cursor::AddAtOnce.
+  bool AddAtOnce(const std::vector<rt::Value>& key, const std::vector<int>& fields,
+                 std::span<const rt::Value> values, store::Direction direction) {
+    return cursor_->AddAtOnce(key, fields, values, direction);
+  }
   void FindFirst(std::string_view condition);
   void FindNext(std::string_view condition);
 
@@ -146,6 +152,8 @@ class Database {
   const std::string& Name() const;
   /// The file format's version, "4.0".
   std::string Version() const { return "4.0"; }
+  /// See store::Connection::Glance.
+  std::uint64_t Glance() { return Connection().Glance(); }
   /// Closes its recordsets too.
   void Close();
 

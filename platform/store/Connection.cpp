@@ -123,7 +123,7 @@ int Connection::TransactionDepth() const { return impl_->Depth(); }
 void Connection::FinishGroup() { impl_->FinishGroup(); }
 void Connection::AbandonGroup() { impl_->AbandonGroup(); }
 void Connection::EnterGroup() { impl_->EnterGroup(); }
-std::uint64_t Connection::Glance(int table) const { return impl_->Glance(table); }
+std::uint64_t Connection::Glance() const { return impl_->Glance(); }
 
 std::shared_ptr<const Schema> Connection::Tables() {
   impl_->Ready();

@@ -82,9 +82,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Starts writing now, so that what is read next cannot change before the group is committed. Only between
   /// BeginTrans … CommitTrans(WithGroup) pairs; the group's limits hold from here.
   void EnterGroup();
-  /// A number that stays the same for as long as no row of the table that was read under it can have changed;
-  /// 0 where nothing keeps others from changing it. Inside a group others cannot.
-  std::uint64_t Glance(int table) const;
+  /// A number that stays the same for as long as others cannot have changed what was read under it; 0 where
+  /// nothing keeps them from it. Inside a group they cannot.
+  std::uint64_t Glance() const;
 
   // --- definitions; each is refused (3009) while another holds a record of the table
   std::shared_ptr<const Schema> Tables();

@@ -85,7 +85,7 @@ class Connection::Impl {
   std::uint64_t EpochOf(int table) const;
   void NoteChange(int table) { ++tableEpochs_[table]; }
   /// See Connection::Glance.
-  std::uint64_t Glance(int table) const { return physical_ ? EpochOf(table) : 0; }
+  std::uint64_t Glance() const { return physical_ ? epoch_ : 0; }
 
   // --- rows kept in memory within a group
   /// The cache of a table by this index; null outside a group, in a transaction within another, and for an

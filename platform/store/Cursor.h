@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,8 @@ struct FieldInfo {
   std::string table;  ///< empty for a computed column
   std::string column;
 };
+
+enum class Direction { Add, Subtract };
 
 /// A record's key, for coming back to it. Keys of deleted records lead to 3167.
 using Bookmark = std::vector<std::int64_t>;
@@ -93,6 +96,14 @@ class Cursor {
   /// The first record with these leading key values; NoMatch tells. A Null finds the record with Null there.
   virtual void Seek(const std::vector<rt::Value>& key) = 0;
   virtual bool NoMatch() const = 0;
+  /// Inside a group: adds values to fields of the record with this whole key, or subtracts them; Seek, Edit,
+  /// Set and Update in one step. False, and nothing has happened, where it cannot be done in one step: the
+  /// record is not in the group's memory, is held by another, or cannot take the sum. The single steps do it
+  /// then, or say what is in the way.
+  virtual bool AddAtOnce(const std::vector<rt::Value>& /*key*/, const std::vector<int>& /*fields*/,
+                         std::span<const rt::Value> /*values*/, Direction /*direction*/) {
+    return false;
+  }
   /// The first row, or the next one behind the place, for which a condition of the dialect holds; NoMatch
   /// tells.
   virtual void FindFirst(std::string_view condition) = 0;

@@ -1,6 +1,7 @@
 // A cursor over a whole table: in the order of its key or of an index, with Seek.
 #include <algorithm>
 
+#include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
 #include "platform/store/FileFormat.h"
 #include "platform/store/RecordCursor.h"
@@ -137,6 +138,27 @@ class TableCursor : public RecordCursor {
       }
     }
     SeekInFile(values, Connection::Impl::CachedRows::Store);
+  }
+
+  bool AddAtOnce(const std::vector<rt::Value>& key, const std::vector<int>& fields,
+                 std::span<const rt::Value> values, Direction direction) override {
+    if (!index_ || Editing() || locking_ != Locking::Pessimistic || key.size() != index_->columns.size())
+      return false;
+    const auto cache = Impl().CacheFor(plan_->schema, *plan_->leading, *index_);
+    if (!cache) return false;
+    RowCache::KeyOf(key, sumKey_);
+    const auto found = cache->Rows().find(sumKey_);
+    if (found == cache->Rows().end() || !found->second) return false;
+    const std::shared_ptr<CachedRow>& row = found->second;
+    if (!FormSums(*row, fields, values, direction)) return false;
+    if (row->id != 0 && Impl().HoldRecord(Table(), row->id)) return false;
+    auto& before = Impl().Caches().NoteChange(*cache, row, Impl().Depth() > 0).before;
+    for (auto& [column, sum] : sums_) {
+      std::swap(row->values[column], sum);
+      before.emplace_back(column, std::move(sum));
+    }
+    Impl().NoteChange(Table());
+    return true;
   }
 
  protected:
@@ -372,6 +394,31 @@ class TableCursor : public RecordCursor {
     if (cachedRow_) key_ = cachedRow_->id;
   }
 
+  /// The sums that the row would have; false where a column cannot take its sum.
+  bool FormSums(const CachedRow& row, const std::vector<int>& fields, std::span<const rt::Value> values,
+                Direction direction) {
+    sums_.clear();
+    try {
+      for (std::size_t i = 0; i < fields.size(); ++i) {
+        const int column = plan_->leadingColumn[static_cast<std::size_t>(fields[i])];
+        const auto at = static_cast<std::size_t>(column);
+        if (column < 0) return false;
+        const rt::Value& old = row.values[at];
+        rt::Value sum = direction == Direction::Add ? rt::Add(old, values[i]) : rt::Subtract(old, values[i]);
+        const ColumnInfo& info = plan_->leading->columns[at];
+        if (sum.IsNull() && info.required) return false;
+        sums_.emplace_back(at, FitToColumn(info, sum));
+      }
+    } catch (const StoreError&) {
+      return false;
+    } catch (const rt::RuntimeError&) {
+      return false;
+    }
+    return true;
+  }
+
+  std::string sumKey_;
+  std::vector<std::pair<std::size_t, rt::Value>> sums_;
   std::string list_;
   Place place_ = Place::Begin;
   bool empty_ = false;
