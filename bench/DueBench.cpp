@@ -1,5 +1,5 @@
-// The due report of a whole fleet in both of its ways, against one hand-written statement that finds the same
-// due lines.
+// The due report of a whole fleet in both of its ways, compared with one hand-written statement that finds
+// the same due lines.
 #include <malloc.h>
 
 #include <algorithm>
@@ -83,11 +83,11 @@ class StatementCount {
   static inline std::set<std::string> texts_;
 };
 
-/// Another user who stores a row every few milliseconds, and the longest that one of them took.
+/// Another user who stores a row every few milliseconds, and the longest time that a row took.
 class Writer {
  public:
   explicit Writer(const std::string& path) : thread_([this, path] { Write(path); }) {}
-  /// Ends and gives the longest time in seconds.
+  /// Ends and returns the longest time in seconds.
   double Longest() {
     stop_ = true;
     if (thread_.joinable()) thread_.join();
@@ -122,8 +122,8 @@ class Writer {
   std::thread thread_;
 };
 
-/// What is allocated, pages of the file included. Resident memory would not show what a freed block serves
-/// for again.
+/// The allocated memory, including pages of the file. Resident memory would not show freed blocks that are
+/// used again.
 double MegabytesInUse() {
   const auto all = mallinfo2();
   return static_cast<double>(all.uordblks + all.hblkhd) / 1048576.0;
@@ -132,7 +132,7 @@ double MegabytesInUse() {
 struct Report {
   double seconds = std::numeric_limits<double>::max();
   std::int64_t found = 0;
-  double megabytes = 0;  ///< the most that the process held beyond what it held before
+  double megabytes = 0;  ///< the most that the process had allocated beyond the amount before
   std::string log;
 };
 

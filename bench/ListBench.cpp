@@ -1,4 +1,4 @@
-// Opening a long list against a bare reading of its keys.
+// Opening a long list, compared with merely reading its keys.
 #include <cstdio>
 
 #include "bench/Measure.h"

@@ -19,7 +19,7 @@ bool yieldsEachTime = false;
 
 namespace {
 
-// Nobody watches: every box is agreed to, and nothing sleeps.
+// Nobody watches: every box is confirmed, and nothing sleeps.
 class Unwatched : public screen::Screen {
  public:
   screen::Answer ShowBox(const screen::Box& box) override {

@@ -47,18 +47,18 @@ class PlainFile {
   sqlite3* db_ = nullptr;
 };
 
-/// Makes a sample fleet in the directory, points the system at it, and puts a screen in place that says yes
-/// to all.
+/// Makes a sample fleet in the directory, sets it as the data directory, and installs a screen that says yes
+/// to every question.
 void MakeFleet(const std::string& directory, int assets, int years);
-/// Whether the screen gives the data files back each time events are let run, which makes every posted row a
-/// commit.
+/// Whether the screen releases the data files each time events are run, which gives each posted row a
+/// physical commit of its own.
 extern bool yieldsEachTime;
 /// Resident memory of this process in MB.
 double ResidentMegabytes();
 /// "name: value unit", aligned.
 void Tell(const std::string& name, double value, const std::string& unit);
 
-// The measurements; each gives 0 when it could measure.
+// The measurements; each returns 0 if it could measure.
 int Posting(int transactions);
 int Lists(int transactions);
 int Due(int assets);

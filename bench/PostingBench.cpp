@@ -70,7 +70,7 @@ void RebuildBySets(PlainFile& file) {
   file.Run("COMMIT");
 }
 
-// Another workstation that stores one reading after the other; the longest of its waits, in seconds.
+// Another workstation that stores one reading after the other; returns its longest wait in seconds.
 class SecondWriter {
  public:
   explicit SecondWriter(const std::string& path) {
@@ -153,7 +153,7 @@ int Posting(int transactions) {
 
   fs::copy_file(fresh, path, fs::copy_options::overwrite_existing);
   {
-    // The same rows with a commit of their own each: what a row costs without sharing.
+    // The same rows with a physical commit each: the cost of a row without sharing.
     PlainFile file(path);
     file.Run("DELETE FROM \"Maintenance Transactions\" WHERE ID > 1000");
   }

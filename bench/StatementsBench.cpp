@@ -17,7 +17,7 @@
 namespace bench {
 namespace {
 
-/// Counts the statements of every connection that this process opens from here on, by their texts.
+/// Counts the statements of every connection that this process opens from now on, by their texts.
 class StatementCounter {
  public:
   StatementCounter() { sqlite3_auto_extension(reinterpret_cast<void (*)()>(Attach)); }
@@ -33,7 +33,7 @@ class StatementCounter {
     for (const auto& [text, times] : Texts()) count += times;
     return count;
   }
-  /// The texts that came most often in the last work.
+  /// The most frequent texts of the last work.
   static void TellMostFrequent(std::size_t most) {
     std::multimap<std::int64_t, std::string, std::greater<>> byCount;
     for (const auto& [text, times] : Texts()) byCount.emplace(times, text);

@@ -1,4 +1,4 @@
-// How much several processes get done at once on one data directory.
+// How much work several processes do at once on one data directory.
 #include <cstdio>
 #include <random>
 

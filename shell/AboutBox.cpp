@@ -15,7 +15,7 @@ constexpr const char* kParametersQuery = "SELECT * FROM [Parameters] WHERE [ID] 
 constexpr std::array<const char*, 4> kOrganisationColumns{"Organization Name", "Address Line 1",
                                                           "Address Line 2", "Address Line 3"};
 
-/// The main file, closed again whatever happens while it is read.
+/// The main file, closed again in every case.
 struct OpenFile {
   DaoWorkspacePtr workspace;
   DaoDatabasePtr database;
@@ -35,7 +35,7 @@ void AddParameters(dao::Recordset& rows) {
   DaoUpdateRecord(rows);
 }
 
-/// The date alone: what was stored with a time of day was installed on a day.
+/// The date alone: the stored value may have a time of day as well.
 std::string DateShown(const rt::Value& value) {
   return value.IsNull() ? std::string() : rt::ShortDate(value.AsDate());
 }
@@ -60,7 +60,7 @@ AboutFacts LoadAboutBox() {
     AddParameters(*file.rows);
     CloseObject(file.rows);
     file.rows = file.database->OpenRecordset(kParametersQuery);
-    // The engine has told why there is none.
+    // The engine's message has said why there is none.
     if (file.rows->AtEnd()) return facts;
   }
   for (std::size_t i = 0; i < facts.organisation.size(); ++i)

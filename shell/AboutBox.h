@@ -1,4 +1,4 @@
-// What the About box tells of the organisation, and what the program keeps of it.
+// What the About box shows of the organization, and what the program keeps of it.
 #pragma once
 
 #include <array>
@@ -8,12 +8,12 @@ namespace dw {
 
 struct AboutFacts {
   std::array<std::string, 4> organisation;  ///< name and three lines of address
-  std::string dateInstalled;                ///< in the short form; empty where none is on file
+  std::string dateInstalled;                ///< in the short form; empty if none is on file
 };
 
-/// Reads the row of `Parameters`, and adds it where the main file is new and has none. Sets OrganisationName,
-/// AppVersion, and SystemPath and SystemFile where the settings name the system's directory. Without a main
-/// file everything is empty; engine errors are thrown.
+/// Reads the row of `Parameters`, and adds it if the main file is new and has none. Sets OrganisationName,
+/// AppVersion, and SystemPath and SystemFile if the settings name the system's directory. Without a main file
+/// everything is empty; engine errors are thrown.
 AboutFacts LoadAboutBox();
 
 }  // namespace dw

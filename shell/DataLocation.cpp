@@ -30,7 +30,7 @@ ServerLoginForm& LoginForm() {
   return form;
 }
 
-/// Server and login are asked for as long as the settings do not tell them; then the string is built.
+/// Asks for server and login until the settings have them, and then builds the connection string.
 bool ConnectToServer(const ApplicationFacts& facts) {
   const auto setting = [&](const char* key) { return sys::GetSetting(facts.code, kDataSection, key); };
   const std::string server = setting("Server Name");

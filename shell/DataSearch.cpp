@@ -27,14 +27,14 @@ DriveProvider& Provider() {
   return provider;
 }
 
-/// The file system that a directory itself, not what it may link to, lies on; empty for all else.
+/// The file system of the directory itself, not of a link's target; empty for anything else.
 std::optional<dev_t> DeviceOfDirectory(const std::string& path) {
   struct stat state {};
   if (lstat(path.c_str(), &state) != 0 || !S_ISDIR(state.st_mode)) return std::nullopt;
   return state.st_dev;
 }
 
-/// Appends the directories in `directory` that lie on the same file system.
+/// Appends the directories in `directory` that are on the same file system.
 void AppendChildren(const std::string& directory, dev_t device, std::vector<std::string>& directories) {
   const auto begin = static_cast<std::ptrdiff_t>(directories.size());
   const std::string base = WithSeparator(directory);
@@ -85,7 +85,7 @@ std::vector<std::string> ListSubdirectories(const std::string& root, const std::
   const auto device = DeviceOfDirectory(root);
   if (!device) return {};
   std::vector<std::string> directories{root};
-  // What is found is appended behind the level that is being read, and its own turn comes later.
+  // Subdirectories are appended behind the level that is being read, and are read later.
   for (std::size_t i = 0; i < directories.size(); ++i) {
     screen::DoEvents();
     if (stopped && stopped()) break;

@@ -21,17 +21,17 @@ constexpr std::size_t kExcerptBehind = 110;
 constexpr std::size_t kExcerptLength = kExcerptBefore + kExcerptBehind;
 constexpr std::size_t kMostCounted = 10;
 
-// What a word is worth by the place where it stands.
+// The worth of a word, by where in the page it is found.
 constexpr std::size_t kTitleWorth = 40;
 constexpr std::size_t kKeywordWorth = 20;
 constexpr std::size_t kPhraseWorth = 50;
 
 constexpr std::string_view kBlanks = " \t\r\n";
-/// What a word is rid of at both ends: blanks and the signs of a sentence.
+/// The characters that are removed from both ends of a word: blanks and punctuation.
 constexpr std::string_view kSigns = " \t\r\n\"'.,;:!?()[]&";
 
 std::string directory;
-/// The pages that were read; empty until somebody asks for one.
+/// The pages that were read; empty until the first call.
 std::optional<std::vector<HelpPage>> pagesRead;
 
 std::string ReadFile(const fs::path& path) {
@@ -66,7 +66,7 @@ std::size_t Count(const std::string& text, const std::string& word) {
   return count;
 }
 
-/// The text as it was typed, in lower case, with single blanks and without signs at its ends.
+/// The text as it was typed, in lower case, with single blanks and without punctuation at its ends.
 std::string Phrase(std::string_view text) {
   std::string phrase;
   for (const char c : LowerLetters(text)) {
@@ -77,7 +77,7 @@ std::string Phrase(std::string_view text) {
   return Trimmed(phrase);
 }
 
-/// A page as the search sees it.
+/// A page in the form in which it is searched.
 struct Searched {
   std::string title;
   std::string keywords;
@@ -172,7 +172,7 @@ std::vector<std::string> HelpSearchWords(std::string_view text) {
 
 std::size_t BestHelpPlace(std::string_view text, const std::vector<std::string>& words) {
   const std::string lower = LowerLetters(text);
-  std::map<std::size_t, std::size_t> places;  // where a word stands, and which one
+  std::map<std::size_t, std::size_t> places;  // where a word is, and which one
   for (std::size_t word = 0; word < words.size(); ++word)
     for (std::size_t at = lower.find(words[word]); at != std::string::npos;
          at = lower.find(words[word], at + 1))
@@ -201,7 +201,7 @@ std::vector<HelpHit> SearchHelp(std::string_view text) {
   };
   std::vector<Found> found;
   for (const HelpPage& page : Pages()) {
-    // The page of contents holds the titles of all others and tells nothing of its own.
+    // The page of contents has the titles of all other pages and no text of its own.
     if (page.file == kHelpContentsPage) continue;
     const Searched lower{LowerLetters(page.title), LowerLetters(page.keywords), LowerLetters(page.text)};
     std::optional<std::size_t> worth = Worth(lower, words);

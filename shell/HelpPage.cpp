@@ -23,7 +23,7 @@ constexpr std::array<Entity, 8> kEntities{{{"&amp;", "&"},
                                            {"&nbsp;", " "},
                                            {"&ndash;", "-"}}};
 
-/// Collects text; a run of blanks becomes one, and none stands at either end.
+/// Collects text; a run of blanks becomes one, and none is kept at either end.
 class TextMaker {
  public:
   void Add(char c) {

@@ -1,4 +1,4 @@
-// One help page taken apart: its head, its text without marks, its links.
+// One help page taken apart: its head, its text without tags, its links.
 #pragma once
 
 #include <string>
@@ -22,10 +22,10 @@ HelpPage ReadHelpPage(const std::string& file, std::string_view html);
 std::string LowerLetters(std::string_view text);
 /// HTML without its tags, with its entities as characters, and runs of blanks as single ones.
 std::string PlainHelpText(std::string_view html);
-/// What stands between the first `<tag ...>` from `position` on and its `</tag>`; moves the position behind
-/// it. Empty, and the position at the end, where there is none.
+/// The text between the first `<tag ...>` at or after `position` and its `</tag>`; moves the position behind
+/// it. If there is none, returns an empty text and moves the position to the end.
 std::string_view NextElement(std::string_view html, std::string_view tag, std::size_t& position);
-/// The value of an attribute in the text of a tag; empty when it has none.
+/// The value of an attribute in the text of a tag; empty if it has none.
 std::string Attribute(std::string_view tag, std::string_view name);
 
 }  // namespace dw

@@ -22,10 +22,10 @@ namespace {
 
 constexpr const char* kSystemCode = "PK";
 constexpr const char* kSystemFile = "BFSYS.MDB";
-/// The code of a copy that another user's open file refuses.
+/// The code of a copy that is refused because another user has the file open.
 constexpr int kSharingViolation = 32;
 
-/// The question before a file is replaced, where the desktop has none of its own.
+/// The question before a file is replaced, for a program whose desktop has installed none.
 class ReplaceQuestion {
  public:
   ReplaceQuestion() : earlier_(sys::InstallReplaceConfirm(&Ask)) {
@@ -50,12 +50,12 @@ std::string HomeDirectory() {
   return user != nullptr ? user->pw_dir : "/";
 }
 
-/// The release's directory of initialized files, as its path begins at the root of the disc.
+/// The release's directory of initialized files, given from the root of the disc.
 std::string ReleaseFolder(const std::string& code) {
   return screen::ApplicationTitle() + " Release/" + code + " Initialized Data Files/";
 }
 
-/// Copies a file into a directory; where it stands there afterwards, empty if it does not.
+/// Copies a file into a directory. Returns its path there, or an empty text if it could not be copied.
 std::string CopyInto(const std::string& directory, const std::string& source, const std::string& name) {
   std::string target = FindFile(directory, name);
   if (CopyDataFile(source, target) != CopyEnd::Copied) return {};

@@ -1,5 +1,5 @@
-// The login to a database server: what the settings keep of it, its rules, a try, and the connection strings
-// that only they need.
+// The login to a database server: the settings for it, its rules, a test, and the connection strings that
+// only logins need.
 #pragma once
 
 #include <string>
@@ -14,21 +14,22 @@ struct ServerLogin {
   std::string confirmed;  ///< the password entered a second time
 };
 
-/// The login that the settings keep for a code; a trusted one has no user and password.
+/// The login that the settings have for a code; a trusted one has no user and password.
 ServerLogin ReadServerLogin(const std::string& code);
-/// Keeps it. User and password of an earlier login are removed when the connection is trusted.
+/// Keeps the login in the settings. Removes user and password of an earlier login if the connection is
+/// trusted.
 void SaveServerLogin(const std::string& code, const ServerLogin& login);
 
 enum class LoginFault { None, UserId, Password };
-/// Tells what is wrong with a login, if anything is. A trusted one is always good.
+/// Reports what is wrong with a login, if anything is. A trusted one is always good.
 LoginFault CheckServerLogin(const ServerLogin& login);
 
-/// Tries the login and tells whether it worked.
+/// Tests the login and shows whether it worked.
 void TestServerLogin(const ServerLogin& login, const std::string& database);
-/// The string that the try opens.
+/// The connection string of the test.
 std::string TestConnect(const ServerLogin& login, const std::string& database);
 
-/// The strings for the server's own driver, trusted or by login. Their database is always the same one.
+/// The strings for the server's own driver, trusted or by login. They always name the same database.
 std::string DriverConnect(const std::string& server);
 std::string DriverConnect(const std::string& server, const std::string& id, const std::string& password);
 

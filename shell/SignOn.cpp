@@ -27,8 +27,8 @@ bool PasswordFits(const rt::Value& stored, const std::string& typed) {
 
 SignOnResult CheckUser(const AdoConnectionPtr& connection, const std::string& userName,
                        const std::string& password) {
-  // The name goes in as typed. Where an apostrophe breaks the query, its message has been shown and the user
-  // tries again.
+  // The name goes into the query as typed. If an apostrophe breaks the query, a message has said so and the
+  // user tries again.
   AdoRecordsetPtr user =
       AdoOpenRecordset(connection, "SELECT * FROM [Application User List] WHERE UCASE([User Name]) = '" +
                                        rt::UpperCase(userName) + "'");
@@ -60,7 +60,7 @@ SignOnResult CheckWorkstation(const AdoConnectionPtr& connection) {
   AdoRecordsetPtr workstation = AdoOpenRecordset(
       connection, "SELECT * FROM [Application Workstation List] WHERE UCASE([Workstation Name]) = '" +
                       rt::UpperCase(WorkstationName) + "'");
-  // No other try can mend this machine's name.
+  // Another try cannot change this machine's name.
   if (!workstation) return SignOnResult::Refused;
   if (workstation->AtEnd() || !workstation->Get("Active").AsBoolean() ||
       !workstation->Get("Allow Access").AsBoolean()) {
@@ -78,10 +78,10 @@ void TellFailure(const Failure& failure, const std::string& purpose) {
       screen::Icon::Critical);
 }
 
-/// Writes the end of the session; throws ado::Error when the row cannot be read or taken.
+/// Writes the end of the session; throws ado::Error if the row cannot be read or held.
 void CloseNewestRow(const AdoConnectionPtr& connection) {
   const std::string user = std::to_string(CurrentUserID);
-  // Of sessions that began within one second the last one to sign on is the newest.
+  // Of sessions that began in the same second, the one with the highest ID is the newest.
   AdoRecordsetPtr log = AdoOpenRecordset(
       connection,
       "SELECT * FROM [Access Log] WHERE [User ID] = " + user + " ORDER BY [Time In] DESC, [ID] DESC",
@@ -120,7 +120,7 @@ SignOnResult CheckSignOn(const std::string& userName, const std::string& passwor
   CloseObject(connection);
   if (result != SignOnResult::Passed) return result;
   SignedOn = true;
-  // From here on locks and rosters name this session.
+  // From here on locks and rosters show the names of this session.
   store::SetIdentity(WorkstationName, CurrentUserName);
   return result;
 }
@@ -168,7 +168,7 @@ void SignOff() {
   if (AdoOpenConnection(connection, UsersConnect, false)) {
     const Failure failure = Try([&] { CloseNewestRow(connection); });
     TellFailure(failure, "Unable to write your sign-off into the access log.");
-    // An update that the user gave up leaves the hourglass.
+    // An update that the user gave up leaves the pointer an hourglass.
     screen::SetPointer(screen::Pointer::Normal);
   }
   CloseObject(connection);

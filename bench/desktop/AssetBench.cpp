@@ -22,7 +22,7 @@ constexpr int kPhotos = 60;
 constexpr double kMegabyte = 1048576;
 const std::string kWindow = dw::frmInventoryMaint::kName;
 
-/// A picture with a sky, a ground and grain all over, as a camera makes it: the grain is what fills the file.
+/// A picture with a sky, a ground and grain all over, as a camera takes it: the grain makes the file large.
 QImage Scene(int width, int height) {
   QImage image(width, height, QImage::Format_RGB888);
   std::uint32_t dice = 1;
@@ -68,7 +68,7 @@ class AssetOnScreen {
       ForgetPeak();
       before = ResidentMegabytes();
       const Opening one = Open();
-      // The first round brings in fonts, style and code as well.
+      // The first round loads fonts, style and code as well.
       if (round == 1) {
         TrimMemory();
         resident = ResidentMegabytes() - before;
@@ -117,7 +117,7 @@ class AssetOnScreen {
     Tell("  most memory while it was opened", peak, "MB");
   }
 
-  /// Gives the picture to the asset, or to so many assets from the first one on.
+  /// Stores the picture with the asset, or with `count` assets from the first one on.
   void Store(const QByteArray& picture, int assets = 1) {
     sqlite3_stmt* statement = nullptr;
     sqlite3_prepare_v2(
@@ -141,7 +141,7 @@ class AssetOnScreen {
     double Whole() const { return load + show + paint; }
   };
 
-  /// As a list opens it.
+  /// Opened in the way a list opens it.
   Opening Open() {
     Opening opening;
     const double whole = desk_.UntilPainted(kWindow, [&] {
@@ -157,7 +157,7 @@ class AssetOnScreen {
     return opening;
   }
 
-  /// Rows of other assets become the asset's, until it has so many; what it has too many goes.
+  /// Moves rows of other assets to this one until it has the wanted number.
   void Gather(const std::string& table, int rows) {
     const std::string quoted = "\"" + table + "\"";
     const std::string own = "(SELECT \"Asset ID\" FROM \"Vehicles\" WHERE ID = " + std::to_string(id_) + ")";

@@ -42,7 +42,7 @@ class PaintWatch : public QObject {
 
 }  // namespace
 
-/// Remembers the first box that came up.
+/// Remembers the first box.
 class Desk::Boxes : public WithoutPauses {
  public:
   using WithoutPauses::WithoutPauses;

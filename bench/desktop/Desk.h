@@ -16,8 +16,7 @@ class QWidget;
 
 namespace bench {
 
-/// The program's screen, but that nothing waits: every window pauses for a moment when it closes, which is no
-/// work.
+/// The program's screen without pauses: the moment that every window waits when it closes is not work.
 class WithoutPauses : public screen::Screen {
  public:
   explicit WithoutPauses(std::shared_ptr<screen::Screen> program) : program_(std::move(program)) {}
@@ -37,8 +36,8 @@ class WithoutPauses : public screen::Screen {
   std::shared_ptr<screen::Screen> program_;
 };
 
-/// The program on a sample fleet, set up as main() does it, signed on as an administrator. A message box that
-/// comes up is answered by "OK" or "No" and fails the measurement; nothing pauses.
+/// The program on a sample fleet, set up as main() does it, signed on as an administrator. A message box is
+/// answered with "OK" or "No" and fails the measurement; nothing pauses.
 class Desk {
  public:
   Desk(int& argc, char** argv, int assets, int years);
@@ -46,13 +45,13 @@ class Desk {
   Desk(const Desk&) = delete;
   Desk& operator=(const Desk&) = delete;
 
-  /// Runs `work`, then lets events happen until something in the window of that name has been painted and
-  /// nothing is left to do. Milliseconds from the beginning of the work. Throws where a box came up, or
-  /// nothing was painted.
+  /// Runs `work`, then processes events until something in the window of that name has been painted and
+  /// nothing is left to do. Returns the milliseconds from the beginning of the work. Throws if a box came up
+  /// or nothing was painted.
   double UntilPainted(const std::string& window, const std::function<void()>& work);
-  /// A key goes down and up in a control.
+  /// Presses and releases a key in a control.
   void Press(QWidget& control, int key, const std::string& text = {});
-  /// Unloads all forms and lets the rest happen.
+  /// Unloads all forms and processes the remaining events.
   void CloseAll();
   void Settle();
 
@@ -69,7 +68,7 @@ class Desk {
   std::shared_ptr<Boxes> boxes_;
 };
 
-/// The least of some rounds of a measurement.
+/// The shortest of several rounds of a measurement.
 template <class Measurement>
 double Best(int rounds, Measurement measurement) {
   double best = 1e12;
@@ -80,13 +79,13 @@ double Best(int rounds, Measurement measurement) {
 /// The most memory that this process has had since the last call of ForgetPeak, in MB.
 double PeakMegabytes();
 void ForgetPeak();
-/// Gives freed memory back to the system, so that what is resident is in use.
+/// Returns freed memory to the system, so that resident memory is memory in use.
 void TrimMemory();
 
-// The measurements; each gives 0 when it could measure.
+// The measurements; each returns 0 if it could measure.
 int Start(int rounds, char** argv);
-/// The program that Start starts: from `began` (nanoseconds of the steady clock) it tells its steps on its
-/// output.
+/// The program that Start starts: it writes its steps, timed from `began` (nanoseconds of the steady clock),
+/// to its output.
 int StartedProgram(int& argc, char** argv, std::int64_t began);
 int DeskList(int& argc, char** argv, int transactions);
 int DeskDetail(int& argc, char** argv, int transactions);

@@ -21,7 +21,7 @@ constexpr int kRounds = 5;
 constexpr int kAssetColumn = 1;
 const std::string kList = dw::frmTransactionList::kName;
 
-/// The least time that a query takes to its last row, in milliseconds.
+/// The shortest time that a query takes to its last row, in milliseconds.
 double Stepped(PlainFile& file, const std::string& sql) {
   return Best(kRounds, [&] {
     return Seconds([&] {
@@ -50,7 +50,7 @@ class ListOnScreen {
          Stepped(file_,
                  "SELECT ID FROM \"Maintenance Transactions\" ORDER BY \"Asset ID\", \"Transaction Date\""),
          "ms");
-    // Fonts, style and the code itself are in memory once any list has been shown.
+    // Fonts, style and the code itself are in memory once a list has been shown.
     desk_.UntilPainted(dw::frmDivisionList::kName, [] { ui::The<dw::frmDivisionList>().ShowForm(); });
     desk_.CloseAll();
     TrimMemory();
@@ -182,7 +182,7 @@ class ListOnScreen {
     return desk_.UntilPainted(kList, [&] { desk_.Press(Grid(), key); });
   }
 
-  /// All fields of the rows of a page by their keys, as any list has to read them.
+  /// All fields of the rows of a page by their keys: the least that any list has to read.
   void PageFloor(int rows) {
     sqlite3_stmt* statement = nullptr;
     sqlite3_prepare_v2(file_.Db(), "SELECT * FROM \"Maintenance Transactions\" WHERE ID = ?", -1, &statement,

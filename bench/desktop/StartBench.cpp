@@ -38,7 +38,7 @@ std::int64_t Now() {
       .count();
 }
 
-/// Runs the work once, so many milliseconds from now, unless the object is gone by then.
+/// Runs the work once, after this many milliseconds, unless the object is gone by then.
 void After(int pause, QObject& object, const std::function<void()>& work) {
   auto* timer = new QTimer(&object);
   timer->setSingleShot(true);
@@ -47,8 +47,7 @@ void After(int pause, QObject& object, const std::function<void()>& work) {
   timer->start(pause);
 }
 
-/// Goes through the windows of a start as a user does who clicks at once, and tells when each one was
-/// painted.
+/// Goes through the windows of a start like a user who clicks at once, and reports when each one was painted.
 class Walk : public QObject {
  public:
   explicit Walk(std::int64_t began) : began_(began) { qApp->installEventFilter(this); }
@@ -64,7 +63,7 @@ class Walk : public QObject {
     const QString window = static_cast<QWidget*>(watched)->window()->objectName();
     if (std::find(seen_.begin(), seen_.end(), window) != seen_.end()) return false;
     seen_.push_back(window);
-    // Behind the event that paints, when the window system has the pixels.
+    // Runs after the event that paints, when the window system has the pixels.
     ui::Later(*this, [this, window] { Painted(window); });
     return false;
   }
@@ -93,7 +92,7 @@ class Walk : public QObject {
     button.click();
   }
 
-  /// Says "No" to the question over the main window, and goes home.
+  /// Answers "No" to the question over the main window, and quits.
   void Answer() {
     if (++atTheEnd_ < 2) return;
     After(0, *this, [] {
@@ -108,7 +107,7 @@ class Walk : public QObject {
   int atTheEnd_ = 0;
 };
 
-/// Starts this program again for one walk; what it has told.
+/// Starts this program again for one walk, and returns its output.
 std::string OneStart(char** argv) {
   int ends[2];
   if (pipe(ends) != 0) throw std::runtime_error("no pipe");

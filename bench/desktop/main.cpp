@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   const int size = argc > 2 ? std::atoi(argv[2]) : 0;
   // Without a desktop the windows are painted into memory.
   if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY")) setenv("QT_QPA_PLATFORM", "offscreen", 0);
-  // What a platform without a window manager cannot do is of no interest here.
+  // Messages about what a platform without a window manager cannot do are of no interest here.
   setenv("QT_LOGGING_RULES", "default.warning=false", 0);
   try {
     if (what == "start") return bench::Start(size > 0 ? size : 10, argv);

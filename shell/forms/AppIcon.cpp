@@ -17,7 +17,7 @@ const QColor kTyre(30, 34, 40);
 const QColor kRim(206, 212, 214);
 const QColor kRoad(22, 60, 72);
 
-/// Everything is drawn on a square of 64 units. Small icons go without what would only blur.
+/// Everything is drawn on a square of 64 units. Small icons omit the details that would blur.
 void Paint(QPainter& painter, bool small) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);

@@ -5,7 +5,7 @@
 
 namespace dw {
 
-/// A lorry on a road, painted in all sizes from 16 to 256 pixels. Needs the application to be there.
+/// A truck on a road, painted in all sizes from 16 to 256 pixels. Needs the application object.
 QIcon ApplicationIcon();
 
 }  // namespace dw

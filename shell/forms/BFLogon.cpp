@@ -94,7 +94,7 @@ void BFLogon::Start() {
   CleanOldSettings();
   bool ok = false;
   LocateData(ok);
-  // While the data was looked for all forms may have been closed.
+  // All forms may have been closed during the search for the data.
   if (!ok || !alive || !Loaded()) return;
 
   const bool known = !CurrentUserName.empty() && CurrentUserName != "UnknownUser";
@@ -136,7 +136,7 @@ void BFLogon::SignOn() {
   if (!alive || !Loaded()) return;
   switch (result) {
     case SignOnResult::Passed:
-      // The table's spelling of the name holds.
+      // Show the name as the table spells it.
       Text1.SetText(CurrentUserName);
       Unload();
       break;
@@ -145,7 +145,7 @@ void BFLogon::SignOn() {
       break;
     case SignOnResult::TryAgain:
       ++Attempts;
-      // A retry overtypes.
+      // In a retry, typing replaces the old text.
       Text1.SelectOnEntry();
       Text2.SelectOnEntry();
       EnableSignOnControls();

@@ -22,8 +22,8 @@ class BFLogon : public ui::Form {
   bool Activated = false;  ///< the first activation has begun
   int Attempts = 0;        ///< failed tries
 
-  /// Asks for this machine's name until one of at most 20 characters is given, and keeps it. Not `ok` when
-  /// the user gives none.
+  /// Asks for this machine's name until it has at most 20 characters, and keeps it. Not `ok` if the user
+  /// enters none.
   void AskWorkstationName(bool& ok);
   void DisableSignOnControls() { EnableControls(false); }
   void EnableSignOnControls() { EnableControls(true); }
@@ -36,7 +36,7 @@ class BFLogon : public ui::Form {
  private:
   void LayOut();
   void EnableControls(bool enable);
-  /// The steps of the first activation; without a workstation's name at their end the form closes.
+  /// The steps of the first activation. The form closes if they find no workstation name.
   void Start();
   void SignOn();
 };

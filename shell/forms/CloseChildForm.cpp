@@ -13,7 +13,7 @@
 namespace dw {
 namespace {
 
-/// So that a click that closed a form does not land on what stood under it.
+/// A click that closed a form must not reach what was under it.
 constexpr int kMoment = 100;
 
 int closingAll = 0;
@@ -23,9 +23,9 @@ bool IsOpen(ui::Form* form) {
   return std::find(forms.begin(), forms.end(), form) != forms.end();
 }
 
-/// The row of the session is closed once, whichever forms still go.
+/// Closes the session's row once, even if more forms close afterwards.
 void SignOffOnce() {
-  // A start from now on is a program of its own, not a call for windows that are gone.
+  // A second start of the program from now on must run by itself and not bring these closing windows forward.
   LeaveSingleInstance();
   if (!SignedOn) return;
   SignedOn = false;
@@ -36,7 +36,7 @@ void SignOffOnce() {
 
 void CloseChildForm(ui::Form& closing, AfterHidden after) {
   screen::Sleep(kMoment);
-  // The notice is no window that anybody works in.
+  // Nobody works in the notice.
   std::vector<ui::Form*> others = ui::Forms();
   std::erase(others, &closing);
   std::erase(others, ui::Existing<frmMessage>());
@@ -64,7 +64,7 @@ bool ClosingAllForms() { return closingAll > 0; }
 
 void InstallFormEnds() {
   ui::InstallUnloadHook([](ui::Form& closing) {
-    // The notice comes and goes inside the work of others.
+    // The notice comes and goes while other forms work.
     if (&closing != ui::Existing<frmMessage>()) CloseChildForm(closing, AfterHidden::SignOff);
   });
   InstallEndApplication([] {

@@ -139,7 +139,7 @@ void GetDataPath::DriveChosen() {
   if (following_) return;
   const std::string drive = Drive1.Drive();
   if (Dir1.SetPath(drive.empty() ? "/" : drive)) return;
-  // The drive is not ready: back to the one that is still shown.
+  // The drive is not ready: back to the one that is shown.
   following_ = true;
   Drive1.SetDrive(Dir1.Path());
   following_ = false;
@@ -161,7 +161,7 @@ void GetDataPath::ShowChosen() {
 
 void GetDataPath::EnableButtons(bool enable) {
   busy_ = !enable;
-  // Without a directory there is nothing to take over.
+  // OK needs a directory.
   cmdOK.setEnabled(enable && !txtDataPath.Text().empty());
   for (QPushButton* button : {&cmdCancel, &cmdLocate, &cmdCDInstall}) button->setEnabled(enable);
 }
@@ -169,7 +169,7 @@ void GetDataPath::EnableButtons(bool enable) {
 void GetDataPath::Accept() {
   const std::string directory = ui::PlainPath(txtDataPath.Text());
   if (directory != found_) {
-    // What was typed is taken over only where the lists find the file there.
+    // A typed directory is accepted only if the lists find the file there.
     if (directory != Dir1.Path() && !Dir1.SetPath(directory)) return;
     ShowChosen();
     if (txtDataPath.Text().empty()) {
@@ -201,7 +201,7 @@ void GetDataPath::Locate() {
     Unload();
     return;
   }
-  // Where there is no drive the buttons stay as they are: the window can only be closed.
+  // If there are no drives, the buttons stay disabled: the window can only be closed.
   if (end == SearchEnd::NoDrives) return;
   EnableButtons(true);
   (cmdOK.isEnabled() ? cmdOK : cmdLocate).setFocus();
@@ -222,7 +222,7 @@ namespace {
 
 /// Shows the window once. True if the user canceled it.
 bool AskForDirectory(const std::string& fileName) {
-  // The program waits, but the user is to work in the window.
+  // The program is waiting, but the user has to work in this window.
   const screen::Pointer pointer = screen::SetPointer(screen::Pointer::Normal);
   auto& form = ui::The<GetDataPath>();
   form.FileName = fileName;
@@ -239,7 +239,7 @@ bool IsMissing(const std::string& fileName) {
   return !FileExists(FindFile(system ? SystemPath : DataPath, name));
 }
 
-/// Closes every form and comes back: what looks for its file goes on looking.
+/// Closes every form and returns, so that the search for the file can go on.
 void CloseAllForms() {
   try {
     EndApplication();
@@ -258,8 +258,8 @@ void FindDataFile(const std::string& fileName) {
     CloseAllForms();
     if (!IsMissing(fileName)) break;
   }
-  // The work that misses the file belonged to windows that have been closed. The user has found the data and
-  // begins anew.
+  // The windows whose work needed the file have been closed. Now that the file is found, the user starts
+  // anew.
   if (otherForms && ui::Forms().empty()) throw WindowsClosed();
   SetCompanionFiles();
 }

@@ -15,14 +15,15 @@
 
 namespace dw {
 
-/// Takes over a directory that holds the file, and keeps it in the settings. The window can be closed while
+/// Takes over a directory with the file, and keeps it in the settings. The user can close the window during
+/// its search; the search ends first.
 /// its search runs; the search ends first.
 class GetDataPath : public ui::Form {
  public:
   GetDataPath();
 
-  std::string FileName;  ///< the file that is looked for; may arrive with a path
-  std::string AppID;     ///< the application code; the program's own where it is empty
+  std::string FileName;  ///< the file to look for; may come with a path
+  std::string AppID;     ///< the application code; the program's own if empty
 
   ui::DriveListBox Drive1{"Drive1", MachineDrives};
   ui::DirListBox Dir1{"Dir1"};
@@ -56,15 +57,15 @@ class GetDataPath : public ui::Form {
   bool following_ = false;  ///< the drive list is being moved to where the directory list is
   bool searching_ = false;
   bool stopped_ = false;  ///< the window is to close as soon as the search has ended
-  bool busy_ = false;     ///< the buttons are out of use
-  std::string found_;     ///< the copy that the search has found and the user accepted
+  bool busy_ = false;     ///< the buttons are disabled
+  std::string found_;     ///< the copy that the search found and the user accepted
 };
 
 /// Shows the window for a missing file, and returns when the user has chosen or closed it. Cancel closes
-/// every form after a message, and the window comes again for as long as the file is missing; WindowsClosed
-/// is thrown when it has been found after all.
+/// every form after a message, and the window comes again as long as the file is missing. Throws
+/// WindowsClosed if the file has been found after other forms were closed.
 void FindDataFile(const std::string& fileName);
-/// Has FindDataFile answer for missing files, and frmGetSQLInfo for an unknown server.
+/// Installs FindDataFile for missing files, and frmGetSQLInfo for an unknown server.
 void InstallLocators();
 
 }  // namespace dw

@@ -13,7 +13,7 @@
 namespace dw {
 namespace {
 
-/// The nearest window above the widget that has a page, else the active form.
+/// The nearest window around the widget that has a page, else the active form.
 std::string WindowToExplain(const QWidget* widget) {
   for (const QWidget* window = widget->window(); window != nullptr;) {
     std::string name = window->objectName().toStdString();
@@ -32,7 +32,7 @@ class HelpKey : public QObject {
     if (event->type() != QEvent::KeyPress || !watched->isWidgetType()) return false;
     const auto* key = static_cast<QKeyEvent*>(event);
     if (key->key() != Qt::Key_F1 || key->modifiers() != Qt::NoModifier) return false;
-    // An open menu would keep the mouse to itself.
+    // An open menu would grab the mouse.
     while (QWidget* popup = QApplication::activePopupWidget())
       if (!popup->close()) break;
     if (!key->isAutoRepeat()) ShowHelpFor(WindowToExplain(static_cast<QWidget*>(watched)));

@@ -61,7 +61,7 @@ HelpResults::HelpResults(QWidget* parent) : QListWidget(parent) {
   setItemDelegate(new HitDelegate(this));
   setAlternatingRowColors(true);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  // The rows are as high as their text at the list's width.
+  // Each row is as high as its text at the list's width.
   setResizeMode(QListView::Adjust);
 }
 

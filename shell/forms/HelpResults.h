@@ -13,10 +13,9 @@ namespace dw {
 class HelpResults : public QListWidget {
  public:
   explicit HelpResults(QWidget* parent);
-  /// Takes the place of what was there; no row is current then. No hits at all are told in a row of their
-  /// own.
+  /// Replaces the hits that were shown; no row is current then. Without hits one row says so.
   void Fill(const std::vector<HelpHit>& hits);
-  /// The page of the current row; empty without one.
+  /// The page of the current row; empty if there is none.
   std::string CurrentPage() const;
   /// How many pages were found.
   int Found() const { return found_; }

@@ -52,7 +52,7 @@ QToolButton* PageButton(QWidget* parent, QStyle::StandardPixmap icon, const QStr
   return button;
 }
 
-/// Shows pages in colors that can be read on the desktop's own ground, dark or light.
+/// Shows pages in colors that are readable on the desktop's own background, dark or light.
 class PageView : public QTextBrowser {
  public:
   using QTextBrowser::QTextBrowser;
@@ -246,21 +246,22 @@ void HelpWindow::MarkWords() {
   }
   txtPage->setExtraSelections(marks);
   if (marks.isEmpty()) return;
-  // Latin-1 has one byte for each character of the page, so that places are the same.
+  // Latin-1 has one byte for each character of the page, so that positions are the same.
   const std::string text = txtPage->document()->toPlainText().toLatin1().toStdString();
   QTextCursor place(txtPage->document());
   place.movePosition(QTextCursor::End);
   txtPage->setTextCursor(place);
   place.setPosition(static_cast<int>(BestHelpPlace(text, words)));
   txtPage->setTextCursor(place);
-  // Coming from the end, the place stands at the top, where the eye looks first; a little above it fits, too.
+  // The cursor comes from the end, so the place is at the top edge. Scrolling back a little shows some text
+  // above it.
   QScrollBar* bar = txtPage->verticalScrollBar();
   bar->setValue(bar->value() - 3 * bar->singleStep());
 }
 
 void HelpWindow::PageShown(const QUrl& url) {
   const QString title = txtPage->documentTitle();
-  // The page of contents bears the name of the whole.
+  // The title of the page of contents is that of the whole help.
   const QString whole = "Drovewright Help";
   setWindowTitle(title.isEmpty() || title == whole ? whole : title + " - " + whole);
   txtPage->setExtraSelections({});
@@ -300,7 +301,7 @@ void HelpWindow::LeaveModal() {
   std::exchange(modal_, nullptr)->removeEventFilter(this);
   setParent(nullptr, Qt::Window);
   if (!shown) return;
-  // Another modal window may have been below this one; which it is shows once this one has gone.
+  // There may be another modal window below this one; which one is known only after this one has gone.
   ui::Later(*this, [this] {
     JoinModal();
     show();
@@ -337,7 +338,7 @@ void HelpWindow::keyPressEvent(QKeyEvent* event) {
 
 namespace {
 
-/// The one window, made where there is none; null, after a box, where the pages are missing.
+/// The one window, made if there is none; null, after a box, if the pages are missing.
 HelpWindow* TheWindow() {
   static QPointer<HelpWindow> window;
   if (!window.isNull()) return window;

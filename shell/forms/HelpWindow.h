@@ -16,8 +16,8 @@ namespace dw {
 
 class HelpResults;
 
-/// There is one at most. It is none of the program's open forms: it keeps the program from nothing, and goes
-/// when the program ends. It keeps nothing from one time to the next.
+/// There is one at most. It does not belong to the program's open forms: the program can end while it is
+/// open, and it closes then. It keeps nothing from one time to the next.
 class HelpWindow : public QWidget {
  public:
   HelpWindow();
@@ -28,7 +28,8 @@ class HelpWindow : public QWidget {
   void ShowContents();
   /// Puts the caret into the search field, with its text selected.
   void EnterSearch();
-  /// Brings the window to the front, also before a modal window, which it then belongs to until that closes.
+  /// Brings the window to the front, also before a modal window. It then belongs to that window until that
+  /// closes.
   void BringForward();
 
   QLineEdit* txtSearch = nullptr;
@@ -54,7 +55,7 @@ class HelpWindow : public QWidget {
   void MarkWords();
   /// While a modal window is open, only windows that belong to it can be used.
   void JoinModal();
-  /// The modal window closes, and would take the help with it.
+  /// The modal window closes, and must not take the help with it.
   void LeaveModal();
   void SelectInContents(const QString& page);
 
@@ -67,8 +68,8 @@ class HelpWindow : public QWidget {
 void ShowHelpContents();
 /// Opens the help window with the caret in the search field.
 void ShowHelpSearch();
-/// Opens the help window at the page of a window, by the window's name; at the contents where no page is for
-/// it. Each of the three says so in a box where the help pages are missing.
+/// Opens the help window at the page of a window, by the window's name; at the contents if no page explains
+/// it. If the help pages are missing, each of the three says so in a box.
 void ShowHelpFor(const std::string& window);
 
 }  // namespace dw

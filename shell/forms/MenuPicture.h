@@ -1,4 +1,4 @@
-// A picture that covers its place.
+// A picture that fills its area.
 #pragma once
 
 #include <QPixmap>
@@ -7,12 +7,12 @@
 
 namespace dw {
 
-/// Shows a picture as large as its place, cut at the sides that stand over, never out of proportion. Without
-/// a picture it is a plain ground.
+/// Shows a picture as large as its area. It keeps the proportions and cuts off the sides that do not fit.
+/// Without a picture it is a plain background.
 class MenuPicture : public QWidget {
  public:
   MenuPicture();
-  /// A file that is missing or holds no picture takes the picture away.
+  /// Loads the picture; if the file is missing or is not a picture, shows none.
   void Load(const std::string& path);
 
  protected:
@@ -20,7 +20,7 @@ class MenuPicture : public QWidget {
 
  private:
   QPixmap picture_;
-  QPixmap fitted_;  ///< the picture at the present size
+  QPixmap fitted_;  ///< the picture at the current size
 };
 
 }  // namespace dw

@@ -32,8 +32,8 @@ namespace {
 using screen::Answer;
 using screen::Buttons;
 
-/// Asks nothing and takes the careful answer. Waits are real ones, for a lock may be freed meanwhile, but
-/// nobody is kept for long from a program that is ending: then whoever waits is told to give up.
+/// Asks nothing and takes the careful answer. Waits are real, because a lock may be released meanwhile. But
+/// they are limited, because the program is ending: after the limit the waiting operation is ended.
 class EndingScreen : public screen::Screen {
  public:
   Answer ShowBox(const screen::Box& box) override {
@@ -52,7 +52,7 @@ class EndingScreen : public screen::Screen {
   void SetPointer(screen::Pointer) override {}
   void DoEvents() override {}
   void Sleep(int milliseconds) override {
-    // Longer waits are for somebody to read a notice.
+    // Longer waits only let somebody read a notice.
     constexpr int kWaitForLock = 1000;
     if (milliseconds > kWaitForLock) return;
     const std::chrono::milliseconds wait(milliseconds);
@@ -71,7 +71,7 @@ class EndingScreen : public screen::Screen {
 bool told = false;    ///< an error has been shown, or is being shown
 bool ending = false;  ///< the forms are being unloaded for good
 
-/// The stack below may belong to windows that are gone, so nothing returns to it.
+/// The calling code may belong to windows that are gone, so this never returns.
 [[noreturn]] void EndProcess(int code) {
   if (ending) _exit(code);
   ending = true;
@@ -79,15 +79,16 @@ bool ending = false;  ///< the forms are being unloaded for good
   try {
     screen::Install(std::make_shared<EndingScreen>());
     UnloadAllForms();
-    // The form that was closing when it went wrong is passed over by its second unload.
+    // A form whose unload failed is not unloaded a second time, so the sign-off is done here if it is still
+    // due.
     if (SignedOn) {
       SignedOn = false;
       SignOff();
     }
-    // What is still held for writing is finished.
+    // Finish what is still held for writing.
     rt::AboutToWait();
   } catch (...) {
-    // The session in the log stays open, as after a crash.
+    // The session stays open in the access log, as after a crash.
     std::fflush(nullptr);
   }
   std::fflush(nullptr);
@@ -106,7 +107,7 @@ bool Is(std::exception_ptr error) {
 }
 
 void EndAfter(const std::exception_ptr& error) {
-  // One error is enough: what fails while the program ends is its consequence.
+  // One message is enough: what fails while the program ends is a consequence of the first error.
   if (told || ending) return;
   if (Is<WindowsClosed>(error)) {
     // Whoever has found the data wants to work with it.
@@ -145,7 +146,7 @@ void WatchSignals() {
   action.sa_flags = SA_RESTART;
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
     struct sigaction earlier {};
-    // A program that was started to outlive its terminal goes on doing so.
+    // If the program was started to outlive its terminal, it goes on doing so.
     if (sigaction(number, nullptr, &earlier) == 0 && earlier.sa_handler == SIG_IGN) continue;
     sigaction(number, &action, nullptr);
   }

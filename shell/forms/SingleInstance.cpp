@@ -27,7 +27,7 @@ void AnswerCalls() {
   bool called = false;
   while (OwnInstance().claim->TakeCall(token)) called = true;
   if (!called) return;
-  // With it the desktop knows that the user asked for this window.
+  // The token shows the desktop that the user asked for this window.
   if (!token.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
   if (BringProgramForward()) OwnInstance().claim->Answer();
 }
@@ -40,7 +40,7 @@ bool ActivatePreviousInstance() {
   own.calls.reset();
   own.claim = sys::SingleInstance::Claim();
   if (!own.claim && sys::SingleInstance::CallFirstForward()) return true;
-  // A copy that does not answer is about to end, or hangs. It may have ended meanwhile.
+  // A copy that does not answer hangs or is about to end, and may have ended by now.
   if (!own.claim) own.claim = sys::SingleInstance::Claim();
   if (!own.claim || own.claim->Descriptor() < 0) return false;
   own.calls = std::make_unique<QSocketNotifier>(own.claim->Descriptor(), QSocketNotifier::Read);
@@ -55,7 +55,7 @@ void LeaveSingleInstance() {
 
 bool BringProgramForward() {
   QWidget* window = QApplication::activeModalWidget();
-  // Windows of ours lie under a box; they come up first, and the box over them.
+  // Our windows may be covered under a box; raise them first, and then the box.
   if (ui::Form* form = ui::ActiveForm(); form && form->isVisible()) {
     if (form->isMinimized()) form->setWindowState(form->windowState() & ~Qt::WindowMinimized);
     form->raise();

@@ -3,13 +3,13 @@
 
 namespace dw {
 
-/// True when another copy runs and has come forward; this one is to end then. Otherwise this copy runs as
-/// usual, and comes forward when it is called.
+/// True if another copy runs and has come forward; this copy has to end then. Otherwise this copy runs as
+/// usual, and comes forward when another one starts.
 bool ActivatePreviousInstance();
-/// This copy is about to end: it takes no more calls, and the next start is the first copy.
+/// This copy is about to end: it answers no more calls, and the next start becomes the first copy.
 void LeaveSingleInstance();
-/// Brings the window that the user worked in last to the front, restored if it was minimized. False where
-/// there is no window.
+/// Brings the window in which the user worked last to the front, restored if it was minimized. False if there
+/// is no window.
 bool BringProgramForward();
 
 }  // namespace dw

@@ -39,7 +39,7 @@ Startup::Startup() : Form("Startup") {
   ui::OnClick(OKButton, [this] { Unload(); });
   SetDefault(&OKButton);
   SetCancel(&OKButton);
-  // The checks of its button are not to be gone round.
+  // The window can be closed only by its button, whose checks must run.
   RemoveCloseCommand();
 }
 
@@ -108,7 +108,7 @@ void Startup::LayOut() {
   all->addLayout(facts, 1);
   all->addWidget(Line());
   all->addLayout(bottom);
-  // Room for names of any length that the file takes, and for the words of the checks.
+  // Room for the longest names that the file can have, and for the messages of the checks.
   resize(fontMetrics().averageCharWidth() * 78, fontMetrics().height() * 24);
 }
 
@@ -133,7 +133,7 @@ void Startup::OnUnload() {
   Loaded = false;
   auto& menu = ui::The<mnuDW>();
   menu.LoadForm();
-  // The menu may begin with a question; this window has had its time.
+  // The menu may begin with a question, and this window must be gone by then.
   hide();
   menu.ShowForm();
 }

@@ -10,7 +10,8 @@
 
 namespace dw {
 
-/// Comes up once at every start, and again from the menu; it behaves alike. Its unload shows the main menu.
+/// Shown once at every start, and again from the menu, with the same behavior. Its unload shows the main
+/// menu.
 class Startup : public ui::Form {
  public:
   Startup();
@@ -22,7 +23,7 @@ class Startup : public ui::Form {
   QPushButton OKButton{"&OK"};
 
   bool Loaded = false;      ///< the contents have been filled
-  bool Aborted = false;     ///< the start was refused: the main menu does not come
+  bool Aborted = false;     ///< the start was refused: the main menu is not shown
   bool BackupDone = false;  ///< this run has made a copy of the main file
 
  protected:

@@ -44,7 +44,7 @@ TechSupport::TechSupport() : Form("TechSupport") {
   add("Fax:", supplier::kFax);
   add("E-mail:", supplier::kMail);
   add("Hours:", supplier::kHours);
-  // The first thing that is asked for.
+  // The supplier asks for the version first.
   add("Your version:", QString::fromStdString(AppVersion));
 
   auto* column = new QVBoxLayout;
@@ -64,7 +64,7 @@ TechSupport::TechSupport() : Form("TechSupport") {
   ui::OnClick(OKButton, [this] { Unload(); });
   SetDefault(&OKButton);
   SetCancel(&OKButton);
-  // The values can be marked with the keyboard, but the button comes first.
+  // The values can be selected with the keyboard, but the button gets the focus first.
   OKButton.setFocus();
 }
 

@@ -96,7 +96,7 @@ bool frmGetSQLInfo::Validate() {
     case LoginFault::None:
       return true;
   }
-  // The focus leaves a field by this; that is no reason to say the same again.
+  // Setting the focus makes another field lose it; its check must not report the same error again.
   correcting_ = true;
   faulty->setFocus();
   correcting_ = false;

@@ -16,7 +16,7 @@ class frmGetSQLInfo : public ui::Form {
  public:
   frmGetSQLInfo();
 
-  std::string AppID;  ///< the application code that the settings are kept under
+  std::string AppID;  ///< the application code of the settings
   std::string SQLDB;  ///< the database that the test opens
 
   ui::TextBox Text1{"Text1"};  ///< the server
@@ -38,7 +38,7 @@ class frmGetSQLInfo : public ui::Form {
   bool Left();
 
   bool activated_ = false;
-  bool correcting_ = false;  ///< the focus is being sent to the field at fault
+  bool correcting_ = false;  ///< the focus is being moved to the wrong field
 };
 
 }  // namespace dw

@@ -36,12 +36,12 @@ frmMessage::frmMessage() : Form("frmMessage") {
   column->setContentsMargins(0, 0, 0, 0);
   column->addLayout(row, 1);
   column->addWidget(&stsBar);
-  // It goes when the step is done.
+  // The notice closes by itself when the step is done.
   RemoveCloseCommand();
 }
 
 void frmMessage::Refresh() {
-  // The window system shows a new window when it has come round to it.
+  // The window system shows a new window only after some time.
   constexpr int kLongest = 500;
   const QDeadlineTimer end(kLongest);
   while (isVisible() && windowHandle() && !windowHandle()->isExposed() && !end.hasExpired()) {

@@ -1,4 +1,4 @@
-// The notice of the system: reports a long step, blocks nothing.
+// The system's notice: reports a long step and blocks nothing.
 #pragma once
 
 #include <QLabel>
@@ -17,13 +17,13 @@ class frmMessage : public ui::Form {
   QLabel lblMessage;
   QStatusBar stsBar;
 
-  /// Draws the window now: whoever shows a notice is about to keep the program busy.
+  /// Draws the window now, because the program will be busy next.
   void Refresh();
-  /// What is typed meanwhile is for the window that comes after the notice.
+  /// Keys typed meanwhile go to the window that comes after the notice.
   bool TakesKeys() const override { return false; }
 };
 
-/// Shows the notice, or gives the one that is shown another title and text.
+/// Shows the notice, or changes the title and text of the notice that is shown.
 void ShowMessageForm(const std::string& title, const std::string& text);
 void HideMessageForm();
 

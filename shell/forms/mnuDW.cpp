@@ -24,10 +24,10 @@
 namespace dw {
 namespace {
 
-/// A window that is not maximized leaves some of the screen to others.
+/// A window that is not maximized leaves some of the screen free.
 constexpr double kRestored = 0.9;
 
-/// Lets the keys and the mouse stand on entries that are out of use, so that the status bar can tell of them.
+/// Lets the keys and the mouse select disabled entries, so that the status bar can explain them.
 class MenuStyle : public QProxyStyle {
  public:
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -56,7 +56,7 @@ mnuDW::mnuDW() : Form("mnuDW"), menuStyle_(new MenuStyle), picture_(new MenuPict
   column->addWidget(picture_, 1);
   column->addWidget(&stsBar);
   BuildMenu();
-  // The window at its smallest still shows all of the menu.
+  // At its smallest the window still shows the whole menu.
   resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 26);
 
   auto* key = new QShortcut(QKeySequence(Qt::Key_F10), this);
@@ -69,7 +69,7 @@ mnuDW::mnuDW() : Form("mnuDW"), menuStyle_(new MenuStyle), picture_(new MenuPict
 mnuDW::~mnuDW() = default;
 
 void mnuDW::BuildMenu() {
-  std::vector<QMenu*> open;  // the sub-menus around the present entry, by level
+  std::vector<QMenu*> open;  // the sub-menus around the current entry, by level
   const auto tree = MenuTree();
   for (std::size_t i = 0; i < tree.size(); ++i) {
     const MenuEntry& entry = tree[i];
@@ -150,7 +150,7 @@ void mnuDW::OnLoad() {
     HelpReady = true;
   }
   if (!Minimised()) {
-    // What a restored window goes back to: it fits the screen as well.
+    // The size after a restore, which fits the screen as well.
     resize(size().expandedTo(ui::RoomFor(*this) * kRestored));
     move(screen()->availableGeometry().topLeft() + QPoint(1, 1));
     setWindowState(windowState() | Qt::WindowMaximized);
@@ -159,7 +159,8 @@ void mnuDW::OnLoad() {
 }
 
 void mnuDW::OnResize() {
-  // The window system keeps the smallest size. A window that does not fill the screen goes into its corner.
+  // The window system enforces the smallest size. A window that does not fill the screen goes into its
+  // corner.
   if (isVisible() && !isMaximized() && !isFullScreen())
     move(screen()->availableGeometry().topLeft() + QPoint(1, 1));
 }

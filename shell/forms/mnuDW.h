@@ -19,7 +19,7 @@ struct MenuEntry;
 
 /// Windows open from here without blocking it. Menu items are found by their names.
 class mnuDW : public ui::Form {
-  std::unique_ptr<QStyle> menuStyle_;  // outlives the menus, which use it
+  std::unique_ptr<QStyle> menuStyle_;  // lives longer than the menus that use it
 
  public:
   mnuDW();
@@ -38,10 +38,10 @@ class mnuDW : public ui::Form {
   void BuildMenu();
   QMenu* AddMenu(QMenu* parent, const MenuEntry& entry);
   void AddItem(QMenu& menu, const MenuEntry& entry);
-  /// Runs what the menu itself does for an entry.
+  /// Runs the menu's own action of an entry.
   void Act(const std::string& name);
   QAction& Item(const char* name) const;
-  /// Takes a sub-menu and its entries out of use, and says why in the status bar.
+  /// Disables a sub-menu and its entries, and says why in the status bar.
   void TakeAway(const char* subMenu, const char* reason);
   void OfferDueReport();
   void CompactMainFile();

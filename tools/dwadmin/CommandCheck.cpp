@@ -1,4 +1,4 @@
-// Are the data files what they should be?
+// Checks that the data files are what they should be.
 #include <iostream>
 #include <utility>
 
@@ -14,7 +14,7 @@
 namespace dw {
 namespace {
 
-/// What was found, as a sentence for people and as parts for programs.
+/// A finding, as a sentence for people and as parts for programs.
 class Findings {
  public:
   void Add(const std::string& file, const char* about, const std::string& text) {
@@ -49,7 +49,7 @@ class Findings {
   ResultTable table_{{"File", "Check", "Text", "Table", "Row", "Column", "Stored", "Expected"}, {}};
 };
 
-/// Runs one of the checks; that it cannot be finished is a finding too, and the others go on.
+/// Runs one of the checks. If it cannot be finished, that is a finding too, and the others go on.
 template <class Work>
 void Attempt(Findings& findings, const std::string& file, const char* about, Work work) {
   const auto note = [&](int number, const std::string& text) {

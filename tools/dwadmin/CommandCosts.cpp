@@ -1,4 +1,4 @@
-// Costs as they stand in the cost tables.
+// Costs from the cost tables.
 #include <iostream>
 
 #include "costing/Posting.h"
@@ -53,7 +53,7 @@ int Costs(const std::string& asset, CostSpan by, Format format) {
     std::vector<rt::Value>& values = table.rows.emplace_back();
     for (int i = 0; i < static_cast<int>(table.columns.size()); ++i) values.push_back(rows->Get(i));
   }
-  // Costs outlive their asset; only a code that stands nowhere is a mistake.
+  // Costs outlive their asset; only a code that is in no table is a mistake.
   if (table.rows.empty() && !asset.empty() && read("SELECT [ID] FROM [Vehicles]" + condition)->AtEnd())
     throw NotDone("There is no asset " + asset + ".");
 

@@ -37,8 +37,8 @@ NotDone Failed(const std::string& what, const fs::path& path, int error) {
   return NotDone("Unable to " + what + " " + path.string() + ": " + std::strerror(error));
 }
 
-/// Files are made here and get their place once all of them are complete, so that a run that breaks off
-/// leaves nothing that could be taken for data.
+/// Makes the files in a temporary place and moves them once all are complete, so that a run that breaks off
+/// leaves nothing that looks like data.
 class Workshop {
  public:
   explicit Workshop(const fs::path& directory) {
@@ -58,13 +58,13 @@ class Workshop {
 
   const fs::path& Path() const { return path_; }
 
-  /// Gives the file its place, where nothing may stand.
+  /// Moves the file to its place, which must be empty.
   void Deliver(const char* file, const fs::path& directory) const {
     const fs::path from = path_ / file;
     const fs::path to = directory / file;
     if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return;
     if (errno == EEXIST) throw AlreadyThere(to);
-    // Some network file systems know the plain rename only.
+    // Some network file systems have only the plain rename.
     if (errno != EINVAL && errno != ENOSYS) throw Failed("make", to, errno);
     if (fs::exists(to)) throw AlreadyThere(to);
     if (std::rename(from.c_str(), to.c_str()) != 0) throw Failed("make", to, errno);
@@ -104,14 +104,14 @@ void Fill(const std::string& directory, const char* file,
   workspace->Close();
 }
 
-/// What a set of files cannot be worked with without: a fresh one has nobody who could sign on.
+/// The rows that a set of files needs at least: without them nobody could sign on.
 void WriteFirstRows(const std::string& directory, const std::string& workstation) {
   const rt::DateTime now = rt::Now();
   Fill(directory, "DW.MDB", [&](dao::Database& database, Batch& batch) {
     RowWriter parameters(batch, database, "Parameters",
                          {"ID", "Date Installed", "Major Version Number", "Minor Version Number",
                           "Revision Number", "Data Initialized"});
-    // There are no sample rows that the first start would have to clear.
+    // There are no sample rows for the first start to clear.
     const bool initialized = true;
     parameters.Add({std::int32_t{1}, now.DateOnly(), static_cast<std::int16_t>(kMajorVersion),
                     static_cast<std::int16_t>(kMinorVersion), static_cast<std::int16_t>(kRevision),

@@ -38,7 +38,7 @@ class Items {
   ResultTable table_{{"Asset ID", "Maintenance Type", "Due Date", "Due Mileage"}, {}};
 };
 
-/// The lines of the system, ended as a console ends them.
+/// The system's lines, with the console's line ends.
 void WriteLines(const std::string& text) {
   for (const char c : text)
     if (c != '\r') std::cout << c;

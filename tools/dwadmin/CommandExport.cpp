@@ -20,7 +20,8 @@ bool IsSelect(const std::string& source) {
          std::isspace(static_cast<unsigned char>(text[kLength])) != 0;
 }
 
-/// Opens the source in the first data file that has its tables. What else is wrong is told of the main file.
+/// Opens the source in the first data file that has its tables. If none has them, throws the error of the
+/// main file.
 std::unique_ptr<store::Cursor> OpenSource(const std::string& source) {
   const std::string query =
       IsSelect(source) ? source : "SELECT * FROM [" + StripBrackets(rt::Trim(source)) + "]";
@@ -38,7 +39,7 @@ std::unique_ptr<store::Cursor> OpenSource(const std::string& source) {
   throw *first;
 }
 
-/// The values of the row; empty where another user has deleted it meanwhile.
+/// The values of the row; empty if another user has deleted it meanwhile.
 std::optional<std::vector<rt::Value>> RowOf(store::Cursor& rows) {
   std::vector<rt::Value> values;
   try {
@@ -72,7 +73,7 @@ int Export(const std::string& source, Format format) {
     WriteCsvLine({columns.begin(), columns.end()});
   }
   bool any = false;
-  // Whoever reads the output may have gone; then there is nothing left to do.
+  // The reader of the output may have gone; then there is nothing left to do.
   for (; !rows->AtEnd() && std::cout; rows->MoveNext()) {
     const auto values = RowOf(*rows);
     if (!values) continue;

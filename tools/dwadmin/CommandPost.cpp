@@ -16,7 +16,7 @@
 namespace dw {
 namespace {
 
-/// Ends an edit that is still in hand, so that the record is given back.
+/// Ends an edit that is still open, so that the record is released.
 class EndOfEdit {
  public:
   explicit EndOfEdit(dao::Recordset& recordset) : recordset_(recordset) {}
@@ -24,7 +24,7 @@ class EndOfEdit {
     try {
       if (recordset_.Editing()) recordset_.CancelUpdate();
     } catch (const std::exception&) {
-      // Closing the file gives the record back as well.
+      // Closing the file releases the record as well.
     }
   }
   EndOfEdit(const EndOfEdit&) = delete;
@@ -45,7 +45,7 @@ std::map<std::int64_t, std::string> HoldersOfTransactions(store::Connection& con
   return holders;
 }
 
-/// The transactions that are not posted, by the reason why.
+/// The unposted transactions, by the reason why.
 std::map<std::string, std::vector<std::int32_t>> Unposted() {
   MainFile file;
   std::map<std::string, std::vector<std::int32_t>> unposted;
@@ -75,7 +75,7 @@ std::map<std::string, std::vector<std::int32_t>> Unposted() {
   return unposted;
 }
 
-/// Names the transactions that stay unposted, a line for each reason. False where there are none.
+/// Names the transactions that stay unposted, one line for each reason. False if there are none.
 bool TellUnposted() {
   const auto unposted = Unposted();
   for (const auto& [reason, numbers] : unposted) {
@@ -97,7 +97,7 @@ int Post(const SignOnRequest& signOn, const CommandScreen& screen, bool clearFir
     StopIfAsked();
     progress.Stage(text);
   };
-  // Told between two transactions: what has been posted up to here is whole.
+  // Checked between two transactions: everything posted so far is complete.
   told.percent = [&](int percent) {
     StopIfAsked();
     progress.Percent(percent);
@@ -125,7 +125,7 @@ int Unpost(const SignOnRequest& signOn, const CommandScreen& screen, std::int32_
     if (row->Get("When Posted").IsNull()) throw NotDone("Transaction " + number + " is not posted.");
     UnpostHeldTransaction(row);
   }
-  // The messages have said what failed; only the file knows what has become of the transaction.
+  // The messages have said what failed; only the file shows what has become of the transaction.
   MainFile file;
   if (!file.IsOpen()) return 1;
   dao::Recordset& row = file.Read(query);

@@ -41,7 +41,7 @@ void CommandScreen::ShowNotice(const std::string& title, const std::string& text
 void WatchSignals() {
   struct sigaction action = {};
   action.sa_handler = [](int) { stopAsked = 1; };
-  // Waiting for a password must end at once, hence no restart.
+  // Waiting for a password must end at once, so interrupted calls are not restarted.
   action.sa_flags = SA_RESETHAND;
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
 }
@@ -59,7 +59,7 @@ void Progress::Stage(const std::string& text) {
 
 void Progress::Percent(int percent) {
   if (percent == percent_) return;
-  // A pipe gets a line for each tenth of the way.
+  // A pipe gets a line for each tenth of the work.
   const bool worthALine = OnTerminal() || percent_ < 0 || percent / 10 != percent_ / 10;
   percent_ = percent;
   if (worthALine) Write(stage_ + " " + std::to_string(percent) + "%");

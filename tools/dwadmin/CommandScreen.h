@@ -1,4 +1,5 @@
-// The screen of the console program: it remembers what it had to tell, so that the exit code can say so.
+// The screen of the console program. It counts the failures that it shows, so that the exit code can reflect
+// them.
 #pragma once
 
 #include <string>
@@ -14,15 +15,15 @@ class CommandScreen : public screen::ConsoleScreen {
   using ConsoleScreen::ConsoleScreen;
 
   screen::Answer ShowBox(const screen::Box& box) override;
-  /// Ends the command (Interrupted) where the user has asked for it. While a notice stands no time passes: it
-  /// stays on a console and needs nobody to wait until it is read.
+  /// Ends the command (throws Interrupted) if the user has asked for it. Does not wait while a notice is
+  /// shown: the notice stays on the console and can be read later.
   void Sleep(int milliseconds) override;
   void ShowNotice(const std::string& title, const std::string& text) override;
   void HideNotice() override { notice_ = false; }
 
-  /// How many boxes told of something that failed.
+  /// How many boxes reported a failure.
   int Complaints() const { return complaints_; }
-  /// The text of the latest box, as it was asked for.
+  /// The text of the latest box, as the caller passed it.
   const std::string& LastText() const { return lastText_; }
 
  private:
@@ -31,16 +32,16 @@ class CommandScreen : public screen::ConsoleScreen {
   std::string lastText_;
 };
 
-/// Thrown where a command stops because of SIGINT, SIGTERM or SIGHUP.
+/// Thrown if a command stops because of SIGINT, SIGTERM or SIGHUP.
 class Interrupted : public ApplicationEnd {
  public:
   const char* what() const noexcept override { return "Stopped."; }
 };
 
-/// From here on the first of those signals only asks the command to stop; a second one ends the process at
+/// From now on the first of those signals only asks the command to stop; a second one ends the process at
 /// once.
 void WatchSignals();
-/// Throws Interrupted where a signal has come since. Called where nothing is half done.
+/// Throws Interrupted if a signal has come. Called at points where nothing is half done.
 void StopIfAsked();
 
 /// How far a command has come, on standard error: one line that changes on a terminal, plain lines elsewhere.

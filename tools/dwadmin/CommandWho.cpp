@@ -8,7 +8,7 @@
 namespace dw {
 namespace {
 
-/// "window" for a record that somebody has open for changing, "transaction" for one that is changed already.
+/// "window" for a record that somebody has open for changing, "transaction" for one that is already changed.
 std::string Manner(store::Hold hold) { return hold == store::Hold::Edit ? "window" : "transaction"; }
 
 void Read(const std::string& file, ResultTable& users, ResultTable& held) {

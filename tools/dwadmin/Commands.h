@@ -1,7 +1,7 @@
-// The commands of the console program. Each gives the exit code: 0 when all of its work was done.
+// The commands of the console program. Each returns the exit code: 0 if all of its work was done.
 //
-// A command that cannot do its work says so and gives 1, or throws NotDone, StoreError, ado::Error or
-// RuntimeError. The data directory has been set (SetDataPath) before any of them is called.
+// A command that cannot do its work says so and returns 1, or throws NotDone, StoreError, ado::Error or
+// RuntimeError. The data directory has been set (SetDataPath) before a command is called.
 #pragma once
 
 #include <array>
@@ -24,11 +24,11 @@ class FileMissing : public ApplicationEnd {
   const char* what() const noexcept override { return "a data file was not found"; }
 };
 
-/// Makes every missing file end the command, with a message that tells what to do.
+/// Makes every missing file end the command, with a message that says what to do.
 void InstallConsoleLocator();
-/// Takes this directory for that of the data files, whichever case of letters their names have.
+/// Sets this directory as the data directory, whatever the case of the letters in its files' names.
 void UseDataDirectory(const std::string& directory);
-/// The path of a file in the data directory, whichever case of letters its name has; a file that is not there
+/// The path of a file in the data directory, whatever the case of the letters in its name. A missing file
 /// ends the command.
 std::string RequireFile(const std::string& file);
 
@@ -45,11 +45,11 @@ struct SampleRequest {
 int CreateFiles(const std::string& directory, const std::string& workstation);
 int CreateSample(const std::string& directory, const SampleRequest& request);
 
-/// Exit code of a posting run that came to its end and left transactions unposted.
+/// Exit code of a posting run that finished but left transactions unposted.
 inline constexpr int kRowsLeft = 4;
 
 // --- changing data: these sign on
-/// kRowsLeft where transactions stay unposted; standard error then names them and the reasons.
+/// Returns kRowsLeft if transactions stay unposted; standard error then names them and the reasons.
 int Post(const SignOnRequest& signOn, const CommandScreen& screen, bool clearFirst);
 int Unpost(const SignOnRequest& signOn, const CommandScreen& screen, std::int32_t transaction);
 int Compact(const SignOnRequest& signOn, const CommandScreen& screen);
@@ -63,10 +63,10 @@ struct DueRequest {
 };
 int Due(const DueRequest& request, Format format);
 
-/// Costs of one asset; of all where `asset` is empty.
+/// Costs of one asset, or of all if `asset` is empty.
 int Costs(const std::string& asset, CostSpan by, Format format);
 int Who(Format format);
-/// 1 when the files differ from what they should be.
+/// Returns 1 if the files differ from what they should be.
 int Check(Format format);
 /// A table by its name, or a SELECT.
 int Export(const std::string& source, Format format);

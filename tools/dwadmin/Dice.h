@@ -1,5 +1,5 @@
-// Chance that falls alike on every machine: the standard library's distributions differ from one library to
-// the next.
+// Random numbers that are the same on every machine: the standard library's distributions differ from one
+// library to the next.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,8 @@
 
 namespace dw {
 
-/// A stream of numbers that its seed determines. Whole numbers alone, so that no machine's rounding shows.
+/// A stream of numbers that depends only on its seed. It uses whole numbers, so that no machine's rounding
+/// shows.
 class Dice {
  public:
   explicit Dice(std::uint64_t seed) : state_(seed) {}

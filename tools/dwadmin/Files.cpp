@@ -1,4 +1,4 @@
-// The data directory as the console knows it.
+// The data directory of the console program.
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericTools.h"
 #include "tools/dwadmin/Commands.h"

@@ -25,7 +25,7 @@ std::string Hexadecimal(const rt::Binary& bytes) {
   return text;
 }
 
-/// The length of the UTF-8 character at the start of the text, 0 where there is none.
+/// The length of the UTF-8 character at the start of the text, 0 if there is none.
 std::size_t CharacterLength(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned first = byte(0);
@@ -34,7 +34,7 @@ std::size_t CharacterLength(std::string_view text) {
   if (first < 0xC2 || first > 0xF4 || text.size() < length) return 0;
   for (std::size_t i = 1; i < length; ++i)
     if ((byte(i) & 0xC0U) != 0x80U) return 0;
-  // Longer forms than needed, halves of pairs, and what lies behind the last character.
+  // Not valid: forms that are too long, halves of surrogate pairs, and numbers above the last character.
   const unsigned second = byte(1);
   if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F)) return 0;
   if ((first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F)) return 0;
@@ -63,7 +63,7 @@ std::string JsonText(std::string_view text) {
   return json + '"';
 }
 
-/// How a value stands in a table for people.
+/// The text of a value in a table for people.
 std::string Shown(const rt::Value& value) {
   switch (value.Type()) {
     case ValueType::Null:
@@ -194,7 +194,7 @@ void ResultTable::WriteText(std::ostream& out) const {
   for (std::size_t line = 0; line < height; ++line) {
     std::vector<std::string> cells;
     for (const std::vector<std::string>& words : headings) {
-      // Short headings stand directly above their column.
+      // Short headings are directly above their column.
       const std::size_t above = height - words.size();
       cells.push_back(line < above ? std::string() : words[line - above]);
     }

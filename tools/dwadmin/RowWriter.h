@@ -1,4 +1,4 @@
-// Rows by the hundred thousand: one table opened for adding, and commits that many rows share.
+// Adds rows by the hundred thousand: one table opened for adding, and commits that many rows share.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace dw {
 
-/// A transaction that is committed and begun anew every so many rows.
+/// A transaction that is committed and begun anew after a number of rows.
 class Batch {
  public:
   explicit Batch(dao::Workspace& workspace) : workspace_(workspace) { workspace_.BeginTrans(); }
@@ -38,7 +38,8 @@ class RowWriter {
     for (const char* column : columns) fields_.push_back(rows_->FieldIndex(column));
   }
 
-  /// Adds a row; what is Null, or beyond the last value given, stays as a new row has it. The row's ID.
+  /// Adds a row and returns its ID. A Null, or a missing value at the end, leaves the column as a new row has
+  /// it.
   std::int32_t Add(std::initializer_list<rt::Value> values) {
     rows_->AddNew();
     std::size_t position = 0;

@@ -27,7 +27,7 @@ Prices::Prices(const Span& span, Dice& dice) {
     for (int year = firstYear; year <= lastYear; ++year) {
       for (int month = 1; month <= 12; ++month) {
         prices.push_back({rt::DateTime(year, month, 1), rt::Currency::FromUnits(price)});
-        // A walk of a few per cent a month that is drawn back to where it came from, in tenths of a cent.
+        // A random walk of a few percent a month that is drawn back to its start, in tenths of a cent.
         price += (facts.basePrice - price) / 12 + price * dice.Between(-40, 44) / 1000;
         price = std::max(price / 10 * 10, 500);
       }
@@ -77,7 +77,7 @@ void MakeSample(const std::string& directory, int assets, int years, std::uint32
   sample::WriteLists(directory);
   sample::WriteQueries(directory, span);
 
-  // Nobody else can know of the new file, and alone in it no row has to be locked.
+  // Nobody else knows of the new file, so its rows need no locks.
   const auto workspace = dao::DBEngine::CreateWorkspace("Sample", "admin", "");
   const auto database = workspace->OpenDatabase((folder / kFiles[0]).string(), true);
   Batch batch(*workspace);

@@ -8,7 +8,7 @@ namespace dw::sample {
 struct FuelFacts {
   const char* description;
   int basePrice;  ///< ten-thousandths of a dollar a unit
-  bool ownPump;   ///< drawn from the organisation's own tank, and so in the internal price log
+  bool ownPump;   ///< drawn from the organization's own tank, and so in the internal price log
 };
 
 /// In the order of their IDs, from 1.
@@ -28,7 +28,7 @@ enum Fuel : int {
   kElectricity
 };
 
-/// What work a class of assets can need.
+/// The work that a class of assets can need.
 enum Kind : unsigned { kCar = 1, kTruck = 2, kBus = 4, kElectric = 8, kHeavy = 16, kSmall = 32 };
 inline constexpr unsigned kCombustion = kCar | kTruck | kBus | kHeavy | kSmall;
 inline constexpr unsigned kRoad = kCar | kTruck | kBus | kElectric;
@@ -39,17 +39,17 @@ struct ClassFacts {
   const char* description;
   const char* prefix;     ///< of the assets' codes
   const char* assets[3];  ///< what its assets are called
-  const char* division;   ///< the one that has them all, or null
+  const char* division;   ///< the one that has all of them, or null
   unsigned kind;
   int fuel;
   bool hours;           ///< its meter counts hours, not miles
   int dailyUsage;       ///< tenths of a mile or hour
-  int fuelPerThousand;  ///< units of fuel in a thousand miles or hours
+  int fuelPerThousand;  ///< units of fuel for a thousand miles or hours
   int price;            ///< dollars
   int lifeYears;
 };
 
-// Two lines a row, or the columns could not be compared.
+// Two lines a row, so that the columns can be compared.
 // clang-format off
 inline constexpr ClassFacts kClasses[] = {
     {"SEDAN", "Sedans", "SED", {"Four-Door Sedan", "Compact Sedan", "Administrative Sedan"},
@@ -84,7 +84,7 @@ struct WorkFacts {
   unsigned kinds;
   int months;  ///< 0 for none
   int miles;   ///< 0 for none
-  int hours;   ///< 0 for none; instead of the miles where the meter counts hours
+  int hours;   ///< 0 for none; instead of the miles if the meter counts hours
   int labor;   ///< quarters of an hour
   int parts;   ///< dollars
   int oil;     ///< tenths of a unit

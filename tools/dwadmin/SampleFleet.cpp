@@ -9,14 +9,13 @@
 namespace dw::sample {
 namespace {
 
-// Which assets are the odd ones, by their number. The steps share no divisor with each other, so the traits
-// mix.
+// Which assets are the odd ones, by their number. The steps share no divisor, so that the traits mix.
 constexpr bool Retired(int number) { return number % 37 == 5; }
 constexpr bool WithoutPurchaseDate(int number) { return number % 53 == 7; }
 constexpr bool BrandNew(int number) { return number % 61 == 11; }
 constexpr bool HandEntered(int number) { return number % 19 == 3; }
 
-/// The first assets show every class; after them the common ones are common.
+/// The first assets show every class; after them common classes are frequent.
 const ClassFacts& ClassFor(int number, Dice& dice) {
   constexpr int kClassCount = static_cast<int>(std::size(kClasses));
   static constexpr int kMix[] = {0, 0, 1, 1, 2, 2, 2, 2, 3, 3, 4, 5, 5, 6, 7, 8, 9, 10, 10, 11};
@@ -62,7 +61,7 @@ void PlanSchedule(SampleAsset& asset) {
     line.usage = asset.group->hours ? work.hours : work.miles;
     line.lastDay = asset.firstDay;
     line.lastMeter = asset.meter;
-    // What was in service before the data begins is somewhere between two services.
+    // An asset that was in service before the data begins is somewhere between two services.
     if (asset.purchaseDay < 0) {
       if (line.months > 0) line.lastDay -= asset.dice.Between(0, line.months * 30);
       if (line.usage > 0) line.lastMeter -= asset.dice.Between(0, line.usage * 10);
@@ -71,7 +70,7 @@ void PlanSchedule(SampleAsset& asset) {
   }
 }
 
-/// Decides an asset's life; what the table row needs beyond it is drawn when the row is written.
+/// Chooses an asset's life. Everything else that its table row needs is drawn when the row is written.
 SampleAsset PlanAsset(int number, const Span& span, std::uint32_t seed) {
   SampleAsset asset((static_cast<std::uint64_t>(seed) << 32) + static_cast<std::uint64_t>(number) + 1);
   Dice& dice = asset.dice;

@@ -1,4 +1,4 @@
-// The assets of the sample and the work that falls to them.
+// The assets of the sample and the work that they need.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ struct ScheduleLine {
 struct SampleAsset {
   explicit SampleAsset(std::uint64_t seed) : dice(seed) {}
 
-  Dice dice;  ///< each asset has its own, so that its history does not depend on its neighbours
+  Dice dice;  ///< each asset has its own, so that its history does not depend on its neighbors
   std::string code;
   const ClassFacts* group = nullptr;
   int fuel = 0;
@@ -32,11 +32,11 @@ struct SampleAsset {
   int lastDay = 0;
   bool purchaseKnown = true;
   bool brandNew = false;     ///< nothing has happened to it yet
-  bool handEntered = false;  ///< its rows were typed by someone who leaves out what is nought
-  int ownFuelShare = 0;      ///< in a hundred, of what it draws from our own pump
+  bool handEntered = false;  ///< its rows were typed by someone who leaves zeros out
+  int ownFuelShare = 0;      ///< percentage of the fuel that it draws from our own pump
   int dailyUsage = 0;        ///< tenths
 
-  // The state of the moment while its history is made.
+  // The state at the current day while its history is made.
   std::int64_t meter = 0;  ///< tenths of a mile or hour
   int meterDay = 0;
   std::int64_t meterAtFuel = 0;
@@ -45,11 +45,11 @@ struct SampleAsset {
 
   /// Moves the meter on to the day.
   void Drive(int day);
-  /// Months and usage since the work was done last have passed.
+  /// The months or the usage since the work was last done have reached its frequency.
   bool IsDue(const ScheduleLine& line, int day) const;
 };
 
-/// Adds the assets and their schedules; gives them ready for their history.
+/// Adds the assets and their schedules, and returns them ready for their history.
 std::vector<SampleAsset> WriteAssets(dao::Database& database, Batch& batch, const Span& span, int assets,
                                      std::uint32_t seed);
 /// Adds readings, transactions and performed maintenance, day by day, as an office would.

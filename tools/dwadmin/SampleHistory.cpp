@@ -8,7 +8,7 @@
 namespace dw::sample {
 namespace {
 
-/// Tenths as a Single: exactly the number that would be typed.
+/// Tenths as a Single: exactly the number that a person would type.
 float Tenths(std::int64_t tenths) { return static_cast<float>(static_cast<double>(tenths) / 10.0); }
 float Hours(int quarters) { return static_cast<float>(quarters) / 4.0F; }
 rt::Currency Cents(std::int64_t cents) { return rt::Currency::FromUnits(cents * 100); }
@@ -49,7 +49,7 @@ class History {
   void TopUp(SampleAsset& asset);
   std::int32_t Write(SampleAsset& asset, const Entry& entry);
   std::string WorkOrder();
-  /// A moment of the working day on which something was typed.
+  /// A time of the working day at which something was typed.
   rt::DateTime Typed(SampleAsset& asset) const;
 
   const Span& span_;
@@ -166,7 +166,7 @@ void History::Fuel(SampleAsset& asset) {
 void History::Reading(SampleAsset& asset) {
   Dice& dice = asset.dice;
   readings_.Add({asset.code, date_, Tenths(asset.meter), kClerk, Typed(asset)});
-  // Not everything that is due is brought in at once, or there would be nothing to remind anybody of.
+  // Not all due work is done at once, or there would be nothing left to remind anybody of.
   const bool due = std::any_of(asset.schedule.begin(), asset.schedule.end(),
                                [&](const ScheduleLine& line) { return asset.IsDue(line, day_); });
   if (due && !asset.visitPlanned && dice.Chance(75)) {
@@ -258,7 +258,7 @@ void History::TopUp(SampleAsset& asset) {
 }
 
 std::int32_t History::Write(SampleAsset& asset, const Entry& entry) {
-  // Rows typed by hand have no hours and no oil where there were none; the others have noughts there.
+  // Rows typed by hand have no hours and no oil if there were none; the others have zeros there.
   const bool leavesOut = asset.handEntered && asset.dice.Chance(30);
   const rt::Value nothing;
   const rt::Currency none;

@@ -42,7 +42,7 @@ void WriteUsers(const std::string& directory, const Span& span) {
     const std::int32_t shop = workstations.Add({"SHOP", true, true, "Parts counter", kAdministrator, made});
     workstations.Add({"LAPTOP", true, false, "Given back", kAdministrator, made});
 
-    // The last fortnight's sign-ons. The first Tuesday's session died and was marked so.
+    // The sign-ons of the last two weeks. The first Tuesday's session died and was marked as such.
     RowWriter log(
         batch, database, "Access Log",
         {"User ID", "Computer ID", "Time In", "Time Out", "Terminated", "Updated By", "Last Updated"});
@@ -67,7 +67,7 @@ void WriteUsers(const std::string& directory, const Span& span) {
 
 void WriteLists(const std::string& directory) {
   Fill(directory, "DW_LISTS.MDB", [](dao::Database& database, Batch& batch) {
-    // Type 1 lists carry numbers, type 2 lists abbreviations.
+    // Type 1 lists have numbers, type 2 lists abbreviations.
     constexpr std::int16_t kNumbers = 1;
     constexpr std::int16_t kAbbreviations = 2;
     RowWriter definitions(batch, database, "List Definitions", {"Name", "Type"});

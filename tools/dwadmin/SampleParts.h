@@ -27,11 +27,11 @@ class Span {
   int days_;
 };
 
-/// The prices in force on each day, as they stand in the price tables.
+/// The prices in force on each day, as the price tables have them.
 class Prices {
  public:
   struct Labor {
-    rt::DateTime upTo;  ///< a row holds for the days up to its effective date
+    rt::DateTime upTo;  ///< a row applies to the days up to its effective date
     rt::Currency hourly;
     rt::Currency oil;
   };
@@ -43,7 +43,8 @@ class Prices {
   Prices(const Span& span, Dice& dice);
   rt::Currency FuelOn(int fuel, const rt::DateTime& date) const;
   const Labor& LaborOn(const rt::DateTime& date) const;
-  /// Monthly prices of a fuel type, the oldest first. Those without a pump of our own are what stations ask.
+  /// Monthly prices of a fuel type, the oldest first. Those without a pump of our own are the prices of
+  /// stations.
   const std::vector<Fuel>& OfFuel(int fuel) const { return fuels_.at(static_cast<std::size_t>(fuel - 1)); }
   const std::vector<Labor>& OfLabor() const { return labor_; }
 
@@ -52,14 +53,14 @@ class Prices {
   std::vector<Labor> labor_;
 };
 
-/// What is stored for a row's maker.
+/// The name that is stored as the maker of a row.
 constexpr const char* kAdministrator = "ADMIN";
 constexpr const char* kClerk = "CLERK";
 
 /// Divisions, classes, fuel and maintenance types, price tables and fiscal calendar.
 void WriteTables(dao::Database& database, Batch& batch, const Span& span, const Prices& prices);
-/// The assets with all that hangs on them, and the `Parameters` row, which names the asset that stands for
-/// removed ones.
+/// The assets with all that belongs to them, and the `Parameters` row, which names the asset for removed
+/// ones.
 void WriteFleet(dao::Database& database, Batch& batch, const Span& span, const Prices& prices, int assets,
                 std::uint32_t seed, const std::function<void(int percent)>& progress);
 /// Users, workstations and their log; application lists; stored select and sort definitions.

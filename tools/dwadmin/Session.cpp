@@ -17,7 +17,7 @@
 namespace dw {
 namespace {
 
-/// Keeps a terminal from showing what is typed, and puts it back whatever happens.
+/// Keeps a terminal from showing what is typed, and restores it in every case.
 class NoEcho {
  public:
   NoEcho() {
@@ -37,7 +37,7 @@ class NoEcho {
   bool changed_ = false;
 };
 
-/// Keeps the signals that end a command from arriving for as long as it lives.
+/// Blocks the signals that end a command for as long as it lives.
 class HeldSignals {
  public:
   HeldSignals() {
@@ -55,8 +55,8 @@ class HeldSignals {
   sigset_t earlier_{};
 };
 
-/// Waits until standard input can be read; throws Interrupted where a signal comes first, also one that comes
-/// just before the wait begins.
+/// Waits until standard input can be read. Throws Interrupted if a signal comes first, even just before the
+/// wait begins.
 void WaitForInput() {
   const HeldSignals held;
   int ready = 0;
@@ -119,7 +119,7 @@ Session::~Session() {
   try {
     CloseSession(row_);
   } catch (const std::exception&) {
-    // What went wrong has been reported, and the command has an end of its own.
+    // The failure has been reported, and the command ends in its own way.
   }
 }
 

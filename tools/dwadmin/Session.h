@@ -7,7 +7,7 @@
 
 namespace dw {
 
-/// Ends a command that could not do its work, with the words for the user; none where they have been shown.
+/// Ends a command that could not do its work, with the words for the user; no words if they have been shown.
 class NotDone : public std::runtime_error {
  public:
   explicit NotDone(const std::string& text = {}) : std::runtime_error(text) {}
@@ -15,15 +15,15 @@ class NotDone : public std::runtime_error {
 
 struct SignOnRequest {
   std::string user;
-  std::string workstation;  ///< empty: the name that the settings keep for this machine
+  std::string workstation;  ///< empty: the name in the settings of this machine
 };
 
-/// Signed on for as long as it lives: asks for the password, lets the system's own rules decide and leaves a
-/// row in `Access Log`. However the command ends, that row is closed, and no other: the same user may run
-/// several commands at a time.
+/// Signed on for as long as it lives. It asks for the password, applies the system's own rules and adds a row
+/// to `Access Log`. However the command ends, that row is closed, and no other: the same user may run several
+/// commands at a time.
 class Session {
  public:
-  /// Throws NotDone after a refusal, and then no row is left.
+  /// Throws NotDone after a refusal; no row is left then.
   explicit Session(const SignOnRequest& request);
   ~Session();
   Session(const Session&) = delete;

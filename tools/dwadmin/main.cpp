@@ -226,7 +226,7 @@ int Run(const Work& work) {
     const int code = work(*screen);
     std::cout.flush();
     if (!std::cout) return NotDone("The result could not be written.");
-    // A failure that was told and passed over is work that was not done.
+    // If a failure was reported and the command went on, not all of its work was done.
     return code == kDone && screen->Complaints() > 0 ? kNotDone : code;
   } catch (const dw::FileMissing&) {
     return kNotDone;
@@ -251,7 +251,7 @@ int Run(const Work& work) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A reader of the output that has gone must not end the program before it has signed off.
+  // If the reader of the output has gone, the program must still sign off before it ends.
   std::signal(SIGPIPE, SIG_IGN);
   try {
     CommandLine line;

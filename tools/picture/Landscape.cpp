@@ -17,7 +17,7 @@ constexpr double kRoadBottom = 908;
 /// A line of hills: a sum of slow waves.
 struct Ridge {
   double height;  ///< of its middle, from the top
-  double swing;   ///< how far it goes up and down
+  double swing;   ///< how far it rises and falls
   double wave;    ///< length of the slowest wave
   double phase;
   double roughness;  ///< weight of the quick waves

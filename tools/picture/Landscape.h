@@ -9,7 +9,7 @@ namespace picture {
 inline constexpr int kWidth = 1600;
 inline constexpr int kHeight = 1000;
 
-/// Where the wheels of the two lanes stand, from the top.
+/// The height at which the wheels of the two lanes touch the road, from the top.
 inline constexpr double kFarLane = 742;
 inline constexpr double kNearLane = 872;
 

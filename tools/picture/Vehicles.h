@@ -1,5 +1,5 @@
-// The vehicles of the picture, from the side, heading right. Each stands with its wheels on the line y = 0
-// and its tail at x = 0; the painter says where that is, how large it is and which way it goes.
+// The vehicles of the picture, from the side, heading right. Each has its wheels on the line y = 0 and its
+// tail at x = 0; the painter decides where that is, how large it is and which way it heads.
 #pragma once
 
 #include <QPainter>

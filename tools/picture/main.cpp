@@ -9,7 +9,7 @@
 namespace picture {
 namespace {
 
-/// Stands a vehicle on the road: its tail, or its nose when it heads left, at `x`.
+/// Draws a vehicle on the road: its tail, or its nose when it heads left, is at `x`.
 void Place(QPainter& painter, void (*draw)(QPainter&), double x, double ground, double scale, bool left,
            double length) {
   painter.save();
@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const QString file = QString::fromLocal8Bit(argv[1]);
-  // The format is named, so that any name of the file will do; a name that ends in .png gives that.
+  // The format is explicit, so that a file of any name is a bitmap; only the ending .png means a PNG.
   const char* format = file.endsWith(".png", Qt::CaseInsensitive) ? "PNG" : "BMP";
   if (picture::Draw().save(file, format)) return 0;
   std::fprintf(stderr, "dwpicture: cannot write %s\n", argv[1]);

@@ -73,7 +73,7 @@ class Inspection {
       Find(button, "cuts off \"" + button.text().toStdString() + "\"");
   }
 
-  // Names and notes may be longer than their field; dates, times and figures are read at one glance.
+  // Names and notes may be longer than their field. Dates, times and figures have to be visible as a whole.
   void LookAtField(const QLineEdit& field) {
     static const QRegularExpression figure("^[-0-9/$,.:() ]+([AP]M)?$");
     if (!figure.match(field.text()).hasMatch()) return;

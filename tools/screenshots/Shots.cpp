@@ -52,7 +52,7 @@ void PressSpace(QWidget& widget) {
   QCoreApplication::sendEvent(&widget, &press);
 }
 
-/// Leaves a window as a user does who changes nothing.
+/// Leaves a window like a user who changes nothing.
 void Leave(ui::Form& form) {
   auto* cancel = form.findChild<QPushButton*>("CancelButton");
   if (cancel)
@@ -80,7 +80,7 @@ void TakePair(Album& album) {
   Settle();
 }
 
-/// A window that stands for itself.
+/// A window without a list.
 template <class Window>
 void TakeAlone(Album& album) {
   Window& window = ui::The<Window>();
@@ -90,7 +90,7 @@ void TakeAlone(Album& album) {
   Settle();
 }
 
-/// The window that has come forward, which is then closed.
+/// The window that has come forward; closes it afterwards.
 void TakeFront(Album& album) {
   Settle();
   ui::Form* front = ui::ActiveForm();
@@ -162,7 +162,7 @@ void TakeAssets(Album& album) {
   Settle();
 }
 
-/// The main window with a list and one of its records in front of it, as a clerk has them.
+/// The main window with a list and one of its records in front of it, as a clerk sees them.
 void TakeDesk(Album& album) {
   auto& menu = ui::The<dw::mnuDW>();
   menu.ShowForm();

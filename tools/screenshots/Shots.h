@@ -14,11 +14,11 @@ namespace shots {
 class Album {
  public:
   explicit Album(std::string folder) : folder_(std::move(folder)) {}
-  /// Lets a window settle, inspects it and takes its picture. Throws std::runtime_error where the file cannot
-  /// be written.
+  /// Lets a window settle, inspects it and takes its picture. Throws std::runtime_error if the file cannot be
+  /// written.
   void Take(QWidget& window, const std::string& name);
   void Keep(const QPixmap& picture, const std::string& name);
-  /// What is wrong with the windows so far, see Inspect.
+  /// The faults of the windows so far, see Inspect.
   const std::vector<std::string>& Faults() const { return faults_; }
 
  private:

@@ -59,7 +59,7 @@ int main(int argc, char** argv) {
     font.setPointSize(12);
     QApplication::setFont(font);
   }
-  // Boxes answer themselves; what the windows show is the same at each run.
+  // Boxes answer themselves; the windows show the same at each run.
   screen::Install(std::make_shared<screen::ScriptedScreen>());
   const rt::FixedClock clock(rt::DateTime(2026, 3, 2, 9, 30));
   try {
