@@ -110,7 +110,7 @@ TEST_F(AdoTest, GivesTheProvidersNumbersForAHeldRecord) {
   EXPECT_EQ(ProblemOf([&] { late->Update(); }), std::pair(ado::kUnspecified, 3186));
   late->CancelUpdate();
 
-  // A transaction that is open while its user thinks holds its records and nothing else.
+  // While its user thinks, an open transaction keeps its holds and nothing else.
   held->CancelUpdate();
   window->BeginTrans();
   held->Set("ID", held->Get("ID"));

@@ -47,7 +47,7 @@ TEST_F(AdodcTest, ListensAndStandsEmptyAfterAFailure) {
   control.Refresh();
   EXPECT_EQ(control.RecordCount(), 2);
   EXPECT_EQ(told, 6);
-  // The file is free again for others once it lets go.
+  // After Close, the file is free again for others.
   control.Close();
   other.reset();
   EXPECT_NO_THROW(store::Connection::Open({path, store::Share::Exclusive}));
@@ -91,7 +91,7 @@ TEST(QueryText, FindsTheClauses) {
   EXPECT_EQ(ui::QueryText("Select and Sort Queries").Text(), "SELECT * FROM [Select and Sort Queries]");
 }
 
-// The store must find exactly the rows whose shown text begins with what was typed.
+// The store must find exactly the rows whose shown text begins with the typed text.
 TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
   MakeAssets(400);
   Change("UPDATE Assets SET Notes = 'Ünder' WHERE ID = 7");
@@ -127,7 +127,7 @@ TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
       if (sought[0] == '.') sought = "0" + sought;
       std::vector<std::int32_t> expected;
       for (rows.MoveFirst(); !rows.AtEnd(); rows.MoveNext()) {
-        // A point that is typed behind a whole number is not shown.
+        // A shown whole number does not have the point that the user may type after it.
         std::string shown = rt::LowerCase(ui::Format(rows.Get(field), ""));
         if (name != "Bought" && !shown.empty() && rt::IsNumeric(shown) &&
             shown.find('.') == std::string::npos)
@@ -145,7 +145,7 @@ TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
       EXPECT_EQ(actual, expected) << name << ' ' << typed << ": " << condition;
       found += static_cast<int>(actual.size());
       if (name == "Asset") continue;
-      // The first of them in either order of the column, found by halves and by a query.
+      // Both a binary search and a query must find the first of them, in either order of the column.
       for (ui::Adodc* list : {&up, &down}) {
         list->SortBy(info, list == &up);
         list->Refresh();

@@ -50,7 +50,7 @@ class DataGridTest : public test::GridTest {
   }
 
   QWidget window;
-  ui::Adodc rows{"adoAssets"};  // goes before its grid, as the member of a form does
+  ui::Adodc rows{"adoAssets"};  // destroyed before its grid, like the member of a form
   ui::DataGrid* grid = new ui::DataGrid("grdAssets");
   QLineEdit* field = new QLineEdit;
 };
@@ -107,9 +107,9 @@ TEST_F(DataGridTest, ShowsFormattedRowsAndLeavesTheRecordsetsPlace) {
   EXPECT_EQ(grid->CellText(5), "two lines");
   EXPECT_EQ(grid->CellValue(1, "Assets.Notes").AsText(), "two\r\nlines");
   EXPECT_TRUE(grid->CellValue(1, "Nothing").IsNull());
-  EXPECT_EQ(rows.Recordset()->Get("Code").AsText(), "K002");  // it follows
+  EXPECT_EQ(rows.Recordset()->Get("Code").AsText(), "K002");  // the recordset follows
 
-  // A caller walks the rows while the grid goes on being painted.
+  // A caller moves through the rows while the grid goes on painting.
   rows.Recordset()->MoveLast();
   grid->verticalScrollBar()->setValue(100);
   window.grab();
@@ -138,7 +138,8 @@ TEST_F(DataGridTest, ShowsFormattedRowsAndLeavesTheRecordsetsPlace) {
 TEST_F(DataGridTest, ReadsOnlyWhatIsSeen) {
   Open(999);
   window.grab();
-  // What others do to rows that were read does not show before a refresh; the rest is read when it is seen.
+  // Changes by others to rows that were read appear only after a refresh; the grid reads other rows when they
+  // become visible.
   Change("DELETE FROM Assets WHERE ID = 3 OR ID = 700");
   Change("UPDATE Assets SET Code = 'new' WHERE ID = 701");
   window.grab();
@@ -171,7 +172,7 @@ TEST_F(DataGridTest, TellsOnceOfRowsThatCannotBeRead) {
 TEST_F(DataGridTest, KeysAndDoubleClicks) {
   Open(50);
   std::string done;
-  QTest::keyClick(grid, Qt::Key_Insert);  // reading only until the form says otherwise
+  QTest::keyClick(grid, Qt::Key_Insert);  // nothing happens until the form sets an action
   QTest::keyClick(grid, Qt::Key_Space);
   grid->onAdd = [&] { done += "add "; };
   grid->onDetail = [&] { done += "detail" + grid->CellText(0) + " "; };
@@ -217,7 +218,7 @@ TEST_F(DataGridTest, BoldWithTheFocusAndNothingMoves) {
   field->setFocus();
   test::Settle();
   EXPECT_FALSE(grid->font().bold());
-  // A width that the user has chosen outlives a refresh.
+  // A width that the user chose stays after a refresh.
   grid->horizontalHeader()->resizeSection(1, 222);
   rows.Refresh();
   EXPECT_EQ(grid->columnWidth(1), 222);
@@ -238,7 +239,7 @@ TEST_F(DataGridTest, HeadingsSortAndKeepTheCurrentRecord) {
   Change("DELETE FROM Assets WHERE ID = 5");
   ClickHeading(1);
   EXPECT_EQ(Codes(), "K001 K002 K003 K004");
-  EXPECT_EQ(grid->Row(), 0);  // that record is gone
+  EXPECT_EQ(grid->Row(), 0);  // another user has deleted that record
   rows.Refresh();
   EXPECT_EQ(grid->horizontalHeader()->sortIndicatorSection(), 1);
 
@@ -271,10 +272,10 @@ TEST_F(DataGridTest, TypingFindsARow) {
   ClickHeading(2);
   ClickHeading(2);
   QTest::keyClicks(grid, "$2,");
-  EXPECT_EQ(grid->CellText(2), "$2,994.50");  // the first of them in the order shown
+  EXPECT_EQ(grid->CellText(2), "$2,994.50");  // the first of them in the visible order
   std::string opened;
   grid->onDetail = [&] { opened = grid->CellText(0); };
-  QTest::keyClick(grid, Qt::Key_Space);  // opens, also in the midst of typing
+  QTest::keyClick(grid, Qt::Key_Space);  // opens, even in the middle of typing
   EXPECT_EQ(opened, grid->CellText(0));
   // A row that is not in the list yet is not found.
   Change("INSERT INTO Assets (Code) VALUES ('ZZZ')");
@@ -321,7 +322,7 @@ TEST_F(DataGridTest, CopiesAndSavesRows) {
   EXPECT_EQ(grid->CellText(0), "3");
   screen->ExpectPart("could not be saved", screen::Icon::Exclamation);
   EXPECT_FALSE(grid->SaveCsv(directory.Path("no/such/folder.csv")));
-  // What stood there before stays when the rows cannot be read any more.
+  // An earlier file stays if the rows cannot be read any more.
   const std::string before = content();
   Bind(rows, "SELECT * FROM Assets");
   rows.Refresh();

@@ -55,7 +55,7 @@ TEST_F(FilePickersTest, ADriveIsTheOneThatHoldsThePath) {
   EXPECT_EQ(list.Drive(), "/");
   EXPECT_EQ(changes, 2);
 
-  // The list is read again when it is opened. The choice stays, or the first drive takes its place.
+  // Opening reads the list again. The choice stays, or becomes the first drive.
   list.SetDrive(path_ + "/Fleet");
   drives.erase(drives.begin() + 1);
   list.showPopup();
@@ -79,7 +79,7 @@ TEST_F(FilePickersTest, DirectoriesAreEnteredByDoubleClickAndEnter) {
   list.show();
   test::Settle();
   QTreeWidgetItem* old = ItemOf(list, "Old");
-  // One click only marks.
+  // One click only marks the directory.
   QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(old).center());
   EXPECT_EQ(list.Path(), path_ + "/Fleet");
   test::Press(list, Qt::Key_Return);

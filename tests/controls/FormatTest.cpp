@@ -17,7 +17,7 @@ TEST(Format, Money) {
   EXPECT_EQ(Format(Currency::FromUnits(9'999'950), kMoney), "$1,000.00");
   EXPECT_EQ(Format(Currency::FromUnits(-15'000), "\"$\"#,##0.00"), "-$1.50");
   EXPECT_EQ(Format(rt::Null{}, kMoney), "");
-  EXPECT_EQ(Format("1234.5", kMoney), "$1,234.50");  // as typed into a box
+  EXPECT_EQ(Format("1234.5", kMoney), "$1,234.50");  // as the user types it into a box
   EXPECT_EQ(Format("n/a", kMoney), "n/a");
   EXPECT_EQ(Format(Currency::FromUnits(12'500), ""), "1.25");
 }

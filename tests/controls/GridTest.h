@@ -1,4 +1,4 @@
-// What the tests of lists share: a data file of assets and lines.
+// The data file of the tests of lists: assets and lines.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ namespace test {
 
 class GridTest : public testing::Test {
  protected:
-  /// Assets 1 to `count`, with codes K001, K002 … and what Change has made of them.
+  /// Assets 1 to `count`, with codes K001, K002 …, plus the effects of Change.
   void MakeAssets(int count) {
     MakeSmallFile(path);
     other = OpenSmallFile(path);
@@ -30,7 +30,7 @@ class GridTest : public testing::Test {
     }
     other->CommitTrans();
   }
-  /// Done by somebody else.
+  /// A change by another user.
   void Change(const std::string& sql) { other->Execute(sql); }
   std::string Connect() const {
     return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + ";Persist Security Info=False";

@@ -1,4 +1,4 @@
-// What windows look like, to the eye and to a screen reader.
+// Tests the looks of windows, and what a screen reader says.
 #include <gtest/gtest.h>
 
 #include <QAbstractItemView>
@@ -112,7 +112,7 @@ TEST(Looks, AFirstFieldIsOvertyped) {
   test::Settle();
   ASSERT_TRUE(field.hasFocus());
   EXPECT_EQ(field.selectedText(), "before");
-  // The record that comes once the window is there is marked as well.
+  // A value that comes after the window is open is marked as well.
   field.ShowValue(rt::Value("later"));
   EXPECT_EQ(field.selectedText(), "later");
 }

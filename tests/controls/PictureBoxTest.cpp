@@ -34,7 +34,7 @@ QByteArray Encoded(const QImage& image, const char* format) {
 
 rt::Binary Bytes(const QByteArray& bytes) { return {bytes.begin(), bytes.end()}; }
 
-/// The JPEG with the mark of a camera that was held so that its picture must be turned right by 90 degrees.
+/// The JPEG with the mark of a camera that was turned: the picture must be turned right by 90 degrees.
 QByteArray TurnedRight(QByteArray jpeg) {
   const unsigned char mark[] = {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0,    0,    'M', 'M',
                                 0,    42,   0, 0,  0,   8,   0,   1,   0x01, 0x12, 0,   3,
@@ -45,7 +45,7 @@ QByteArray TurnedRight(QByteArray jpeg) {
 bool IsRed(QRgb pixel) { return qRed(pixel) > 200 && qGreen(pixel) < 60 && qBlue(pixel) < 60; }
 bool IsBlue(QRgb pixel) { return qBlue(pixel) > 200 && qGreen(pixel) < 60 && qRed(pixel) < 60; }
 
-/// What a box shows of a picture: the rectangle of the picture's colours.
+/// The rectangle with the picture's colors in what a box shows.
 QRect ColouredPart(QWidget& box) {
   const QImage shown = box.grab().toImage();
   QRect part;
@@ -104,7 +104,7 @@ TEST_F(PictureBoxTest, ShowsPicturesInProportionAndNeverLargerThanTheyAre) {
   EXPECT_LT(fitted.width(), 300);
   box_.resize(1000, 1000);
   EXPECT_GT(ColouredPart(box_).width(), 980) << "a larger window shows it larger";
-  // So that it is sharp there as well.
+  // The larger picture is sharp, too.
   const QImage shown = box_.grab().toImage();
   EXPECT_TRUE(IsRed(shown.pixel(496, 500)) && IsBlue(shown.pixel(504, 500)));
 }
@@ -135,7 +135,7 @@ TEST_F(PictureBoxTest, AFileThatIsNoPictureIsRefusedWithItsReason) {
   const std::string large = Write("large.bmp", "BM");
   std::filesystem::resize_file(large, ui::kMostPictureBytes + 1);
   refuse(large, "it is larger than 64 MB");
-  // 12,000 by 12,000 pixels, black and white: only the head of the file is needed to see it.
+  // 12,000 by 12,000 pixels, black and white: the head of the file is enough to refuse it.
   QByteArray wide = Encoded(QImage(8, 8, QImage::Format_Mono), "bmp");
   for (const int at : {18, 22}) wide.replace(at, 4, QByteArray("\xE0\x2E\0\0", 4));
   refuse(Write("wide.bmp", wide), "it has more than 100 million pixels");
@@ -147,7 +147,7 @@ TEST_F(PictureBoxTest, AFileThatIsNoPictureIsRefusedWithItsReason) {
 }
 
 TEST_F(PictureBoxTest, ADamagedPictureIsToldAndStaysStored) {
-  // The head is whole, but what follows is no picture.
+  // The head is whole, but the rest is not a picture.
   QByteArray bytes = Encoded(TwoHalves(200, 100), "jpg").left(300);
   bytes.append(QByteArray(2000, '\0'));
   box_.ShowValue(Bytes(bytes));

@@ -1,4 +1,4 @@
-// The rows of devices, and the drivers' own device for tests.
+// Tests the rows of devices, and scans with the drivers' own device for tests.
 #include "platform/scan/Scanner.h"
 
 #include <gtest/gtest.h>
@@ -66,7 +66,7 @@ class Display : public sys::ScanDisplay {
 
 class ScannerTest : public testing::Test {
  protected:
-  /// The scan as the file holds it.
+  /// The scan as it is in the file.
   QImage Scan(sys::ScanSize size, sys::ScanSetupQuestion question = {}) {
     const auto scanner = sys::MakeScanner();
     scanner->Reset();
@@ -81,7 +81,7 @@ class ScannerTest : public testing::Test {
     scanner->CloseScanner();
     return QImage(QString::fromStdString(directory_.Path("scan.bmp")));
   }
-  /// The reason why a scan cannot be made.
+  /// Why a scan fails.
   std::string Failure() {
     try {
       Scan(sys::ScanSize::Paper);
@@ -103,7 +103,7 @@ TEST_F(ScannerTest, WithoutADeviceNoneIsAvailable) {
 TEST_F(ScannerTest, TheSizeSetsTheAreaAndTheResolution) {
   const test::TestScanner device;
   if (!device.Installed()) GTEST_SKIP() << "no test device on this machine";
-  // 86 by 54 mm at 300 dots per inch; the sheet is cut to the 200 mm that the device has.
+  // 86 by 54 mm at 300 dots per inch; the device cuts the sheet to its 200 mm.
   const QImage card = Scan(sys::ScanSize::CreditCard);
   EXPECT_NEAR(card.width(), 1016, 12);
   EXPECT_NEAR(card.height(), 638, 12);
@@ -148,7 +148,7 @@ TEST_F(ScannerTest, DevicesOfOtherKindsAndDevicesInTrouble) {
 
 #if __has_include(<sane/sane.h>)
 
-/// A driver whose scan jams and whose end waits for a thread that never comes.
+/// A driver whose scan jams and whose end waits for a thread that never ends.
 sys::SaneLibrary Hanging() {
   sys::SaneLibrary library;
   library.open = [](SANE_String_Const, SANE_Handle*) { return SANE_STATUS_GOOD; };
@@ -167,7 +167,7 @@ sys::SaneLibrary Hanging() {
 
 TEST(Scanner, ADriverThatNeverComesBackFromItsEndIsLeftAlone) {
   const sys::SaneLibrary library = Hanging();
-  // In a process of its own, which the driver stays in.
+  // The driver stays in its process, so the scan has a process of its own.
   test::SecondProcess scans([&](test::SecondProcess::Channel& channel) {
     std::string words = "read";
     try {

@@ -43,7 +43,7 @@ class Record : public ui::Form {
       return;
     }
     stored.push_back(code.Text() + "," + name.Text());
-    // What waits for another user lets events through.
+    // Work that waits for another user lets events through.
     screen::DoEvents();
     QThread::msleep(3);
     screen::DoEvents();
@@ -66,7 +66,7 @@ class Record : public ui::Form {
   }
 };
 
-/// The list that opens it with Insert; other keys are what it is searched by.
+/// The list that opens the window with Insert; other keys search it.
 class List : public ui::Form {
  public:
   List() : Form("List") {
@@ -148,7 +148,7 @@ TEST_P(TypeAheadTest, ABoxTakesNoKeyThatWasTypedBeforeItCouldBeRead) {
   Append(keys, Series(2));
   bool still = false;
   bool answered = false;
-  // Nobody types any more; the box is still there, and now a key is an answer.
+  // Nobody types any more; the box is still open, and a key now answers it.
   QTimer::singleShot(static_cast<int>(keys.size()) * GetParam() + 700, &list_, [&] {
     QWidget* box = QApplication::activeModalWidget();
     still = box && box->objectName() == "MessageBox";

@@ -1,4 +1,4 @@
-// The wheel scrolls; it changes nothing in passing and takes no focus.
+// The wheel scrolls; it changes no value in passing and does not move the focus.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -22,7 +22,8 @@ void Notch(QWidget& widget) {
   const QPointF at = widget.rect().center();
   QWheelEvent turn(at, widget.mapToGlobal(at), {}, QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
                    Qt::NoScrollPhase, false);
-  // What the program sends itself is not passed on to the window around.
+  // Qt does not pass an event on to the parent widget if the program sent it, so this one must look like the
+  // window system's.
   QSpontaneKeyEvent::setSpontaneous(&turn);
   QWidget* under = widget.childAt(at.toPoint());
   qApp->notify(under ? under : &widget, &turn);

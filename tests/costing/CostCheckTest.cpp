@@ -58,7 +58,7 @@ TEST(CostCheck, TellsWhatIsOutOfStepAndWhere) {
   Post(true);
   EXPECT_EQ(Differences(), "");
 
-  // A removed asset and a changed fuel type leave sums behind that no transaction stands for any more.
+  // A removed asset and a changed fuel type leave sums without transactions.
   fleet.Run("DELETE FROM [Vehicles] WHERE [Asset ID] = 'TRK-1'");
   fleet.Run("UPDATE [Vehicles] SET [Fuel Type] = 6");
   const std::string left =
@@ -80,7 +80,7 @@ TEST(CostCheck, RowsAtZeroAndRoundedUnitsAgree) {
   fleet.AddTransaction("TRK-1", 2026, 3, {{"Oil", 0.1F}, {"Time", 0.0F}, {"Oil Cost", Money(2)}});
   Post();
   EXPECT_EQ(Differences(), "");
-  // The large one is taken out first: what stays of the small one has lost digits on the way.
+  // The large amount is subtracted first: the rest has lost digits of the small one by then.
   dw::UnpostAll();
   EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"TRK-1"}, "Oil Cost"), "0");
   EXPECT_NE(fleet.Sum("Assets Lifetime Costs", {"TRK-1"}, "Oil Units"), "0");
@@ -95,7 +95,7 @@ TEST(CostCheck, ANullStaysAndIsExplainedByTheRowThatLeftIt) {
   const auto null = fleet.AddTransaction("TRK-1", rt::Null{}, 3, {{"Oil Cost", Money(1)}});
   fleet.AddTransaction("TRK-1", rt::Null{}, 3, {{"Oil", 2.0F}, {"Time", 0.0F}});
   Post();
-  // Rows without a year are one row, as those of a year are.
+  // All transactions without a year share one row, as those of a year do.
   EXPECT_EQ(fleet.Ask("SELECT COUNT(*) FROM [Assets Period Costs]"), "1");
   EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"TRK-1"}, "Oil Units"), "Null");
   EXPECT_EQ(Differences(), "");
@@ -103,7 +103,7 @@ TEST(CostCheck, ANullStaysAndIsExplainedByTheRowThatLeftIt) {
   test::ScreenScript script;
   dw::UnpostAll();
   EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"TRK-1"}, "Oil Units"), "Null");
-  EXPECT_EQ(Differences(), "");  // the Null came from a transaction that still shows it
+  EXPECT_EQ(Differences(), "");  // the Null came from a transaction that still has it
   fleet.Run("UPDATE [Maintenance Transactions] SET [Oil] = 1 WHERE [ID] = " + std::to_string(null));
   EXPECT_NE(Differences().find("Assets Lifetime Costs (TRK-1) : Oil Units Null <> no transactions\n"),
             std::string::npos);

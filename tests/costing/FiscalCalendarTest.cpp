@@ -33,7 +33,7 @@ TEST(FiscalCalendar, TwelveCalendarMonths) {
   EXPECT_EQ(fleet.Ask("SELECT [Updated By] FROM [Fiscal Periods] WHERE [Period] = 7"), "Null");
 
   const std::string before = fleet.Everything("Fiscal Periods");
-  dw::GenerateFiscalYear(2026, DateTime(2026, 7, 1));  // exists completely: nothing is added or moved
+  dw::GenerateFiscalYear(2026, DateTime(2026, 7, 1));  // all of it exists: nothing is added or moved
   EXPECT_EQ(fleet.Everything("Fiscal Periods"), before);
   EXPECT_EQ(script->CurrentPointer(), screen::Pointer::Normal);
 }

@@ -44,7 +44,7 @@ TEST(Lookups, FuelHoldsFromItsDateAndLaborUpToIt) {
   EXPECT_EQ(labor("3/1/2026"), "60");
   EXPECT_EQ(oil("3/1/2026"), "12");
   EXPECT_EQ(labor("6/1/2026 14:30"), "60");  // the time of day does not count
-  // Both rows qualify: the one that was entered first, here the later date.
+  // Both rows match: the one that was entered first counts, here the one with the later date.
   EXPECT_EQ(labor("12/31/2025"), "60");
   EXPECT_EQ(dw::GetOilCost(0, "3/1/2026").PlainText(), "0");
 

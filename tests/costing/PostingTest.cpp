@@ -130,9 +130,10 @@ TEST(Posting, OutsideOilAndZerosAndNulls) {
     EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"OIL"}, column.accumulator), "0") << column.accumulator;
   }
   EXPECT_EQ(fleet.Sum("Fuel Annual Costs", {0, 2026}, "Outside Cost"),
-            "0");  // fuel type 0 is a type like another
+            "0");  // fuel type 0 is a type like any other
 
-  // All zeros, in a period that no calendar knows, of an asset without a fuel type: posted like any other.
+  // All zeros, in a period that is not in the calendar, of an asset without a fuel type: posted like any
+  // other.
   EXPECT_NE(fleet.OfTransaction(zero, "When Posted"), "Null");
   EXPECT_EQ(fleet.Sum("Assets Period Costs", {"ZERO", 1999, 13}, "Oil Cost"), "0");
   EXPECT_EQ(fleet.Ask("SELECT [Fiscal Year] FROM [Fuel Annual Costs] WHERE [Fuel Type ID] IS NULL"), "1999");
@@ -163,7 +164,7 @@ TEST(Posting, RowsWithoutAnAssetAreWalkedInSilence) {
   EXPECT_NE(fleet.OfTransaction(there, "When Posted"), "Null");
   EXPECT_EQ(percents, (std::vector<int>{0, 33, 66, 100, 100}));
 
-  // Nothing left to post: the bar moves all the same, and nothing changes.
+  // Nothing is left to post: the bar moves all the same, and nothing changes.
   std::string before = fleet.Everything("Maintenance Transactions");
   for (const char* table : kTables) before += fleet.Everything(table);
   percents.clear();
@@ -218,14 +219,14 @@ TEST(Posting, ClearFirstRebuildsTheSumsFromWhatIsOnFile) {
   EXPECT_EQ(fleet.OfTransaction(sold, "When Posted"), "Null");
   EXPECT_NE(fleet.OfTransaction(kept, "When Posted"), "Null");
 
-  // The fuel type that counts is the one the asset has when it is posted.
+  // The fuel type at the time of posting counts.
   fleet.Run("UPDATE [Vehicles] SET [Fuel Type] = 9");
   Post(true);
   EXPECT_EQ(fleet.Sum("Fuel Annual Costs", {1, 2026}, "Internal Units"), "no row");
   EXPECT_EQ(fleet.Sum("Fuel Annual Costs", {9, 2026}, "Internal Units"), "10.5");
 }
 
-/// The number of the engine's error that ends a run; no box is shown.
+/// The number of the engine's error that ends a run, which shows no box.
 int ErrorOfRun(bool clearFirst = false, std::string* words = nullptr) {
   test::ScreenScript script;
   try {
@@ -252,7 +253,7 @@ TEST(Posting, EngineErrorsEndTheRunAndKeepWhatIsPosted) {
   EXPECT_EQ(fleet.OfTransaction(rich, "When Posted"), "Null");
   EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"TRK-1"}, "Internal Parts Cost"), "7.7");
 
-  // The sum overflows at the third table: the row's other sums are taken back with it.
+  // The sum overflows at the third table: the row's sums in the first two are rolled back.
   fleet.Run("UPDATE [Maintenance Transactions] SET [Oil Cost] = 0 WHERE [ID] = " + std::to_string(rich));
   fleet.Run("UPDATE [Assets Period Costs] SET [Internal Parts Cost] = 0, [Total Internal Cost] = 0");
   fleet.Run("UPDATE [Assets Annual Costs] SET [Internal Parts Cost] = 0, [Total Internal Cost] = 0");
@@ -264,7 +265,7 @@ TEST(Posting, EngineErrorsEndTheRunAndKeepWhatIsPosted) {
   fleet.AddAsset("O'NEIL", 1);
   const auto quoted = fleet.AddTransaction("O'NEIL", 2026, 3);
   std::string words;
-  EXPECT_EQ(ErrorOfRun(false, &words), 3075);  // the apostrophe goes into the query as it stands
+  EXPECT_EQ(ErrorOfRun(false, &words), 3075);  // the query contains the apostrophe as it is
   EXPECT_TRUE(words.ends_with("The run was at transaction " + std::to_string(quoted) + " of asset 'O'NEIL'."))
       << words;
 }

@@ -18,7 +18,7 @@ using screen::Icon;
 using test::Money;
 using test::SecondProcess;
 
-/// Another user with one row of a table in edit until told to go on.
+/// Another user with one row of a table in edit until the test says to go on.
 std::function<void(SecondProcess::Channel&)> HoldingRow(const std::string& table, std::int32_t id) {
   return [table, id](SecondProcess::Channel& channel) {
     const auto workspace = dao::DBEngine::CreateWorkspace("Other", "admin", "");
@@ -150,7 +150,7 @@ TEST(PostingUsers, ACostRowInAnothersTransactionIsWaitedFor) {
   }
   other.Talk().Say("end");
   EXPECT_EQ(other.Join(), 0);
-  // What the other has written meanwhile is what the figures are added to.
+  // The run adds its figures to what the other user has written meanwhile.
   EXPECT_EQ(fleet.Sum("Assets Annual Costs", {"TRK-1", 2026}, "Oil Cost"), "102");
   EXPECT_EQ(fleet.Sum("Assets Period Costs", {"TRK-1", 2026, 3}, "Oil Cost"), "3");
 }

@@ -35,7 +35,7 @@ std::string Sums(test::SmallFleet& fleet) {
   return text;
 }
 
-/// What the transaction's window does with the record that it holds.
+/// Works on a record in edit, as the transaction's window does.
 void WithHeldTransaction(std::int32_t id, const std::function<void(const dw::DaoRecordsetPtr&)>& work) {
   const auto workspace = dao::DBEngine::CreateWorkspace("Window", "admin", "");
   const auto database = workspace->OpenDatabase(dw::DataFile);
@@ -77,7 +77,7 @@ TEST(Unposting, OutAndInAgainLeavesTheSumsAsTheyWere) {
   EXPECT_EQ(fleet.OfTransaction(id, "When Posted"), "Null");
   EXPECT_EQ(fleet.OfTransaction(id, "Last Updated"), "5/1/2026 10:00:00 AM");
   EXPECT_EQ(fleet.OfTransaction(id, "Updated By"), "TESTER");
-  EXPECT_EQ(fleet.OfTransaction(id, "Total Internal Cost"), "26.1234");  // stands until the next posting
+  EXPECT_EQ(fleet.OfTransaction(id, "Total Internal Cost"), "26.1234");  // stays until the next posting
   for (const auto& column : dw::kAssetCostColumns) {
     const std::string once = fleet.OfTransaction(id, column.transaction);
     EXPECT_EQ(fleet.Sum("Assets Period Costs", {"TRK-1", 2026, 3}, column.accumulator), once)
@@ -91,7 +91,7 @@ TEST(Unposting, OutAndInAgainLeavesTheSumsAsTheyWere) {
   Post();
   EXPECT_EQ(Sums(fleet), before);
 
-  // Pressing the button twice subtracts twice; rows go to zero and below, and stay.
+  // Pressing the button twice subtracts twice. Rows may become zero or negative, and stay.
   test::ScreenScript script;
   WithHeldTransaction(id, [&](const auto& record) {
     for (int i = 0; i < 3; ++i) EXPECT_TRUE(dw::UnpostHeldTransaction(record));
@@ -141,7 +141,7 @@ TEST(Unposting, WhatIsMissingIsToldAndTheRestIsReduced) {
   }
   EXPECT_NE(fleet.OfTransaction(sold, "When Posted"), "Null");
   {
-    // The asset's fuel type is another one now, and that type has no rows: the words are the annual ones both
+    // The asset has another fuel type now, without rows for it. The message names the annual table both
     // times.
     test::ScreenScript script;
     script->Expect("Could not find Fuel Annual Cost record.", Icon::Critical);
@@ -150,7 +150,7 @@ TEST(Unposting, WhatIsMissingIsToldAndTheRestIsReduced) {
   }
   EXPECT_EQ(fleet.Sum("Assets Annual Costs", {"TRK-1", 2026}, "Oil Cost"), "0");
   EXPECT_EQ(fleet.Sum("Fuel Annual Costs", {4, 2026}, "Internal Units"), "21");
-  EXPECT_NE(fleet.OfTransaction(id, "When Posted"), "Null");  // marking it is the caller's part
+  EXPECT_NE(fleet.OfTransaction(id, "When Posted"), "Null");  // the caller marks it
 
   for (const char* table : kTables) fleet.Run("DELETE FROM [" + std::string(table) + "]");
   test::ScreenScript script;
@@ -165,7 +165,7 @@ TEST(Unposting, WhatIsMissingIsToldAndTheRestIsReduced) {
   EXPECT_EQ(Sums(fleet), "");
 }
 
-/// Another user with rows in edit until told to go on.
+/// Another user with rows in edit until the test says to go on.
 std::function<void(SecondProcess::Channel&)> Holding(
     const std::vector<std::pair<std::string, std::int32_t>>& held) {
   return [held](SecondProcess::Channel& channel) {

@@ -98,7 +98,7 @@ TEST(Catalogue, NamesWhatAFileLacksAndNothingThatItHasBeyond) {
       {.name = "By_Maintenance_ID", .columns = {"Maintenance_Entry_ID", "ID"}, .unique = true});
   EXPECT_EQ(Differences(*connection, "DW.MDB"), Lines{});
 
-  // Two assets that share a code hinder the index that an older file lacks.
+  // Two assets with the same code prevent the index that an older file lacks.
   connection->DropIndex("Vehicles", "One Asset a Code");
   for (const char* code : {"TRK-1", "VAN 2", "trk-1", "", ""})
     connection->Execute("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('" + std::string(code) + "')");
@@ -110,7 +110,7 @@ TEST(Catalogue, NamesWhatAFileLacksAndNothingThatItHasBeyond) {
   dw::AddMissingIndexes(*connection, dw::CatalogueOf("DW.MDB"));
   EXPECT_EQ(Differences(*connection, "DW.MDB"), Lines{});
 
-  // Older files let a task have no transaction, and the one row of parameters no key.
+  // Older files allow a task without a transaction, and a row of parameters without a key.
   const auto allowNulls = [&](const char* name) {
     store::TableInfo table = *connection->Tables()->Find(name);
     connection->DropTable(name);
@@ -130,7 +130,7 @@ TEST(Catalogue, NamesWhatAFileLacksAndNothingThatItHasBeyond) {
   }
   EXPECT_EQ(Differences(*connection, "DW.MDB"), Lines{});
 
-  // Columns, widths and tables of somebody's own are left in peace; a narrower text is not.
+  // Other columns, tables and wider texts of the user's own may stay; a narrower text is a difference.
   connection->DropColumn("Divisions", "Description");
   connection->AddColumn("Divisions", {.name = "Description", .type = store::ColumnType::Text, .size = 200});
   connection->AddColumn("Divisions", {.name = "Telephone", .type = store::ColumnType::Text, .size = 30});
@@ -175,7 +175,7 @@ TEST(Catalogue, KeysRefuseTheSecondOfAKindAndLetUnfinishedRowsBe) {
     }
     return 0;
   };
-  // Two windows that have each just added their empty row.
+  // Two windows that have each just added an empty row.
   EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('')"), 0);
   EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('')"), 0);
   EXPECT_EQ(refused("INSERT INTO [Vehicles] ([Asset ID]) VALUES (Null)"), 0);

@@ -42,14 +42,14 @@ TEST_F(CompactTest, TheSpaceOfDeletedRecordsIsGivenBack) {
   EXPECT_EQ(fs::status(path).permissions(), rights) << "others must be able to write to it as before";
   EXPECT_EQ(FilesIn(folder.Path()), 0U);
 
-  // Without a folder of its own the copy is made in the data directory.
+  // Without a folder for temporary files, the data directory gets the copy.
   user_->Expect("Compacting complete.", Icon::Information);
   CompactDatabase(path);
   EXPECT_EQ(AssetOf(path, 1), "TRUCK 1");
   for (const auto& entry : fs::directory_iterator(directory_.Path()))
     EXPECT_NE(entry.path().extension(), ".TMP") << entry.path();
 
-  // A number that was given out before is not given to another record.
+  // A new record does not get a number that another record has had.
   store::Connection::Open({path})->Execute("INSERT INTO [Vehicles] ([Asset ID]) VALUES ('NEXT')");
   EXPECT_EQ(AssetOf(path, 5004), "NEXT");
 }

@@ -21,15 +21,15 @@
 
 namespace dwtest {
 
-/// Another workstation, "OFFICE" with the user "Bert", that keeps something of a data file until it is told
-/// to let go. It is a process of its own, started before this one has opened anything that the two could
-/// share.
+/// Another workstation, "OFFICE" with the user "Bert", that holds a record or keeps a file open until the
+/// test says to let go. It is a process of its own, and starts before this one opens anything that the two
+/// could share.
 class OtherWorkstation {
  public:
   enum class Keeps { Record, RecordInTransaction, FileShared, FileExclusively };
 
   OtherWorkstation() : process_(Work) {}
-  /// Returns once vehicle 1, or the file, is kept.
+  /// Returns when the other workstation holds vehicle 1, or has the file open.
   void Keep(const std::string& path, Keeps what) {
     process_.Talk().Say(std::to_string(static_cast<int>(what)) + path);
     process_.Talk().Hear();
@@ -57,7 +57,7 @@ class OtherWorkstation {
         connection->BeginTrans();
         connection->Execute("UPDATE [Vehicles] SET [Odometer] = 200 WHERE [ID] = 1");
       }
-      // What a transaction has written stands in the way of other writers; only the record is to be kept.
+      // A transaction's writes would block other writers; only the hold should stay.
       store::YieldFiles();
       channel.Say("kept");
       channel.Hear();
@@ -106,7 +106,7 @@ class DataTest : public ::testing::Test {
     MakeVehicles(path);
     return path;
   }
-  /// What the file says of a vehicle; empty for one that it does not hold.
+  /// The Asset ID of a vehicle in the file; empty if it is not there.
   static std::string AssetOf(const std::string& path, int id) {
     const auto cursor = store::Cursor::OpenQuery(
         store::Connection::Open({path}), "SELECT * FROM [Vehicles] WHERE [ID] = " + std::to_string(id),
@@ -117,7 +117,7 @@ class DataTest : public ::testing::Test {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
-  /// Puts a new file in the place of what stands there.
+  /// Replaces the file with a new one.
   static void WriteBytes(const std::string& path, const std::string& bytes) {
     std::filesystem::remove(path);
     std::ofstream(path, std::ios::binary) << bytes;

@@ -40,8 +40,8 @@ TEST_F(GenericADOTest, AMissingFileIsLookedForByItsBareName) {
   EXPECT_EQ(user_->CurrentPointer(), Pointer::Normal);
   CloseObject(connection);
 
-  // A string that does not name its file in the known form cannot be corrected: a plain refusal without a
-  // word.
+  // If a string does not name its file in the known form, nothing can correct it: the function fails without
+  // a message.
   EXPECT_FALSE(AdoOpenConnection(
       connection, "Provider=Microsoft.Jet.OLEDB.4.0; Data Source=" + directory_.Path("none.mdb"), false));
   EXPECT_FALSE(connection->IsOpen());
@@ -109,7 +109,7 @@ TEST_F(GenericADOTest, RecordsAreAddedUnderAChosenID) {
   ado::Recordset vehicles;
   vehicles.Open("SELECT * FROM [Vehicles] WHERE [ID] = -1", connection, ado::adOpenDynamic,
                 ado::adLockPessimistic);
-  // Without an ID of its own the row is added by the recordset; a statement would fail on this table's name.
+  // Without an ID, the recordset adds the row; a statement would fail on this table's name.
   for (const int id : {0, -7}) {
     ASSERT_TRUE(AdoAddRecordWithID("Access", connection, vehicles, "No Such Table", id));
     vehicles.Set("Asset ID", "BY NUMBER");
@@ -124,7 +124,7 @@ TEST_F(GenericADOTest, RecordsAreAddedUnderAChosenID) {
   ASSERT_TRUE(AdoUpdateRS(vehicles, false, false));
   EXPECT_EQ(AssetOf(path, 50), "CHOSEN");
 
-  // A second row of this ID cannot be made, but one can be read: that decides.
+  // It cannot make a second row of this ID, but can read one, which is enough.
   EXPECT_TRUE(AdoAddRecordWithID("Access", connection, vehicles, "Vehicles", 50));
   EXPECT_EQ(vehicles.Get("Asset ID"), rt::Value("CHOSEN"));
   EXPECT_FALSE(AdoAddRecordWithID("Access", connection, vehicles, "Trailers", 51));
@@ -172,7 +172,7 @@ TEST_F(GenericADOTest, ALockedUpdateIsAskedAbout) {
   EXPECT_EQ(user_->CurrentPointer(), Pointer::Hourglass) << "whoever cancels puts the pointer back";
   EXPECT_NE(user_->Shown().back().text.find("'OFFICE'"), std::string::npos) << user_->Shown().back().text;
 
-  // OK tries again, as often as it takes.
+  // OK tries again, however often.
   user_->ExpectPart(question, Icon::Information, Buttons::OkCancel, Answer::Ok);
   user_->ExpectPart(question, Icon::Information, Buttons::OkCancel, Answer::Ok);
   user_->onBox = [&](const screen::Box&) {

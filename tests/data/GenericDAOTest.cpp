@@ -12,14 +12,14 @@ using screen::Icon;
 
 class GenericDAOTest : public dwtest::DataTest {
  protected:
-  /// Opens the file and the first vehicle.
+  /// Opens the file and its first vehicle.
   dao::Recordset& OpenVehicle(const std::string& path) {
     int error = -1;
     EXPECT_TRUE(DaoOpenDatabase(path, false, DataUserID, DataPassword, workspace_, database_, error));
     recordset_ = database_->OpenRecordset("SELECT * FROM [Vehicles] WHERE [ID] = 1");
     return *recordset_;
   }
-  /// The same with a cursor that takes the record only at Update.
+  /// The same with a cursor that holds the record only during Update.
   dao::Recordset& OpenVehicleOptimistically(const std::string& path) {
     OpenVehicle(path);
     recordset_ = std::make_shared<dao::Recordset>(
@@ -27,7 +27,8 @@ class GenericDAOTest : public dwtest::DataTest {
                                  store::Locking::Optimistic));
     return *recordset_;
   }
-  /// The other lets go during the `last` wait; until then a box comes at every eleventh failed try.
+  /// The other workstation lets go during the `last` wait; until then, a box comes at every eleventh failed
+  /// try.
   void LetGoAfter(int last) {
     for (int boxes = last / 11; boxes > 0; --boxes) user_->ExpectPart(kAdvice, Icon::Information);
     user_->onBox = [this](const screen::Box&) { EXPECT_EQ(user_->SleepCount() % 11, 0); };
@@ -37,7 +38,7 @@ class GenericDAOTest : public dwtest::DataTest {
       if (user_->SleepCount() == last) other_.LetGo();
     };
   }
-  /// Each box names who is in the way.
+  /// Each box names who holds the record.
   void CheckWaited(int waits) {
     EXPECT_EQ(user_->SleepCount(), waits);
     EXPECT_EQ(user_->CurrentPointer(), screen::Pointer::Normal);
@@ -233,7 +234,7 @@ TEST_F(GenericDAOTest, DefinitionsAreBuiltAndFoundByTheirExactNames) {
   EXPECT_EQ(fields[3].size, 20);
   EXPECT_TRUE(fields[3].allowZeroLength);
 
-  // The same column a second time is told, not thrown.
+  // Adding the same column again shows a box and throws nothing.
   user_->ExpectPart("Unable to add the field 'Cost' to table 'Maintenance_Performed'.", Icon::Critical);
   AddField(table, "Cost", dao::dbCurrency);
 }

@@ -57,7 +57,7 @@ TEST_F(GenericToolsTest, FilesAreFoundWhateverTheirLetters) {
   EXPECT_EQ(FindFile(directory_.Path("office"), "dw.mdb"), small);
   EXPECT_EQ(FindFile(directory_.Path("office\\"), "DW.MDB"), mixed) << "the first by its bytes";
   EXPECT_EQ(FindFile(directory_.Path(), "OFFICE/DW.mdb"), mixed);
-  // A folder of the name is not the file, nor a file the folder.
+  // A folder with this name is not the file, and a file is not the folder.
   std::filesystem::create_directory(directory_.Path("OFFICE.MDB"));
   EXPECT_EQ(FindFile(directory_.Path(), "office.mdb"), directory_.Path("office.mdb"));
   EXPECT_EQ(FindFile(directory_.Path("office"), "DW.MDB/x"), directory_.Path("office/DW.MDB/x"));

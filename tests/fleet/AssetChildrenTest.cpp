@@ -54,7 +54,7 @@ TEST(AssetChildrenTest, OneRowGoesAfterAYes) {
     EXPECT_EQ(screen->SleepCount(), 2) << "a row that another user holds is waited for";
     EXPECT_EQ(count(), "1") << table;
 
-    // The grid still shows it.
+    // The grid still shows the row.
     screen->Expect(kind.question, Icon::Question, Buttons::YesNo, Answer::Yes);
     screen->Expect("That ID is no longer on file.", Icon::Exclamation);
     EXPECT_TRUE(kind.take(id));

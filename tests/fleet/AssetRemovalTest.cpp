@@ -21,7 +21,7 @@ constexpr const char* kWarning =
     "WARNING: Accumulating rermoved Asset costs into the Deleted Asset in not yet functional. "
     "This data will be permanently lost.";
 
-/// The asset V1 with ID 7 and rows in every table that carries its code, and the asset V2 with ID 8.
+/// The asset V1 with ID 7 and rows in every table that has its code, and the asset V2 with ID 8.
 class AssetRemovalTest : public testing::Test {
  protected:
   AssetRemovalTest() {
@@ -98,14 +98,14 @@ TEST_F(AssetRemovalTest, EveryNoLeavesTheAssetWhole) {
 }
 
 TEST_F(AssetRemovalTest, RefusesWhatCannotBeRemoved) {
-  // The reserved asset comes before every other test.
+  // The check for the reserved asset comes before all others.
   screen_->Expect("This ID is reserved for deleted assets.\rIt cannot be removed.", Icon::Information);
   EXPECT_EQ(dw::RemoveAsset(8, "V2", 0), dw::RemovalResult::Refused);
 
   screen_->Expect("There are no records for which to display detail.", Icon::None);
   EXPECT_EQ(dw::RemoveAsset(7, "V1", 0), dw::RemovalResult::Refused);
 
-  // Another user has removed it since the list was read.
+  // Another user has removed the asset since the list was read.
   ExpectQuestion(kSure, Icon::None, Answer::Yes);
   screen_->Expect("That ID is no longer on file.", Icon::Exclamation);
   EXPECT_EQ(dw::RemoveAsset(99, "V99", 2), dw::RemovalResult::Refused);
@@ -120,7 +120,7 @@ TEST_F(AssetRemovalTest, RefusesWhatCannotBeRemoved) {
   ExpectWhole("V2");
 }
 
-/// A table, and the words when another user holds the asset's row in it.
+/// A table, and the text of the box when another user holds the asset's row in it.
 class HeldRemovalTest : public AssetRemovalTest,
                         public testing::WithParamInterface<std::pair<const char*, const char*>> {};
 
@@ -166,7 +166,7 @@ TEST_F(AssetRemovalTest, AnAssetHeldInItsWindowIsWaitedFor) {
   EXPECT_EQ(CountOf("Odometer Entries", "V1"), 0) << "what was taken back for the wait is written again";
 }
 
-/// Fails a removal that goes on waiting for what no wait can cure.
+/// Fails a removal that waits on although no wait can cure the error.
 void EndAfterWaits(test::ScreenScript& screen, int most) {
   screen->onSleep = [&screen, most](int) {
     if (screen->SleepCount() > most) throw std::runtime_error("the removal does not end");
@@ -199,7 +199,7 @@ TEST_F(AssetRemovalTest, AReadingThatAnotherUserAddsMeanwhileDoesNotKeepTheRemov
   screen_->onBox = [&](const screen::Box& box) {
     if (box.text != kWarning) return;
     added = other_.Run(fleet_.Path(), "INSERT INTO [Odometer Entries] ([Asset ID]) VALUES ('V1')");
-    // Where the store accepts the reading, the removal has been prepared for other rows and says so.
+    // If the store accepts the reading, the removal finds other rows than it prepared for, and reports that.
     if (added == "done") screen_->ExpectPart("Unknown error #3197 during record delete.", Icon::Critical);
   };
   EndAfterWaits(screen_, 3);

@@ -74,7 +74,7 @@ TEST_F(AssetRenameTest, AFailureInTheMiddleIsTakenBackWithoutAWord) {
       << "too long for the column";
   ExpectEverywhere("V1");
 
-  // The last of the ten tables: nine have been written by then.
+  // The last of the ten tables: the first nine are written by then.
   other_.Hold(fleet_.Path("DW.MDB"), "SELECT * FROM [Vehicles] WHERE [Asset ID] = 'V1'");
   EXPECT_EQ(dw::RenameAssetTo("V1", "V3"), dw::RenameResult::RolledBack);
   EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);

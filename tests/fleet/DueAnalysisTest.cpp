@@ -14,13 +14,13 @@ const std::string kRule = "-----------------------\r\n";
 
 class DueAnalysisTest : public testing::Test {
  protected:
-  /// What stands behind the first line.
+  /// The text after the first line.
   std::string Due(const std::string& code, const rt::DateTime& dueBy, float usage) {
     const std::string text = dw::CalculateDue(code, dueBy, usage);
     EXPECT_EQ(text.substr(0, kHead.size()), kHead);
     return text.substr(std::min(kHead.size(), text.size()));
   }
-  /// The items alone, in an analysis without messages.
+  /// Only the items, of an analysis without messages.
   std::string Items(const std::string& code, const rt::DateTime& dueBy, float usage) {
     const std::string text = Due(code, dueBy, usage);
     const auto rule = text.find(kRule);
@@ -42,24 +42,24 @@ TEST_F(DueAnalysisTest, LatestMileageComesFromReadingsUnlessALaterTransactionSta
   EXPECT_EQ(Due("LOST", kDueBy, 500),
             "ERROR: Purchase date missing.\r\nLatest mileage on file is 0 on 3/15/2026\r\n" + none);
 
-  // The newest reading counts, not the highest one, and then its Purchase Date doesn't matter.
+  // The newest reading counts, not the highest one; the Purchase Date doesn't matter then.
   fleet_.Asset("READ", "NULL");
   fleet_.Reading("READ", "#2/1/2026#", "9500");
   fleet_.Reading("READ", "#2/10/2026#", "9400.5");
   fleet_.Reading("OTHER", "#3/1/2026#", "1");
   EXPECT_EQ(Due("READ", kDueBy, 500), "Latest mileage on file is 9400.5 on 2/10/2026\r\n" + none);
 
-  // The same day, even at a later hour, leaves the reading in place; so does a higher mileage of an earlier
-  // day.
+  // A transaction of the same day does not count, even at a later hour. Neither does a higher mileage on an
+  // earlier day.
   fleet_.Transaction(1, "READ", "#2/10/2026 3:00:00 PM#", "9600");
   EXPECT_EQ(Due("READ", kDueBy, 500), "Latest mileage on file is 9400.5 on 2/10/2026\r\n" + none);
-  // Only the highest mileage is looked at, though a later transaction stands below it.
+  // Only the highest mileage counts, even if a later transaction has a lower one.
   fleet_.Transaction(2, "READ", "#2/20/2026#", "9550");
   EXPECT_EQ(Due("READ", kDueBy, 500), "Latest mileage on file is 9400.5 on 2/10/2026\r\n" + none);
   fleet_.Transaction(3, "READ", "#2/21/2026 8:05:00 AM#", "9601");
   EXPECT_EQ(Due("READ", kDueBy, 500), "Latest mileage on file is 9601 on 2/21/2026 8:05:00 AM\r\n" + none);
 
-  // A transaction without mileage says nothing.
+  // A transaction without mileage does not count.
   fleet_.Transaction(4, "BARE", "#3/1/2026#", "0");
   EXPECT_EQ(Due("BARE", kDueBy, 500), "Latest mileage on file is 0 on 1/10/2025\r\n" + none);
 }
@@ -72,7 +72,7 @@ TEST_F(DueAnalysisTest, DateRuleCountsMonthsFromTheLastPerformanceOrThePurchase)
   EXPECT_EQ(Items("T1", kDueBy, 0), "Inspection due on 1/10/2025\r\n")
       << "the first anniversary, though long past";
 
-  // A performance counts by its row in Maintenance_Performed, of this type and this asset alone.
+  // A performance counts if it has a row in Maintenance_Performed, of this type and this asset.
   fleet_.Transaction(1, "T1", "#3/29/2025#", "0");
   EXPECT_EQ(Items("T1", kDueBy, 0), "Inspection due on 1/10/2025\r\n");
   fleet_.Performed(1, 2);
@@ -83,14 +83,14 @@ TEST_F(DueAnalysisTest, DateRuleCountsMonthsFromTheLastPerformanceOrThePurchase)
   EXPECT_EQ(Items("T1", kDueBy, 0), "Inspection due on 3/29/2026\r\n") << "on the horizon's day";
   EXPECT_EQ(Items("T1", rt::DateTime(2026, 3, 28, 23, 59, 59), 0), "");
 
-  // The last of several, a month's end, and a time of day that doesn't count in the comparison.
+  // The last of several, the end of a month, and a time of day that the comparison ignores.
   fleet_.Transaction(3, "T1", "#10/31/2025 6:00:00 PM#", "0");
   fleet_.Performed(3, 2);
   fleet_.Line("T1", "2", "4", "NULL");
   EXPECT_EQ(Items("T1", rt::DateTime(2026, 2, 28), 0), "Oil Change due on 2/28/2026 6:00:00 PM\r\n");
   EXPECT_EQ(Items("T1", rt::DateTime(2026, 2, 27), 0), "");
 
-  // Without a purchase date the months run from today; a day beyond the calendar never comes.
+  // Without a purchase date, the months count from today; a day beyond the calendar never comes.
   fleet_.Asset("T3", "NULL");
   fleet_.Reading("T3", "#3/1/2026#", "10");
   fleet_.Line("T3", "1", "1", "NULL");
@@ -113,7 +113,7 @@ TEST_F(DueAnalysisTest, UsageRuleAddsTheFrequencyToTheMileageOfTheLastPerformanc
   EXPECT_EQ(Items("T1", kDueBy, 500), "");
   EXPECT_EQ(Items("T1", kDueBy, 1000), "Oil Change due on mileage 10123.25\r\n");
 
-  // A performance without a mileage starts from 0.
+  // A performance without a mileage counts from 0.
   fleet_.Transaction(2, "T1", "#2/2/2026#", "NULL");
   fleet_.Performed(2, 1);
   EXPECT_EQ(Items("T1", kDueBy, 500), "Oil Change due on mileage 10000\r\n");
@@ -140,7 +140,7 @@ TEST_F(DueAnalysisTest, AssetThatIsNotOnFileLeavesTheTextEmpty) {
   EXPECT_EQ(dw::CalculateDue("GONE", kDueBy, 0), "");
   EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
 
-  // The code goes into the query as it stands, and an apostrophe breaks it.
+  // The query contains the code as it is, so an apostrophe breaks it.
   screen_->ExpectPart("Unknown error", screen::Icon::Critical);
   EXPECT_EQ(dw::CalculateDue("O'BRIEN", kDueBy, 0), "");
 }

@@ -1,4 +1,4 @@
-// The report from one pass over each table against the report from a query for each fact.
+// Compares the report from one pass over each table with the report from a query for each fact.
 #include "fleet/DueFacts.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@
 
 namespace {
 
-/// The file as another tool writes it: no kind and no range of a value is checked.
+/// The file as another tool writes it: without checks of types and ranges.
 class OtherTool {
  public:
   explicit OtherTool(const std::string& path) {
@@ -48,7 +48,7 @@ class OtherTool {
 
 using Literals = std::vector<const char*>;
 
-/// What a column holds: values of its kind, and others.
+/// The values of a column: proper ones of its type, and odd ones.
 struct Choice {
   Literals proper;
   Literals odd;
@@ -74,7 +74,7 @@ const Choice kMonths{{"NULL", "0", "-1", "1", "6", "12", "24", "1000000", "21474
 const Choice kUsages{{"NULL", "0", "-1", "100", "16777217", "3000", "2147483647"},
                      {"'u'", "99.5", "1e300", "x'03'"}};
 
-/// Fills the tables that the analysis reads with rows of chance. Few values make many ties.
+/// Fills the tables that the analysis reads with random rows. A choice of few values makes many ties.
 class Fleet {
  public:
   Fleet(const std::string& path, unsigned seed, double oddness)
@@ -106,7 +106,7 @@ class Fleet {
           "INSERT INTO \"Maintenance Transactions\" (ID, \"Asset ID\", \"Transaction Date\", "
           "\"Mileage\", \"Type_ID\") VALUES (" +
           Number(i) + ", " + Pick(kCodes) + ", " + Pick(kDates) + ", " + Pick(kMileages) + ", 0)");
-    // Some belong to transactions that are gone or never were; several may belong to one.
+    // Some refer to transactions that never were; several may refer to the same one.
     for (int i = 0; i < 2 * rows; ++i)
       tool_.Run(
           "INSERT INTO \"Maintenance_Performed\" (\"Maintenance_Entry_ID\", \"Maintenance_Type_ID\") "
@@ -130,7 +130,7 @@ class Fleet {
   double oddness_;
 };
 
-/// A report with everything that its run said.
+/// A report with all messages of its run.
 struct Outcome {
   dw::DueReportEnd end = dw::DueReportEnd::Failed;
   std::string log;
@@ -155,7 +155,7 @@ class DueFactsTest : public testing::Test {
     outcome.boxes = screen->TakeTexts();
     return outcome;
   }
-  /// How many of the codes the pass knows.
+  /// For how many of the codes the pass has the facts.
   int Known(const std::vector<std::string>& codes) {
     dw::AdoConnectionPtr connection;
     EXPECT_TRUE(dw::AdoOpenConnection(connection, dw::DataConnect, false));
@@ -196,7 +196,7 @@ TEST_F(DueFactsTest, BothWaysWriteTheSameReportOfAnyFleet) {
       items += static_cast<int>(std::count(queries.items.begin(), queries.items.end(), '\n'));
     }
   }
-  // Without these the comparison would be of nothing.
+  // Without enough of these, the comparison would prove nothing.
   EXPECT_GT(known, 60);
   EXPECT_GT(unknown, 20);
   EXPECT_GT(items, 200);
@@ -207,7 +207,7 @@ TEST_F(DueFactsTest, OnlyTheAssetWithAnOddValueOrCodeIsNotKnown) {
     fleet_.Asset(code, "#2/1/2025#");
     fleet_.Line(code, "1", "12", "100");
   }
-  // The file compares texts up to a NUL.
+  // The file compares texts only up to a NUL.
   OtherTool(fleet_.Path()).Run("INSERT INTO Vehicles (\"Asset ID\") VALUES (CAST(x'410042' AS TEXT))");
   EXPECT_EQ(Known({"V1", "v2", "O'BRIEN", std::string("A\0B", 3), "NEW"}), 2);
   fleet_.Reading("V2", "#3/1/2026#", "10");
@@ -218,7 +218,7 @@ TEST_F(DueFactsTest, OnlyTheAssetWithAnOddValueOrCodeIsNotKnown) {
     EXPECT_EQ(Known({"V2"}), 0) << date;
   }
 
-  // A file that is laid out in another way is left to the queries.
+  // For a file with another layout, the report uses the queries.
   fleet_.Run("ALTER TABLE [Maintenance Schedule] DROP COLUMN [Usage Frequency]");
   EXPECT_EQ(Known({"V1"}), 0);
 }

@@ -103,7 +103,7 @@ TEST_F(DueReportTest, SaysOfAnAssetWhatItsWindowSays) {
   fleet_.Transaction(2, "V1", "#12/31/2025#", "10.1");
   fleet_.Performed(2, 2);
 
-  // The window parts the head from the items by hyphens, the report by an empty line.
+  // The window has hyphens between the head and the items, the report an empty line.
   std::string window = dw::CalculateDue("V1", rt::DateTime(2026, 3, 31), 509.6F);
   window.erase(0, window.find('\n') + 1);
   const auto rule = window.find("-----------------------\r\n");
@@ -158,11 +158,11 @@ TEST_F(DueReportTest, NoAssetInServiceTouchesNoFile) {
 
 TEST_F(DueReportTest, TextsAreConvertedAtEachScheduleLine) {
   fleet_.Asset("V1", "#2/1/2025#");
-  // Without a schedule line nothing is converted.
+  // Without a schedule line, the report converts nothing.
   EXPECT_NE(Write("someday", ""), "");
   EXPECT_NE(Log().find("Items due in the next  mile(s) or by someday\r\n"), std::string::npos);
 
-  // A run that breaks off leaves the earlier log and nothing of its own.
+  // If a run breaks off, the earlier log stays and the run leaves nothing.
   const std::string earlier = Log();
   fleet_.Line("V1", "1", "12", "100");
   screen_->Expect("The date 'someday' is not a valid date.\rNo maintenance report was written.",
@@ -184,7 +184,7 @@ TEST_F(DueReportTest, AnAssetThatCannotBeAnalyzedCostsOnlyItself) {
     fleet_.Asset(code, "#2/1/2025#");
     fleet_.Line(code, "1", "12", "NULL");
   }
-  // A value of the wrong kind, as other tools leave it.
+  // A value of the wrong type, as other tools write it.
   fleet_.Reading("P1", "#3/1/2026#", "10");
   OtherToolRuns("UPDATE \"Odometer Entries\" SET \"Date\" = 'soon'");
   screen_->Expect("What is due could not be worked out for these assets. The report says why.\r\rO'BRIEN\rP1",
@@ -194,7 +194,7 @@ TEST_F(DueReportTest, AnAssetThatCannotBeAnalyzedCostsOnlyItself) {
       "\r\nTruck\r\nLatest mileage on file is 0 on 2/1/2025\r\n\r\nInspection due on 2/1/2026\r\n";
   const std::string rule = "-----------------------\r\n";
   std::string log = Log();
-  // The engine's words about the code end their line.
+  // The line ends with the engine's words about the code.
   const auto words = log.find("ERROR: A text is not closed");
   ASSERT_NE(words, std::string::npos) << log;
   log.erase(words + 7, log.find("\r\n", words) - words - 7);
@@ -205,7 +205,7 @@ TEST_F(DueReportTest, AnAssetThatCannotBeAnalyzedCostsOnlyItself) {
   ASSERT_EQ(items_.size(), 2U);
   EXPECT_EQ(items_[1].assetID, "V1");
 
-  // The message names ten at most.
+  // The message names at most ten.
   for (int i = 10; i < 20; ++i) fleet_.Asset("B''" + std::to_string(i), "#2/1/2025#");
   screen_->ExpectPart("\rB'10\r", screen::Icon::Exclamation);
   EXPECT_NE(Write(), "");
@@ -228,7 +228,7 @@ TEST_F(DueReportTest, AFileThatCannotBeWrittenLeavesNothingBehind) {
   screen_->ExpectPart("Unable to write '/nowhere/at/all/Maintenance Report.Log'.", screen::Icon::Critical);
   EXPECT_EQ(dw::WriteDueReport("/nowhere/at/all", "3/29/2026", "500"), "");
 
-  // As a full disk does, the limit lets the first bytes through.
+  // Like a full disk, the limit lets the first bytes through.
   { std::ofstream(program_.Path("Maintenance Report.Log")) << "earlier"; }
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit earlier{};

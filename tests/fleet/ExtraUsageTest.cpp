@@ -77,7 +77,7 @@ class ExtraUsageTest : public testing::Test {
 TEST_F(ExtraUsageTest, TwoWeeksAtTheRateOfWhatIsOnFile) {
   int number = 0;
   for (const UsageCase& one : kCases) {
-    // An apostrophe is a letter like any other.
+    // An apostrophe is a character like any other.
     const std::string code = "O'" + std::to_string(++number);
     const std::string quoted = "O''" + std::to_string(number);
     for (const Mark& reading : one.readings) Read(quoted, reading.date, reading.mileage);

@@ -16,7 +16,7 @@ using screen::Icon;
 
 class PeriodsTest : public test::ListTest {
  protected:
-  /// Opens the window that sets up a year, from the list, and works in it; it is gone afterwards.
+  /// Opens the window that sets up a year from the list, and works in it until it closes.
   void SetUpYear(const std::function<void(frmFiscalYearSetup&)>& work) {
     auto& list = OpenList<frmPeriodsList>();
     ui::Later(*qApp, [&] {
@@ -78,7 +78,7 @@ TEST_F(PeriodsTest, ProceedChecksInItsOwnWords) {
       window.fiscalYear.SetText(year);
       window.firstDay.SetText(start);
       screen_->Expect(words, Icon::Critical);
-      // Enter leaves no field.
+      // Enter keeps the focus in the field.
       QTest::keyClick(window.focusWidget(), Qt::Key_Return);
       EXPECT_TRUE(focused.hasFocus()) << year << " " << start;
     };

@@ -40,7 +40,8 @@ TEST_F(RePost, ShowsItsProgressAndIsNotClosedMeanwhile) {
     form.close();
     QTest::keyClick(&form, Qt::Key_Escape);
     if (percents.empty()) {
-      // Others go on meanwhile: a window saves, the list is closed, which leaves this one as the last.
+      // Other work goes on meanwhile: a window saves; then the list closes, so that this window is the last
+      // one.
       fleet_.Run("UPDATE [Vehicles] SET [Description] = 'saved meanwhile'");
       list.Unload();
     }

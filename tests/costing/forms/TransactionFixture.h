@@ -1,4 +1,4 @@
-// A small fleet with prices and a calendar, and the windows that transactions are entered in.
+// A small fleet with prices and a calendar, and the windows for transactions.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 
 namespace test {
 
-/// It is 3/5/2026. Asset TRK-1 burns fuel of type 4 at 2.50; an hour costs 40, a unit of oil 3. The fiscal
+/// Today is 3/5/2026. Asset TRK-1 burns fuel of type 4 at 2.50; an hour costs 40, a unit of oil 3. The fiscal
 /// periods are January to March, and transactions begin with 2/1/2026.
 class TransactionTest : public testing::Test {
  protected:
@@ -59,7 +59,7 @@ class TransactionTest : public testing::Test {
   }
   static bool IsOpen(const char* form) { return ui::FindForm(form) != nullptr; }
   std::string Rows(const std::string& table) { return fleet_.Ask("SELECT COUNT(*) FROM [" + table + "]"); }
-  /// Whether the cost tables are what the posted transactions add up to.
+  /// Whether the cost tables equal the sums of the posted transactions.
   static bool InStep() {
     return dw::CheckCosts(*store::Connection::Open({.path = dw::DataFile, .readOnly = true})).empty();
   }

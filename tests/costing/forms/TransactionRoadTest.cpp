@@ -1,4 +1,4 @@
-// The road of a transaction: entered, posted, unposted; its tasks; and who else holds it.
+// The life of a transaction: entered, posted, unposted; its tasks; and other users who hold it.
 #include <QCheckBox>
 #include <chrono>
 #include <csignal>
@@ -98,7 +98,7 @@ TEST_F(TransactionRoad, FromTheKeysIntoTheCostTablesAndOutAgain) {
     EXPECT_EQ(fleet_.OfTransaction(id, "Work Order Number"), "WO 8") << "unposting stores the window";
     EXPECT_EQ(window.auditLabels[4].text(), "");
     EXPECT_FALSE(window.outsideCost.isEnabled()) << "closed until it is opened again";
-    // Nothing keeps the same figures from being taken out once more.
+    // Nothing prevents a second subtraction of the same figures.
     test::Click(window, "cmdUnpost");
     EXPECT_EQ(OutsideSum(), "-7");
     EXPECT_FALSE(InStep());
@@ -110,7 +110,7 @@ TEST_F(TransactionRoad, FromTheKeysIntoTheCostTablesAndOutAgain) {
   Post(true);
   EXPECT_EQ(OutsideSum(), "7");
   EXPECT_TRUE(InStep());
-  // The list deletes a posted row, and its costs stay.
+  // The list deletes a posted row, but its costs stay.
   auto& list = List();
   screen_->Expect("Are you sure you want to delete this record?", Icon::Question, Buttons::YesNo,
                   Answer::Yes);
@@ -124,7 +124,7 @@ TEST_F(TransactionRoad, FromTheKeysIntoTheCostTablesAndOutAgain) {
 
 TEST_F(TransactionRoad, APostedTransactionKeepsItsFiguresAndTakesNotes) {
   const auto id = Posted();
-  // The period that the costs are in is not the one that the calendar says today.
+  // The calendar now has another period than the one with the costs.
   fleet_.Run("UPDATE [Fiscal Periods] SET [Period] = 4 WHERE [Period] = 3");
   auto& window = OpenFirst();
   for (const char* field : {"txtAssetID", "Text8", "Text10", "MaskedEdit5", "txtOutsideOil", "MaskedEdit18"})
@@ -151,7 +151,7 @@ TEST_F(TransactionRoad, APostedTransactionKeepsItsPeriodHoweverItIsSaved) {
   }
   EXPECT_EQ(fleet_.OfTransaction(id, "Notes"), "towed");
   EXPECT_EQ(fleet_.OfTransaction(id, "Year") + " " + fleet_.OfTransaction(id, "Period"), "2026 3");
-  // An unposting that fails leaves a posted row.
+  // If unposting fails, the row stays posted.
   fleet_.Run("UPDATE [Vehicles] SET [Asset ID] = 'SOLD'");
   {
     auto& window = OpenFirst();
@@ -181,7 +181,7 @@ TEST_F(TransactionRoad, AWaitForCostsLeavesTheWindowAlone) {
   });
   const auto id = Posted();
   auto& window = OpenFirst();
-  window.assetCode.setEnabled(true);  // as where it was opened for no asset
+  window.assetCode.setEnabled(true);  // as if the window had been opened without an asset
   window.assetCode.SetText("TRK-2");
   other.Talk().Say("change");
   ASSERT_EQ(other.Talk().Hear(), "changed");
@@ -243,14 +243,15 @@ TEST_F(TransactionRoad, ATaskNeedsATransactionOnFile) {
                   Answer::Yes);
   test::Press(window.grdTasks, Qt::Key_Delete);
   EXPECT_EQ(window.adoSchedule.RecordCount(), 0);
-  // With nothing to show the window has its record again and goes on.
+  // Without a task to show, the window takes its record again and goes on.
   screen_->Expect(kNoRecords, Icon::None);
   test::Press(window.grdTasks, Qt::Key_Delete);
   screen_->Expect(kNoRecords, Icon::None);
   test::Press(window.grdTasks, Qt::Key_Space);
   EXPECT_TRUE(window.Data().Recordset()->Editing());
 
-  // One window of tasks at a time; a cancelled task leaves nothing, a cancelled transaction stays.
+  // Only one window of tasks at a time. Canceling a task removes its row; canceling the transaction's window
+  // leaves the transaction as it was.
   test::Press(window.grdTasks, Qt::Key_Insert);
   window.ShowForm();
   test::Settle();
@@ -274,7 +275,8 @@ TEST_F(TransactionRoad, AHeldTransactionIsForReadingAndTheRunPassesItOver) {
   Expect(kHeldElsewhere, Icon::Exclamation);
   test::Click(window, "cmdUnpost");
   EXPECT_EQ(OutsideSum(), "7") << "nothing is taken out that could not be marked";
-  // The task window of a record that is only read; coming back, the record is free and taken.
+  // The task window opens over a record that is read-only; when it closes, the record is free and the window
+  // takes it.
   test::Press(window.grdTasks, Qt::Key_Insert);
   other_.Leave();
   Task().Cancel();
@@ -283,7 +285,7 @@ TEST_F(TransactionRoad, AHeldTransactionIsForReadingAndTheRunPassesItOver) {
   test::Click(window, "cmdUnpost");
   EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
   EXPECT_EQ(OutsideSum(), "0");
-  // While the window has it, posting cannot take it.
+  // While the window holds the record, posting cannot.
   screen_->ExpectPart("Unknown error #3218 during record edit.", Icon::Critical);
   Expect("Unable to lock transaction for updating.");
   Post(false);
@@ -292,7 +294,7 @@ TEST_F(TransactionRoad, AHeldTransactionIsForReadingAndTheRunPassesItOver) {
 
 constexpr const char* kDataOfVictim = "DROVEWRIGHT_TEST_DATA";
 
-/// Another workstation, which opens its window on the first transaction and stays.
+/// Another workstation, with its window open on the first transaction.
 const test::Role kHolder("holder", [] {
   dw::SetDataPath(qgetenv(kDataOfVictim).toStdString());
   auto& list = ui::The<dw::frmTransactionList>();

@@ -1,4 +1,4 @@
-// The rules of the transaction window, each at its moment.
+// Each rule of the transaction window, at its own moment.
 #include <QGroupBox>
 #include <QLabel>
 
@@ -10,7 +10,7 @@ using screen::Icon;
 
 class TransactionRules : public test::TransactionTest {
  protected:
-  /// Sets a field without passing through it.
+  /// Sets a field without moving the focus there.
   static void Put(dw::frmTransactionMaint& window, const char* field, const std::string& text) {
     test::Find<QLineEdit>(window, field);
     dynamic_cast<ui::TextBox&>(test::Find(window, field)).SetText(text);
@@ -47,7 +47,7 @@ TEST_F(TransactionRules, UnitsArePricedOnceAndNeverAgainstACost) {
     EXPECT_EQ(Text(window, c.costField), c.costAfter) << c.field << c.units;
   }
   EXPECT_EQ(window.internalOilCost.text(), "$6.00") << "as it is shown";
-  // A look-up that fails has told why and costs nothing.
+  // A failed look-up shows the reason, and the cost is zero.
   Put(window, "txtAssetID", "NONE");
   Put(window, "edtUnleadedCost", "0");
   Expect("Asset ID 'NONE' is not on file.");
@@ -57,7 +57,7 @@ TEST_F(TransactionRules, UnitsArePricedOnceAndNeverAgainstACost) {
   test::Type(window, "MaskedEdit5", "10");
   test::Enter(window, "Text9");
   EXPECT_EQ(Text(window, "edtUnleadedCost"), "0");
-  // Enter leaves the field and the window at once.
+  // Enter leaves the field and closes the window at once.
   Put(window, "txtAssetID", "TRK-1");
   test::Type(window, "MaskedEdit5", "4");
   test::Press(window.internalFuelUnits, Qt::Key_Return);
@@ -119,7 +119,7 @@ TEST_F(TransactionRules, DatesAreCheckedAndFillTheFiscalPeriod) {
       EXPECT_TRUE(window.workOrder.hasFocus()) << "past the fields that are closed now";
     } else {
       EXPECT_TRUE(window.fiscalYear.isEnabled() && window.fiscalPeriod.isEnabled());
-      // Nor can the window be left by OK.
+      // OK cannot leave the window either.
       Expect(words, c.icon);
       window.OkButton->click();
       EXPECT_TRUE(window.transactionDate.hasFocus());
@@ -170,7 +170,7 @@ TEST_F(TransactionRules, EveryNumberIsCheckedBeforeItIsSaved) {
       {"MaskedEdit5", "The unleaded gas units are not numeric. Please check."},
       {"MaskedEdit9", "The oil cost is not numeric. Please check."},
       {"MaskedEdit18", "The outside costs are not numeric. Please check."}};
-  // All are wrong at first, so that the order shows.
+  // All fields are wrong at first, which shows the order of the checks.
   for (const auto& [field, words] : cases) Put(window, field, "1.2.3");
   for (const auto& [field, words] : cases) {
     Expect(words);
@@ -178,7 +178,7 @@ TEST_F(TransactionRules, EveryNumberIsCheckedBeforeItIsSaved) {
     EXPECT_TRUE(test::Find(window, field).hasFocus()) << field;
     Put(window, field, field == std::string("MaskedEdit18") ? "1" : "");
   }
-  // What no rule looks at is still no number.
+  // No rule checks this field, but OK still refuses what is not a number.
   test::Enter(window, "Text9");
   Put(window, "MaskEdBox3", "1.2.3");
   Expect("'1.2.3' is not a number. Please check \"Mileage\".");
@@ -220,7 +220,7 @@ TEST_F(TransactionRules, WhatEnteringAndTypingDoes) {
     test::Enter(window, "Text9");
     EXPECT_EQ(window.lblAssetSerial->text().toStdString(), serial);
   }
-  // In the notes Enter makes a new line.
+  // Enter makes a new line in the notes.
   test::Enter(window, "Text2");
   EXPECT_EQ(window.Default(), nullptr);
   test::Enter(window, "Text9");

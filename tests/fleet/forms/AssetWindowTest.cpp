@@ -46,7 +46,7 @@ class AssetWindowTest : public testing::Test {
   std::string Ask(const std::string& column, std::int32_t id) {
     return fleet_.Ask("SELECT [" + column + "] FROM [Vehicles] WHERE [ID] = " + std::to_string(id));
   }
-  /// Whether another user would get the record now.
+  /// Whether another user could change the record now.
   bool Free(std::int32_t id) {
     try {
       fleet_.Run("UPDATE [Vehicles] SET [Location ID] = 'X' WHERE [ID] = " + std::to_string(id));
@@ -63,7 +63,7 @@ class AssetWindowTest : public testing::Test {
     screen_->Expect("Posting is Complete.", Icon::Information);
     dw::RunPosting(false, {});
   }
-  /// Whether the cost tables are what the posted transactions add up to.
+  /// Whether the cost tables equal the sums of the posted transactions.
   static bool InStep() {
     return dw::CheckCosts(*store::Connection::Open({.path = dw::DataFile, .readOnly = true})).empty();
   }
@@ -299,7 +299,7 @@ TEST_F(AssetWindowTest, AllPagesAreReachedByKeys) {
   EXPECT_EQ(window.pages.currentIndex(), 0);
   EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), &window.grdOdometer);
 
-  // A page that is turned leaves a field as the Tab key does.
+  // Turning a page leaves a field as the Tab key does.
   press(Qt::Key_Tab, Qt::ControlModifier);
   test::Type(window, "txtDueBy", "soon");
   screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);

@@ -1,4 +1,4 @@
-// The window that asks how far ahead the report of what is due looks.
+// The window that asks how far ahead the report of due maintenance looks.
 #include <sys/stat.h>
 
 #include <cstdlib>
@@ -17,7 +17,7 @@ namespace {
 
 using screen::Icon;
 
-/// The log stands beside the program, which is the test itself.
+/// The log is beside the program, which is the test itself.
 class MaintenanceDueReport : public testing::Test {
  protected:
   MaintenanceDueReport() {
@@ -52,7 +52,7 @@ class MaintenanceDueReport : public testing::Test {
   test::FormsEnd end_;
 };
 
-// One test, for there is one place for the log and tests may run side by side.
+// One test, because there is only one place for the log, and tests may run side by side.
 TEST_F(MaintenanceDueReport, IsWrittenAndShownOrToldWhyNot) {
   screen_->Expect("There are no assets in service to report.", Icon::Information);
   test::Click(Shown(), "cmdProceed");
@@ -78,7 +78,7 @@ TEST_F(MaintenanceDueReport, IsWrittenAndShownOrToldWhyNot) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(folder_.Path("seen")); }, 20000));
   EXPECT_EQ(Content(folder_.Path("seen")), Content(log_));
 
-  // A viewer that is not there, and one that finds no program for the file.
+  // A viewer that does not exist, and one that finds no program for the file.
   for (const std::string& viewer : {folder_.Path("missing"), std::string("false")}) {
     setenv("DROVEWRIGHT_VIEWER", viewer.c_str(), 1);
     screen_->Expect(

@@ -53,7 +53,7 @@ TEST_F(OdometerTest, AReadingThatIsOpenInItsWindowStays) {
   screen_->Expect(kOwnWindow, Icon::Exclamation);
   PressDelete<frmOdometerList>();
   EXPECT_EQ(Count("Odometer Entries"), "1");
-  // The window lost nothing.
+  // The window has lost nothing.
   Fill(window, {{"MaskedEdit1", "11"}}, "OKButton");
   EXPECT_EQ(Only("Odometer Entries", "Mileage"), "11");
   ExpectSure(Answer::Yes);
@@ -85,7 +85,7 @@ TEST_F(OdometerTest, AReadingNeedsADateAndAMileageAndCancelLeavesNothing) {
     screen_->Expect("The mileage is not numeric. Please check.", Icon::Critical);
     Fill(window, {{"MaskedEdit1", "1.2.3"}}, "OKButton");
     EXPECT_TRUE(window.mileage.hasFocus());
-    // A date that is none holds nobody back who is on the way to Cancel.
+    // A wrong date does not keep a user from Cancel.
     Fill(window, {{"Text8", "never"}}, "CancelButton");
   }
   EXPECT_EQ(Count("Odometer Entries"), "0");

@@ -34,7 +34,7 @@ QByteArray Picture(Qt::GlobalColor colour, const char* format) {
   return bytes;
 }
 
-/// A form that wants pictures, as an asset's window does.
+/// A form that asks for pictures, as an asset's window does.
 class Caller : public ui::Form, public dw::PictureCaller {
  public:
   Caller() : Form("Caller") { resize(200, 100); }
@@ -71,7 +71,7 @@ class PictureFormsTest : public testing::Test {
     test::Settle();
   }
   static bool IsOpen() { return ui::FindForm("frmGetPictureFile") != nullptr; }
-  /// Answers the set-up of the scanner that the next click opens.
+  /// Answers the setup window of the scanner that the next click opens.
   static void AnswerSetup(const char* button) {
     ui::Later(*qApp, [button] {
       QWidget* dialog = QApplication::activeModalWidget();
@@ -91,7 +91,7 @@ class PictureFormsTest : public testing::Test {
   test::TempDirectory directory_;
   rt::FixedClock clock_{rt::DateTime(2026, 3, 1, 14, 5, 9)};
   test::ScreenScript screen_;
-  Caller* caller_ = nullptr;  ///< unloads with the forms
+  Caller* caller_ = nullptr;  ///< a form, so it is unloaded with the others
   test::FormsEnd end_;
 };
 
@@ -152,7 +152,7 @@ TEST_F(PictureFormsTest, CancelDeletesTheFileThatWasClicked) {
   EXPECT_FALSE(IsOpen());
   EXPECT_FALSE(fs::exists(Path("truck.jpg")));
   EXPECT_EQ(caller_->Photo(), "");
-  // Closing the window by its frame is no Cancel: the choice stands.
+  // Closing the window by its frame does not cancel: the choice stays.
   form = &OpenGet();
   ClickFile(*form, "van.BMP");
   form->close();
@@ -195,7 +195,7 @@ TEST_F(PictureFormsTest, AScanIsHandedOverWithATraceOfItsSteps) {
   EXPECT_EQ(Trace(), begin + "Converting " + bmp + " to JPEG Format\r\nSaving " + jpeg +
                          " in JPG Format\r\nScan successfully saved. Delete original BMP file\r\n"
                          "Scanned image has been accepted\r\n");
-  // A scan that the caller has not taken yet goes with Cancel.
+  // Cancel deletes a scan that the caller has not taken yet.
   test::Click(OpenGet(), "cmdCancel");
   EXPECT_TRUE(fs::is_empty(Path("Scans")));
 }
@@ -219,7 +219,7 @@ TEST_F(PictureFormsTest, AScanThatIsNotMadeKeepsTheWindow) {
   EXPECT_FALSE(IsOpen());
   EXPECT_NEAR(QImage(QString::fromStdString(caller_->Photo())).width(), 591, 6);
 
-  // A device in trouble.
+  // A device with a fault.
   fs::remove(caller_->Photo());
   caller_->SetPhoto("");
   const test::TestScanner jammed("read-status-code \"SANE_STATUS_JAMMED\"\n");
@@ -231,7 +231,7 @@ TEST_F(PictureFormsTest, AScanThatIsNotMadeKeepsTheWindow) {
   EXPECT_TRUE(Trace().ends_with("Calling StartScan\r\nScan failed: Document feeder jammed.\r\n"));
   EXPECT_EQ(caller_->Photo(), "");
   EXPECT_TRUE(fs::is_empty(Path("Scans")));
-  // Without a name for the file there is no scan, and the window goes.
+  // Without a file name there is no scan, and the window closes.
   form->TemporaryFilepath = Path("gone");
   screen_->Expect("Unable to get file name to store scanned image.", Icon::Critical);
   test::Click(*form, "cmdScan");

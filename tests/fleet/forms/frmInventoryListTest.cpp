@@ -1,4 +1,4 @@
-// The list of assets: what it shows, what it opens, and how an asset is removed from it.
+// The list of assets: its rows, the windows that it opens, and the removal of an asset.
 #include "fleet/forms/frmInventoryList.h"
 
 #include <chrono>
@@ -125,7 +125,7 @@ TEST_F(frmInventoryListTest, AnAssetThatIsOpenInItsWindowStaysWithAllItsRows) {
 
 constexpr const char* kOtherData = "DROVEWRIGHT_TEST_DATA";
 
-/// Another workstation, which has the window of the first asset open.
+/// Another workstation with the window of the first asset open.
 const test::Role kAssetHolder("asset holder", [] {
   dw::SetDataPath(std::getenv(kOtherData));
   auto& list = ui::The<frmInventoryList>();
