@@ -197,8 +197,14 @@ TEST(PostingUsers, AKilledRunLeavesWholeRowsAndAPlainRunFinishesTheJob) {
   Fill(fleet, kTransactions);
   SecondProcess run([](SecondProcess::Channel& channel) {
     test::ScreenScript script;
+    bool waited = false;
     bool said = false;
     dw::RunPosting(false, {.status = {}, .percent = [&](int percent) {
+                             // A wait commits what is posted so far; the kill meets the group after it.
+                             if (percent >= 30 && !waited) {
+                               waited = true;
+                               rt::AboutToWait();
+                             }
                              if (percent >= 60 && !said) {
                                said = true;
                                channel.Say("most of it");
