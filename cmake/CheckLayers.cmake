@@ -3,7 +3,7 @@
 #
 # The table names every folder with source files, and for each what its files may include besides the folder itself and
 # the standard library: other folders, and the libraries Qt, QtInSource (in .cpp files only; nothing visual is linked
-# there), sqlite3, sane and CLI. A folder that is not in the table is an error, so a new one cannot slip in without its arrows.
+# there), sqlite3, sane and CLI. A folder that is not in the table is an error, so each new folder needs a row.
 cmake_minimum_required(VERSION 3.25)
 set(breaches "")
 set(known "")
@@ -39,7 +39,7 @@ function(may_use folder)
   set(known ${known} ${folder} PARENT_SCOPE)
 endfunction()
 
-# What stands in for outside services. Nothing here knows of fleets.
+# Replacements for outside services. Nothing here knows of fleets.
 may_use(platform/runtime)
 may_use(platform/store platform/runtime sqlite3)
 may_use(platform/ado platform/runtime platform/store)

@@ -1,4 +1,4 @@
-# What lies beside the program: the help pages, the picture of the main window.
+# The files beside the program: the help pages and the picture of the main window.
 add_executable(dwpicture EXCLUDE_FROM_ALL
   ${CMAKE_SOURCE_DIR}/tools/picture/main.cpp
   ${CMAKE_SOURCE_DIR}/tools/picture/Landscape.cpp
@@ -6,12 +6,12 @@ add_executable(dwpicture EXCLUDE_FROM_ALL
 target_include_directories(dwpicture PRIVATE ${CMAKE_SOURCE_DIR})
 target_link_libraries(dwpicture PRIVATE Qt6::Gui warnings)
 
-# drovewright_program_files(<target>): keeps them beside the program of that target. A page that was edited, added or
-# taken away, and a picture that is drawn differently, are copied by the next build of the target.
+# drovewright_program_files(<target>): keeps them beside the program of that target. If a page was edited, added or
+# removed, or the picture is drawn differently, the next build of the target copies them.
 function(drovewright_program_files target)
   file(GLOB pages CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/help/*)
   set(help_done ${CMAKE_CURRENT_BINARY_DIR}/${target}-help.stamp)
-  # A list that is written when it changes, so that a page that was taken away is noticed as well.
+  # A list of the pages, written only when it changes, so that the build notices a removed page too.
   set(help_list ${CMAKE_CURRENT_BINARY_DIR}/${target}-help.list)
   file(CONFIGURE OUTPUT ${help_list} CONTENT "${pages}\n" @ONLY)
   add_custom_command(OUTPUT ${help_done}

@@ -117,7 +117,7 @@ void CostTable::TakeKey(const CostFigures& figures) {
   if (kind_->span == CostSpan::Period) key_[2] = figures.period;
 }
 
-/// The row is most often in the memory of the group, where nobody else can change it.
+/// Usually the row is in the group's memory, where nobody else can change it. False if it is not.
 bool CostTable::ChangeAtOnce(const CostFigures& figures, Direction direction) {
   TakeKey(figures);
   if (kind_->owner == CostOwner::Asset) return rows_->AddAtOnce(key_, sumFields_, figures.asset, direction);

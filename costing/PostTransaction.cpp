@@ -41,7 +41,7 @@ class RowTransaction {
 void RequireDataFile() {
   if (FileExists(DataFile)) return;
   throw dao::StoreError(store::kPathNotFound,
-                        "'" + DataFile + "' is no longer there. What has been posted is whole.");
+                        "'" + DataFile + "' is no longer there. Everything posted so far is complete.");
 }
 
 TransactionPoster::TransactionPoster(dao::Workspace& workspace, dao::Database& database,
@@ -90,7 +90,7 @@ bool TransactionPoster::PostTransaction(PostingCounts& counts) {
 
   transactions_.Set(fields_.whenPosted, rt::Now());
   WriteTotals();
-  // The wait for the record may have been one in which the asset was changed.
+  // Somebody may have changed the asset during the wait for the record.
   const CostFigures figures = fields_.Read(transactions_, FuelTypeOf(assetID).value_or(*fuelType));
   for (CostTable& table : tables_) table.Post(figures, counts);
   DaoUpdateRecord(transactions_);

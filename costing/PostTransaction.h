@@ -32,7 +32,7 @@ class TransactionPoster {
   bool PostTransaction(PostingCounts& counts);
 
  private:
-  /// The fuel type of an asset on file; empty where there is no such asset.
+  /// The fuel type of an asset on file; empty if there is no such asset.
   std::optional<rt::Value> FuelTypeOf(const rt::Value& assetID);
   void WriteTotals();
   rt::Value SumOf(const std::vector<int>& columns);
@@ -44,7 +44,7 @@ class TransactionPoster {
   std::vector<CostTable> tables_;
   std::vector<int> internalCosts_;
   std::vector<int> outsideCosts_;
-  /// The assets of this group's rows; they are good for as long as nobody else can have changed them.
+  /// The fuel types of the assets in this group, kept for as long as nobody else can have changed them.
   std::unordered_map<std::string, std::optional<rt::Value>> fuelTypes_;
   std::uint64_t glance_ = 0;
 };

@@ -83,8 +83,7 @@ void CheckFile(const std::string& file, Findings& findings) {
   });
   if (file != kDataFiles.front()) return;
   if (connection->Side().Roster().size() > 1)
-    std::cerr << "Others are in " << file << ": what is posted at this moment may turn up as a difference."
-              << std::endl;
+    std::cerr << "Others have " << file << " open: what they post now may show as a difference." << std::endl;
   Attempt(findings, file, "costs", [&] {
     for (const CostDifference& difference : CheckCosts(*connection)) findings.Add(file, difference);
   });

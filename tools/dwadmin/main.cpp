@@ -132,7 +132,7 @@ class CommandLine {
     sample->add_option("--years", arguments_.sample.years, "Years of history up to today (default: 2)")
         ->type_name("N")
         ->check(CLI::Range(1, kMostYears));
-    sample->add_option("--seed", arguments_.sample.seed, "The same seed gives the same fleet (default: 1)")
+    sample->add_option("--seed", arguments_.sample.seed, "The same seed makes the same fleet (default: 1)")
         ->type_name("S");
   }
 
@@ -141,7 +141,7 @@ class CommandLine {
         AddChanger("post", "Post the transactions that wait into the cost tables.",
                    [this](const auto& s) { return dw::Post(arguments_.signOn, s, arguments_.clear); });
     post->add_flag("--clear", arguments_.clear,
-                   "Empty the cost tables first and post every transaction anew");
+                   "Empty the cost tables first and post every transaction again");
 
     CLI::App* unpost = AddChanger(
         "unpost", "Take one posted transaction out of the cost tables.",
@@ -150,7 +150,8 @@ class CommandLine {
         ->type_name("ID")
         ->required();
 
-    AddChanger("compact", "Rewrite each data file without the space of deleted records. Nobody may be in it.",
+    AddChanger("compact",
+               "Rewrite each data file without the space of deleted records. Nobody may have it open.",
                [this](const auto& s) { return dw::Compact(arguments_.signOn, s); });
   }
 
