@@ -1,4 +1,4 @@
-// The user's screen where there is no desktop: boxes as text, questions answered by letters.
+// The user's screen without a desktop: boxes as text, questions answered by letters.
 #pragma once
 
 #include <iosfwd>

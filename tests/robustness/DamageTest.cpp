@@ -1,5 +1,5 @@
-// Damaged files, and files that are none of ours: told apart, never a crash or an endless loop, never written
-// to.
+// Damaged files, and files that are not ours: the program recognizes them, never crashes or loops, and never
+// writes to them.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -26,10 +26,10 @@ using test::Faults;
 using test::RunApart;
 
 constexpr std::size_t kPage = 4096;
-/// Enough for the slowest machine; what goes on for ever never ends.
+/// Enough time for the slowest machine; an endless loop would take longer.
 constexpr int kPatience = 100;
 
-/// The error that work ends with: "", or its number and words. Values in a wrong form may be told as such.
+/// The number and text of the error that ends the work, or "". Values in a wrong form count as errors, too.
 template <class Work>
 std::string ErrorOf(Work work) {
   try {
@@ -50,7 +50,7 @@ void ReadAll(Cursor& rows) {
   }
 }
 
-/// Reads whatever can be read; how many of the readings met an error. Other exceptions leave.
+/// Reads whatever can be read, and returns how many of the readings met an error. Throws other exceptions.
 int ReadEverything(const std::string& path, bool readOnly) {
   int errors = 0;
   const auto attempt = [&](auto work) { errors += ErrorOf(work).empty() ? 0 : 1; };
@@ -79,7 +79,7 @@ int ReadEverything(const std::string& path, bool readOnly) {
   return errors;
 }
 
-/// What stands in a directory.
+/// The names in a directory.
 std::string Listing(const std::string& directory) {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(directory))
@@ -122,7 +122,7 @@ class DamagedFile : public testing::Test {
   unsigned Two(std::size_t at) const { return Byte(at) * 256 + Byte(at + 1); }
   unsigned Four(std::size_t at) const { return Two(at) * 65536 + Two(at + 2); }
 
-  /// Where the key of a row stands in the file; for keys of two bytes. 0 if it is not found.
+  /// The offset of a row's key in the file, for keys of two bytes; 0 if it is not found.
   std::size_t KeyAt(std::size_t page, unsigned key) const {
     const std::size_t start = (page - 1) * kPage;
     const unsigned kind = Byte(start);
@@ -140,7 +140,7 @@ class DamagedFile : public testing::Test {
     return kind == 5 ? KeyAt(Four(start + 8), key) : 0;
   }
 
-  /// Everything read from a damaged copy, in a process of its own: empty if it met errors of the engine,
+  /// Reads everything from a damaged copy in a process of its own: empty if it met errors of the engine,
   /// "none" if it met none.
   std::string Read(const std::string& bytes, bool readOnly) {
     fs::remove_all(directory_.Path());
@@ -170,7 +170,7 @@ TEST_F(DamagedFile, IsReadWithoutCrashOrEndAndStaysAsItIs) {
     std::string bytes = whole_;
     std::string what;
     switch (place % 5) {
-      case 0: {  // single bits, in the heads of pages more often than chance would have it
+      case 0: {  // single bits, mostly in the heads of pages
         const std::size_t at = pick(pages) * kPage + pick(place % 2 == 0 ? 100 : kPage);
         bytes[at] = static_cast<char>(static_cast<unsigned char>(bytes[at]) ^ (1U << pick(8)));
         what = "a bit at " + std::to_string(at);
@@ -192,7 +192,7 @@ TEST_F(DamagedFile, IsReadWithoutCrashOrEndAndStaysAsItIs) {
         bytes.resize(place == 3 ? 50 : pick(whole_.size()));
         what = "the end at " + std::to_string(bytes.size());
         break;
-      default: {  // a page where another belongs, so that pages may lead in circles
+      default: {  // a page in the place of another, so that pages may form a loop
         const std::size_t from = pick(pages);
         const std::size_t to = pick(pages);
         bytes.replace(to * kPage, kPage, whole_, from * kPage, kPage);
@@ -207,7 +207,7 @@ TEST_F(DamagedFile, IsReadWithoutCrashOrEndAndStaysAsItIs) {
 }
 
 TEST_F(DamagedFile, KeysOutOfOrderLeadNoCursorInCircles) {
-  // Whoever goes on from the highest key read so far would come back to this row for ever.
+  // A reader that goes on from the highest key so far would return to this row forever.
   const std::size_t at = KeyAt(RootOf("Maintenance Transactions"), 193);
   ASSERT_NE(at, 0U);
   std::string bytes = whole_;
@@ -238,7 +238,7 @@ TEST_F(DamagedFile, KeysOutOfOrderLeadNoCursorInCircles) {
             "");
 }
 
-/// Databases that another program made.
+/// Databases of another program.
 std::string MadeElsewhere(const std::string& path, const std::string& statements) {
   sqlite3* db = nullptr;
   sqlite3_open(path.c_str(), &db);
@@ -275,7 +275,7 @@ TEST_F(DamagedFile, FilesThatAreNotOursAreToldApartAndLeftAlone) {
       {"DW.MDB", log, "3051", "PRAGMA journal_mode = DELETE'."},
       {"DW.MDB", later, "3041",
        "': it was made by a later version of this program. Use that version on this workstation too."},
-      // Its own side file would be written over it.
+      // The reader's own side file would overwrite it.
       {"DW.LDB", "Dear Anna,\nplease fill in.\n", "3049", "': the ending .LDB is that of side files."},
       {"DW.LDB", whole_, "3049", "': the ending .LDB is that of side files."},
   };
@@ -310,7 +310,7 @@ TEST_F(DamagedFile, FilesThatAreNotOursAreToldApartAndLeftAlone) {
   EXPECT_EQ(ErrorOf([&] { (void)store::CompactFile(path, directory.Path("copy")); }),
             "3051 '" + path + "' is a directory, not a data file.");
   EXPECT_TRUE(ErrorOf([&] { Connection::Create(path); }).starts_with("3204 "));
-  // A directory where the copy of a compaction should go.
+  // A directory with the name of a compaction's copy.
   test::WriteBytes(directory.Path("A.MDB"), whole_);
   EXPECT_TRUE(ErrorOf([&] { (void)store::CompactFile(directory.Path("A.MDB"), path); }).starts_with("3204 "));
   EXPECT_EQ(Listing(directory.Path()), "A.MDB DW.MDB ");

@@ -1,4 +1,4 @@
-// A disk on which a process dies in the middle of a write that was chosen beforehand.
+// A disk on which a process dies in the middle of a chosen write.
 #pragma once
 
 #include <signal.h>
@@ -12,19 +12,20 @@
 
 namespace test {
 
-/// What becomes of the bytes that were written but not yet made safe by a sync.
+/// What happens to bytes that were written but not yet synced.
 enum class Death {
-  Killed,      ///< they are in the file: the system goes on
-  PowerFails,  ///< every second write of them never reached the disk
+  Killed,      ///< the file has them: the system goes on
+  PowerFails,  ///< every second write of them has not reached the disk
 };
 
-/// Stands between the database and the files of this process, from Install to its end.
+/// Sits between the database and the files of this process, from Install until the process ends.
 class FatalWrites {
  public:
-  /// Which of a process's doings are counted.
+  /// Which operations count.
   enum class Counts { All, SyncsAndCuts };
 
-  /// Dies in the middle of the write, sync or cut with this number (from 1); 0 only counts them.
+  /// Dies in the middle of the operation (write, sync or truncation) with this number from 1; 0 only counts
+  /// them.
   static void Install(long fatal, Death death, Counts counts = Counts::All) {
     The() = FatalWrites{};
     The().fatal_ = fatal;
@@ -42,11 +43,11 @@ class FatalWrites {
   static long Count() { return The().count_; }
 
  private:
-  /// What a write has covered up, for taking it back.
+  /// The bytes under a write, so that it can be undone.
   struct Covered {
     sqlite3_int64 at = 0;
     std::string bytes;
-    sqlite3_int64 size = 0;  ///< of the file before
+    sqlite3_int64 size = 0;  ///< the size of the file before
   };
   struct File {
     sqlite3_file base;
@@ -170,7 +171,7 @@ class FatalWrites {
         if (!covered.bytes.empty())
           file->system->pMethods->xWrite(file->system, covered.bytes.data(),
                                          static_cast<int>(covered.bytes.size()), covered.at);
-        // A write behind the end of what is safe leaves nothing, unless a later one reached further.
+        // Undoing a write at the end of the file also restores its size, unless a later write went further.
         if (i + 1 == writes.size() && SizeOf(*file) > covered.size)
           file->system->pMethods->xTruncate(file->system, covered.size);
       }

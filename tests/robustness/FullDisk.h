@@ -1,4 +1,4 @@
-// Disks that are full when a test says so.
+// Disks that become full when a test says so.
 #pragma once
 
 #include <fcntl.h>
@@ -22,7 +22,7 @@ enum class DiskKind {
   SmallDisk,  ///< a disk of its own, in memory, filled up by another file
 };
 
-/// A disk under a directory, for one process, which has to be one of its own.
+/// A disk under a directory, for one process, which must not be the test itself.
 class Disk {
  public:
   Disk(DiskKind kind, std::string directory) : kind_(kind), directory_(std::move(directory)) {
@@ -32,10 +32,11 @@ class Disk {
       throw std::runtime_error(refused);
   }
 
-  /// Mounts a small disk that only this process sees and that goes with it; empty, or why it cannot be.
+  /// Mounts a small disk that only this process sees and that ends with it. Empty, or the reason of a
+  /// failure.
   static std::string Mount(const std::string& directory) {
     const auto failed = [](const char* what) { return std::string(what) + ": " + std::strerror(errno); };
-    // Users who are not root may mount within a space of users of their own, where that is allowed.
+    // If the system allows it, users who are not root can mount in a user namespace of their own.
     if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
       return failed("no mounts of its own");
     if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return failed("mounts stay shared");
@@ -43,7 +44,8 @@ class Disk {
     return {};
   }
 
-  /// From now on only `room` bytes more can be stored: in all, or behind the present end of the file.
+  /// From now on, only `room` bytes more can be stored: on the whole disk, or after the present end of the
+  /// file.
   void Fill(const std::string& path, std::int64_t room) {
     if (kind_ == DiskKind::FileLimit) {
       struct stat file {};

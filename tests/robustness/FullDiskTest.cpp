@@ -1,5 +1,4 @@
-// What happens when the disk is full: a clear error, nothing half written, and all is well once there is
-// room.
+// A full disk: a clear error, nothing half written, and all works again once there is room.
 #include "robustness/FullDisk.h"
 
 #include <gtest/gtest.h>
@@ -41,7 +40,7 @@ class FullDisk : public testing::TestWithParam<DiskKind> {
   }
   static void TearDownTestSuite() { delete fleet_; }
 
-  /// What work on a fleet of its own gives, in a process and on a disk of its own.
+  /// The result of work on a fleet of its own, in a process and on a disk of its own.
   std::string OnDisk(const std::function<void(Disk&, Faults&)>& work) {
     return RunApart([&] {
       Disk disk(GetParam(), directory_.Path());
@@ -86,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(Disks, FullDisk, testing::Values(DiskKind::FileLimit, D
                            return disk.param == DiskKind::FileLimit ? "FileLimit" : "SmallDisk";
                          });
 
-/// A data file opened as the windows do it.
+/// A data file, opened as the windows open it.
 struct Opened {
   explicit Opened(const std::string& path) {
     int error = 0;
@@ -192,7 +191,7 @@ TEST_P(FullDisk, ATransactionIsStoredWholeOrNotAtAll) {
                 return std::stoi(Ask("SELECT COUNT(*) FROM [Vehicles] WHERE [Notes] LIKE '" + text + "*'"));
               };
               Opened file(path_);
-              // The edit that fails can be stored later; what was changed before it is not lost.
+              // The failed edit can be stored later, and earlier changes stay.
               file.workspace->BeginTrans();
               file.EditNotes(2, "first");
               file.vehicles->Update();
@@ -209,7 +208,7 @@ TEST_P(FullDisk, ATransactionIsStoredWholeOrNotAtAll) {
               file.workspace->CommitTrans();
               faults.Equal(stored("first"), 2, "rows changed with room");
 
-              // Given up, it leaves nothing.
+              // A transaction that is rolled back leaves nothing.
               file.workspace->BeginTrans();
               for (int id = 2; id < 6; ++id) {
                 file.EditNotes(id, "second" + std::string(id == 2 ? 10 : 100000, 'n'));
@@ -230,9 +229,9 @@ TEST_P(FullDisk, APostingEndsWithWholeRowsAndTheNextOneFinishesIt) {
   int toldOfTheDisk = 0;
   for (const bool clearFirst : {false, true}) {
     for (const bool roomIsMade : {false, true}) {
-      // Where files have a limit, one below the file's own size keeps even the journal from being written.
+      // If files have a limit below the data file's present size, even the journal cannot be written.
       for (const std::int64_t room : {-400000, -200000, 0, 4096, 20000, 50000, 100000, 200000}) {
-        if (room <= 0 && GetParam() == DiskKind::SmallDisk) continue;  // no side file, and so no opening
+        if (room <= 0 && GetParam() == DiskKind::SmallDisk) continue;  // no room to open the file
         const std::string told = OnDisk([&](Disk& disk, Faults& faults) {
           if (!clearFirst) fs::rename(directory_.Path("WAITING.MDB"), path_);
           user_->onBox = [&](const screen::Box&) {

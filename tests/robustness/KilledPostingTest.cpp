@@ -1,4 +1,4 @@
-// A posting that is killed at any moment leaves whole rows behind, and the next run finishes its work.
+// A posting that is killed at any moment leaves whole rows, and the next run finishes its work.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ constexpr int kKills = 200;
 
 class LongKilledPosting : public testing::Test {
  protected:
-  /// The posting as another user runs it.
+  /// Posts as another user does.
   std::string PostAll(bool clearFirst) const {
     Faults faults;
     test::Post(directory_.Path(), clearFirst, faults);
@@ -48,7 +48,7 @@ TEST_F(LongKilledPosting, LeavesWholeRowsThatAPlainRunAddsTheOthersTo) {
   const std::string whole = RunApart([&] { return State(); });
   ASSERT_EQ(whole.substr(0, 10), "0 waiting,") << whole;
 
-  // The kills are spread over the length of a run as it is here and today.
+  // The kills are spread over the length of a run, measured on this machine.
   steady_clock::duration length{};
   for (int i = 0; i < 3; ++i) {
     const auto start = steady_clock::now();
@@ -71,7 +71,7 @@ TEST_F(LongKilledPosting, LeavesWholeRowsThatAPlainRunAddsTheOthersTo) {
     const auto journal = fs::file_size(path_ + "-journal", none);
     if (!none && journal > 0) ++hotJournals;
 
-    // Who comes first, be it only to read, rolls back what was half written.
+    // The next user, even a reader, rolls back what was half written.
     const std::string faults = RunApart([&] {
       Faults found;
       found.Take(test::CheckMainFile(path_, slot % 2 == 0), "after the kill");
@@ -91,14 +91,14 @@ TEST_F(LongKilledPosting, LeavesWholeRowsThatAPlainRunAddsTheOthersTo) {
               "")
         << "killed after " << part << " of the run";
   }
-  // Kills that all came too early or too late would prove nothing.
+  // If all kills came too early or too late, the test would prove nothing.
   EXPECT_GT(hotJournals, kKills / 20);
   EXPECT_GT(partlyPosted, kKills / 20);
   RecordProperty("hotJournals", hotJournals);
   RecordProperty("partlyPosted", partlyPosted);
 }
 
-/// The same at chosen writes: moments so short that no clock meets them.
+/// The same at chosen writes: these moments are too short to hit by time.
 class KilledAtAWrite : public testing::TestWithParam<Death> {};
 INSTANTIATE_TEST_SUITE_P(Deaths, KilledAtAWrite, testing::Values(Death::Killed, Death::PowerFails),
                          [](const auto& death) {
@@ -129,8 +129,8 @@ TEST_P(KilledAtAWrite, APostingLeavesWholeRows) {
   int died = 0;
   int rolledBack = 0;
   for (int death = 0; death < kDeaths; ++death) {
-    // Syncs and cuts are few among the writes, but a commit hangs on each of them. How many there are depends
-    // on the groups of a run, so the last numbers may never be reached.
+    // Few of the writes are syncs and truncations, but every commit depends on them. Their number depends on
+    // the groups of a run, so a run may not reach the last ones.
     const bool atSync = death % 3 == 0;
     const long fatal = 1 + (atSync ? death / 3 : writes * death / kDeaths);
     test::WriteBytes(path, bytes);

@@ -1,4 +1,4 @@
-// The numbers of new records stay theirs while a transaction is written again.
+// New records keep their numbers when a transaction is written again.
 #include <gtest/gtest.h>
 
 #include "platform/runtime/Waits.h"
@@ -13,7 +13,7 @@ using store::Cursor;
 using store::Locking;
 using test::Ask;
 
-/// Another user, who adds a line whenever a word is said and tells its number.
+/// Another user, who adds a line at each request and reports its number.
 class NewNumbers : public testing::Test {
  protected:
   NewNumbers()
@@ -28,7 +28,7 @@ class NewNumbers : public testing::Test {
     lines_ = Cursor::OpenTable(file_, "Lines", Locking::Pessimistic);
   }
 
-  /// The number is asked for before the line is stored, as windows do.
+  /// Reads the number before it stores the line, as windows do.
   static int Add(Cursor& lines, const std::string& code) {
     lines.AddNew();
     const int id = lines.Get(lines.FieldIndex("ID")).AsLong();

@@ -1,4 +1,4 @@
-// Two postings at once on one fleet, while somebody goes on editing its transactions.
+// Two postings at once on one fleet, while somebody edits its transactions.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
@@ -22,7 +22,7 @@ using test::RunApart;
 
 constexpr int kEdits = 40;
 
-/// What the three processes tell each other while they run.
+/// Counters that the three processes share while they run.
 struct Shared {
   std::atomic<int> running{2};
   std::atomic<int> edits{0};
@@ -35,7 +35,8 @@ struct Shared {
   }
 };
 
-/// One posting. Rows that the editor holds get their boxes and stay; any other box is a fault.
+/// One posting. Rows that the editor holds cause their known boxes and stay unposted; any other box is a
+/// fault.
 std::string PostBesideOthers(const std::string& directory, bool clearFirst, Shared& shared) {
   dw::SetDataPath(directory);
   const auto user = test::QuietScreen::Install();
@@ -46,13 +47,13 @@ std::string PostBesideOthers(const std::string& directory, bool clearFirst, Shar
                        box.text.ends_with("Then click OK to continue.") || box.text == "Posting is Complete.";
     if (!known) faults.Add("box: " + box.text);
   };
-  // Run after run, until the editor has had its part.
+  // Posts again and again, until the editor has done its edits.
   for (bool posted = false; faults.Text().empty() && (!posted || shared.edits < kEdits);) {
     try {
       shared.posted += dw::RunPosting(clearFirst, {}).posted;
       posted = true;
     } catch (const dao::StoreError& error) {
-      // Clearing needs every record for itself: it gets through when the editor is between two edits.
+      // Clearing needs a hold on every record: it succeeds when the editor is between two edits.
       if (!clearFirst || error.Number() != store::kRecordLocked)
         faults.Add("posting: " + std::to_string(error.Number()) + " " + error.what());
     }
@@ -62,9 +63,8 @@ std::string PostBesideOthers(const std::string& directory, bool clearFirst, Shar
   return faults.Text();
 }
 
-/// Edits rows for as long as a posting runs: the work order number of any, and the parts cost of those that
-/// still wait, which is then the figure that must be posted. Each row's number of edits is checked in the
-/// end.
+/// Edits rows while a posting runs: the work order number of any row, and the parts cost of rows that still
+/// wait; the posting must then use that figure. At the end, the test checks each row's number of edits.
 std::string EditBesideOthers(const std::string& directory, Shared& shared) {
   dw::SetDataPath(directory);
   const auto user = test::QuietScreen::Install();
@@ -145,7 +145,7 @@ TEST_P(PostingTogether, CountsEachRowOnceAndLosesNoEdit) {
               std::to_string(waiting - shared.posted.load()))
         << "the two runs together";
   }
-  // Rows that the editor held wait for the next run.
+  // The next run posts the rows that the editor held.
   EXPECT_EQ(RunApart([&] {
               Faults faults;
               test::Post(directory.Path(), false, faults);

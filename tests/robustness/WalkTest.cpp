@@ -1,6 +1,6 @@
-// Several users and their random work on one data directory, some of whom die in the middle of it.
+// Several users with random work on one data directory; some of them die in the middle of it.
 //
-// DROVEWRIGHT_WALK_SEED chooses the work of every process (not the moments at which they meet);
+// DROVEWRIGHT_WALK_SEED determines the work of every process (but not how they interleave);
 // DROVEWRIGHT_WALK_SECONDS is the length of the long walk.
 #include <gtest/gtest.h>
 

@@ -88,7 +88,7 @@ TEST(Currency, FloatingAmountsRoundOnceWithTiesToEven) {
   EXPECT_EQ(Currency::RoundedToEven(1234.5678).Units(), 12'345'678);
   EXPECT_EQ(Currency::RoundedToEven(5e-324).Units(), 0);
   EXPECT_EQ(Currency::RoundedToEven(-0.0).Units(), 0);
-  // The amount that a Single really holds, to the last ten-thousandth.
+  // The exact value of a Single, to the last ten-thousandth.
   EXPECT_EQ(Currency::RoundedToEven(static_cast<double>(12345.67F)).Units(), 123'456'699);
 }
 
@@ -97,9 +97,9 @@ TEST(Currency, UnitsTimesPriceIsExactBeforeItIsRounded) {
   EXPECT_EQ(Multiply(0.5F, Currency::FromUnits(13'001)).Units(), 6'500);   // 6500.5
   EXPECT_EQ(Multiply(0.5F, Currency::FromUnits(-13'003)).Units(), -6'502);
   EXPECT_EQ(Multiply(-10.0F, Currency::FromUnits(35'990)).Units(), -359'900);
-  // 0.1 as a Single is 0.100000001490116, which shows from a hundred million units on.
+  // 0.1 as a Single is 0.100000001490116, which makes a difference from a hundred million units on.
   EXPECT_EQ(Multiply(0.1F, Currency::FromUnits(10'000'000'000)).Units(), 1'000'000'015);
-  // A product of more digits than a double holds.
+  // A product with more digits than a double has.
   EXPECT_EQ(Multiply(0.5F, Currency::FromUnits(kMost)).Units(), 4'611'686'018'427'387'904);
   EXPECT_EQ(Multiply(1.0F, Currency::FromUnits(kLeast)).Units(), kLeast);
   EXPECT_EQ(Multiply(1e-45F, Currency::FromUnits(kMost)).Units(), 0);

@@ -30,7 +30,7 @@ TEST(DateTime, HoldsOnlyDaysAndTimesThatExist) {
   EXPECT_EQ(leap.Year() * 10000 + leap.Month() * 100 + leap.Day(), 20240229);
   EXPECT_EQ(leap.Hour() * 10000 + leap.Minute() * 100 + leap.Second(), 235958);
   EXPECT_EQ(leap.DateOnly(), DateTime(2024, 2, 29));
-  // Before 1970 too the time of day counts forward.
+  // Before 1970, too, the time of day counts forward.
   const DateTime old(1799, 12, 31, 6, 30);
   EXPECT_EQ(old.Day(), 31);
   EXPECT_EQ(old.Hour(), 6);
@@ -90,7 +90,7 @@ TEST(ParseDate, ReadsTheFormsThatPeopleType) {
   EXPECT_EQ(Read("1 march 2026"), "2026-03-01 00:00:00");
   EXPECT_EQ(Read("SEP 9, 1999"), "1999-09-09 00:00:00");
   EXPECT_EQ(Read("May 5 10:15"), "2026-05-05 10:15:00");
-  // Day and month change places only where the usual order makes no sense.
+  // Day and month are exchanged only if the usual order makes no sense.
   EXPECT_EQ(Read("13/2/2026"), "2026-02-13 00:00:00");
   EXPECT_EQ(Read("12/2/2026"), "2026-12-02 00:00:00");
 }
@@ -105,7 +105,7 @@ TEST(ParseDate, ReadsTimesWithAndWithoutADate) {
        {"24:00", "13:00 PM", "0:10 AM", "10:60", "10:", "3/1/2026 10", "3/1/202610:00", "10:00 XM"}) {
     EXPECT_EQ(Read(text), "no date") << text;
   }
-  // What is shown can be read again.
+  // The program can read every date that it writes.
   for (const DateTime& date :
        {DateTime(2026, 3, 1, 14, 5, 9), DateTime(100, 1, 1), DateTime(9999, 12, 31, 0, 0, 1),
         DateTime(1899, 12, 30, 12, 1), DateTime(1899, 12, 30)}) {

@@ -27,7 +27,7 @@ std::size_t Entries(const std::string& folder) {
   return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-/// Takes the question away again at the end of a test.
+/// Removes the question at the end of a test.
 class Confirming {
  public:
   explicit Confirming(ReplaceConfirm confirm) : earlier_(InstallReplaceConfirm(std::move(confirm))) {}
@@ -80,7 +80,7 @@ TEST(Files, RenameReplacesAndTellsWhyItCannot) {
                               "': there is no such file or folder.");
   EXPECT_EQ(Content(folder.Path("old")), "new");
 
-  // A memory file system stands for another disk, where a plain rename cannot go.
+  // A memory file system is another disk here, where a plain rename does not work.
   if (!std::filesystem::is_directory("/dev/shm") || access("/dev/shm", W_OK) != 0) return;
   const std::string far = TemporaryFileName("/dev/shm", "DWT");
   ASSERT_TRUE(RenameOver(folder.Path("old"), far).Done());

@@ -15,7 +15,7 @@
 namespace sys {
 namespace {
 
-/// Waits up to ten seconds for what another process writes.
+/// Waits up to ten seconds for the output of another process.
 std::string FirstLine(const std::string& path) {
   std::string line;
   for (int attempt = 0; attempt < 1000 && line.empty(); ++attempt) {
@@ -56,7 +56,7 @@ TEST(Machine, KnowsItsNameAndWhereTheProgramIs) {
 TEST(StartViewer, ShowsAFileWithoutWaiting) {
   const test::TempDirectory folder;
   const std::string viewer = folder.Path("my viewer");
-  // It tells what it was started with, then stays for a minute as an open window would.
+  // The viewer writes down its argument, then runs for a minute like an open window.
   std::ofstream(viewer) << "#!/bin/sh\necho \"$1\" > \"" << folder.Path("seen.part") << "\"\nmv \""
                         << folder.Path("seen.part") << "\" \"" << folder.Path("seen") << "\"\necho $$ > \""
                         << folder.Path("pid") << "\"\nexec sleep 60\n";
@@ -68,7 +68,7 @@ TEST(StartViewer, ShowsAFileWithoutWaiting) {
   ASSERT_GT(pid, 1);
   EXPECT_EQ(kill(pid, SIGKILL), 0) << "the viewer still runs";
 
-  // The desktop's own viewer, where it finds a program for the file and where it finds none.
+  // The desktop's own viewer, when it finds a program for the file and when it finds none.
   unsetenv("DROVEWRIGHT_VIEWER");
   const std::string searched = std::getenv("PATH");
   for (const int result : {0, 3}) {

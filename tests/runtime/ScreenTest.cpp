@@ -11,7 +11,7 @@
 namespace screen {
 namespace {
 
-/// Puts a scripted screen in place for one test.
+/// Installs a scripted screen for one test.
 class ScriptedTest : public testing::Test {
  protected:
   void SetUp() override { earlier_ = Install(script_); }

@@ -35,7 +35,7 @@ TEST_F(SettingsTest, ValuesStandUnderThreeLevels) {
 }
 
 TEST_F(SettingsTest, TextsComeBackAsTheyWere) {
-  // An empty value is not a missing one; texts that look like other types, lists or paths stay texts.
+  // An empty value is not a missing one; texts that look like other types, lists or paths remain texts.
   for (const char* text : {"", " ", "007", "true", "a, b", "C:\\Fleet\\Data\\", "@Invalid()", "@ByteArray(x)",
                            "#5", "\"q\"", "a;b"}) {
     ASSERT_TRUE(SaveSetting("Brackenfel Software", "Settings", "Workstation Name", text));
@@ -50,12 +50,12 @@ TEST_F(SettingsTest, TextsComeBackAsTheyWere) {
 }
 
 TEST_F(SettingsTest, APathIsWhateverTheFileSystemTakes) {
-  // The name of a directory need not be UTF-8.
+  // The name of a directory may have bytes that are not UTF-8.
   for (const char* path : {"/srv/\xfcnsere Daten/", "bytes:/srv", "/srv/a%20b"}) {
     ASSERT_TRUE(SaveSetting("DW", "Data", "DW Data Path", path));
     EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), path);
   }
-  // Somebody wrote these into the file, without the quotation marks that saving gives a comma.
+  // Somebody wrote these into the file, without the quotation marks that saving puts around commas.
   for (const std::string path : {"/srv/Fleet, North, 2026", "/srv/a,b"}) {
     std::ofstream(folder_.Path("settings.ini")) << "[DW]\nData\\DW%20Data%20Path=" << path << "\n";
     EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), path);

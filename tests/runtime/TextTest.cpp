@@ -78,7 +78,7 @@ TEST(Text, LettersOfAllAlphabetsChangeCase) {
   EXPECT_EQ(LowerCase("\u00c9COLE \u0416"), "\u00e9cole \u0436");
   EXPECT_EQ(LowerCase("I"), "i");
   EXPECT_EQ(UpperCase("\U00010428"), "\U00010400");
-  // Bytes of another encoding pass unharmed: a lone byte, a cut sequence, an overlong one, a surrogate.
+  // Bytes of another encoding stay unchanged: a lone byte, a cut sequence, an overlong one, a surrogate.
   for (const char* bytes : {"\xe9"
                             "A",
                             "A\xe2\x82", "\xc0\xaf", "\xed\xa0\x80", "\xff"}) {

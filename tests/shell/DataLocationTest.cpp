@@ -62,7 +62,7 @@ TEST_F(DataLocationTest, TheCodeDecidesTheKindOfDataSource) {
   EXPECT_TRUE(dw::UseSQLServer);
   EXPECT_EQ(dw::DateDelimiter + dw::DeletePrefix + dw::TrueLiteral + dw::FalseLiteral, "'DELETE 10");
 
-  // One code leaves the choice to the user, once.
+  // Only one code asks the user, and only once.
   user_->Expect("Are you using an Access version of Drovewright? ", Icon::None, Buttons::YesNo, Answer::No);
   dw::SetDataSourceKind("RZ");
   dw::SetDataSourceKind("RZ");
@@ -78,7 +78,7 @@ TEST_F(DataLocationTest, OldPlacesOfTheSystemPathAreCleaned) {
   EXPECT_EQ(Kept("DW", "Data", "PK Data Path"), "nothing");
   EXPECT_EQ(Kept("DW", "PK", "PK Data Path"), "nothing");
 
-  // The same directory twice is no question; of two the newer one wins.
+  // Twice the same directory needs no question; of two directories, the newer one wins.
   Keep("DW", "Data", "PK Data Path", "/srv/system/");
   dw::CleanOldSettings();
   EXPECT_EQ(Kept("DW", "Data", "PK Data Path"), "nothing");
@@ -97,7 +97,7 @@ TEST_F(DataLocationTest, FilesAreFoundWhateverTheirLetters) {
   const std::string data = Directory("data", {"dw.mdb", "Dw_Users.mdb", "DW_USERS.MDB", "dw_sands.MDB"});
   const std::string system = Directory("system", {"bfsys.mdb"});
   chmod((data + "/dw.mdb").c_str(), 0444);
-  // The separator at the end of a path may be missing, or lean the other way.
+  // The separator at the end of a path may be missing, or a backslash.
   Keep("DW", "Data", "DW Data Path", data);
   Keep("PK", "Data", "PK Data Path", system + '\\');
   dw::LocalDataInUse = true;
@@ -129,7 +129,7 @@ TEST_F(DataLocationTest, AMissingFileIsAskedForUntilItIsFound) {
   EXPECT_EQ(asked, 3);
   EXPECT_EQ(Kept("DW", "Data", "DW Data Path"), data + '/');
 
-  // A directory bears the file's name: it is not the file.
+  // A directory with the file's name is not the file.
   Keep("DW", "Data", "DW Data Path", Directory("wrong/dw.mdb/..", {}));
   dw::InstallFileLocator([](const std::string&) { throw dw::ApplicationEnd(); });
   EXPECT_THROW(Locate(), dw::ApplicationEnd);

@@ -21,7 +21,7 @@ using screen::Icon;
 class DataSearchTest : public testing::Test {
  protected:
   ~DataSearchTest() override { dw::InstallDrives({}); }
-  /// Makes a directory below the drive with these files; its path.
+  /// Creates a directory with these files below the drive; returns its path.
   std::string Make(const std::string& name, std::initializer_list<const char*> files = {}) {
     std::string path = name.empty() ? root_ : root_ + '/' + name;
     fs::create_directories(path);
@@ -73,7 +73,7 @@ TEST_F(DataSearchTest, OnlyACompleteCopyIsOffered) {
   EXPECT_EQ(Search(), 1U);
   EXPECT_EQ(used_, copy);
 
-  // The main file in the root keeps all other directories from being looked at, even where it is alone.
+  // If the root has the main file, even alone, the search leaves out all other directories.
   Make("", {"dw.mdb"});
   EXPECT_EQ(Search(), 0U);
 }
@@ -101,7 +101,7 @@ TEST_F(DataSearchTest, DrivesAreSearchedUpToTheFirstCopy) {
   std::vector<sys::Drive> drives;
   dw::InstallDrives([&] { return drives; });
   drives = {{empty, Kind::Fixed}, {disc, Kind::RemovableDisc}, {share, Kind::Remote}, {last, Kind::Fixed}};
-  // A copy that is not wanted ends the search all the same.
+  // The search ends with the first drive that has a copy, even if the user refuses the copy.
   ExpectQuestion("Found one copy at " + copy + " on drive " + share + ".\r\rUse this database location?",
                  Answer::No);
   EXPECT_EQ(dw::SearchDrives(search_), dw::SearchEnd::Done);

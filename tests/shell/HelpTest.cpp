@@ -23,7 +23,7 @@ std::string ReadAll(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The pages as they are delivered, by their file names.
+/// The pages of the help, by their file names.
 class HelpPagesTest : public testing::Test {
  protected:
   HelpPagesTest() {
@@ -33,7 +33,7 @@ class HelpPagesTest : public testing::Test {
   }
   ~HelpPagesTest() override { dw::SetUpHelp(); }
 
-  /// Whether "page.html" or "page.html#anchor" leads somewhere.
+  /// Whether the target of "page.html" or "page.html#anchor" exists.
   bool Leads(const std::string& link, const std::string& from) const {
     const std::size_t hash = link.find('#');
     const auto page = pages_.find(hash == 0 ? from : link.substr(0, hash));
@@ -161,8 +161,8 @@ TEST_F(HelpSearchTest, AllWordsInAnyCase) {
   EXPECT_EQ(Pages("Lubricant"), "oil.html ");
   EXPECT_EQ(Pages("oil water"), "");
   EXPECT_EQ(Pages(" \t.,"), "");
-  EXPECT_EQ(Pages("hidden"), "");        // marks are no text
-  EXPECT_EQ(Pages("fillerfiller"), "");  // cells end words
+  EXPECT_EQ(Pages("hidden"), "");        // tags are not text
+  EXPECT_EQ(Pages("fillerfiller"), "");  // the end of a cell ends a word
   EXPECT_EQ(Pages("contents"), "");
 }
 

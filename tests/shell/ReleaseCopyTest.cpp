@@ -21,7 +21,7 @@ using screen::Answer;
 using screen::Buttons;
 using screen::Icon;
 
-/// Opens a data file when it is told its path, and keeps it open.
+/// Another process: reads the path of a data file, opens it and keeps it open.
 void KeepOpen(test::SecondProcess::Channel& talk) {
   const auto file = test::OpenSmallFile(talk.Hear());
   talk.Say("open");
@@ -33,7 +33,7 @@ class ReleaseCopyTest : public testing::Test {
   ReleaseCopyTest() {
     sys::UseSettingsFile(directory_.Path("settings.ini"));
     fs::create_directory(drive_);
-    // A disc may have been written by a system that knows small letters only.
+    // A system that knows only small letters may have written the disc.
     for (const char* name : {"dw initialized data files/dw.mdb", "dw initialized data files/dw_users.mdb",
                              "dw initialized data files/dw_sands.mdb", "PK Initialized Data Files/BFSYS.MDB"})
       Write(disc_ + "/Drovewright release/" + name, name);
@@ -121,7 +121,7 @@ TEST_F(ReleaseCopyTest, AFileThatSomebodyHasOpenStaysAsItIs) {
   user_->Expect("The file is in use by another person and cannot be copied.", Icon::Critical);
   EXPECT_FALSE(Install());
   EXPECT_EQ(Read(path), before);
-  // What a crash has left beside the file keeps nobody out.
+  // Remains of a crash beside the file keep nobody out.
   other_.Kill();
   ExpectReplace(path, Answer::Yes);
   EXPECT_TRUE(Install());
@@ -129,14 +129,14 @@ TEST_F(ReleaseCopyTest, AFileThatSomebodyHasOpenStaysAsItIs) {
 }
 
 TEST_F(ReleaseCopyTest, AFailedCopyIsOfferedAsAPlainOne) {
-  // The drive holds a plain file where the folder should be: no copy can work.
+  // The drive has a plain file with the folder's name, so no copy can work.
   std::ofstream(drive_ + "/Brackenfel Software").close();
   ExpectFailure(3, Answer::Ok);
   user_->ExpectPart("Could not copy file.\rCould not copy '" + Source("dw.mdb"), Icon::Critical);
   EXPECT_FALSE(Install());
   fs::remove(drive_ + "/Brackenfel Software");
 
-  // The data files are in place also where the system file is not.
+  // The data files are copied even if there is no system file.
   fs::remove(disc_ + "/Drovewright release/PK Initialized Data Files/BFSYS.MDB");
   ExpectFailure(2, Answer::Cancel);
   EXPECT_TRUE(Install());

@@ -85,10 +85,10 @@ TEST_F(SignOnTest, AWrongNameOrPasswordMayTryAgain) {
   EXPECT_EQ(dw::CheckSignOn("McArthur", ""), SignOnResult::TryAgain);
   ExpectBox(kNotAuthorized);
   EXPECT_EQ(dw::CheckSignOn("Blank", "anything"), SignOnResult::TryAgain);
-  // A wrong password says nothing of the missing access.
+  // The message for a wrong password says nothing about missing access.
   ExpectBox(kNotAuthorized);
   EXPECT_EQ(dw::CheckSignOn("Former", "y"), SignOnResult::TryAgain);
-  // An apostrophe goes in as typed: it breaks the query, and lets nobody in.
+  // The query contains the apostrophe as typed: it breaks the query and lets nobody in.
   screen_->ExpectPart("Unknown error", Icon::Critical);
   EXPECT_EQ(dw::CheckSignOn("O'Hara", ""), SignOnResult::TryAgain);
   EXPECT_FALSE(dw::SignedOn);
@@ -107,7 +107,7 @@ TEST_F(SignOnTest, MissingAccessEndsTheSignOn) {
   EXPECT_FALSE(dw::SignedOn);
   EXPECT_EQ(dw::WorkstationID, 0);
 
-  // A users file that is no data file: its own message comes first.
+  // If the users file is not a data file, that message comes first.
   const std::string broken = files_.Path("BROKEN.MDB");
   { std::ofstream(broken) << "no data file"; }
   dw::UsersConnect = dw::FileConnect(broken);
@@ -130,7 +130,7 @@ TEST_F(SignOnTest, AccessLogTellsWhenASessionBeganAndEnded) {
   EXPECT_EQ(Ask("SELECT [Time Out] " + newest), "Null");
   EXPECT_EQ(Ask("SELECT [Terminated] " + newest), "False");
 
-  // A later session of the same user, wherever it was opened, is the one that is closed.
+  // The sign-off closes the latest session of the user, whichever workstation opened it.
   Do("INSERT INTO [Access Log] ([User ID], [Computer ID], [Time In]) VALUES (3, 99, #3/15/2026 9:00:00 "
      "AM#)");
   Do("INSERT INTO [Access Log] ([User ID], [Computer ID], [Time In]) VALUES (4, 11, #3/15/2026 9:30:00 "
@@ -143,7 +143,7 @@ TEST_F(SignOnTest, AccessLogTellsWhenASessionBeganAndEnded) {
   ASSERT_EQ(screen_->Notices().size(), 1U);
   EXPECT_NE(screen_->Notices()[0].find("Logging Off..."), std::string::npos);
 
-  // The newest row is closed already: the open one before it stays open.
+  // The latest row is closed already: the open one before it stays open.
   ExpectBox("User #3 cannot be found in Application User List.");
   dw::SignOff();
   dw::CurrentUserID = 77;

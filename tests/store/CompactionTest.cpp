@@ -1,4 +1,4 @@
-// Compaction beside other programs, and what processes that died in the middle leave behind.
+// Compaction beside other programs, and the remains of processes that died in the middle.
 #include "platform/store/Compaction.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ class CompactionTest : public testing::Test {
     test::MakeSmallFile(path_);
     test::AddAsset(test::OpenSmallFile(path_), "A");
   }
-  /// Compacts: "done", or the error's number and text.
+  /// Compacts; returns "done", or the error's number and text.
   std::string Compact(const std::string& path) const {
     try {
       store::CompactFile(path, directory_.Path("DW00000001.TMP"))->TakePlace();
@@ -134,7 +134,7 @@ TEST_F(CompactionTest, TheEngineOfAFileDropsItWithItsJournalAndReportsWhoIsIn) {
   EXPECT_TRUE(engine.InUse(path_));
   EXPECT_THROW(engine.Drop(path_), store::StoreError);
   other.Kill();
-  // What stays under the journal's name would be played back into the next file of this name.
+  // SQLite would play a remaining journal back into the next file of this name.
   std::ofstream(path_ + "-journal") << "left";
   engine.Drop(path_);
   EXPECT_FALSE(fs::exists(path_));

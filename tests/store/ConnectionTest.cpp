@@ -95,7 +95,7 @@ TEST_F(ConnectionTest, AnAutoNumberNeverComesBack) {
   file = test::OpenSmallFile(path);
   EXPECT_EQ(AddAsset(file, "D"), second + 2);
 
-  // A number that was read is taken, whether the record is stored or not.
+  // A number that somebody has read is used up, whether the record is stored or not.
   auto table = Cursor::OpenTable(file, "Assets", Locking::Pessimistic);
   table->AddNew();
   const auto taken = table->Get(0).AsLong();

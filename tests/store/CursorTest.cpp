@@ -46,7 +46,7 @@ TEST_F(CursorTest, WalksBothWaysAndComesBackByKey) {
   EXPECT_TRUE(rows->AtBegin());
   EXPECT_EQ(ErrorOf([&] { rows->MovePrevious(); }), 3021);
 
-  // Without an order it is the order of the IDs, also where an index would deliver another.
+  // Without ORDER BY, rows come in the order of their IDs, even if an index would return another order.
   auto plain = Query("SELECT Code FROM Assets WHERE [Year] >= 2000");
   EXPECT_EQ(plain->Get(0), Value("A0"));
   plain->MoveNext();
@@ -173,7 +173,7 @@ TEST_F(CursorTest, ANullInAKeyFindsTheRecordWithNull) {
   EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Assets WHERE Code IS NULL"), Value(1));
   EXPECT_EQ(Ask(file, "SELECT Miles FROM Assets WHERE Code IS NULL"), Value(12.0F));
 
-  // A group that makes the row itself; and a key that is not written as the column is finds the same row.
+  // The group creates the row itself; a key with other letter case finds the same row.
   file->Execute("DELETE FROM Assets WHERE Code IS NULL");
   file->EnterGroup();
   for (const Value& key : {Value(), Value(), Value("a7"), Value("A7"), Value()}) {
@@ -204,7 +204,7 @@ TEST_F(CursorTest, FindingKeepsToTheRowsAndTheOrderOfTheSet) {
   };
   EXPECT_EQ(found(true, "[Year]=2001"), 197);
   EXPECT_EQ(found(false, "[Year]=2001"), 194);
-  // What others do between two steps counts at the next one, but for rows that they add.
+  // A later step sees what others did after the one before, except the rows that they added.
   others->Execute("UPDATE Assets SET [Year] = 1999 WHERE ID IN (191, 188)");
   others->Execute("DELETE * FROM Assets WHERE ID = 185");
   others->Execute("INSERT INTO Assets (Code, [Year]) VALUES ('NEW', 2001)");
@@ -214,8 +214,7 @@ TEST_F(CursorTest, FindingKeepsToTheRowsAndTheOrderOfTheSet) {
   EXPECT_EQ(found(false, "[Code]='A198'"), 0) << "it is before the place";
   EXPECT_EQ(found(false, "[Code]='A0'"), 1) << "it is the last row";
 
-  // Each row that is found is changed, also where the change is not committed, and the next one is still
-  // found.
+  // Changing each row that is found, even without a commit, does not keep the search from the next one.
   file->BeginTrans();
   int changed = 0;
   for (found(true, "[Year]=2002"); !rows->NoMatch(); found(false, "[Year]=2002"), ++changed) {
@@ -274,7 +273,7 @@ TEST_F(CursorTest, PicturesAreFetchedApartFromTheirRows) {
     EXPECT_TRUE(rows->Get(field).IsNull()) << sql;
   }
 
-  // A change of another field leaves it, and the edit shows its own.
+  // A change of another field leaves the picture; an edit shows its own change of it.
   auto rows = Query("SELECT * FROM Photos WHERE Code = 'A1'");
   rows->Edit();
   rows->Set(1, std::string("B1"));
@@ -287,7 +286,7 @@ TEST_F(CursorTest, PicturesAreFetchedApartFromTheirRows) {
   rows->CancelUpdate();
   EXPECT_TRUE(rows->Get(2) == picture);
 
-  // Gone after its row was read, before it was asked for.
+  // Another user deletes the row after it was read, but before anybody asked for the picture.
   test::OpenSmallFile(path)->Execute("DELETE * FROM Photos WHERE Code = 'B1'");
   EXPECT_EQ(ErrorOf([&] { rows->Get(2); }), 3167);
 }

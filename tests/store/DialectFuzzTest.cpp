@@ -1,5 +1,5 @@
-// Broken statements: whatever comes in, the dialect either refuses it with an error of its own or gives a
-// statement that the engine underneath takes.
+// Broken statements: whatever comes in, the dialect either refuses it with an error of its own or returns a
+// statement that SQLite accepts.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -12,7 +12,8 @@
 
 namespace {
 
-/// Makes statements from nothing, from grown syntax and from the scenarios, and breaks most of them a little.
+/// Makes statements from random bytes, from generated syntax and from the scenarios, and breaks most of them
+/// a little.
 class Maker {
  public:
   Maker(const test::ScenarioFile& file, std::uint32_t seed) : file_(file), random_(seed) {}
@@ -42,7 +43,7 @@ class Maker {
     return bytes;
   }
 
-  // Expressions by what they give, so that most make sense; now and then one stands where another belongs.
+  // Expressions by their type, so that most make sense; now and then one has the wrong type.
   enum class Kind { Number, Text, Date, Condition };
 
   std::string Value(Kind kind, std::size_t depth) {
@@ -265,7 +266,7 @@ class Maker {
     }
   }
 
-  // Exchanges what stands between two blanks, which leaves more statements whole than single bytes do.
+  // Replaces the text between two blanks, which leaves more statements whole than changes of single bytes do.
   void ReplaceWord(std::string& sql, std::size_t at, const std::string& word) {
     const std::size_t begin = at == 0 ? 0 : sql.rfind(' ', at - 1) + 1;
     const std::size_t end = std::min(sql.find(' ', begin), sql.size());
@@ -303,7 +304,7 @@ TEST(DialectFuzz, RefusesOrTranslatesToWhatTheEngineTakes) {
       FAIL() << error.what() << " for case " << i << ": " << sql;
     }
   }
-  // Both ways out must have been tried, or the cases are no good.
+  // Unless both results were frequent, the cases prove little.
   EXPECT_GT(translated, kCases / 5);
   EXPECT_GT(refused, kCases / 5);
 }

@@ -86,7 +86,7 @@ std::string Index(const Translation& t) {
          index.name + ":" + (columns.empty() ? "" : " " + columns);
 }
 
-// Parts of which there are several are met by any one of them.
+// If there are several parts of a kind, any one of them may match.
 std::vector<std::string> Parts(const Translation& t, const std::string& which) {
   std::vector<std::string> parts;
   if (which == "from") return {t.from};
@@ -167,7 +167,7 @@ class Runner {
         << expected << "\nfound: " << Joined(parts, "\n       ");
   }
 
-  // Runs the statement; what it writes is taken back at the end.
+  // Runs the statement, and rolls back what it writes.
   void CheckRows(const test::Scenario& scenario, const Translation& translation,
                  const store::Normalized& statement) {
     const std::string sql = test::WholeStatement(translation);
@@ -229,14 +229,14 @@ TEST(Dialect, KeysSeparateShapesAndNotValues) {
   EXPECT_EQ(key("SELECT * FROM t WHERE a = 1 AND b = 'x'"),
             key(" SELECT  * FROM\r\nt WHERE a = 22 AND b = 'it''s' "));
   EXPECT_EQ(key("a = #1/1/2026#"), key("a = #12/31/1999#"));
-  // The translation may depend on a literal's type, on names and on the number behind TOP.
+  // The translation may depend on a literal's type, on names and on the number after TOP.
   EXPECT_NE(key("a = 1"), key("a = 1.5"));
   EXPECT_NE(key("a = 1"), key("a = '1'"));
   EXPECT_NE(key("a = 'x'"), key("A = 'x'"));
   EXPECT_NE(key("[Table Name] = 1"), key("[Table Name ] = 1"));
   EXPECT_NE(key("SELECT TOP 1 * FROM t"), key("SELECT TOP 2 * FROM t"));
   EXPECT_NE(key("ALTER TABLE t ADD c TEXT(5)"), key("ALTER TABLE t ADD c TEXT(6)"));
-  // A sign that could be mistaken for a literal that was taken out is no part of a statement.
+  // A character that looks like the mark of a removed literal is not allowed in a statement.
   EXPECT_THROW(key("a = ?l"), StoreError);
 
   const auto limits = Normalize("2147483647 2147483648 0.5 7.");
@@ -256,7 +256,7 @@ TEST(Dialect, RefusesWhatIsNestedTooDeeply) {
     return result;
   };
   const std::string select = "SELECT ID FROM Vehicles WHERE ";
-  // Each shape at every depth either is refused with 3075 or is taken by the engine underneath.
+  // For each shape at every depth, the dialect either refuses with 3075 or SQLite accepts the statement.
   const std::vector<std::array<std::string, 3>> shapes = {
       {"(", "ID = 1", ")"},
       {"NOT ", "ID = 1", ""},
@@ -288,12 +288,12 @@ TEST(Dialect, RefusesWhatIsNestedTooDeeply) {
       }
     }
     EXPECT_TRUE(refused) << open;
-    // Far deeper than any stack: still an error and no crash.
+    // Far deeper than any stack: still an error and not a crash.
     EXPECT_THROW(
         Translate(Normalize(select + repeated(open, 20000) + middle + repeated(close, 20000)), file.schema),
         StoreError);
   }
-  // What people write is well within the limits.
+  // The statements that people write are well within the limits.
   std::string wide = "ID = 0";
   for (int i = 1; i < 100; ++i) wide += " OR ID = " + std::to_string(i);
   EXPECT_NO_THROW(Translate(Normalize(select + wide), file.schema));
@@ -339,7 +339,7 @@ TEST(Dialect, LikePatterns) {
   };
   for (const auto& one : cases)
     EXPECT_EQ(store::LikeMatch(one.pattern, one.text), one.fits) << one.pattern << " : " << one.text;
-  // Patterns that would take for ever where every * tried everything.
+  // Patterns that would take forever if every * tried everything.
   std::string pattern;
   for (int i = 0; i < 50; ++i) pattern += "*a";
   EXPECT_FALSE(store::LikeMatch(pattern + "b", std::string(5000, 'a')));
@@ -350,7 +350,7 @@ TEST(Schema, DeclaredTypesAreReadBack) {
     store::ColumnInfo column;
     column.type = static_cast<ColumnType>(type);
     column.size = column.type == ColumnType::Text ? 20 : 0;
-    // As the engine shows the type of a column that was declared so.
+    // The declared type of the column, as SQLite returns it.
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(":memory:", &db), SQLITE_OK);
     const std::string sql = "CREATE TABLE t (\"c\" " + store::DeclaredType(column) + ")";

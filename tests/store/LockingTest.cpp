@@ -16,8 +16,8 @@ using test::Ask;
 using test::ErrorOf;
 using test::SecondProcess;
 
-// The second process stands as user ADMIN at machine OFFICE, as a window or as a transaction, until it hears
-// a word.
+// The second process is the user ADMIN on the machine OFFICE. It holds a record, as a window or as a
+// transaction does, until it gets a word.
 class LockingTest : public testing::Test {
  protected:
   LockingTest() {
@@ -72,7 +72,7 @@ TEST_F(LockingTest, ARecordInAWindowIsRefusedByItsHoldersName) {
   EXPECT_EQ(ErrorOf([&] { late->Update(); }), 3186);
   EXPECT_TRUE(late->Editing());
 
-  // A statement that touches the record fails whole; one that does not goes through.
+  // A statement that touches the held record fails as a whole; one that does not succeeds.
   EXPECT_EQ(ErrorOf([&] { file->Execute("UPDATE Assets SET [Year] = 7"); }), 3260);
   EXPECT_EQ(ErrorOf([&] { file->Execute("DELETE * FROM Assets"); }), 3260);
   EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Assets WHERE [Year] = 2020"), Value(3));
@@ -140,8 +140,7 @@ TEST_F(LockingTest, ExclusiveAndSharedKeepEachOtherOut) {
   EXPECT_EQ(ErrorOf([&] { store::Connection::Open({path, store::Share::Exclusive}); }), 0);
 }
 
-// What a group of commits keeps back belongs to others as soon as the program waits, and a row that is half
-// done does not.
+// When the program waits, others get what a group of commits keeps back, but not a row that is half done.
 TEST_F(LockingTest, AGroupGivesTheFileBackBeforeAWait) {
   SecondProcess other([this](SecondProcess::Channel& talk) {
     talk.Hear();

@@ -13,7 +13,7 @@
 
 namespace model {
 
-/// A row as texts; "Null" for a Null.
+/// A row as texts; a Null as "Null".
 using Row = std::vector<std::string>;
 using Rows = std::vector<Row>;
 
@@ -28,7 +28,7 @@ inline std::string Shown(const Rows& rows) {
   return text.empty() ? "nothing" : text;
 }
 
-/// What both tables hold at one moment, in the order of their tags.
+/// The rows of both tables at one moment, in the order of their tags.
 struct State {
   Rows sums, lines;
   bool operator==(const State&) const = default;
@@ -50,7 +50,7 @@ class Database {
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
 
-  /// 0, or 3022 for a doubled key.
+  /// 0, or 3022 for a duplicate key.
   int Try(const std::string& sql) {
     const int code = sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr);
     if (code == SQLITE_OK) return 0;

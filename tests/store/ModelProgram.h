@@ -1,4 +1,4 @@
-// Short programs for one connection: what the steps are, how they are drawn at random, and how they read.
+// Short programs for one connection: their steps, how they are drawn at random, and how they are printed.
 #pragma once
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 
 namespace model {
 
-/// What a step does. Cursors 0 to 3 are: a pessimistic table cursor on Sums, one on Lines, an optimistic one
-/// on Sums, and a keyset over a part of Sums.
+/// The kinds of steps. Cursors 0 to 3 are: a pessimistic table cursor on Sums, one on Lines, an optimistic
+/// one on Sums, and a keyset over a part of Sums.
 enum class Act {
   Begin,
   Commit,
@@ -65,8 +65,8 @@ inline const char* NameOf(Act act) {
   return kNames[static_cast<std::size_t>(act)];
 }
 
-/// One step. What `a`, `b`, `n` and `how` mean depends on the act; any values are valid. `a` from 1 is the
-/// value of the field A and 0 is Null; `b` chooses the text of the field B, 0 for Null; `n` is a number;
+/// One step. The meaning of `a`, `b`, `n` and `how` depends on the act; any values are valid. `a` from 1 is
+/// the value of the field A and 0 is Null; `b` chooses the text of the field B, 0 for Null; `n` is a number;
 /// `how` chooses a form of the act.
 struct Step {
   Act act = Act::Read;
@@ -79,7 +79,7 @@ struct Step {
 
 using Program = std::vector<Step>;
 
-/// As it is written in a test: "{Act::Seek, 0, 1, 2, 0, 0}, …".
+/// The text of a program as a test writes it: "{Act::Seek, 0, 1, 2, 0, 0}, …".
 inline std::string Shown(const Program& program) {
   std::string text;
   for (const Step& s : program)
@@ -89,9 +89,9 @@ inline std::string Shown(const Program& program) {
   return text;
 }
 
-/// A program of 4 to 28 steps. Each program uses only some of the acts, so that those come together often;
-/// what changes rows, and what takes changes back or makes others visible, comes most.
-/// None of those in `leftOut` comes.
+/// A program of 4 to 28 steps. Each program uses only some of the acts, so that those come together often.
+/// The most frequent acts change rows, roll changes back or make others visible. Uses none of the acts in
+/// `leftOut`.
 inline Program Draw(unsigned seed, const std::set<Act>& leftOut = {}) {
   std::mt19937 random(seed);
   const auto dice = [&](int sides) { return static_cast<int>(random() % static_cast<unsigned>(sides)); };
@@ -120,7 +120,7 @@ inline Program Draw(unsigned seed, const std::set<Act>& leftOut = {}) {
   return program;
 }
 
-/// The shortest program that still fails, got by leaving out steps.
+/// The shortest program that still fails, found by leaving out steps.
 inline Program Shrink(Program program, const std::function<bool(const Program&)>& fails) {
   for (std::size_t width = std::max<std::size_t>(1, program.size() / 2);; width = (width + 1) / 2) {
     bool shorter = false;

@@ -39,15 +39,14 @@ struct Fault {
   std::string text;
 };
 
-/// How often something happened in the programs that were run; a check that never met its case would prove
-/// nothing.
+/// How often something happened in the programs; a check whose case never came would prove nothing.
 struct Tally {
   std::int64_t programs = 0;
   std::int64_t rowsRead = 0;
-  std::int64_t doubledKeys = 0;     ///< writes that were refused for a key that is there already
-  std::int64_t abandoned = 0;       ///< groups that AbandonGroup ended and that had work to take back
-  std::int64_t abandonedWhole = 0;  ///< and how many of them it took back wholly
-  std::int64_t keptBack = 0;        ///< reads by another connection while there was work that it must not see
+  std::int64_t doubledKeys = 0;     ///< writes that were refused for a duplicate key
+  std::int64_t abandoned = 0;       ///< groups that AbandonGroup ended and that had work to undo
+  std::int64_t abandonedWhole = 0;  ///< the groups of these that it undid completely
+  std::int64_t keptBack = 0;        ///< reads by another connection during work that it must not see
 };
 
 class Run {
@@ -61,14 +60,14 @@ class Run {
     onDisk_ = {model_.ReadState()};
   }
 
-  /// Runs the program; empty, or the first difference. Rows are known by their Tag, because the store may
-  /// give the numbers of a rollback again.
+  /// Runs the program; empty, or the first difference. Identifies rows by their Tag, because the store may
+  /// reuse the numbers of a rollback.
   std::string Go(const Program& program) {
     std::size_t at = 0;
     try {
       for (; at < program.size(); ++at) {
         Do(program[at]);
-        // Not always: a read makes up for what a later step should find wrong.
+        // Not after every step: a read would repair what a later step should find wrong.
         if (program[at].n % 2 == 1) CheckRow(program[at].cursor);
       }
       Close();
@@ -88,9 +87,9 @@ class Run {
   struct Place {
     std::unique_ptr<store::Cursor> cursor;
     std::string index;
-    std::optional<int> tag;           ///< of the row at the place; empty where it is not known or none
-    std::optional<int> lastModified;  ///< the tag of what LastModified leads to
-    std::int64_t orderOf = 0;         ///< how many writes there were when its order was read
+    std::optional<int> tag;           ///< of the current row; empty if there is none or it is unknown
+    std::optional<int> lastModified;  ///< the tag of the row that LastModified marks
+    std::int64_t orderOf = 0;         ///< the number of writes when its order was read
     std::vector<int> keyset;          ///< of the keyset: the tags of its rows
   };
 
@@ -147,7 +146,7 @@ class Run {
     return row;
   }
 
-  /// Reads the row at the place; what it shows is what the model has, and a row that is gone is an error.
+  /// Reads the current row: it must be as in the model, or an error if it was deleted.
   void CheckRow(int cursor) {
     Place& place = places_[static_cast<std::size_t>(cursor)];
     if (!place.tag) return;
@@ -164,7 +163,7 @@ class Run {
     }
     const int tag = std::stoi(found[0]);
     if (!wanted) {
-      // The number of a row that a rollback took back may have been given to another one.
+      // Another row may have got the number of a row that was rolled back.
       place.tag = tag;
       const auto again = RowOf(cursor, tag);
       Need(again.has_value(), "the row " + Shown(found) + " is not there");
@@ -175,7 +174,7 @@ class Run {
     LearnNumber(cursor, tag);
   }
 
-  /// A row keeps its number for as long as it lives.
+  /// A row keeps its number as long as it exists.
   void LearnNumber(int cursor, int tag) {
     const rt::Value id = places_[static_cast<std::size_t>(cursor)].cursor->Get(kId);
     Need(!id.IsNull() && id.AsLong() > 0, "row " + std::to_string(tag) + " shows no number");
@@ -245,8 +244,8 @@ class Run {
     inGroup_ = false;
     Whole(false);
   }
-  /// Takes back what is not on the disk yet. A group that took its time may have put a part of its
-  /// transactions there, always the earlier ones.
+  /// Undoes what is not on the disk yet. After some time, a group may have written some of its transactions,
+  /// always the earlier ones first.
   void AbandonGroup() {
     file_->AbandonGroup();
     if (Depth() > 0 || !inGroup_) return;
@@ -265,7 +264,8 @@ class Run {
     store::YieldFiles();
     if (onDisk_.size() > 1) onDisk_ = {onDisk_.back()};
   }
-  /// The state is one that whole transactions have left, and not earlier than one that was seen on the disk.
+  /// The state must come from whole transactions, and must not be older than a state that was seen on the
+  /// disk.
   void NeedOnDisk(const State& state, const std::string& when) {
     const auto found = std::find(onDisk_.begin(), onDisk_.end(), state);
     if (found == onDisk_.end())
@@ -367,7 +367,7 @@ class Run {
   }
   int RowCount(int cursor) { return std::stoi(model_.Read("SELECT COUNT(*) FROM " + Table(cursor))[0][0]); }
 
-  /// The place is on the one of these rows that the cursor shows.
+  /// The cursor must be on one of these rows.
   void StandOn(int cursor, const Rows& tags, const std::string& what) {
     Place& place = places_[static_cast<std::size_t>(cursor)];
     Same(place.cursor->NoMatch(), tags.empty(), what + " finds nothing");
@@ -411,7 +411,7 @@ class Run {
     StandOn(cursor, wanted, "FindFirst " + condition);
   }
 
-  /// The order in which the cursor shows rows, without the number: what its index is made of.
+  /// The columns of the cursor's index, which determine its order before the number does.
   static std::string OrderOf(const std::string& index) {
     return index == "Key" ? "A, B" : index == "By N" ? "N" : "";
   }
@@ -421,7 +421,7 @@ class Run {
     const std::string order = OrderOf(places_[static_cast<std::size_t>(cursor)].index);
     const std::string two = std::to_string(tag) + ", " + std::to_string(next);
     if (!order.empty()) {
-      // The rank by the index; equal ranks are in the order of their numbers.
+      // The rank by the index; rows of equal rank are in the order of their numbers.
       const Rows ranks =
           model_.Read("SELECT r FROM (SELECT Tag, RANK() OVER (ORDER BY " + order + ") AS r FROM " +
                       Table(cursor) + ") WHERE Tag IN (" + two + ") ORDER BY Tag = " + std::to_string(next));
@@ -431,7 +431,7 @@ class Run {
     }
     return numbers_[Table(cursor)].at(tag) < numbers_[Table(cursor)].at(next);
   }
-  /// From one end to the other: each row once, in its order.
+  /// From one end to the other: each row once, in order.
   void ReadAll(int cursor, bool forward) {
     Place& place = places_[static_cast<std::size_t>(cursor)];
     place.tag.reset();
@@ -473,8 +473,7 @@ class Run {
     CheckRow(cursor);
     if (!place.tag) return;
     if (cursor == kKeyset) return MoveInKeyset(act);
-    // The order of an index is read as a whole; what is changed later may or may not be seen until the next
-    // start.
+    // The order of an index is read as a whole; later changes may or may not be visible until the next start.
     const bool current = place.index == "PrimaryKey" || place.orderOf == writes_;
     const int from = *place.tag;
     const bool forward = act == Act::MoveNext;
@@ -488,7 +487,7 @@ class Run {
     }
     if (current) NothingBetween(cursor, from, place.tag, forward);
   }
-  /// No row is passed over on the way between two, or from or to an end.
+  /// The cursor must skip no row between two rows, or between a row and an end.
   void NothingBetween(int cursor, std::optional<int> from, std::optional<int> to, bool forward) {
     if (!forward) std::swap(from, to);
     if (from && to)
@@ -496,7 +495,7 @@ class Run {
                                                std::to_string(*to) + " is in the wrong order");
     for (const Row& row : model_.Read("SELECT Tag FROM " + Table(cursor))) {
       const int tag = std::stoi(row[0]);
-      // Rows whose number is not known yet cannot be placed.
+      // Rows with an unknown number have no known place.
       if (tag == from || tag == to || !numbers_[Table(cursor)].contains(tag)) continue;
       Need((from && MayPrecede(cursor, tag, *from)) || (to && MayPrecede(cursor, *to, tag)),
            "row " + row[0] + " is passed over");
@@ -530,7 +529,7 @@ class Run {
     CheckRow(cursor);
   }
 
-  /// Stores what was set, or lets go of it; true where it was stored. `sql` is what it means.
+  /// Stores the edit, or cancels it; true if it was stored. `sql` is the statement of the same effect.
   bool Store(Place& place, const std::string& sql) {
     const int error = ErrorOf([&] { place.cursor->Update(); });
     Same(error, model_.Try(sql), "error of the Update for " + sql);
@@ -685,8 +684,8 @@ class Run {
     }
   }
 
-  /// Closes the connection as it is and looks at the file: an open transaction is gone, and what was
-  /// committed with a group is there.
+  /// Closes the connection as it is and reads the file: an open transaction must be gone, and the commits of
+  /// a group must be there.
   void Close() {
     while (Depth() > 0) TakeBack();
     const State wanted = model_.ReadState();
@@ -712,7 +711,7 @@ class Run {
   int lastTag_ = 0;
   int manyTags_ = 0;
   bool inGroup_ = false;
-  std::vector<State> onDisk_;  ///< what others may see: the last is what is committed
+  std::vector<State> onDisk_;  ///< the states that others may see; the last one is the committed one
 };
 
 }  // namespace model

@@ -4,9 +4,7 @@
 // programs (10,000). A failure prints its seed and the shortest program that still fails, in the form of the
 // cases below.
 //
-//  cases are known faults of the connection. The random run leaves out the acts that would meet them
-// again (kLeftOut). Whoever mends a fault removes the prefix of its case; with the last one, kLeftOut becomes
-// empty.
+// kLeftOut names the acts that the random run leaves out.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
@@ -25,7 +23,7 @@ using model::Program;
 
 const std::set<Act> kLeftOut = {Act::EnterGroup, Act::CommitWithGroup, Act::Rollback, Act::Wait};
 
-/// What processes that run programs leave for the test to read, also when they crash.
+/// What the processes that run programs leave for the test, even when they crash.
 struct Progress {
   unsigned seed = 0;
   model::Tally tally;
@@ -46,7 +44,7 @@ class Programs : public testing::Test {
   }
   ~Programs() override { munmap(progress_, sizeof(Progress)); }
 
-  /// What is wrong with this program.
+  /// The fault that this program finds.
   std::string Fault(const Program& program) {
     return test::RunApart([&] { return RunHere(program); }, 20);
   }
@@ -54,7 +52,7 @@ class Programs : public testing::Test {
     EXPECT_EQ(Fault(program), "") << "of\n" << model::Shown(program);
   }
 
-  /// Runs the programs of these seeds. A failure is told with its shortest form; three are enough.
+  /// Runs the programs of these seeds. Reports each failure in its shortest form, and stops after three.
   void RunSeeds(unsigned first, unsigned count) {
     int faults = 0;
     for (unsigned from = first; from < first + count && faults < 3; from = progress_->seed + 1) {
@@ -79,7 +77,7 @@ class Programs : public testing::Test {
   const model::Tally& Tally() const { return progress_->tally; }
 
  private:
-  /// A directory in memory where there is one. Whether commits reach a disk is not asked here.
+  /// A directory in memory if there is one: these tests do not check whether commits reach a disk.
   static std::unique_ptr<test::TempDirectory> Fast() {
     const char* const before = std::getenv("TMPDIR");
     const std::string kept = before ? before : "";
@@ -110,7 +108,7 @@ class Programs : public testing::Test {
 // --- what has been wrong once
 
 TEST_F(Programs, AChangeThatIsRolledBackInAGroupIsForgotten) {
-  // A statement, a seek, the rollback, a write elsewhere: neither the value nor the row may stay.
+  // A statement, a seek, the rollback, a write elsewhere: neither the value nor the row may remain.
   ExpectSound({{Act::InsertOne, 0, 1, 1, 2},
                {Act::EnterGroup},
                {Act::Begin},
@@ -127,7 +125,7 @@ TEST_F(Programs, AChangeThatIsRolledBackInAGroupIsForgotten) {
                {Act::Rollback},
                {Act::InsertOne, 1, 1, 1},
                {Act::Seek, 0, 1, 1}});
-  // Nor may what the group committed before be lost from sight.
+  // Earlier commits of the group must stay visible, too.
   ExpectSound({{Act::InsertOne, 0, 1, 1, 2},
                {Act::EnterGroup},
                {Act::UpdateMany, 0, 0, 0, 0, 5},
@@ -135,7 +133,7 @@ TEST_F(Programs, AChangeThatIsRolledBackInAGroupIsForgotten) {
                {Act::UpdateMany, 0, 0, 0, 0, 5},
                {Act::Rollback},
                {Act::Seek, 0, 1, 1, 1}});
-  // A row that is kept in memory goes to the file before a statement reads it, and the rollback takes it back
+  // A row that is kept in memory goes to the file before a statement reads it, and the rollback undoes it
   // there.
   ExpectSound({{Act::InsertOne, 2, 0, 2, 2, 2},
                {Act::EnterGroup},
@@ -150,7 +148,7 @@ TEST_F(Programs, ReadsAfterAWaitSeeTheTransaction) {
   ExpectSound({{Act::Begin}, {Act::Add, 1, 1, 2, 4, 0}, {Act::Wait}, {Act::GoToLast, 1, 0, 0, 1}});
   ExpectSound({{Act::Begin}, {Act::Add, 0, 1, 1, 4, 6}, {Act::Wait}, {Act::SetIndex, 0, 0, 0, 0, 1}});
   ExpectSound({{Act::Begin}, {Act::InsertOne, 0, 3, 1, 3}, {Act::Wait}, {Act::Seek, 0, 2, 1, 3}});
-  // The rollback of an inner transaction takes the outer one back too, until the next read.
+  // The rollback of an inner transaction also undoes the outer one until the next read.
   ExpectSound({{Act::Begin},
                {Act::Add, 1, 1, 0, 3, 0},
                {Act::Begin},
@@ -223,7 +221,7 @@ TEST_P(RandomPrograms, LeaveWhatAPlainDatabaseHas) {
   const unsigned count = std::max(1U, FromEnvironment("DROVEWRIGHT_MODEL_PROGRAMS", 10000) / kParts);
   RunSeeds(FromEnvironment("DROVEWRIGHT_MODEL_SEED", 0) + GetParam() * count, count);
   if (HasFailure() || count < 1000 || !kLeftOut.empty()) return;
-  // Programs that never met these cases would prove little.
+  // If the programs never met these cases, they would prove little.
   EXPECT_GT(Tally().rowsRead, 2000);
   EXPECT_GT(Tally().doubledKeys, 50);
   EXPECT_GT(Tally().keptBack, 20);

@@ -1,4 +1,4 @@
-// The last numbers that a table can give, and keys beyond them that other programs have given.
+// The last numbers of a table, and larger keys from other programs.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -67,11 +67,11 @@ TEST_F(NumbersTest, ATableThatHasGivenAllItsNumbersSaysSo) {
   full();
   file->CommitTrans();
   EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Lines WHERE Asset = 7"), Value(3));
-  // The last number there is in the file underneath: no word of a full disk.
+  // The last number that SQLite has: the error must not speak of a full disk.
   ByAnotherProgram("UPDATE sqlite_sequence SET seq = 9223372036854775807 WHERE name = 'Lines'");
   full();
   EXPECT_TRUE(file->CheckIntegrity().empty());
-  // A number that is free can still be given by hand.
+  // A statement can still use a free number.
   file->Execute("INSERT INTO Lines (ID, Code) VALUES (17, 'E')");
   EXPECT_EQ(Rows(), Value(4));
 }
@@ -91,7 +91,7 @@ TEST_F(NumbersTest, AKeyBeyond32BitsIsNeverTakenForAnotherRecord) {
   optimistic->Edit();
   optimistic->Set(code, "CHANGED");
   EXPECT_EQ(ErrorOf([&] { optimistic->Update(); }), 6);
-  // A key that needs more than 31 bits and can be locked is changed and deleted like any other.
+  // A key of more than 31 bits that can be locked behaves like any other.
   rows->FindFirst("Code = 'EDGE'");
   rows->Edit();
   rows->Set(code, "EDGE 2");

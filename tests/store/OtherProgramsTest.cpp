@@ -1,4 +1,4 @@
-// What other programs and people at the file manager do to a file that is in use.
+// What other programs, and people with a file manager, do to a file in use.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -40,7 +40,7 @@ class OtherPrograms : public testing::Test {
     lines->Set(lines->FieldIndex("Code"), "A");
     lines->Update();
   }
-  /// Takes the first row of a table into an edit, changes its code and stores it when it hears so.
+  /// Holds the first row of a table for an edit, and on the next word changes its code and stores it.
   std::function<void(SecondProcess::Channel&)> EditOf(const std::string& table) const {
     return [this, table](SecondProcess::Channel& channel) {
       channel.Hear();
@@ -70,7 +70,7 @@ TEST_F(OtherPrograms, ADirectoryThatIsMovedAwayHasItsNumberUntilItIsBack) {
   AddAsset(file, "C");
   fs::rename(directory_.Path("data"), directory_.Path("moved"));
   const std::string words = "3044 '" + path_ + "' is no longer there: ";
-  // What has begun goes on in the file, wherever it is now.
+  // The open transaction goes on in the file, wherever it is now.
   AddAsset(file, "D");
   EXPECT_EQ(Told([&] { file->CommitTrans(); }), "done");
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Told([&] { AddAsset(file, "E"); }).substr(0, words.size()), words);
@@ -169,7 +169,7 @@ TEST_F(OtherPrograms, AFileInADirectoryThatCannotBeWrittenIsRead) {
     }));
     channel.Say(Told([&] { AddAsset(test::OpenSmallFile(path_), "B"); }));
     channel.Hear();
-    // Somebody else is in, and lets nobody read his side file.
+    // Another user has the file open, and nobody else may read the side file.
     channel.Say(Told([&] { store::Connection::Open({.path = path_, .readOnly = true}); }));
   });
   EXPECT_EQ(visitor.Talk().Hear(), "done");

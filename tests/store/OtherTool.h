@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// A tool that knows nothing of side files and runs each line that it hears.
+/// A tool that does not know side files and runs each line that it gets.
 class OtherTool {
  public:
   explicit OtherTool(const std::string& path)

@@ -16,7 +16,7 @@
 namespace store {
 namespace {
 
-/// Record locks, told apart by their lengths and, as on network file systems, by questions for single bytes.
+/// Record locks, distinguished by their lengths or, as on network file systems, by tests of single bytes.
 class RecordLockTest : public SideFileUsers, public testing::WithParamInterface<LengthTrust> {
  protected:
   RecordLockTest() { LockSpace::SetLengthTrust(GetParam()); }
@@ -42,7 +42,7 @@ TEST_P(RecordLockTest, ARecordHasOneOwnerInEitherWayOfHolding) {
     EXPECT_EQ(Take(*mine, hold, 2, 70), "yes");
   }
   EXPECT_EQ(Take(*second, Hold::Edit, 3, 69), "ME@HERE transaction");
-  // A refusal leaves nothing behind that would hinder the holder.
+  // A refusal must leave no lock that would block the holder.
   EXPECT_EQ(other.Ask("transact 3 70"), "yes");
   EXPECT_EQ(other.Ask("unedit 3 70"), "done");
   ASSERT_TRUE(mine->WhoHolds(3, 70));
@@ -97,13 +97,13 @@ TEST_P(RecordLockTest, AWholeTableIsTakenAroundTheRecordsOfOthers) {
     EXPECT_EQ(other.Ask("edit 2 " + row), "ME@HERE transaction table") << row;
     EXPECT_EQ(other.Ask("transact 2 " + row), "ME@HERE transaction table") << row;
   }
-  // Whoever has a record in edit can write it all the same, and tables beside this one are free.
+  // A user who has a record in edit can still write it, and the neighboring tables are free.
   EXPECT_EQ(other.Ask("transact 2 1"), "yes");
   EXPECT_EQ(other.Ask("edit 1 4294967294"), "yes");
   EXPECT_EQ(other.Ask("edit 3 0"), "yes");
   EXPECT_EQ(other.Ask("table 2"), "2/0 ME@HERE transaction table; ");
 
-  // Neither a release inside of it nor an edit of its own opens the table.
+  // Neither the release of a record in the table nor an edit of the holder's own frees the table.
   mine->Release(Hold::Transaction, 2, 31);
   EXPECT_EQ(Take(*mine, Hold::Transaction, 2, 500), "yes");
   mine->Release(Hold::Transaction, 2, 500);
@@ -111,7 +111,7 @@ TEST_P(RecordLockTest, AWholeTableIsTakenAroundTheRecordsOfOthers) {
   for (const std::string row : {"31", "500"}) {
     EXPECT_EQ(other.Ask("transact 2 " + row), "ME@HERE transaction table");
   }
-  // A record that was left out can be taken later, and released without opening what lies beside it.
+  // The holder can take a skipped record later, and release it without freeing the records beside it.
   third.Ask("unedit 2 30");
   EXPECT_EQ(Take(*mine, Hold::Transaction, 2, 30), "yes");
   EXPECT_EQ(third.Ask("edit 2 30"), "ME@HERE transaction");
@@ -181,7 +181,7 @@ TEST_P(RecordLockTest, NarrowingKeepsTheNamedRecordsAndTheSingleOnes) {
   EXPECT_EQ(Text(mine->HeldByOthers({1, 2, 3})), "");
 }
 
-/// Each process notes in shared memory that it holds a record and looks whether another does.
+/// Each process counts itself as a holder in shared memory and checks that it is alone.
 TEST_P(RecordLockTest, NoTwoEverHoldTheSame) {
   struct Rows {
     std::atomic<int> holders[2];
@@ -212,7 +212,7 @@ TEST_P(RecordLockTest, NoTwoEverHoldTheSame) {
         side->Release(Hold::Transaction, 1, row);
       } else if (side->Take(Hold::Edit, 1, row, nullptr)) {
         use(static_cast<std::size_t>(row)), ++done;
-        // What a window has in edit it can also write, whoever tries to take it or the table meanwhile.
+        // A user can always write a record in edit, whoever tries to hold it or the table meanwhile.
         const bool written = side->Take(Hold::Transaction, 1, row, nullptr);
         if (!written) throw std::runtime_error("an edit was not written");
         side->ReleaseTransaction();

@@ -1,4 +1,4 @@
-// Several people and one file: other names of the file, and other owners of what stands beside it.
+// Several people and one file: other names of the file, and other owners of the files beside it.
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -69,7 +69,7 @@ TEST_F(OtherNames, UsersWhoComeByOtherPathsMeetInOneFile) {
     EXPECT_EQ(Told([&] { (void)store::CompactFile(name, directory_.Path("copy")); }).substr(0, 5), "3196 ")
         << name;
   }
-  // A path that was resolved once does not change with the directory of the process.
+  // A path that was resolved once does not depend on the directory of the process any more.
   auto stays = test::OpenSmallFile("DW.MDB");
   fs::current_path(before);
   EXPECT_EQ(AddAsset(stays, "B"), 2);
@@ -92,8 +92,8 @@ TEST_F(OtherNames, AFileWithTwoNamesIsRefusedInWords) {
   EXPECT_EQ(AddAsset(test::OpenSmallFile(path_), "B"), 2);
 }
 
-/// People with users and groups of their own who share the group of the office; the directory does not hand
-/// its group on.
+/// People with users and groups of their own who share the group of the office; new files do not get the
+/// group of the directory.
 class OfficeTest : public testing::Test {
  protected:
   static constexpr gid_t kOffice = 54321;
@@ -113,14 +113,14 @@ class OfficeTest : public testing::Test {
     ASSERT_EQ(chown(path_.c_str(), kAnn, kOffice), 0);
     fs::permissions(path_, fs::perms(0660));
   }
-  /// This process goes on as that user, who is in the office or not.
+  /// Makes this process another user, inside or outside the office.
   static void Become(uid_t user, bool inOffice = true) {
     const gid_t office = kOffice;
     umask(022);
     if (setgroups(inOffice ? 1 : 0, &office) != 0 || setgid(user) != 0 || setuid(user) != 0)
       throw std::runtime_error("no other user");
   }
-  /// Opens the file, adds a row, and closes it: "done", or the error.
+  /// Opens the file, adds a row, and closes it; returns "done", or the error.
   std::string Visit(uid_t user) const {
     std::string told;
     SecondProcess process([&](SecondProcess::Channel& channel) {
@@ -155,7 +155,7 @@ TEST_F(OfficeTest, WhoComesFirstDoesNotKeepTheOthersOut) {
   ASSERT_EQ(stat(directory_.Path("office/DW.LDB").c_str(), &side), 0);
   EXPECT_EQ(side.st_gid, kOffice);
   ann.Kill();
-  // The side file and the journal of one who died are there, and belong to her.
+  // The side file and the journal of a user who died are still there and belong to her.
   EXPECT_EQ(Visit(kBob), "done");
   EXPECT_EQ(Visit(kAnn), "done");
   struct stat journal {};
@@ -165,7 +165,7 @@ TEST_F(OfficeTest, WhoComesFirstDoesNotKeepTheOthersOut) {
 }
 
 TEST_F(OfficeTest, WhatCannotBeWrittenIsNamedWithTheCure) {
-  // A side file that somebody copied along with the data file.
+  // A side file that somebody copied together with the data file.
   const std::string side = directory_.Path("office/DW.LDB");
   std::ofstream(side) << "";
   ASSERT_EQ(chown(side.c_str(), kStranger, kStranger), 0);

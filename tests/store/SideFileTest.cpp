@@ -35,7 +35,7 @@ TEST_F(SideFileTest, ExclusiveAndSharedUsersShutEachOtherOut) {
   EXPECT_EQ(other.Ask("exclude OFFICE ADMIN"),
             "3045 Could not use '" + file_ + "'; it is in use by user 'ME' on machine 'HERE'.");
   EXPECT_EQ(other.Ask("share OFFICE ADMIN"), "slot 1");
-  // An owner within this process is as foreign as one elsewhere.
+  // Another owner in this process counts like one in another process.
   Owner second;
   EXPECT_EQ(Enter(&second, file_, Share::Exclusive, "HERE", "TWO").substr(0, 5), "3045 ");
   mine.reset();
@@ -97,7 +97,7 @@ TEST_F(SideFileTest, TheRosterNamesTheLivingInTheirSlots) {
   OtherUser first(file_);
   OtherUser third(file_);
   EXPECT_EQ(first.Ask("share ONE ANN"), "slot 0");
-  // 33 bytes, of which the 31st and 32nd are one letter.
+  // 33 bytes; the 31st and 32nd are one letter.
   const Owner mine = SideFile::Enter(file_, Share::Shared, "123456789012345678901234567890\xC3\xA9Z", "");
   EXPECT_EQ(third.Ask("share THREE CY"), "slot 2");
   EXPECT_EQ(std::filesystem::file_size(Side()), 3U * 64);
@@ -112,7 +112,7 @@ TEST_F(SideFileTest, TheRosterNamesTheLivingInTheirSlots) {
   ASSERT_EQ(roster.size(), 2U);
   EXPECT_EQ(roster[0].slot, 1);
   EXPECT_EQ(roster[1].slot, 2);
-  // The place of the dead is given to the next one, and the long name of before does not show through.
+  // The next user gets the slot of the dead one, without a rest of the earlier, longer name.
   const Owner next = SideFile::Enter(file_, Share::Shared, "X", "Y");
   EXPECT_EQ(mine->Roster().front().computer + "/" + mine->Roster().front().user, "X/Y");
 }
@@ -161,7 +161,8 @@ TEST_F(SideFileTest, ComingAndGoingNeverLetsTwoInWhereOneIsAlone) {
       const Share share = (done + number) % 4 ? Share::Exclusive : Share::Shared;
       const std::string result = Enter(&side, file_, share, "C" + std::to_string(number), "U");
       if (!side) {
-        // Whoever is refused is told by whom: not by one who is just leaving, nor by the slot's last owner.
+        // The refusal must name who is in the way: neither a user who is just leaving, nor the slot's last
+        // owner.
         const bool named = result.find("user 'U' on machine 'C") != std::string::npos;
         if (!named || result.find(self) != std::string::npos) throw std::runtime_error(result);
         usleep(20);

@@ -1,4 +1,4 @@
-// Users of a side file in processes of their own, and answers in words.
+// Users of a side file in processes of their own, with results as texts.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ inline std::string Text(const std::vector<HeldRecord>& records) {
   return text;
 }
 
-/// "yes", or who was in the way.
+/// "yes", or the user who holds it.
 inline std::string Take(SideFile& side, Hold hold, int table, std::int64_t row) {
   Holder refused;
   return side.Take(hold, table, row, &refused) ? "yes" : Text(refused);
@@ -55,7 +55,7 @@ inline std::string Enter(Owner* owner, const std::string& file, Share share, con
   }
 }
 
-/// A user in a process of its own who does what is asked in one line and answers in one line.
+/// A user in a process of its own: each line is an order, and it replies with one line.
 class OtherUser {
  public:
   explicit OtherUser(const std::string& file)
@@ -83,7 +83,7 @@ class OtherUser {
       return Enter(side, file, verb == "share" ? Share::Shared : Share::Exclusive, computer, user);
     }
     if (verb == "child") {
-      // What the program says shows that it runs and is no copy of this process any more.
+      // Its output shows that the program has started and is not a copy of this process any more.
       FILE* program = popen("echo $$; exec sleep 60", "r");
       char number[32] = "";
       if (!program || !fgets(number, sizeof number, program)) return "0";
@@ -104,7 +104,7 @@ class OtherUser {
   test::SecondProcess process_;
 };
 
-/// Plain memory that this process and those forked later share.
+/// Memory that this process and its later children share.
 template <typename T>
 T* SharedMemory() {
   void* memory = mmap(nullptr, sizeof(T), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);

@@ -1,4 +1,4 @@
-// What statements store: the same as recordsets store, or the same refusal.
+// Statements must store the same values as recordsets, or refuse them in the same way.
 #include <gtest/gtest.h>
 
 #include "platform/store/Cursor.h"
@@ -138,20 +138,20 @@ TEST_F(StatementValuesTest, OneRowThatDoesNotFitLeavesAllRowsAsTheyWere) {
     untouched();
   };
   all();
-  // In a transaction too, whose other writes stay.
+  // The same in a transaction, whose other writes stay.
   file->BeginTrans();
   file->Execute("UPDATE Kinds SET Note = 'kept'");
   all();
   file->CommitTrans();
   EXPECT_EQ(Ask(file, "SELECT COUNT(*) FROM Kinds WHERE Note = 'kept'"), Value(3));
-  // The words name the column.
+  // The message names the column.
   try {
     file->Execute("UPDATE Kinds SET Small = Whole");
     FAIL();
   } catch (const store::StoreError& error) {
     EXPECT_NE(std::string(error.what()).find("'Small'"), std::string::npos) << error.what();
   }
-  // A sum beyond the range of an amount is refused as well.
+  // A sum beyond the range of an amount fails as well.
   file->Execute("INSERT INTO Kinds (Must, Amount) VALUES (4, 900000000000000)");
   EXPECT_EQ(ErrorOf([&] { Ask(file, "SELECT SUM(Amount) FROM Kinds"); }), 6);
 }

@@ -51,7 +51,7 @@ TEST_F(TableScanTest, GivesTheChosenColumnsByAscendingKey) {
   store::ScanTable(file, "assets", {"code", "Miles", "Year"}, look);
   EXPECT_EQ(seen, "-3:Null,2,Null;2:'c',Null,7;7:'b',real,2020;");
 
-  // A transaction sees what it has written.
+  // A transaction sees its own writes.
   seen.clear();
   file->BeginTrans();
   file->Execute("DELETE FROM Assets WHERE ID = 2");
@@ -84,7 +84,7 @@ TEST_F(TableScanTest, AnotherUserWritesWhileALongScanGoesOn) {
   bool written = false;
   store::ScanTable(file, "Lines", {"Asset"}, [&](const ScannedRecord& record) {
     if (++seen == 1) other.Talk().Say("write");
-    // Without a pause for the other the scan would end without its record.
+    // Without a pause for the other user, the scan would end without that user's record.
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
     written = record.Whole(0) == 2;
   });

@@ -8,21 +8,21 @@
 
 namespace test {
 
-/// Work in a process of its own: a crash, a hang or a kill there is something that the test can tell of, and
-/// the test itself never has a data file open when it forks.
+/// Work in a process of its own: the test survives a crash, a hang or a kill there and can report it, and it
+/// never has a data file open when it forks.
 class Apart {
  public:
-  /// Starts at once.
+  /// Starts the work at once.
   explicit Apart(const std::function<std::string()>& work);
   ~Apart();
   Apart(Apart&& other) noexcept;
   Apart& operator=(Apart&&) = delete;
 
-  /// Waits for the end: what the work returned, or instead "threw: …" for an exception, "died of signal …",
-  /// "ended with code …", or "hangs" for one that is not done within `seconds`, which is then killed. Empty
-  /// for one that Kill ended.
+  /// Waits for the end and returns the result of the work. Otherwise "threw: …" for an exception, "died of
+  /// signal …", "ended with code …", or "hangs" if the work is not done within `seconds`; it is killed then.
+  /// Empty if Kill ended the work.
   std::string Result(int seconds = 120);
-  /// kill -9, and waits for the death; false where the work was done already.
+  /// Sends SIGKILL and waits for the end; false if the work was done already.
   bool Kill();
 
  private:
@@ -30,10 +30,10 @@ class Apart {
   int pipe_ = -1;
 };
 
-/// Apart(work).Result(seconds).
+/// Returns Apart(work).Result(seconds).
 std::string RunApart(const std::function<std::string()>& work, int seconds = 120);
 
-/// Faults found in another process, a line each, as its result: empty where there are none.
+/// Faults that another process returns as its result, one on each line: empty if there are none.
 class Faults {
  public:
   void Add(const std::string& fault) { text_ += fault + "\n"; }
@@ -41,7 +41,7 @@ class Faults {
   void Equal(const Found& found, const Wanted& wanted, const std::string& what) {
     if (!(found == wanted)) Add(what + ": " + Shown(found) + " instead of " + Shown(wanted));
   }
-  /// Adds what another found, under a heading.
+  /// Adds faults from elsewhere, under a heading.
   void Take(const std::string& found, const std::string& where) {
     if (!found.empty()) Add(where + ": " + found);
   }

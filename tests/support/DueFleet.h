@@ -6,7 +6,7 @@
 
 namespace test {
 
-/// Rows that the analysis of what is due reads. Dates are SQL literals: "#1/10/2025#" or "NULL".
+/// Rows for the analysis of what is due. Dates are SQL literals: "#1/10/2025#" or "NULL".
 class DueFleet : public SmallFleet {
  public:
   void Asset(const std::string& code, const std::string& purchaseDate,

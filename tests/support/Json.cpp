@@ -112,7 +112,7 @@ class Parser {
         digits.find_first_not_of("0123456789abcdefABCDEF") != digits.npos)
       Fail("an unknown escape");
     at_ += 4;
-    // Code points of three bytes at most; the tests know no pairs.
+    // Code points of three bytes at most; the tests use no surrogate pairs.
     const auto code = static_cast<unsigned>(std::stoul(digits, nullptr, 16));
     const auto byte = [](unsigned bits) { return static_cast<char>(bits); };
     if (code < 0x80) return {byte(code)};

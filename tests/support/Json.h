@@ -1,4 +1,4 @@
-// JSON as a test needs it: everything that is not valid is refused.
+// A JSON reader for tests: it refuses everything that is not valid.
 #pragma once
 
 #include <map>
@@ -17,12 +17,12 @@ struct Json {
   std::map<std::string, Json> members = {};
 
   bool IsNull() const { return kind == Kind::Null; }
-  /// Throws std::out_of_range for a member that is not there.
+  /// Throws std::out_of_range if there is no such member.
   const Json& operator[](const std::string& name) const { return members.at(name); }
   const Json& operator[](std::size_t index) const { return items.at(index); }
 };
 
-/// Throws std::runtime_error, with the place, for what is no JSON text.
+/// Throws std::runtime_error, with the place, if the text is not JSON.
 Json ParseJson(std::string_view text);
 
 }  // namespace test

@@ -6,16 +6,16 @@
 
 namespace test {
 
-/// Another user, who keeps one record in an edit or runs statements. Make it before the data files, so that
-/// it shares nothing with them.
+/// Another user, who has one record in edit or runs statements. Make it before the data files, so that it
+/// shares nothing with them.
 class OtherUser {
  public:
   OtherUser();
-  /// Returns once the first record of the query is held.
+  /// Returns when the other user holds the first record of the query.
   void Hold(const std::string& path, const std::string& sql);
-  /// Runs a statement. "done", or the number and words of the engine's refusal.
+  /// Runs a statement. Returns "done", or the number and text of the engine's error.
   std::string Run(const std::string& path, const std::string& sql);
-  /// Gives the record back and ends.
+  /// Makes the other user release the record and end.
   void Leave();
 
  private:

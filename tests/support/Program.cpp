@@ -39,7 +39,7 @@ std::string Content(int file) {
   }
 }
 
-/// The exit code, or -signal; a child that does not end is killed.
+/// Returns the exit code, or -signal; kills a child that does not end.
 int WaitForEnd(pid_t& pid) {
   if (pid <= 0) return -1;
   const auto end = Clock::now() + kLongest;
@@ -58,7 +58,7 @@ Program::Program(const std::vector<std::string>& command, const std::string& inp
     : out_(memfd_create("out", MFD_CLOEXEC)), error_(memfd_create("error", MFD_CLOEXEC)) {
   std::array<int, 2> in{};
   if (out_ < 0 || error_ < 0 || pipe2(in.data(), O_CLOEXEC) != 0) throw std::runtime_error("no streams");
-  // The input is short: it waits in the pipe.
+  // The input is short enough to wait in the pipe.
   if (write(in[1], input.data(), input.size()) != static_cast<ssize_t>(input.size()))
     throw std::runtime_error("no input");
   close(in[1]);

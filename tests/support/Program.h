@@ -13,21 +13,21 @@ struct Outcome {
   std::string error;
 };
 
-/// A program that runs as a child of the test, with pipes and files for its standard streams. What it does
-/// not finish within a minute is killed.
+/// A program that runs as a child of the test, with pipes and files for its standard streams. After a minute
+/// it is killed.
 class Program {
  public:
-  /// `command` is the program's path and its arguments; `input` is all that it can read.
+  /// `command` is the program's path and its arguments; `input` is its whole standard input.
   explicit Program(const std::vector<std::string>& command, const std::string& input = {});
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  /// Waits until this has been written to standard error; false when the time is over.
+  /// Waits until the program has written this to standard error; false when the time is over.
   bool WaitForError(const std::string& part) const;
   void Signal(int signal) const;
   bool Running() const;
-  /// Waits for the end.
+  /// Waits for the end and returns the outcome.
   Outcome Join();
 
  private:
@@ -44,12 +44,12 @@ class TerminalProgram {
   TerminalProgram(const TerminalProgram&) = delete;
   TerminalProgram& operator=(const TerminalProgram&) = delete;
 
-  /// Reads until the screen has shown this; false when the program ends or the time is over without it.
+  /// Reads until the screen has shown this; false if the program ends or the time is over before.
   bool WaitFor(const std::string& part);
-  /// Whether the terminal shows what is typed.
+  /// Whether the terminal echoes typed characters.
   bool Echoes() const;
   void Type(const std::string& text) const;
-  /// Waits for the end: the exit code, and all that the screen has shown.
+  /// Waits for the end; returns the exit code and all that the screen has shown.
   Outcome Join();
 
  private:

@@ -9,19 +9,19 @@
 
 namespace test {
 
-/// A user who answers every box, for work whose boxes come as they come: OK, Yes, but Cancel where Retry is
-/// offered. Sleeps are cut to a millisecond.
+/// A user who answers every box, for work whose boxes are not known before: OK, Yes, but Cancel if the box
+/// offers Retry. Sleeps are cut to a millisecond.
 class QuietScreen : public screen::Screen {
  public:
-  /// Puts one in place for the rest of the process.
+  /// Installs one for the rest of the process.
   static std::shared_ptr<QuietScreen> Install();
 
-  /// The answer where OK and Cancel are offered.
+  /// The answer to boxes with OK and Cancel.
   screen::Answer okOrCancel = screen::Answer::Ok;
-  /// Called at each box before it is answered.
+  /// Runs at each box before its answer.
   std::function<void(const screen::Box&)> onBox;
   const std::vector<std::string>& Texts() const { return texts_; }
-  /// The texts of the boxes so far, each in angles, and forgets them.
+  /// Returns the texts of the boxes so far, each in angle brackets, and clears them.
   std::string TakeTexts();
 
   screen::Answer ShowBox(const screen::Box& box) override;

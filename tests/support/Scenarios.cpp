@@ -20,7 +20,8 @@ std::string LineEnds(const std::string& text) {
   return result;
 }
 
-// "Vehicles = ID INTEGER; Asset ID TEXT(20); …": the type is what stands behind the last name.
+// "Vehicles = ID INTEGER; Asset ID TEXT(20); …": a name may have blanks; the type is the rest that can be
+// parsed as one.
 store::TableInfo ReadTable(const std::string& line, int number) {
   store::TableInfo table;
   table.number = number;
@@ -68,7 +69,7 @@ std::string List(const std::vector<std::string>& parts) {
 
 std::string Clause(const char* word, const std::string& text) { return text.empty() ? "" : word + text; }
 
-// The first word of a line; the line keeps the rest.
+// Returns the first word of a line and leaves the rest in it.
 std::string TakeWord(std::string& line) {
   const std::size_t blank = line.find(' ');
   const std::string word = line.substr(0, blank);

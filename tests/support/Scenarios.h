@@ -12,27 +12,26 @@
 
 namespace test {
 
-/// A statement of the dialect and what is expected of it.
+/// A statement of the dialect and its expected results.
 struct Scenario {
   std::string place;  ///< file and line
   std::string sql;
-  int refusal = 0;  ///< the error's number; 0 where it is to be understood
+  int refusal = 0;  ///< the number of the expected error; 0 if the dialect must accept the statement
   std::vector<std::pair<std::string, std::string>> expectations;  ///< keyword and the rest of its line
 };
 
 /// Files of scenarios: "table" and "data" lines that make a data file, statements that are errors ("refused"
 /// and a number), statements ("sql") with their expectations below them, and other files ("include"). Lines
-/// that begin with # are comments. In a statement \r and \n stand for line ends.
+/// that begin with # are comments. In a statement, \r and \n mean line ends.
 struct ScenarioFile {
   store::Schema schema;
-  std::vector<std::string> data;  ///< in the SQL of the file underneath
+  std::vector<std::string> data;  ///< in the SQL of SQLite
   std::vector<Scenario> scenarios;
 };
 
 ScenarioFile ReadScenarios(const std::string& path);
 
-/// The whole statement in the SQL of the file underneath. Definitions, which have no such text, give an empty
-/// one.
+/// The whole statement in the SQL of SQLite. Empty for definitions, which have no such text.
 std::string WholeStatement(const store::Translation& translation);
 
 /// The tables of a scenario file in a database in memory, with the functions that translated statements use.
@@ -47,9 +46,9 @@ class ScenarioDatabase {
     std::vector<std::string> names;
     std::vector<std::vector<std::string>> rows;  ///< a Null as "Null"
   };
-  /// Runs a statement with its parameters. Throws std::runtime_error with the engine's words.
+  /// Runs a statement with its parameters. Throws std::runtime_error with the message of SQLite.
   Rows Run(const std::string& sql, const std::vector<rt::Value>& parameters = {});
-  /// The engine's words when it does not take the statement; empty when it does.
+  /// The message of SQLite if it does not accept the statement, else empty.
   std::string Refusal(const std::string& sql);
 
  private:

@@ -9,8 +9,8 @@
 
 namespace test {
 
-/// A scripted screen in place for as long as it lives. A box that was not expected and an expectation left
-/// over fail the test at its end.
+/// Installs a scripted screen for as long as it lives. At its end, unexpected boxes and unused expectations
+/// fail the test.
 class ScreenScript {
  public:
   ScreenScript() : script_(std::make_shared<screen::ScriptedScreen>()), earlier_(screen::Install(script_)) {}
@@ -22,7 +22,7 @@ class ScreenScript {
   ScreenScript& operator=(const ScreenScript&) = delete;
 
   screen::ScriptedScreen* operator->() { return script_.get(); }
-  /// For a second process, whose failures reach the test only by its exit code.
+  /// For a second process, which can report failures to the test only by its exit code.
   void ThrowFaults() const {
     const auto faults = script_->Faults();
     if (!faults.empty()) throw std::runtime_error(faults.front());

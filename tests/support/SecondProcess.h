@@ -7,19 +7,20 @@
 
 namespace test {
 
-/// A real second process, forked from the test before it has any data file open. It runs `body` and ends;
-/// with Say and WaitFor the two keep in step. The destructor kills what still runs.
+/// A real second process, forked from the test before it has any data file open. It runs `body` and ends; Say
+/// and Hear keep the two in step. The destructor kills the process if it still runs.
 ///
 /// Fork only while this process has no data file open: the child would share its locks.
 class SecondProcess {
  public:
-  /// What the child uses to talk to the test.
+  /// Talks to the test from the child.
   class Channel {
    public:
     Channel(int in, int out) : in_(in), out_(out) {}
     /// Sends a line to the other side.
     void Say(const std::string& line);
-    /// The next line from the other side; waits up to 30 seconds, then ends the process with an error.
+    /// Returns the next line from the other side; after 30 seconds without one, ends the process with an
+    /// error.
     std::string Hear();
 
    private:
@@ -34,9 +35,9 @@ class SecondProcess {
   SecondProcess& operator=(const SecondProcess&) = delete;
 
   Channel& Talk() { return channel_; }
-  /// kill -9, and waits for the death.
+  /// Sends SIGKILL and waits for the end.
   void Kill();
-  /// Waits for the child's end; its exit code, or -signal.
+  /// Waits for the child's end; returns its exit code, or -signal.
   int Join();
   pid_t Pid() const { return pid_; }
 

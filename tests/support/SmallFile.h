@@ -32,7 +32,7 @@ inline std::shared_ptr<store::Connection> OpenSmallFile(const std::string& path)
   return store::Connection::Open({path});
 }
 
-/// Adds an asset through a cursor; its ID.
+/// Adds an asset through a cursor; returns its ID.
 inline std::int32_t AddAsset(const std::shared_ptr<store::Connection>& file, const std::string& code,
                              int year = 2020) {
   auto table = store::Cursor::OpenTable(file, "Assets", store::Locking::Pessimistic);

@@ -10,7 +10,7 @@
 namespace test {
 namespace {
 
-/// A file opened for one helper.
+/// A file that one function opens for itself.
 struct Opened {
   explicit Opened(const std::string& path)
       : workspace(dao::DBEngine::CreateWorkspace("Test", "admin", "")),

@@ -18,12 +18,12 @@ using Row = std::vector<std::pair<std::string, rt::Value>>;
 /// An amount of money.
 rt::Value Money(double amount);
 
-/// A data directory of its own with an empty main file, set as the program's data path, and short ways to
-/// fill it and to look into it. Each helper opens the file for itself and closes it again, so that second
-/// processes can be started in between. The signed-on user is "TESTER".
+/// A data directory of its own with an empty main file, which is the program's data path, and short ways to
+/// fill and read it. Each function opens the file for itself and closes it again, so that a test can start
+/// second processes in between. The signed-on user is "TESTER".
 class SmallFleet {
  public:
-  /// Makes DW.MDB and the other files that are named ("DW_USERS.MDB").
+  /// Creates DW.MDB and the other named files ("DW_USERS.MDB").
   explicit SmallFleet(std::initializer_list<const char*> otherFiles = {});
   ~SmallFleet();
   SmallFleet(const SmallFleet&) = delete;
@@ -32,25 +32,26 @@ class SmallFleet {
   /// The path of a file in the data directory.
   std::string Path(const std::string& name = "DW.MDB") const { return directory_.Path(name); }
 
-  /// Each gives the new row's ID.
+  /// These return the new row's ID.
   std::int32_t Add(const std::string& table, const Row& row, const std::string& file = "DW.MDB");
   std::int32_t AddAsset(const std::string& code, const rt::Value& fuelType = 1, const Row& more = {});
-  /// A transaction as the transaction window makes one: zeros in the costs, Nulls in `Oil` and `Time`,
+  /// A transaction as the transaction window creates one: zeros in the costs, Nulls in `Oil` and `Time`,
   /// 3/1/2026.
   std::int32_t AddTransaction(const std::string& asset, const rt::Value& year, const rt::Value& period,
                               const Row& more = {});
-  /// Many transactions in one go; `make` fills the row for a number from 0 and gives its asset's code.
+  /// Adds many transactions at once; `make` fills the row for a number from 0 and returns the code of its
+  /// asset.
   void AddTransactions(int count, const std::function<std::string(int number, Row& row)>& make);
 
-  /// Runs a statement; the number of records that it changed.
+  /// Runs a statement; returns the number of changed records.
   std::int64_t Run(const std::string& sql, const std::string& file = "DW.MDB");
-  /// The first value of the first row as text: "Null" for a Null, "no row" where there is none.
+  /// The first value of the first row as text: "Null" for a Null, "no row" if there is none.
   std::string Ask(const std::string& sql, const std::string& file = "DW.MDB");
-  /// A column of `Maintenance Transactions` as Ask gives it.
+  /// A column of `Maintenance Transactions`, in the form of Ask.
   std::string OfTransaction(std::int32_t id, const std::string& column);
-  /// A sum of a cost table, reached by the table's own key: {asset or fuel type, year, period}.
+  /// A sum of a cost table, found by the table's own key: {asset or fuel type, year, period}.
   std::string Sum(const std::string& table, const std::vector<rt::Value>& key, const std::string& column);
-  /// Every row of a table as one text, for telling whether anything has changed.
+  /// Every row of a table in one text, to see whether anything has changed.
   std::string Everything(const std::string& table);
 
  private:

@@ -9,8 +9,8 @@
 
 namespace test {
 
-/// The scanner drivers' configuration of this process: never the machine's own, so that no test looks for
-/// real scanners. It is set before anything can load the drivers, which read the place only once.
+/// The configuration of the scanner drivers in this process. It never is the machine's own, so that no test
+/// looks for real scanners. It must be set before anything loads the drivers, which read its place only once.
 class ScannerConfiguration {
  public:
   ScannerConfiguration() {
@@ -27,7 +27,7 @@ class ScannerConfiguration {
 };
 inline const ScannerConfiguration scannerConfiguration;
 
-/// The drivers' own device for tests, connected for as long as this lives; it draws a pattern of colours.
+/// The drivers' own device for tests, connected as long as this object lives; it draws a color pattern.
 class TestScanner {
  public:
   /// `lines` are added to its configuration.
@@ -43,7 +43,7 @@ class TestScanner {
   TestScanner(const TestScanner&) = delete;
   TestScanner& operator=(const TestScanner&) = delete;
 
-  /// Whether this machine has the driver at all.
+  /// Whether this machine has the driver.
   static bool Installed() { return sys::MakeScanner()->Available(); }
 };
 

@@ -41,7 +41,7 @@ class SharedPage {
 
 void Make(const std::string& directory) {
   test::MakeFleet(directory, 6, 2);
-  // Other names of the directory and of the file.
+  // Other names for the directory and the file.
   fs::create_directory_symlink(directory, directory + "/same");
   fs::create_directory(directory + "/beside");
   fs::create_symlink("../DW.MDB", directory + "/beside/DW.MDB");

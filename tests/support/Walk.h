@@ -1,6 +1,6 @@
 // A random walk of several processes on one data directory: edits, bulk changes, transactions with waits,
-// groups, postings and compactions, with kills, and a check that what was acknowledged is what the file
-// holds.
+// groups, postings and compactions, with kills. Afterwards a check compares the acknowledged changes with the
+// file.
 #pragma once
 
 #include <chrono>
@@ -14,24 +14,24 @@ struct Options {
   unsigned seed = 1;
   int workers = 6;
   std::chrono::milliseconds time{8000};
-  /// Processes that are killed at some moment, each replaced by a new one.
+  /// The number of processes that are killed at some moment; a new one replaces each.
   int kills = 8;
-  /// Files are also opened by relative paths and through symbolic links.
+  /// Whether some processes open the files by relative paths and through symbolic links.
   bool otherPaths = true;
-  /// Statements in transactions also change so many rows that they hold a table.
+  /// Whether statements in transactions also change so many rows that they hold a table.
   bool wholeTables = true;
 };
 
 struct Outcome {
-  std::string faults;        ///< a line for each; empty where all is well
-  std::int64_t changes = 0;  ///< changes of a row that were acknowledged
+  std::string faults;        ///< one on each line; empty if all is well
+  std::int64_t changes = 0;  ///< acknowledged changes of a row
   std::int64_t refused = 0;  ///< transactions and edits that ended without a change
-  std::int64_t inDoubt = 0;  ///< those of which a kill left open whether they are in the file
-  std::string kinds;         ///< how often each kind of work was acknowledged
+  std::int64_t inDoubt = 0;  ///< transactions that a kill left in doubt
+  std::string kinds;         ///< the number of acknowledgments for each kind of work
 };
 
-/// Makes the data directory with a fleet and the rows that are walked on. Opens files: call it in a process
-/// of its own.
+/// Creates the data directory with a fleet and the rows of the walk. Opens files: call it in a process of its
+/// own.
 void Make(const std::string& directory);
 
 /// Walks, then checks the file. The calling process opens no data file.

@@ -1,5 +1,5 @@
-// The checker of a random walk: every acknowledged change, in the order of the versions that it wrote, leads
-// to what the file holds.
+// The checker of a random walk: the acknowledged changes, in the order of the versions that they wrote, must
+// lead to the contents of the file.
 #include <algorithm>
 #include <map>
 #include <optional>
@@ -99,14 +99,14 @@ class Replay {
     if (t.group != 0) bulks_[t.group].push_back(t.groupAmount);
   }
 
-  /// What was read while a row was held is what the file had then.
+  /// A value read during a hold on its row is the value of the file at that time.
   void LearnReads() {
     for (const auto& [row, stored] : stored_) known_[row][stored.version] = stored.token;
     for (const Transaction& t : all_) {
       if (t.end == End::Refused) continue;
       for (const Change& c : t.changes) {
         if (c.kind == 'N' || c.token < 0 || c.token == t.token) continue;
-        // Within a group that was taken back, or cut off, its earlier transactions were read too.
+        // A group that was undone or cut off has also read its own earlier transactions.
         const auto writer = tokens_.find(c.token);
         if (t.end == End::Unknown && writer != tokens_.end() && writer->second->end == End::Unknown &&
             c.token / kTokensOfWorker == t.token / kTokensOfWorker)
@@ -125,8 +125,8 @@ class Replay {
     return found == tokens_.end() ? "step " + std::to_string(token) : WhoWrote(*found->second);
   }
 
-  /// Whether a transaction that a kill cut off is in the file. What it shows must be true of all of its
-  /// changes.
+  /// Whether a transaction that a kill cut off is in the file. All of its changes must lead to the same
+  /// answer.
   void Decide(const Transaction& t) {
     std::optional<bool> applied;
     bool both = false;
@@ -141,7 +141,7 @@ class Replay {
         continue;
       }
       if (c.row == 0) {
-        // A new row is found by the mark that it bears unless somebody has changed it since.
+        // Unless somebody has changed a new row since, its mark identifies it.
         for (const auto& [id, versions] : known_)
           if (const auto first = versions.find(1); first != versions.end() && first->second == t.token) {
             writers_[id].emplace(1, Writer{&t, c.amount});
@@ -232,7 +232,7 @@ class Replay {
   std::map<RowId, std::map<std::int64_t, std::int64_t>> known_;  ///< marks by version
   std::map<RowId, const Transaction*> deleted_;
   std::map<int, std::vector<std::int64_t>> bulks_;  ///< the amounts of bulk changes, by group
-  std::set<RowId> open_;                            ///< rows of which a transaction in doubt does not show
+  std::set<RowId> open_;  ///< rows that do not show whether a transaction in doubt took place
   test::Faults faults_;
   int faultCount_ = 0;
 };

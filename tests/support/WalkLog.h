@@ -1,4 +1,4 @@
-// What the processes of a random walk write down about their own work.
+// The log that each process of a random walk keeps of its own work.
 #pragma once
 
 #include <array>
@@ -11,12 +11,12 @@
 
 namespace walk {
 
-/// The rows of a walk: fixed ones in groups, which stay to the end, and others that come and go. All are in
-/// the table Walk; maintenance transactions are walked on too. Group 3 is so large that a statement that
+/// The rows of a walk: fixed ones in groups, which remain to the end, and others that come and go. All are in
+/// the table Walk; the walk also uses maintenance transactions. Group 3 is so large that a statement that
 /// changes all of it in a transaction holds the table.
 constexpr int kGroups = 4;
 constexpr int kLarge = 3;
-/// The group between whose rows amounts are moved: they add up to nothing.
+/// Transfers move amounts between the rows of this group, so the amounts add up to zero.
 constexpr int kTransfers = 4;
 constexpr std::array<int, kGroups + 1> kRowsInGroup = {0, 4, 4, 80, 4};
 constexpr int RowsIn(int group) { return kRowsInGroup[static_cast<std::size_t>(group)]; }
@@ -31,7 +31,7 @@ constexpr int kMaintenanceRows = 12;
 enum class Work {
   Edit,
   EditByAdo,
-  Compare,  ///< an UPDATE of one row that names the version it replaces
+  Compare,  ///< an UPDATE of one row that names the version that it replaces
   Several,
   Transfer,
   BulkInTransaction,
@@ -59,30 +59,30 @@ constexpr std::array kWorkNames = {"edits",
                                    "compactions"};
 static_assert(kWorkNames.size() == static_cast<std::size_t>(Work::kCount));
 
-/// One change of a row: it replaces `version` by the next one.
+/// One change of a row, which replaces `version` with the next one.
 struct Change {
   char kind = 'C';           ///< C changed, N new, X deleted
   char table = 'W';          ///< W Walk, M Maintenance Transactions
-  std::int64_t row = 0;      ///< 0 for a new row whose number was not known beforehand
-  std::int64_t version = 0;  ///< that was read while the row was held
-  std::int64_t token = 0;    ///< that was read with it; -1 where none was read
-  std::int64_t amount = 0;   ///< that was added
+  std::int64_t row = 0;      ///< 0 for a new row whose number was unknown before the change
+  std::int64_t version = 0;  ///< the version that was read during the hold
+  std::int64_t token = 0;    ///< the token that was read with it; -1 if none was read
+  std::int64_t amount = 0;   ///< the amount that was added
 };
 
-/// How a transaction ended; one without an end was cut off by a kill.
+/// How a transaction ended. If a kill cut it off, its end is unknown.
 enum class End : char { Acknowledged = 'A', Refused = 'R', Unknown = '?' };
 
 struct Transaction {
-  std::int64_t token = 0;  ///< worker * kTokensOfWorker + step; what it writes into each row
+  std::int64_t token = 0;  ///< worker * kTokensOfWorker + step; written into each changed row
   Work work = Work::Edit;
   std::vector<Change> changes;
-  int group = 0;  ///< the fixed rows that a bulk change covered
+  int group = 0;  ///< the fixed rows of a bulk change
   std::int64_t groupAmount = 0;
   End end = End::Unknown;
 };
 constexpr std::int64_t kTokensOfWorker = 100000;
 
-/// The log of one process, appended to a file of its own, so that it outlives a kill.
+/// The log of one process, appended to a file of its own, which outlives a kill.
 class Log {
  public:
   explicit Log(const std::string& path);
@@ -90,9 +90,9 @@ class Log {
   Log(const Log&) = delete;
   Log& operator=(const Log&) = delete;
 
-  /// Before the commit.
+  /// Call it before the commit.
   void Intend(const Transaction& transaction);
-  /// After it. `row` is the number of a new row that was not known beforehand.
+  /// Call it after the commit. `row` is the number of a new row that was unknown before.
   void Tell(std::int64_t token, End end, std::int64_t row = 0);
 
   static std::vector<Transaction> Read(const std::string& path);
@@ -102,18 +102,18 @@ class Log {
   int file_;
 };
 
-/// What all processes of a walk see.
+/// The memory that all processes of a walk share.
 struct Shared {
   std::atomic<bool> stop{false};
-  /// Somebody wants the file for himself: the others close it.
+  /// A process wants the file exclusively: the others close it.
   std::atomic<int> wanted{0};
 };
 
-/// One process of a walk; what it found wrong.
+/// Runs one process of a walk; returns the faults that it found.
 std::string WorkOn(const std::string& directory, int worker, unsigned seed, const Options& options,
                    Shared& shared, Log& log);
 
-/// What is wrong with the file after all processes have ended.
+/// The faults in the file after all processes have ended.
 std::string Check(const std::string& path, const std::vector<Transaction>& transactions);
 
 }  // namespace walk

@@ -1,4 +1,4 @@
-// A fleet of some size, and what must hold of its main file after whatever has been done to it. Each function
+// A fleet of some size, and checks that its main file must pass whatever has happened to it. Each function
 // opens the file for itself and closes it again.
 #pragma once
 
@@ -11,22 +11,23 @@
 
 namespace test {
 
-/// Makes a sample fleet, always the same, with about 30 transactions for each asset and year; none is posted.
+/// Creates a sample fleet, always the same, with about 30 transactions for each asset and year; none is
+/// posted.
 void MakeFleet(const std::string& directory, int assets, int years);
 
 /// Runs a posting in the directory; every box but "Posting is Complete." is a fault. Installs a QuietScreen.
 void Post(const std::string& directory, bool clearFirst, Faults& faults);
 
-/// What is wrong with a main file: damage, sums that are not those of the posted rows, others in the roster.
+/// The faults of a main file: damage, sums that differ from the posted rows, other users in the roster.
 std::string CheckMainFile(const std::string& path, bool readOnly = false);
 /// The same in a process of its own.
 std::string CheckMainFileApart(const std::string& path);
 
 /// The first value of a query, as text.
 std::string AskFile(const std::string& path, const std::string& sql);
-/// How many transactions wait to be posted though their asset is on file.
+/// The number of unposted transactions whose asset is on file.
 std::int64_t WaitingRows(const std::string& path);
-/// How many rows are in the cost tables and what they add up to.
+/// The number of rows in the cost tables, and their totals.
 std::string CostTotals(const std::string& path);
 
 std::string BytesOf(const std::string& path);

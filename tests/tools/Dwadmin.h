@@ -31,7 +31,7 @@ class DwadminTest : public testing::Test {
   test::Outcome Run(const std::vector<std::string>& arguments, const std::string& input = {}) const {
     return test::Program(Command(arguments), input).Join();
   }
-  /// With --json; fails the test where the output is no JSON.
+  /// The output with --json; fails the test if it is not JSON.
   test::Json RunJson(std::vector<std::string> arguments, int code = 0) const {
     arguments.emplace_back("--json");
     const test::Outcome outcome = Run(arguments);
@@ -57,7 +57,7 @@ class DwadminTest : public testing::Test {
   std::int64_t Execute(const std::string& sql, const std::string& file = "DW.MDB") const {
     return store::Connection::Open({.path = Path(file)})->Execute(sql);
   }
-  /// The first value of a query, "Null" for a Null and "none" without a row.
+  /// The first value of a query: "Null" for a Null, "none" without a row.
   std::string Ask(const std::string& sql, const std::string& file = "DW.MDB") const {
     const auto rows = store::Cursor::OpenQuery(store::Connection::Open({.path = Path(file)}), sql,
                                                store::Locking::ReadOnly);
@@ -65,7 +65,7 @@ class DwadminTest : public testing::Test {
     const rt::Value value = rows->Get(0);
     return value.IsNull() ? "Null" : value.AsText();
   }
-  /// Sessions on file, and those of them that nobody has ended or marked.
+  /// The sessions on file, and those without an end or a mark.
   int Sessions() const { return std::stoi(Ask("SELECT COUNT(*) FROM [Access Log]", "DW_USERS.MDB")); }
   int OpenSessions() const {
     return std::stoi(

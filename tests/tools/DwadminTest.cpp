@@ -1,4 +1,4 @@
-// What each command does, and the exit codes and words that scripts go by.
+// The work of each command, and the exit codes and texts that scripts rely on.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -20,8 +20,8 @@ int CountOf(const std::string& text, const std::string& part) {
   return count;
 }
 
-/// Records of comma-separated values; fields that were quoted begin with a '"', so that "" and nothing
-/// differ.
+/// Records of comma-separated values. Quoted fields begin with a '"' here, which distinguishes "" from an
+/// empty field.
 std::vector<std::vector<std::string>> ParseCsv(const std::string& text) {
   std::vector<std::vector<std::string>> records(1);
   records.back().emplace_back();
@@ -29,7 +29,7 @@ std::vector<std::vector<std::string>> ParseCsv(const std::string& text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     std::string& field = records.back().back();
     if (text[i] == '"' && !quoted) {
-      // The second mark of a doubled one opens the field again.
+      // The second of two quotation marks opens the field again.
       if (!field.empty())
         field += '"';
       else
@@ -37,7 +37,7 @@ std::vector<std::vector<std::string>> ParseCsv(const std::string& text) {
       quoted = true;
     } else if (text[i] == '"') {
       quoted = false;
-      // A quoted field ends at a comma, at the line's end or with a doubled mark.
+      // After a quotation mark, a quoted field ends, unless the mark is doubled.
       EXPECT_TRUE(i + 1 == text.size() || std::string(",\r\"").find(text[i + 1]) != std::string::npos);
     } else if (quoted) {
       field += text[i];
@@ -91,7 +91,7 @@ TEST_F(DwadminTest, CreateMakesWhatTheFirstSignOnNeedsAndTouchesNothingThatIsThe
   EXPECT_EQ(
       Ask("SELECT [Administrator] FROM [Application User List] WHERE [Password] IS NULL", "DW_USERS.MDB"),
       "True");
-  // Posting an empty table fails as it always does, and the session is closed all the same.
+  // Posting an empty table fails as always, and still closes the session.
   const Outcome post = Run({"post", "--user", "ADMIN", "--workstation", "YARD"}, "\n");
   EXPECT_EQ(post.code, 1);
   EXPECT_TRUE(Has(post.error, "Error # 3021: ")) << post.error;
@@ -106,7 +106,7 @@ TEST_F(DwadminTest, CreateMakesWhatTheFirstSignOnNeedsAndTouchesNothingThatIsThe
     EXPECT_TRUE(Has(again.error, "DW.MDB exists already")) << again.error;
   }
   EXPECT_EQ(Sessions(), 1);
-  // One file is enough to refuse, and nothing is left of the attempt.
+  // One file is enough for a refusal, and the attempt leaves nothing.
   for (const char* file : {"DW.MDB", "DW_USERS.MDB", "DW_SANDS.MDB"}) fs::remove(Path(file));
   for (const auto& entry : fs::directory_iterator(Path()))
     if (entry.path().extension() != ".MDB") fs::remove(entry);
@@ -147,7 +147,7 @@ TEST_F(DwadminTest, SignOnRefusesInTheSystemsWordsAndLeavesNoTrace) {
   EXPECT_EQ(Sessions(), before);
   EXPECT_EQ(Ask("SELECT [ID] FROM [Maintenance Transactions] WHERE [When Posted] IS NOT NULL"), "none");
 
-  // The name that the settings keep for this machine serves as well, and passwords know no case.
+  // Without an option, the name in the settings is used; passwords ignore case.
   sys::SaveSetting("Brackenfel Software", "Settings", "Workstation Name", "shop");
   EXPECT_EQ(Run({"post", "--user", "clerk"}, "fleet\r\n").code, 0);
   EXPECT_EQ(
@@ -166,14 +166,14 @@ TEST_F(DwadminTest, PostsUnpostsAndShowsCosts) {
   const Outcome post = RunAsAdmin({"post"});
   EXPECT_EQ(post.code, 0) << post.error;
   EXPECT_TRUE(post.out.starts_with(whole)) << post.out;
-  // In a pipe progress comes as lines.
+  // In a pipe, progress comes in lines.
   EXPECT_TRUE(Has(post.error, "Posting. Please stand by... 100%\n"));
   EXPECT_FALSE(Has(post.error, "\r"));
   EXPECT_TRUE(Has(RunAsAdmin({"post"}).out, " 0 posted; 0 cost rows added, 0 changed."));
   EXPECT_TRUE(RunAsAdmin({"post", "--clear"}).out.starts_with(whole));
   EXPECT_EQ(Run({"check"}).code, 0);
 
-  // What costs shows is what the transactions add up to.
+  // The costs must equal the sums of the transactions.
   const std::string asset =
       Ask("SELECT TOP 1 [Asset ID] FROM [Maintenance Transactions] WHERE [Outside Cost] > 0");
   const auto lifetime = [&](const char* column) {
@@ -209,7 +209,7 @@ TEST_F(DwadminTest, PostsUnpostsAndShowsCosts) {
   EXPECT_EQ(RunAsAdmin({"unpost", "--transaction", "2000000000"}).code, 1);
   EXPECT_EQ(Run({"check"}).code, 0);
 
-  // However fast the sessions followed each other, each has its own row and an end.
+  // However fast the sessions followed each other, each has a row of its own and an end.
   EXPECT_EQ(Sessions(), before + 6);
   EXPECT_EQ(OpenSessions(), 0);
 }
@@ -276,7 +276,7 @@ TEST_F(DwadminTest, CheckNamesEachRowAndColumnThatDiffers) {
   EXPECT_EQ((*costs)["Column"].text, "Oil Cost");
   EXPECT_EQ((*costs)["Expected"].text, stored);
 
-  // Posting anew is the repair of the sums.
+  // Posting again with --clear repairs the sums.
   EXPECT_EQ(RunAsAdmin({"post", "--clear"}).code, 0);
   EXPECT_FALSE(Has(Run({"check"}).out, ", costs: "));
 }
@@ -337,14 +337,14 @@ TEST_F(DwadminTest, ExportQuotesWhatItMustAndKeepsNullsApart) {
   EXPECT_EQ(json[0]["Notes"].kind, Json::Kind::Text);
   EXPECT_TRUE(json[1]["Notes"].IsNull());
 
-  // Tables by their name, wherever they lie; an empty one still has its columns.
+  // Tables of all files by their names; an empty one still has its columns.
   for (const char* name : {"[Divisions]", "divisions", " Divisions "})
     EXPECT_EQ(ParseCsv(Run({"export", name}).out).size(), 3U) << name;
   EXPECT_TRUE(Has(Run({"export", "Application User List"}).out, "\r\n1,ADMIN,,True,True,ADMIN,"));
   EXPECT_TRUE(Run({"export", "Sort Criteria"}).out.starts_with("ID,Query ID,"));
   EXPECT_TRUE(RunJson({"export", "Vehicles"}).items.empty());
 
-  // Only questions are let through, and what cannot be written is no success.
+  // Export refuses statements that change data, and fails if it cannot write.
   for (const char* source :
        {"DELETE * FROM [Divisions]", "No Such Table", "SELECT [Nothing] FROM [Divisions]"}) {
     const Outcome refused = Run({"export", source});

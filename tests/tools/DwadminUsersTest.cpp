@@ -32,7 +32,7 @@ TEST_F(DwadminTest, WhoShowsOthersAndTheirRecords) {
   EXPECT_EQ(held["Held By"].text, "window");
   EXPECT_TRUE(Has(Run({"who"}).out, "Vehicles  4 "));
 
-  // A file that is in use stays as it is; the others are compacted.
+  // A file in use is not compacted; the others are.
   const Outcome compact = RunAsAdmin({"compact"});
   EXPECT_EQ(compact.code, 1);
   EXPECT_TRUE(Has(compact.error, "Cannot compact at this time. Currently in use.")) << compact.error;
@@ -73,7 +73,7 @@ TEST_F(DwadminTest, WorkThatAHeldRecordKeptOutIsNotDone) {
   const std::string asset = Ask("SELECT [Asset ID] FROM [Maintenance Transactions] WHERE [ID] = " + id);
   other.Hold(Path("DW.MDB"), "SELECT * FROM [Assets Lifetime Costs] WHERE [Asset ID] = '" + asset + "'");
 
-  // The row is posted but for one sum, which check then names; clearing first is refused as a whole.
+  // The row is posted except for one sum, which check then names; with --clear, the whole run is refused.
   const Outcome post = RunAsAdmin({"post"});
   EXPECT_EQ(post.code, 1);
   EXPECT_TRUE(Has(post.error, "Posting is Complete."));
@@ -87,7 +87,7 @@ TEST_F(DwadminTest, WorkThatAHeldRecordKeptOutIsNotDone) {
   EXPECT_EQ(OpenSessions(), 0);
 }
 
-/// Another user whose transaction has changed a record and is not committed yet.
+/// Another user whose transaction has changed a record and is still open.
 class OpenTransaction {
  public:
   OpenTransaction()
@@ -121,8 +121,8 @@ TEST_F(DwadminTest, ASignalEndsPostingWithWholeSumsAndAClosedSession) {
     int number;
     const char* order;
   };
-  // The run waits at a row of sums in somebody's transaction: at the first transaction it is stopped within
-  // one, at the last one wherever it has come to.
+  // The run waits at a row of sums in another user's transaction. In the first case, the signal stops it
+  // within the first transaction; in the second case, wherever it is.
   for (const auto& [number, order] : {Case{SIGTERM, ""}, Case{SIGINT, " DESC"}}) {
     SCOPED_TRACE(number);
     OpenTransaction other;
@@ -167,11 +167,11 @@ TEST_F(DwadminTest, ATerminalAsksForThePasswordWithoutShowingIt) {
   const Outcome outcome = post.Join();
   EXPECT_EQ(outcome.code, 0) << outcome.out;
   EXPECT_FALSE(Has(outcome.out, "fleet")) << outcome.out;
-  // Progress stays in one line.
+  // Progress stays on one line.
   EXPECT_TRUE(Has(outcome.out, "\rPosting. Please stand by... 100%"));
   EXPECT_FALSE(Has(outcome.out, "%\r\nPosting"));
 
-  // Giving up at the prompt leaves the terminal as it was.
+  // Canceling at the prompt leaves the terminal as it was.
   test::TerminalProgram given(Command({"post", "--user", "clerk", "--workstation", "office"}));
   ASSERT_TRUE(given.WaitFor("Password: "));
   EXPECT_FALSE(given.Echoes());
@@ -215,7 +215,7 @@ TEST_F(DwadminTest, UnpostSaysWhatTheFileSays) {
             "Transaction " + id + " is unposted, but not all of its sums were changed: see `check`.\n");
   other.Leave();
 
-  // An index that a second row of the same user violates makes every update of a transaction fail.
+  // A second row by the same user violates this index, so every update of a transaction fails.
   Execute("UPDATE [Maintenance Transactions] SET [Updated By] = Null");
   store::Connection::Open({.path = Path("DW.MDB")})
       ->CreateIndex("Maintenance Transactions",

@@ -40,7 +40,7 @@ class Data {
   std::shared_ptr<dao::Database> database_;
 };
 
-/// Everything in a sample's files, a line for each row.
+/// All rows of a sample's files, one on each line.
 std::string Everything(const std::string& directory) {
   std::string text;
   for (const char* file : kFiles) {
@@ -57,7 +57,7 @@ std::string Everything(const std::string& directory) {
   return text;
 }
 
-/// One sample for the tests that only read.
+/// One sample for the tests that only read it.
 class SampleTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -114,7 +114,7 @@ TEST_F(SampleTest, FilesAgreeWithTheCatalogueAndEveryReferenceLeadsSomewhere) {
       const std::string reference =
           "[" + relation.foreignTable + "].[" + relation.columns.front().second + "]";
       const std::string key = "[" + relation.table + "].[" + relation.columns.front().first + "]";
-      // A reference of 0 says that there is none, as Null does.
+      // A reference of 0 means none, as a Null does.
       std::string dangling = "[" + relation.foreignTable + "] LEFT JOIN [" + relation.table + "] ON " +
                              reference + " = " + key + " WHERE " + key + " IS NULL AND " + reference +
                              " IS NOT NULL";
@@ -214,7 +214,7 @@ TEST_F(SampleTest, HoldsTheOddAssetsThatAFleetHas) {
   EXPECT_GE(data.Count("[Maintenance Transactions] WHERE [Oil] IS NULL AND [Time] IS NULL"), 5);
   EXPECT_GE(data.Count("[Maintenance_Performed]"), kAssets * kYears);
 
-  // The date range is filled from end to end, and no asset works beyond its life.
+  // The dates fill the range from end to end, and no asset works outside its life.
   const int transactions = data.Count("[Maintenance Transactions]");
   EXPECT_GE(transactions, 25 * kAssets * kYears);
   EXPECT_LE(transactions, 40 * kAssets * kYears);

@@ -1,4 +1,4 @@
-// What all lists and their windows have in common, shown on the divisions and the classes.
+// What all lists and their windows have in common, tested with the divisions and the classes.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -36,7 +36,7 @@ class PatternTest : public testing::Test {
   std::string Rows(const std::string& table = "Divisions") {
     return fleet_.Ask("SELECT COUNT(*) FROM [" + table + "]");
   }
-  /// The list of the divisions, opened or come forward, standing on its first row.
+  /// Opens the list of the divisions or brings it to the front, with its first row current.
   dw::frmDivisionList& List() {
     auto& list = ui::The<dw::frmDivisionList>();
     list.ShowForm();
@@ -151,7 +151,7 @@ TEST_F(PatternTest, ARecordHeldElsewhereIsForReading) {
     test::Click(window, "CancelButton");
   }
   EXPECT_EQ(ui::FindForm("frmDivisionMaint"), nullptr);
-  other_.Leave();  // still had its record
+  other_.Leave();  // the other user still had its record
   EXPECT_EQ(Ask("Description", id), "North");
   auto& window = OpenFirst();
   EXPECT_TRUE(window.OkButton->isEnabled());
@@ -178,7 +178,8 @@ TEST_F(PatternTest, AnEmptyListHasNothingToShowOrDelete) {
 
 TEST_F(PatternTest, ADeleteAsksChecksAndSaysWhatIsGone) {
   const std::int32_t id = Division("N", "North");
-  // Assets keep the code, the check asks for the number: only a code that is the number stands in its way.
+  // Assets store the code, but the check looks for the number: only a code that equals the number prevents
+  // the deletion.
   fleet_.AddAsset("TRK-1", 1, {{"Division ID", "N"}});
   auto& list = List();
   screen_->Expect(kSure, Icon::Question, Buttons::YesNo, Answer::No);
@@ -227,7 +228,7 @@ TEST_F(PatternTest, AMissingFileIsAskedForOnceAndTheListIsThere) {
   dw::InstallFileLocator([&](const std::string& name) {
     EXPECT_EQ(name, "DW.MDB");
     ++asked;
-    // The directory has got another name, which the user finds.
+    // The directory has a new name, which the user finds.
     dw::SetDataPath(away.string());
   });
   std::filesystem::rename(home, away);
@@ -235,7 +236,7 @@ TEST_F(PatternTest, AMissingFileIsAskedForOnceAndTheListIsThere) {
   EXPECT_EQ(asked, 1);
   EXPECT_EQ(list.Grid().RecordCount(), 1);
 
-  // It goes again while the list is closed.
+  // The directory moves again while the list is closed.
   list.Unload();
   test::Settle();
   dw::InstallFileLocator([&](const std::string&) {

@@ -30,7 +30,7 @@ class BFLogonTest : public test::ShellTest {
     test::Settle();
     return static_cast<dw::BFLogon&>(test::Open("BFLogon"));
   }
-  /// The window closed, and the program has come to its end without another window.
+  /// The window has closed, and the program has ended without another window.
   void ExpectOver() {
     test::Settle();
     EXPECT_TRUE(ui::Forms().empty());
@@ -48,7 +48,7 @@ TEST_F(BFLogonTest, TriesAgainUntilNameAndPasswordFitAndWritesTheLog) {
   EXPECT_EQ(sys::GetSetting("DW", "Control", "Initialized"), "Yes");
   EXPECT_TRUE(form.Text1.hasFocus());
 
-  // While the box is up nothing can be clicked a second time.
+  // While the box is open, the user cannot click anything a second time.
   screen_->onBox = [&](const screen::Box&) {
     EXPECT_FALSE(form.Text1.isEnabled() || form.Text2.isEnabled() || form.OKButton.isEnabled() ||
                  form.Cancel.isEnabled());
@@ -87,7 +87,7 @@ TEST_F(BFLogonTest, ARefusalOrCancelEndsTheProgram) {
   test::Click(refused, "OKButton");
   ExpectOver();
 
-  // A machine that nobody has entered: the same words, and no second try either.
+  // A workstation that nobody has entered: the same message, and no second try either.
   NameWorkstation("Attic");
   dw::BFLogon& unknown = Show();
   screen_->Expect(kNotAllowed, Icon::Critical);
@@ -108,7 +108,7 @@ TEST_F(BFLogonTest, AsksForTheNameOfTheWorkstation) {
   dw::BFLogon& named = Show();
   EXPECT_EQ(named.WorkstationLabel.text().toStdString(), longest);
   EXPECT_EQ(sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name"), longest);
-  // Named, but not entered by an administrator yet: nobody gets in.
+  // The workstation has a name, but no administrator has entered it yet: nobody gets in.
   screen_->Expect(kNotAllowed, Icon::Critical);
   test::Type(named, "Text1", "Clerk");
   test::Click(named, "OKButton");

@@ -27,7 +27,7 @@ using screen::Buttons;
 using screen::Icon;
 using sys::DriveKind;
 
-/// The drive "office" with a complete copy in "fleet", the drive "other" without one, a drive without a disc.
+/// The drives: "office" with a complete copy in "fleet", "other" without one, and a drive without a disc.
 class GetDataPathTest : public testing::Test {
  protected:
   GetDataPathTest() {
@@ -55,7 +55,7 @@ class GetDataPathTest : public testing::Test {
     test::Settle();
     return form;
   }
-  /// Does `work` as soon as the window is open.
+  /// Runs `work` as soon as the window is open.
   static void WhenOpen(std::function<void(dw::GetDataPath&)> work) {
     ui::Later(*qApp, [work = std::move(work)] { work(ui::The<dw::GetDataPath>()); });
   }
@@ -90,7 +90,7 @@ TEST_F(GetDataPathTest, TheListsLeadToADirectoryThatHoldsTheFile) {
   form.Drive1.SetDrive(other_);
   EXPECT_EQ(form.txtDataPath.Text(), "");
 
-  // A path can be typed, too; it is taken only where the file is.
+  // The user can type a path, too; the window accepts it only if the file is there.
   for (const std::string& typed : {other_, office_, fleet_ + '/'}) {
     EXPECT_EQ(Kept(), "/gone/");
     test::Type(form, "txtDataPath", typed);
@@ -181,7 +181,7 @@ TEST_F(GetDataPathTest, TheWindowComesAgainUntilTheDataIsFound) {
 
 TEST_F(GetDataPathTest, AFileThatVanishesLaterIsOpenedWhereItIsFound) {
   dw::SetDataPath("/gone");
-  // The program's own pointer is an hourglass here, but the user is to work in the window.
+  // The program shows an hourglass at this point, but the window needs the normal pointer.
   WhenOpen([&](dw::GetDataPath& form) {
     EXPECT_EQ(form.FileName, "DW_SANDS.MDB");
     EXPECT_EQ(user_->CurrentPointer(), screen::Pointer::Normal);

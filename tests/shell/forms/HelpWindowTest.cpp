@@ -99,7 +99,7 @@ TEST_F(HelpWindowTest, F1ExplainsTheWindowInFront) {
   EXPECT_EQ(Window()->txtPage->source().fragment(), "frmDivisionMaint");
   EXPECT_TRUE(Window()->isVisible());
   EXPECT_TRUE(Window()->windowTitle().startsWith("Divisions"));
-  EXPECT_EQ(ui::Forms().size(), 2U);  // the help is none of them
+  EXPECT_EQ(ui::Forms().size(), 2U);  // the help is not one of the forms
 
   test::Press(list->Text1, Qt::Key_F1);
   EXPECT_EQ(Window()->txtPage->source().fragment(), "");
@@ -128,7 +128,7 @@ TEST_F(HelpWindowTest, OverAMessageTheFormIsExplained) {
     test::Press(*box.button(QMessageBox::Ok), Qt::Key_F1);
     help = Window();
     EXPECT_EQ(Page(), "frmOdometerList.html");
-    // Only a window of the modal one can be used now; and it must not go with it.
+    // Beside the box, only windows that belong to it take input; but the help must outlive the box.
     EXPECT_EQ(help->parentWidget(), &box);
     box.accept();
     test::Settle();

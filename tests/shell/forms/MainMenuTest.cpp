@@ -38,7 +38,7 @@ class MainMenuTest : public test::ShellTest {
                            "Road', #6/30/2020#, ") +
                internalFuel + ")");
   }
-  /// From the About box to the menu; the question gets its answer.
+  /// Goes from the About box to the menu, and answers the question.
   dw::mnuDW& Start(Answer answer = Answer::No) {
     auto& startup = ui::The<dw::Startup>();
     startup.ShowForm();
@@ -63,7 +63,7 @@ class MainMenuTest : public test::ShellTest {
 TEST_F(MainMenuTest, TheAboutBoxFillsItselfAndLeadsToTheMenu) {
   SignOn();
   const rt::FixedClock clock(rt::DateTime(2026, 3, 15, 9, 30, 0));
-  // A new file has no row.
+  // A new file has no row of parameters.
   auto& startup = ui::The<dw::Startup>();
   startup.ShowForm();
   EXPECT_EQ(startup.windowTitle(), "About Drovewright");
@@ -74,7 +74,7 @@ TEST_F(MainMenuTest, TheAboutBoxFillsItselfAndLeadsToTheMenu) {
   EXPECT_EQ(files_.Ask("SELECT [Organization Name] FROM [Parameters]"), "");
   files_.Run("UPDATE [Parameters] SET [Organization Name] = 'Marlow Bend', [Address Line 3] = 'Bend'");
 
-  // Nothing but its button leads on.
+  // Only its button closes the About box.
   startup.close();
   EXPECT_TRUE(startup.isVisible());
   screen_->Expect(kQuestion, Icon::None, Buttons::YesNo, Answer::No);
@@ -87,7 +87,7 @@ TEST_F(MainMenuTest, TheAboutBoxFillsItselfAndLeadsToTheMenu) {
   EXPECT_TRUE(dw::HelpReady);
   EXPECT_EQ(reports_, 0);
 
-  // The box is read anew; the question does not come again.
+  // The About box reads the parameters again; the question does not come again.
   Choose(menu, "DW_About");
   auto& again = static_cast<dw::Startup&>(test::Open("Startup"));
   EXPECT_EQ(again.lblOrganisation[0].text(), "Marlow Bend");
@@ -137,7 +137,7 @@ TEST_F(MainMenuTest, EntriesOpenWindowsOrSayWhyNot) {
   test::Press(static_cast<dw::TechSupport&>(test::Open("TechSupport")).OKButton, Qt::Key_Return);
   EXPECT_EQ(ui::FindForm("TechSupport"), nullptr);
 
-  // No entry is there twice, and none stands there without a word of what it is for.
+  // No entry is there twice, and each has a text in the status bar that says what it is for.
   std::set<QString> names;
   for (const dw::MenuEntry& entry : dw::MenuTree()) {
     EXPECT_TRUE(names.insert(entry.name).second) << entry.name;
@@ -147,7 +147,7 @@ TEST_F(MainMenuTest, EntriesOpenWindowsOrSayWhyNot) {
   }
   EXPECT_EQ(names.size(), 54U);
 
-  // With the keys: F10, to the reports, and onto an entry whose window is missing.
+  // With the keys: F10, then the reports, then an entry whose window is missing.
   auto& status = test::Find<QStatusBar>(menu, "stsBar");
   menu.activateWindow();
   test::Settle();
@@ -204,7 +204,7 @@ TEST_F(MainMenuTest, ExitLeavesOtherWindowsAndTheLastOneSignsOff) {
   EXPECT_EQ(OpenSessions(), "1");
   EXPECT_TRUE(screen_->Notices().empty());
 
-  // Hidden windows do not keep the program.
+  // Hidden windows do not keep the program running.
   auto* hidden = new ui::Form("frmHidden");
   hidden->LoadForm();
   test::Open("frmDivisionList").close();
@@ -235,7 +235,7 @@ TEST_F(MainMenuTest, EndApplicationClosesEverythingAndGoesNoFurther) {
   const int slept = screen_->SleepCount();
   EXPECT_THROW(dw::EndApplication(), dw::ApplicationEnd);
   test::Settle();
-  // The About box brings no new menu.
+  // The About box does not open a second menu.
   EXPECT_TRUE(ui::Forms().empty());
   EXPECT_EQ(OpenSessions(), "0");
   EXPECT_GT(screen_->SleepCount(), slept);

@@ -18,7 +18,7 @@ namespace {
 using test::SecondProcess;
 using Channel = SecondProcess::Channel;
 
-/// Has a record in an edit, as windows have.
+/// Has a record in edit, as windows have.
 class Holder : public ui::Form {
  public:
   explicit Holder(const std::string& path) : Form("frmHolder") {
@@ -31,7 +31,7 @@ class Holder : public ui::Form {
 
  protected:
   void OnUnload() override {
-    // Rules of leaving would have their say here.
+    // A window's rules for leaving would show a box here.
     if (screen::MessageBox("Save changes?", screen::Icon::Question, screen::Buttons::YesNo) ==
         screen::Answer::Yes)
       rows_->Update();
@@ -44,7 +44,7 @@ class Holder : public ui::Form {
   std::shared_ptr<dao::Recordset> rows_;
 };
 
-/// Boxes of a desktop that are told to the test instead of being shown.
+/// A desktop that sends its boxes to the test instead of showing them.
 class ToldScreen : public ui::QtScreen {
  public:
   explicit ToldScreen(Channel& channel) : channel_(channel) {}
@@ -60,7 +60,7 @@ class ToldScreen : public ui::QtScreen {
   Channel& channel_;
 };
 
-/// A program with two windows, one of which holds a record; it is begun before the test has a file open.
+/// A program with two windows, one of which holds a record. It starts before the test has a file open.
 class ProgramEndTest : public testing::Test {
  protected:
   /// Runs `work` in the program once its windows are open.
@@ -79,7 +79,7 @@ class ProgramEndTest : public testing::Test {
       work(*screen);
     };
   }
-  /// Makes the files and lets the program go on.
+  /// Makes the files and starts the program's work.
   void Begin(SecondProcess& program) {
     files_ = std::make_unique<test::SmallFleet>(std::initializer_list<const char*>{"DW_USERS.MDB"});
     files_->Add("Divisions", {{"Division ID", "NORTH"}});
@@ -88,7 +88,7 @@ class ProgramEndTest : public testing::Test {
     program.Talk().Say(files_->Path({}));
     EXPECT_EQ(program.Talk().Hear(), "ready");
   }
-  /// The session is closed and the record is as it was, for everybody to take.
+  /// The session is closed; the record is unchanged and free.
   void ExpectOrder() {
     EXPECT_EQ(files_->Ask("SELECT COUNT(*) FROM [Access Log] WHERE [Time Out] IS NULL", "DW_USERS.MDB"), "0");
     EXPECT_EQ(files_->Run("UPDATE [Divisions] SET [Description] = 'free'"), 1);
@@ -100,7 +100,7 @@ class ProgramEndTest : public testing::Test {
 
 TEST_F(ProgramEndTest, AnErrorThatNothingCatchesIsShownOnceAndEndsTheProgram) {
   SecondProcess program(WithWindows([](ToldScreen& screen) {
-    // It comes up in the event loop of a modal window, and another one while its box is shown.
+    // The error comes from the event loop of a modal window, and another one while its box is open.
     screen.onBox = [] { ui::Guard([] { throw std::runtime_error("another"); }); };
     ui::Later(*qApp, [] { ui::Guard([] { throw store::StoreError(3021, "No current record."); }); });
     auto* modal = new ui::Form("frmModal");
@@ -108,7 +108,7 @@ TEST_F(ProgramEndTest, AnErrorThatNothingCatchesIsShownOnceAndEndsTheProgram) {
   }));
   Begin(program);
   EXPECT_EQ(program.Talk().Hear(), "Drovewright: Run-time error '3021':||No current record.");
-  // The next thing that is heard is the end: no question, no second error.
+  // The program then ends: no question, no second error.
   EXPECT_THROW(program.Talk().Hear(), std::runtime_error);
   EXPECT_EQ(program.Join(), 1);
   ExpectOrder();

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Starts the real program with the settings of the test, on a desktop that nobody sees.
+/// Starts the real program with the settings of the test, on the offscreen platform.
 class ProgramTest : public test::ShellTest {
  protected:
   std::vector<std::string> Command(std::vector<std::string> arguments = {}) {
@@ -21,7 +21,7 @@ class ProgramTest : public test::ShellTest {
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
   }
-  /// Waits until a copy has taken the claim of being the first: the file then says whose it is.
+  /// Waits until a copy has claimed to be the first: the lock file then has its number.
   bool WaitForFirst() const {
     for (int i = 0; i < 3000; ++i) {
       for (const auto& entry : std::filesystem::directory_iterator(directory_.Path()))
@@ -50,13 +50,13 @@ TEST_F(ProgramTest, AStartBesideACopyThatHangsIsAProgramOfItsOwn) {
   NameWorkstation("Front Desk");
   test::Program first(Command());
   ASSERT_TRUE(WaitForFirst());
-  // Its start is over: it holds no file of settings.
+  // Waits until the first copy has started and does not lock the settings any more.
   while (sys::GetSetting("DW", "Control", "Initialized") != "Yes")
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
   first.Signal(SIGSTOP);
   test::Program second(Command());
-  // Past the time that it waits for an answer.
+  // Longer than a start waits for an answer.
   std::this_thread::sleep_for(std::chrono::seconds(5));
   EXPECT_TRUE(second.Running());
   second.Signal(SIGTERM);
@@ -81,7 +81,7 @@ TEST(SingleInstance, TheFirstHearsTheOthersAndALaterOneFollowsItsDeath) {
     const auto claim = sys::SingleInstance::Claim();
     channel.Say(claim ? "first" : "not first");
     channel.Hear();
-    // It hangs for a while.
+    // The first copy hangs for a while.
     std::string token;
     channel.Say("hung");
     channel.Hear();
@@ -111,7 +111,7 @@ TEST(SingleInstance, TheFirstHearsTheOthersAndALaterOneFollowsItsDeath) {
   EXPECT_TRUE(sys::SingleInstance::CallFirstForward());
   EXPECT_EQ(first.Talk().Hear(), "called token");
 
-  // Other settings, other data: that copy stands by itself.
+  // With other settings, a copy works on other data and is a first copy, too.
   sys::UseSettingsFile(directory.Path("other.ini"));
   EXPECT_NE(sys::SingleInstance::Claim(), nullptr);
   sys::UseSettingsFile(directory.Path("settings.ini"));

@@ -18,7 +18,7 @@
 namespace test {
 
 /// A data directory with users and workstations, settings of its own that name it, and the shell's ends of
-/// forms in place.
+/// forms installed.
 class ShellTest : public testing::Test {
  protected:
   ShellTest() {
@@ -51,7 +51,7 @@ class ShellTest : public testing::Test {
   void NameWorkstation(const std::string& name) {
     sys::SaveSetting("Brackenfel Software", "Settings", "Workstation Name", name);
   }
-  /// What the sign-on of a user leaves behind, with the row of the session.
+  /// Sets what the sign-on of a user sets, including the row of the session.
   void SignOn(bool administrator = true) {
     dw::CurrentUserID = administrator ? 3 : 4;
     dw::CurrentUserName = administrator ? "McArthur" : "Clerk";

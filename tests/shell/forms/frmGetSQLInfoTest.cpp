@@ -58,7 +58,7 @@ TEST_F(GetSQLInfoTest, ALoginIsCheckedAndKept) {
   test::Click(form, "OKButton");
   EXPECT_EQ(Kept(), "HAULER No anna Secret ");
 
-  // A trusted connection forgets the login.
+  // A trusted connection removes the login.
   auto& again = Open();
   EXPECT_EQ(again.Text4.Text(), "Secret");
   test::Click(again, "chkTrusted");

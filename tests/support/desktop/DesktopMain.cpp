@@ -8,7 +8,7 @@ namespace {
 
 QtMessageHandler usual = nullptr;
 
-/// The offscreen platform says at each window that it cannot raise it.
+/// The offscreen platform warns at each window that it cannot raise it.
 void WithoutRaise(QtMsgType type, const QMessageLogContext& context, const QString& message) {
   if (!message.contains("does not support raise()")) usual(type, context, message);
 }
@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
   ui::InstallUncaught([](const std::exception_ptr& error) { ADD_FAILURE() << ui::UncaughtText(error); });
   const int role = test::Role::Run();
   if (role >= 0) return role;
-  // Well below the limit of CTest, which knows neither the test's line nor its stack.
+  // Well below the limit of CTest, which can report neither the test's line nor its stack.
   test::WatchTests(120);
   return RUN_ALL_TESTS();
 }

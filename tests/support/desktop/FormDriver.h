@@ -1,4 +1,4 @@
-// Works forms as a user does: controls by their names, keys, clicks.
+// Uses forms as a user does: controls by their names, keys, clicks.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@
 
 namespace test {
 
-/// Lets everything that is pending happen, deletions too.
+/// Runs all pending events, including deletions.
 inline void Settle() {
   for (int i = 0; i < 3; ++i) {
     QCoreApplication::processEvents();
@@ -23,7 +23,7 @@ inline void Settle() {
   }
 }
 
-/// A control of a form by its name; a missing one fails the test by ending it.
+/// A control of a form by its name; ends the test if there is none.
 template <class Control = QWidget>
 Control& Find(QWidget& form, const char* name) {
   auto* control = form.findChild<Control*>(name);
@@ -33,19 +33,19 @@ Control& Find(QWidget& form, const char* name) {
 
 inline void Click(QWidget& form, const char* button) {
   auto& control = Find<QAbstractButton>(form, button);
-  // A check box may be wider than what can be clicked of it.
+  // A check box may be wider than its clickable part.
   const bool check = qobject_cast<QCheckBox*>(&control) != nullptr;
   QTest::mouseClick(&control, Qt::LeftButton, {}, check ? QPoint(6, control.height() / 2) : QPoint());
   Settle();
 }
 
-/// Gives the focus to a control as the Tab key does.
+/// Moves the focus to a control as the Tab key does.
 inline void Enter(QWidget& form, const char* control) {
   Find(form, control).setFocus(Qt::TabFocusReason);
   Settle();
 }
 
-/// Goes to a field, replaces its content by typing, and stays there.
+/// Moves to a field, replaces its content by typing, and stays there.
 inline void Type(QWidget& form, const char* field, const std::string& text) {
   Enter(form, field);
   auto& control = Find(form, field);
@@ -60,14 +60,14 @@ inline void Press(QWidget& control, Qt::Key key) {
   Settle();
 }
 
-/// The loaded form with this name; fails the test where there is none.
+/// The loaded form with this name; fails the test if there is none.
 inline ui::Form& Open(const char* name) {
   ui::Form* form = ui::FindForm(name);
   if (!form) throw std::runtime_error(std::string("form is not open: ") + name);
   return *form;
 }
 
-/// Unloads what a test has left open.
+/// Unloads the forms that a test has left open.
 class FormsEnd {
  public:
   FormsEnd() = default;

@@ -1,4 +1,4 @@
-// What the tests of a list and its window share.
+// What the tests of lists and their windows share.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ class ListTest : public testing::Test {
       "This record is open in another window of this program. Close that window and try again.";
   static constexpr const char* kNoDate = "That is not a valid date. Please try again.";
 
-  /// The list, opened or come forward, standing on a row.
+  /// Opens the list or brings it to the front, and makes a row current.
   template <class List>
   List& OpenList(int row = 0) {
     List& list = ui::The<List>();
@@ -42,7 +42,7 @@ class ListTest : public testing::Test {
   Detail& Show(int row = 0) {
     return Opened<Detail, List>(Qt::Key_Space, row);
   }
-  /// What a row of the open list shows: its cells from the second column on, parted by '|'.
+  /// The cells of a row of the open list, from the second column on, with '|' between them.
   template <class List>
   std::string Shown(int columns, int row = 0) {
     ui::DataGrid& grid = OpenList<List>(row).Grid();
@@ -50,7 +50,7 @@ class ListTest : public testing::Test {
     for (int column = 1; column <= columns; ++column) text += (column > 1 ? "|" : "") + grid.CellText(column);
     return text;
   }
-  /// Types into fields, in this order, and clicks a button where one is named.
+  /// Types into the fields in this order, then clicks the button if it has a name.
   void Fill(QWidget& window, const std::vector<std::pair<const char*, const char*>>& texts,
             const char* button = nullptr) {
     for (const auto& [field, text] : texts) Type(window, field, text);
@@ -64,7 +64,7 @@ class ListTest : public testing::Test {
     screen_->Expect("Are you sure you want to delete this record?", screen::Icon::Question,
                     screen::Buttons::YesNo, answer);
   }
-  /// A record that goes between the list and the window is missed in these words, and there is no window.
+  /// If a record is deleted between the list and the window, a box with this text comes, and no window.
   template <class List>
   void ExpectVanished(const std::string& table, const std::string& words, const Row& row) {
     if (ui::Existing<List>()) ui::Existing<List>()->Unload();

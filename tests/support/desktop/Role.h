@@ -10,14 +10,14 @@
 
 namespace test {
 
-/// What a copy of the test program does in place of the tests when it is started in this role. Make one at
+/// What a copy of the test program does instead of the tests when it is started in this role. Make one at
 /// namespace scope.
 class Role {
  public:
   Role(const char* name, std::function<void()> body) { All()[name] = std::move(body); }
   /// Starts a copy of this program in a role.
   static std::unique_ptr<Program> Start(const std::string& name);
-  /// The exit code of this process if it was started in a role; -1 if not.
+  /// The exit code if this process was started in a role, else -1.
   static int Run();
 
  private:

@@ -13,7 +13,7 @@
 namespace test {
 namespace {
 
-/// Which window had the focus from when on. A handler keeps the program busy while keys go on being pressed.
+/// Records when which window got the focus. A handler can keep the program busy while the user presses keys.
 class FocusHistory {
  public:
   explicit FocusHistory(const QElapsedTimer& clock) : clock_(clock) {
@@ -66,7 +66,7 @@ int TypeFast(const std::vector<Key>& keys, int milliseconds) {
       if (!window) ++lost;
     }
   };
-  // What the window system sends is handled before what the program has asked itself to do later.
+  // Events from the window system come before work that the program has queued for itself.
   auto* dispatcher = QAbstractEventDispatcher::instance();
   const auto connection = QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, type);
   QTimer wakes;

@@ -1,4 +1,4 @@
-// Types as fast as somebody who does not look at the screen.
+// Types as fast as a user who does not look at the screen.
 #pragma once
 
 #include <Qt>
@@ -7,7 +7,7 @@
 
 namespace test {
 
-/// A key, and the text that it types.
+/// A key and the character that it types.
 struct Key {
   Qt::Key key;
   std::string text = {};
@@ -15,10 +15,9 @@ struct Key {
 /// One key for each character.
 std::vector<Key> Letters(const std::string& text);
 
-/// Presses and releases the keys, one every `milliseconds`, while the windows do what they do. As a window
-/// system does, each key is sent to the window that has the focus when it is pressed, busy or not, and is
-/// lost where there is none. Gives how many were lost so. Returns when all keys are through and nothing is
-/// pending.
+/// Presses and releases the keys, one every `milliseconds`, while the windows react. As with a window system,
+/// each key goes to the window that has the focus when the key is pressed, busy or not, and is lost if there
+/// is none. Returns the number of lost keys, after all keys have been handled and nothing is pending.
 int TypeFast(const std::vector<Key>& keys, int milliseconds);
 
 }  // namespace test

@@ -19,7 +19,7 @@ void Say(const char* text) {
   [[maybe_unused]] const auto written = write(STDERR_FILENO, text, std::strlen(text));
 }
 
-/// Runs on the thread that hangs, as the only one that takes this signal.
+/// Runs on the main thread, which hangs: no other thread takes this signal.
 void Bark(int) {
   Say("\nThis test has taken too long: ");
   Say(running.data());
@@ -44,7 +44,7 @@ class Watchdog : public testing::EmptyTestEventListener {
 
 void WatchTests(int seconds) {
   limit = static_cast<unsigned>(seconds);
-  // The first call loads what a later one in the handler must not.
+  // The first call loads a library, which a call in the handler must not do.
   std::array<void*, 1> first{};
   backtrace(first.data(), 1);
   signal(SIGALRM, Bark);
