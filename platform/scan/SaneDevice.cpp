@@ -102,7 +102,7 @@ void SaneDevice::Check(SANE_Status status) const {
 }
 
 SaneDevice::Option SaneDevice::Find(const char* name) const {
-  // A change of one option may change the others, so this reads them anew each time.
+  // A change of one option may change the others, so this reads them again each time.
   SANE_Int count = 0;
   library_.controlOption(handle_, 0, SANE_ACTION_GET_VALUE, &count, nullptr);
   for (SANE_Int index = 1; index < count; ++index) {

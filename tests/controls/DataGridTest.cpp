@@ -262,7 +262,7 @@ TEST_F(DataGridTest, TypingFindsARow) {
   EXPECT_EQ(sought->text(), "Asset Code: k30");
   EXPECT_FALSE(sought->geometry().intersects(
       grid->visualRect(grid->currentIndex()).translated(grid->viewport()->pos())))
-      << "the row that was found can be read";
+      << "the hint does not cover the row";
   QTest::keyClicks(grid, "x");
   EXPECT_EQ(grid->CellText(1), "K300");
   EXPECT_EQ(grid->findChild<QLabel*>("lblSought")->text(), "Asset Code: k30x - not found");

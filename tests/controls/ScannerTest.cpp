@@ -115,7 +115,7 @@ TEST_F(ScannerTest, TheSizeSetsTheAreaAndTheResolution) {
 
   const QImage chosen = Scan(sys::ScanSize::Paper, [](sys::ScanSetup& setup) {
     EXPECT_EQ(setup.resolutions, (std::vector<int>{75, 100, 150, 200, 300}))
-        << "600 would give a picture that is too large to be kept";
+        << "at 600, the picture would be too large for a record";
     EXPECT_EQ(setup.mode, "Color");
     setup.resolution = 75;
     setup.mode = "Gray";

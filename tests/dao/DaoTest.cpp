@@ -42,7 +42,7 @@ TEST_F(DaoTest, TransactionsOfAWorkspaceSpanItsDatabases) {
   workspace->Close();
   EXPECT_EQ(ErrorOf([&] { other->Execute("DELETE * FROM Assets"); }), 3265);
   auto again = dao::DBEngine::CreateWorkspace("W2", "admin", "")->OpenDatabase(second);
-  EXPECT_TRUE(again->OpenRecordset("Assets")->AtEnd()) << "what was not committed is gone with its workspace";
+  EXPECT_TRUE(again->OpenRecordset("Assets")->AtEnd()) << "closing the workspace rolls back its transaction";
 }
 
 TEST_F(DaoTest, TableDefinitionsAreBuiltChangedAndAskedFor) {

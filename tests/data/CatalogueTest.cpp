@@ -38,7 +38,7 @@ TEST(Catalogue, RelationsAndIndexesNameColumnsThatExistAndMatchInType) {
     for (const store::TableInfo& table : file.tables) {
       EXPECT_EQ(schema.Find(table.name),
                 &schema.tables[static_cast<std::size_t>(&table - file.tables.data())])
-          << table.name << " stands there twice";
+          << table.name << " is there twice";
       for (const store::IndexInfo& index : table.indexes)
         for (const std::string& column : index.columns)
           EXPECT_GE(table.Find(column), 0) << table.name << column;

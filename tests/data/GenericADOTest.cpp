@@ -169,7 +169,7 @@ TEST_F(GenericADOTest, ALockedUpdateIsAskedAbout) {
 
   user_->ExpectPart(question, Icon::Information, Buttons::OkCancel, Answer::Cancel);
   EXPECT_FALSE(AdoUpdateRS(*vehicle, true, true));
-  EXPECT_EQ(user_->CurrentPointer(), Pointer::Hourglass) << "whoever cancels puts the pointer back";
+  EXPECT_EQ(user_->CurrentPointer(), Pointer::Hourglass) << "canceling restores the pointer";
   EXPECT_NE(user_->Shown().back().text.find("'OFFICE'"), std::string::npos) << user_->Shown().back().text;
 
   // OK tries again, however often.
@@ -268,7 +268,7 @@ TEST_F(GenericADOTest, TheProbeTellsFreeLockedAndFailed) {
       Icon::Information);
   user_->Expect("Current Computers In Use:\rOFFICE\rFRONT DESK\r", Icon::Information);
   EXPECT_EQ(AdoTestRecordLock(field(), true, connection), 1);
-  EXPECT_EQ(AdoTestRecordLock(field(), false), 1) << "and nothing is shown where nothing is asked for";
+  EXPECT_EQ(AdoTestRecordLock(field(), false), 1) << "no box unless the caller wants one";
 
   other_.LetGo();
   EXPECT_EQ(AdoTestRecordLock(field(), true, connection), 0);

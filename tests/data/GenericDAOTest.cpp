@@ -143,7 +143,7 @@ TEST_F(GenericDAOTest, ADeadWorkstationKeepsNobodyWaiting) {
   DaoEditRecord(vehicle, error);
   EXPECT_EQ(error, 0);
   EXPECT_EQ(user_->SleepCount(), 1);
-  EXPECT_EQ(vehicle.Get("Odometer"), rt::Value(100)) << "what the dead one had not committed is gone";
+  EXPECT_EQ(vehicle.Get("Odometer"), rt::Value(100)) << "the uncommitted work of the dead process is gone";
 }
 
 TEST_F(GenericDAOTest, UnknownErrorsEndTheWaitingOperationsAtOnce) {

@@ -95,7 +95,7 @@ TEST_F(GenericToolsTest, AFileIsDeletedOnlyWhereNobodyHasItOpen) {
 
   user_->ExpectPart("Could not delete file.\r", Icon::None);
   DeleteFileChecked(path);
-  EXPECT_FALSE(FileExists(directory_.Path())) << "a folder is no file";
+  EXPECT_FALSE(FileExists(directory_.Path())) << "a folder is not a file";
 }
 
 TEST_F(GenericToolsTest, DrivesAreListedWithTheSystemsRoot) {

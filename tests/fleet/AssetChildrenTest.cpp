@@ -51,7 +51,7 @@ TEST(AssetChildrenTest, OneRowGoesAfterAYes) {
       };
     }
     EXPECT_TRUE(take(kind, id, Answer::Yes));
-    EXPECT_EQ(screen->SleepCount(), 2) << "a row that another user holds is waited for";
+    EXPECT_EQ(screen->SleepCount(), 2) << "waits for a row that another user holds";
     EXPECT_EQ(count(), "1") << table;
 
     // The grid still shows the row.

@@ -163,7 +163,7 @@ TEST_F(AssetRemovalTest, AnAssetHeldInItsWindowIsWaitedFor) {
   };
   EXPECT_EQ(dw::RemoveAsset(7, "V1", 2), dw::RemovalResult::Removed);
   EXPECT_GE(screen_->SleepCount(), 3);
-  EXPECT_EQ(CountOf("Odometer Entries", "V1"), 0) << "what was taken back for the wait is written again";
+  EXPECT_EQ(CountOf("Odometer Entries", "V1"), 0) << "writes again what it rolled back for the wait";
 }
 
 /// Fails a removal that waits on although no wait can cure the error.

@@ -100,7 +100,7 @@ TEST_F(ExtraUsageTest, OnlyTheLatest25OfEachCount) {
   Work("T", "2/15/2026", "9700");
   EXPECT_EQ(dw::DefaultExtraUsage("T"), "300") << "the 25th moves the beginning";
   Work("T", "3/1/2026", "10000");
-  EXPECT_EQ(dw::DefaultExtraUsage("T"), "200") << "as the 26th it is not looked at";
+  EXPECT_EQ(dw::DefaultExtraUsage("T"), "200") << "the 26th is not checked";
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ TEST_F(PictureFileTest, AScanUnderAGivenNameReplacesTheEarlierOne) {
   const auto files = dw::PrepareScanFiles(folder, "Truck", trace);
   ASSERT_TRUE(files);
   EXPECT_EQ(files->bmp, folder + "/truck.bmp")
-      << "the file's name in small letters, the directory's as it is";
+      << "the file's name in small letters, the directory's unchanged";
   EXPECT_EQ(files->jpeg, folder + "/truck.jpg");
   EXPECT_FALSE(fs::exists(files->bmp));
   EXPECT_FALSE(fs::exists(files->jpeg));

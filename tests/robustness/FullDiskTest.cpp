@@ -58,7 +58,7 @@ class FullDisk : public testing::TestWithParam<DiskKind> {
   void SetUp() override {
     if (GetParam() == DiskKind::FileLimit) return;
     const std::string refused = RunApart([&] { return Disk::Mount(directory_.Path()); });
-    if (!refused.empty()) GTEST_SKIP() << "This machine gives tests no small disk: " << refused;
+    if (!refused.empty()) GTEST_SKIP() << "no small disk on this machine: " << refused;
   }
 
   /// The number of the engine's error.

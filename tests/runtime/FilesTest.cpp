@@ -44,7 +44,7 @@ TEST(Files, ReadOnlyFilesFromADiscBecomeWritable) {
   const std::string path = folder.Path(".hidden.MDB");
   EXPECT_FALSE(FileExists(path));
   EXPECT_FALSE(ClearReadOnly(path));
-  EXPECT_FALSE(FileExists(folder.Path())) << "a folder is no file";
+  EXPECT_FALSE(FileExists(folder.Path())) << "a folder is not a file";
   EXPECT_FALSE(ClearReadOnly(folder.Path()));
   Write(path, "x");
   chmod(path.c_str(), 0444);
@@ -111,7 +111,7 @@ TEST(Files, APlainCopyReplacesButNeverDamagesItsTarget) {
   EXPECT_EQ(CopyFile(folder.Path("a"), folder.Path("missing/b")).number, 53);
   EXPECT_EQ(Content(folder.Path("a")), big);
   EXPECT_EQ(Content(folder.Path("b")), big);
-  EXPECT_EQ(Entries(folder.Path()), 2U) << "no half copies are left over";
+  EXPECT_EQ(Entries(folder.Path()), 2U) << "no partial copies remain";
 
   std::filesystem::create_directory(folder.Path("c"));
   EXPECT_NE(CopyFile(folder.Path("a"), folder.Path("c")).number, 0) << "a folder is not replaced";
@@ -141,8 +141,8 @@ TEST(Files, TheShellCopyAsksBeforeItReplaces) {
   EXPECT_EQ(asked, 2);
   EXPECT_EQ(ShellCopy(folder.Path("none"), to), 2);
   EXPECT_EQ(ShellCopy(from, from), 113);
-  EXPECT_EQ(asked, 2) << "a copy that cannot be made asks nothing";
-  EXPECT_EQ(ShellCopy(from, folder.Path("DW.MDB/x")), 3) << "a file stands where the folder should";
+  EXPECT_EQ(asked, 2) << "an impossible copy asks nothing";
+  EXPECT_EQ(ShellCopy(from, folder.Path("DW.MDB/x")), 3) << "a file is in the place of the folder";
   const Confirming nobody({});
   Write(from, "3");
   EXPECT_EQ(ShellCopy(from, to), kShellDone);

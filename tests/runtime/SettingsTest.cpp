@@ -69,7 +69,7 @@ TEST_F(SettingsTest, ADamagedFileIsKnownAsOne) {
   std::ofstream(folder_.Path("settings.ini"), std::ios::app) << "\n\x01\x02 torn line\n";
   EXPECT_TRUE(SettingsDamaged());
   EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), "/srv") << "what is whole is read";
-  EXPECT_TRUE(SaveSetting("DW", "Data", "DW Data Path", "/new")) << "what is kept is not reported as lost";
+  EXPECT_TRUE(SaveSetting("DW", "Data", "DW Data Path", "/new")) << "a saved value is not reported as lost";
   EXPECT_EQ(GetSetting("DW", "Data", "DW Data Path"), "/new");
 }
 

@@ -227,7 +227,7 @@ TEST_F(CursorTest, FindingKeepsToTheRowsAndTheOrderOfTheSet) {
   file->RollbackTrans();
   EXPECT_EQ(found(true, "[Year]=2002"), 198);
   rows->Delete();
-  EXPECT_EQ(found(false, "[Year]=2002"), 195) << "the row behind the deleted one is not left out";
+  EXPECT_EQ(found(false, "[Year]=2002"), 195) << "the row after the deleted one is not skipped";
   rows->MoveTo(rows->Count());
   EXPECT_EQ(found(false, "[Year]=2002"), 0);
   EXPECT_TRUE(rows->AtEnd());

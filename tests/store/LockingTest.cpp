@@ -63,7 +63,7 @@ TEST_F(LockingTest, ARecordInAWindowIsRefusedByItsHoldersName) {
               std::string::npos);
   }
   file->BeginTrans();
-  EXPECT_EQ(ErrorOf([&] { row->Edit(); }), 3218) << "a window's hold is the same for a transaction";
+  EXPECT_EQ(ErrorOf([&] { row->Edit(); }), 3218) << "a window's hold refuses a transaction, too";
   file->RollbackTrans();
   EXPECT_EQ(ErrorOf([&] { row->Delete(); }), 3260);
   auto late = On(file, "B", Locking::Optimistic);

@@ -64,7 +64,7 @@ TEST_F(PatternTest, AnAddedRecordIsThereAtOnceAndStaysWithItsCreator) {
   Division("N", "North");
   auto& window = OpenNew();
   EXPECT_EQ(window.windowTitle(), "Division Detail");
-  EXPECT_EQ(Rows(), "2") << "the empty row is there while the window is open";
+  EXPECT_EQ(Rows(), "2") << "the placeholder exists while the window is open";
   EXPECT_EQ(window.recordNumber.Text(), std::to_string(window.DataID));
   EXPECT_EQ(Ask("Division ID", window.DataID), "");
   const std::int32_t id = window.DataID;
@@ -78,9 +78,9 @@ TEST_F(PatternTest, AnAddedRecordIsThereAtOnceAndStaysWithItsCreator) {
   EXPECT_EQ(Ask("Date Created", id), "3/1/2026 2:05:09 PM");
   EXPECT_EQ(Ask("Updated By", id), "Null");
   EXPECT_EQ(Ask("Last Updated", id), "Null");
-  EXPECT_EQ(Ask("Notes", id), "Null") << "a field that nobody touched";
+  EXPECT_EQ(Ask("Notes", id), "Null") << "an unchanged field";
   auto& list = *ui::Existing<dw::frmDivisionList>();
-  EXPECT_EQ(list.Grid().RecordCount(), 2) << "the list has come forward and was read anew";
+  EXPECT_EQ(list.Grid().RecordCount(), 2) << "the list came forward and was read again";
   EXPECT_EQ(ui::ActiveForm(), &list);
 }
 
@@ -165,7 +165,7 @@ TEST_F(PatternTest, AVanishedRecordOpensNoWindow) {
                   Icon::None);
   test::Press(list.Grid(), Qt::Key_Space);
   EXPECT_EQ(ui::FindForm("frmDivisionMaint"), nullptr);
-  EXPECT_EQ(list.Grid().RecordCount(), 0) << "the list has come forward and was read anew";
+  EXPECT_EQ(list.Grid().RecordCount(), 0) << "the list came forward and was read again";
 }
 
 TEST_F(PatternTest, AnEmptyListHasNothingToShowOrDelete) {
@@ -195,7 +195,7 @@ TEST_F(PatternTest, ADeleteAsksChecksAndSaysWhatIsGone) {
     if (box.text == kSure) fleet_.Run("DELETE * FROM [Divisions]");
   };
   test::Press(list.Grid(), Qt::Key_Delete);
-  EXPECT_EQ(list.Grid().RecordCount(), 1) << "the list is not read anew";
+  EXPECT_EQ(list.Grid().RecordCount(), 1) << "the list is not read again";
   screen_->onBox = {};
   Division("S", "South");
   list.RefreshList();

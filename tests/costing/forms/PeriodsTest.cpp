@@ -42,13 +42,13 @@ TEST_F(PeriodsTest, AYearIsSetUpFromTheList) {
   fleet_.Add("Fiscal Periods",
              {{"Fiscal Year", 2026}, {"Period", 3}, {"Start Date", rt::DateTime(2026, 3, 5)}});
   GenerateYear("2026", "1/31/2026");
-  EXPECT_EQ(OpenList<frmPeriodsList>().Grid().RecordCount(), 12) << "the list was read anew";
+  EXPECT_EQ(OpenList<frmPeriodsList>().Grid().RecordCount(), 12) << "the list was read again";
   EXPECT_EQ(Shown<frmPeriodsList>(6, 0), "2026|1|1/31/2026|2/27/2026|3/1/2026 2:05:00 PM|TESTER");
   EXPECT_EQ(Shown<frmPeriodsList>(5, 2), "2026|3|3/5/2026||") << "what was there stays";
   EXPECT_EQ(Shown<frmPeriodsList>(4, 3), "2026|4|4/28/2026|5/27/2026");
   const std::string before = fleet_.Everything("Fiscal Periods");
   GenerateYear("2026", "1/1/2026");
-  EXPECT_EQ(fleet_.Everything("Fiscal Periods"), before) << "a year that is there is left alone, in silence";
+  EXPECT_EQ(fleet_.Everything("Fiscal Periods"), before) << "an existing year stays unchanged, without a box";
 }
 
 TEST_F(PeriodsTest, TheYearsWindowMindsItsFieldsOnLeaving) {
@@ -64,7 +64,7 @@ TEST_F(PeriodsTest, TheYearsWindowMindsItsFieldsOnLeaving) {
     EXPECT_TRUE(window.fiscalYear.hasFocus());
     screen_->Expect(kDateRequired, Icon::Critical);
     Fill(window, {{"Text1", "2026"}, {"Text2", ""}}, "cmdCancel");
-    EXPECT_TRUE(window.firstDay.hasFocus()) << "the date has no regard for Cancel";
+    EXPECT_TRUE(window.firstDay.hasFocus()) << "the date ignores Cancel";
   });
   SetUpYear([&](frmFiscalYearSetup& window) {
     test::Click(window, "cmdCancel");
@@ -99,7 +99,7 @@ TEST_F(PeriodsTest, APeriodIsTypedByHand) {
     EXPECT_EQ(window.endDate.Text(), "2/27/2027") << "a month later less a day";
     Fill(window, {{"Text1", "12/31/2026"}}, "OkButton");
   }
-  EXPECT_EQ(Shown<frmPeriodsList>(4), "2026|13|12/31/2026|2/27/2027") << "an end that is there stays";
+  EXPECT_EQ(Shown<frmPeriodsList>(4), "2026|13|12/31/2026|2/27/2027") << "an existing end stays";
   {
     auto& window = Show<frmPeriodsMaint, frmPeriodsList>();
     EXPECT_EQ(window.fiscalYear.selectedText(), "2026");
@@ -109,7 +109,7 @@ TEST_F(PeriodsTest, APeriodIsTypedByHand) {
     Fill(window, {{"Text8", ""}}, "OkButton");
   }
   EXPECT_EQ(Shown<frmPeriodsList>(4), "||3/1/2027|2/27/2027")
-      << "neither the numbers are needed nor the order of the dates";
+      << "neither the numbers nor the order of the dates matter";
   screen_->Expect("This function not yet implemented.", Icon::Critical);
   PressDelete<frmPeriodsList>();
   EXPECT_EQ(Count("Fiscal Periods"), "1");

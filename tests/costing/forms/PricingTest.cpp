@@ -74,7 +74,7 @@ TEST_F(PricingTest, FuelPricesAreLoggedByTypeAndDate) {
     test::Press(window.fuelType, Qt::Key_Delete);
     Fill(window, {{"MaskEdBox2", ""}}, "OkButton");
   }
-  EXPECT_EQ(Shown<frmPriceLogList>(3), "|2/1/2026|") << "a price of no fuel type is saved";
+  EXPECT_EQ(Shown<frmPriceLogList>(3), "|2/1/2026|") << "a price without a fuel type is saved";
   screen_->Expect("Not Yet Implemented.", Icon::None);
   PressDelete<frmPriceLogList>();
   EXPECT_EQ(Count(log), "1");
@@ -88,7 +88,7 @@ TEST_F(PricingTest, TheDateOfAFuelPriceLetsCancelThrough) {
   EXPECT_TRUE(window.effectiveDate.hasFocus());
   screen_->Expect("'13/13/2026' is not a date. Please check \"Effective Date\".", Icon::Critical);
   test::Press(window.effectiveDate, Qt::Key_Return);
-  ASSERT_EQ(ui::ActiveForm(), &window) << "OK has no rule for the date, and yet it cannot be stored";
+  ASSERT_EQ(ui::ActiveForm(), &window) << "OK has no rule for the date, but cannot store it";
   test::Click(window, "CancelButton");
   EXPECT_EQ(Count("Internal Fuel Pricing Log"), "0");
 }
@@ -107,7 +107,7 @@ TEST_F(PricingTest, AFuelTypeInUseByAnAssetStays) {
   fleet_.Run("DELETE * FROM [Vehicles]");
   ExpectSure(Answer::Yes);
   PressDelete<frmFuelTypesList>();
-  EXPECT_EQ(Count("Fuel Types"), "0") << "prices of it do not stand in the way";
+  EXPECT_EQ(Count("Fuel Types"), "0") << "prices of it do not prevent the deletion";
 }
 
 TEST_F(PricingTest, VanishedRecordsAreNamedByEachWindow) {

@@ -97,7 +97,7 @@ TEST_F(TransactionRoad, FromTheKeysIntoTheCostTablesAndOutAgain) {
     EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
     EXPECT_EQ(fleet_.OfTransaction(id, "Work Order Number"), "WO 8") << "unposting stores the window";
     EXPECT_EQ(window.auditLabels[4].text(), "");
-    EXPECT_FALSE(window.outsideCost.isEnabled()) << "closed until it is opened again";
+    EXPECT_FALSE(window.outsideCost.isEnabled()) << "disabled until the window is opened again";
     // Nothing prevents a second subtraction of the same figures.
     test::Click(window, "cmdUnpost");
     EXPECT_EQ(OutsideSum(), "-7");
@@ -129,12 +129,12 @@ TEST_F(TransactionRoad, APostedTransactionKeepsItsFiguresAndTakesNotes) {
   auto& window = OpenFirst();
   for (const char* field : {"txtAssetID", "Text8", "Text10", "MaskedEdit5", "txtOutsideOil", "MaskedEdit18"})
     EXPECT_FALSE(test::Find(window, field).isEnabled()) << field;
-  EXPECT_TRUE(window.workOrder.hasFocus()) << "the first field that is open";
+  EXPECT_TRUE(window.workOrder.hasFocus()) << "the first enabled field";
   test::Type(window, "MaskEdBox3", "55");
   test::Enter(window, "Text2");
   QTest::keyClicks(&window.notes, "towed");
   test::Click(window, "cmdUnpost");
-  EXPECT_EQ(OutsideSum(), "0") << "out of the period that they went into";
+  EXPECT_EQ(OutsideSum(), "0") << "subtracts from the period that got the costs";
   EXPECT_EQ(fleet_.OfTransaction(id, "Period"), "4");
   EXPECT_EQ(fleet_.OfTransaction(id, "Notes"), "towed");
   EXPECT_EQ(fleet_.OfTransaction(id, "Mileage"), "55");
@@ -195,7 +195,7 @@ TEST_F(TransactionRoad, AWaitForCostsLeavesTheWindowAlone) {
   test::Click(window, "cmdUnpost");
   ASSERT_TRUE(IsOpen("frmTransactionMaint"));
   EXPECT_TRUE(window.OkButton->isEnabled() && window.isEnabled());
-  EXPECT_EQ(OutsideSum(), "0") << "once, and from the asset that the costs went to";
+  EXPECT_EQ(OutsideSum(), "0") << "subtracts once, and from the asset that got the costs";
   EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
   EXPECT_EQ(fleet_.OfTransaction(id, "Asset ID"), "TRK-2");
 }
@@ -274,7 +274,7 @@ TEST_F(TransactionRoad, AHeldTransactionIsForReadingAndTheRunPassesItOver) {
   EXPECT_FALSE(window.OkButton->isEnabled());
   Expect(kHeldElsewhere, Icon::Exclamation);
   test::Click(window, "cmdUnpost");
-  EXPECT_EQ(OutsideSum(), "7") << "nothing is taken out that could not be marked";
+  EXPECT_EQ(OutsideSum(), "7") << "subtracts nothing from a transaction that it cannot mark";
   // The task window opens over a record that is read-only; when it closes, the record is free and the window
   // takes it.
   test::Press(window.grdTasks, Qt::Key_Insert);

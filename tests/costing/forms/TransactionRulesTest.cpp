@@ -116,7 +116,7 @@ TEST_F(TransactionRules, DatesAreCheckedAndFillTheFiscalPeriod) {
       EXPECT_EQ(window.fiscalYear.Text(), "2026");
       EXPECT_EQ(window.fiscalPeriod.Text(), std::string(1, c.date[0]));
       EXPECT_FALSE(window.fiscalYear.isEnabled() || window.fiscalPeriod.isEnabled());
-      EXPECT_TRUE(window.workOrder.hasFocus()) << "past the fields that are closed now";
+      EXPECT_TRUE(window.workOrder.hasFocus()) << "skips the fields that are disabled now";
     } else {
       EXPECT_TRUE(window.fiscalYear.isEnabled() && window.fiscalPeriod.isEnabled());
       // OK cannot leave the window either.

@@ -165,13 +165,13 @@ TEST_F(AssetWindowTest, AChildSavesTheAssetAndCancelUndoesOnlyWhatCameLater) {
   auto& reading = test::Open("frmOdometerMaint");
   EXPECT_EQ(Ask("Description", id), "Saved");
   EXPECT_EQ(Ask("Updated By", id), "Clerk");
-  EXPECT_TRUE(Free(id)) << "while a child is open the asset is anybody's";
+  EXPECT_TRUE(Free(id)) << "while a child window is open, others can change the asset";
   test::Type(reading, "Text8", "3/1/2026");
   test::Type(reading, "MaskedEdit1", "1200");
   test::Click(reading, "OKButton");
   ASSERT_EQ(ui::ActiveForm(), &window);
   EXPECT_EQ(window.grdOdometer.RecordCount(), 1);
-  EXPECT_EQ(window.location.Text(), "X") << "what the other has changed meanwhile is shown";
+  EXPECT_EQ(window.location.Text(), "X") << "shows the changes that the other user has made meanwhile";
   EXPECT_NE(window.txtDue.Text().find("Latest mileage on file is 1200 on 3/1/2026"), std::string::npos);
   EXPECT_FALSE(Free(id));
   test::Type(window, "Text9", "Never kept");

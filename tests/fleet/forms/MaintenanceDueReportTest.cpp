@@ -65,7 +65,7 @@ TEST_F(MaintenanceDueReport, IsWrittenAndShownOrToldWhyNot) {
   auto& form = Shown();
   EXPECT_EQ(form.txtUsage.Text(), "500");
   EXPECT_EQ(form.Text1.Text(), "3/29/2026");
-  EXPECT_EQ(form.Text1.selectedText(), "3/29/2026") << "marked as the focus comes in";
+  EXPECT_EQ(form.Text1.selectedText(), "3/29/2026") << "marked when the focus comes in";
   test::Type(form, "Text1", "");
   test::Type(form, "txtUsage", "-7x.5");
   EXPECT_EQ(form.txtUsage.Text(), "7.5");

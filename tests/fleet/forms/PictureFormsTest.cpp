@@ -106,7 +106,7 @@ TEST_F(PictureFormsTest, AFileIsHandedOverByItsClickAlready) {
   screen_->Expect("Select a file name before clicking the Select button.", Icon::Information);
   test::Press(form.File1, Qt::Key_Return);
   EXPECT_TRUE(form.File1.hasFocus());
-  EXPECT_EQ(caller_->Photo(), "") << "the focus alone chooses nothing";
+  EXPECT_EQ(caller_->Photo(), "") << "the focus alone does not choose";
 
   ClickFile(form, "truck.jpg");
   EXPECT_EQ(caller_->Photo(), Path("truck.jpg"));

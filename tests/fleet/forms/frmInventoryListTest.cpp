@@ -90,14 +90,14 @@ TEST_F(frmInventoryListTest, RemovesAnAssetAfterItsQuestions) {
   expectQuestions(Answer::No);
   fleet_.AddAsset("CAR-1");
   test::Press(list.Grid(), Qt::Key_Delete);
-  EXPECT_EQ(list.Grid().RecordCount(), 2) << "a refusal leaves the list as it stands";
+  EXPECT_EQ(list.Grid().RecordCount(), 2) << "a refusal leaves the list as it is";
 
   other_.Hold(fleet_.Path(), "SELECT * FROM [Odometer Entries]");
   expectQuestions(Answer::Yes);
   screen_->Expect("Unable to remove asset's odometer readings. Removal cancelled.", Icon::Information);
   test::Press(list.Grid(), Qt::Key_Delete);
   EXPECT_EQ(Count("Vehicles"), "3");
-  EXPECT_EQ(list.Grid().RecordCount(), 3) << "what was taken back is read anew as well";
+  EXPECT_EQ(list.Grid().RecordCount(), 3) << "after a rollback, the list is read again as well";
   other_.Leave();
 
   list.Grid().SetRow(1);
@@ -148,7 +148,7 @@ TEST_F(frmInventoryListTest, AnAssetWithItsWindowOpenElsewhereGoesWhenTheWindowD
   bool alive = true;
   screen_->onSleep = [&](int) {
     if (!std::exchange(alive, false)) return;
-    EXPECT_EQ(Count("Odometer Entries"), "1") << "nothing is gone while the removal waits";
+    EXPECT_EQ(Count("Odometer Entries"), "1") << "nothing is deleted while the removal waits";
     EXPECT_EQ(Count("Vehicles"), "2");
     holder->Signal(SIGKILL);
     holder->Join();

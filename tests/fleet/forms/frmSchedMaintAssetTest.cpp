@@ -67,7 +67,7 @@ TEST_F(frmSchedMaintAssetTest, ALineIsAddedWithTheNextNumber) {
   window.description.setCursorPosition(4);
   QTest::keyClicks(&window.description, "new ");
   EXPECT_EQ(window.description.Text(), "Oil New And Filter");
-  EXPECT_EQ(window.description.cursorPosition(), 8) << "the caret stays where it is typed";
+  EXPECT_EQ(window.description.cursorPosition(), 8) << "the caret stays after the typed text";
   test::Enter(window, "DBCombo1");
   QTest::keyClicks(&window.maintenanceType, "Oil");
 
@@ -100,7 +100,7 @@ TEST_F(frmSchedMaintAssetTest, ANumberInUseIsReplacedAndTheWindowStays) {
   {
     auto& window = Show(id);
     test::Click(window, "OKButton");
-    EXPECT_EQ(ui::FindForm("frmSchedMaintAsset"), nullptr) << "its own number is no other's";
+    EXPECT_EQ(ui::FindForm("frmSchedMaintAsset"), nullptr) << "its own number is not another line's";
   }
   {
     auto& window = Show(id);

@@ -105,7 +105,7 @@ TEST(SingleInstance, TheFirstHearsTheOthersAndALaterOneFollowsItsDeath) {
   EXPECT_EQ(sys::SingleInstance::Claim(), nullptr);
   first.Talk().Say("hang");
   EXPECT_EQ(first.Talk().Hear(), "hung");
-  EXPECT_FALSE(sys::SingleInstance::CallFirstForward()) << "a call alone is no answer";
+  EXPECT_FALSE(sys::SingleInstance::CallFirstForward()) << "a call alone is not an answer";
   first.Talk().Say("go on");
   EXPECT_EQ(first.Talk().Hear(), "ready");
   EXPECT_TRUE(sys::SingleInstance::CallFirstForward());
