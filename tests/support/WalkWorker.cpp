@@ -22,14 +22,14 @@ namespace {
 
 using store::StoreError;
 
-/// Whether an error says that another user is in the way for now.
+/// Whether an error says that another user holds the record for now.
 bool IsRefusal(int number) {
   return number == store::kEditLocked || number == store::kRecordLocked || number == store::kSaveLocked ||
          number == store::kSessionLocked;
 }
 bool IsInUse(int number) { return number == store::kFileInUse || number == store::kOpenedExclusively; }
 
-/// What a transaction meets when another user holds one of its records: it is rolled back.
+/// Ends a transaction when another user holds one of its records: it is rolled back.
 struct Refused {};
 
 class Worker {
@@ -89,7 +89,7 @@ class Worker {
     return "step " + std::to_string(step_) + " (" + kWorkNames[static_cast<std::size_t>(work_)] + "): ";
   }
 
-  /// A message box that stands for a moment: the file is the others' meanwhile.
+  /// A message box that is open for a moment: meanwhile, the file belongs to the others.
   void Wait() {
     store::YieldFiles();
     Nap(Dice(4));
@@ -170,7 +170,7 @@ class Worker {
       TakeBack();
     }
   }
-  /// The work has not come to its end: nothing of it is in the file.
+  /// The work has not finished: the file has nothing of it.
   void TakeBack() {
     for (const auto* cursor : {&rows_, &named_, &maintenance_})
       if (*cursor && (*cursor)->Editing()) (*cursor)->CancelUpdate();
@@ -227,12 +227,12 @@ class Worker {
     }
   }
 
-  /// A fixed row outside the transfers; most often one of the few that everybody wants.
+  /// A fixed row outside the transfers; mostly one of the few that every process uses.
   int FixedRow() {
     if (Dice(4) == 0) return FirstRow(kLarge) + Dice(RowsIn(kLarge));
     return 1 + Dice(FirstRow(kLarge) - 1);
   }
-  /// Or one of those that come and go.
+  /// A fixed row, or one of those that come and go.
   std::int64_t AnyRow() {
     if (Dice(4) != 0 || lastAdded_ <= kFixedRows) return FixedRow();
     return kFixedRows + 1 + Dice(static_cast<int>(lastAdded_) - kFixedRows);
@@ -252,7 +252,7 @@ class Worker {
 
   enum Field { kId, kName, kGroup, kVersion, kToken, kAmount, kNotes };
 
-  /// Takes the row and changes what the cursor has in its edit; 3021 and 3167 say that another has removed
+  /// Begins an edit of the row and changes its fields; 3021 and 3167 mean that another process has deleted
   /// it.
   void Begin(store::Cursor& cursor, std::int64_t row, int amount) {
     cursor.Seek({static_cast<std::int32_t>(row)});
@@ -477,7 +477,7 @@ class Worker {
       throw;
     }
     if (Dice(4) == 0) {
-      // A part may have gone to the disk before.
+      // A part may be on the disk already.
       file_->AbandonGroup();
       return;
     }
@@ -515,7 +515,7 @@ class Worker {
     dw::RunPosting(Dice(2) == 0, {});
     Acknowledge();
   }
-  /// Asks the others to leave, and tries for a while.
+  /// Asks the other processes to close the file, and tries for a while.
   void Compact() {
     Leave();
     dw::SetDataPath(DirectoryName());
