@@ -11,7 +11,7 @@ namespace {
 
 using namespace dialect;
 
-// The engine numbers parameters up to 250,000; a statement with that many literals is no statement.
+// The engine numbers parameters up to 250,000; no real statement has that many literals.
 constexpr std::size_t kMostParameters = 30000;
 
 /// Puts together what the parser has found for one statement.
@@ -135,7 +135,7 @@ class Translator {
     Fragment stored;
     stored.kind = KindOf(column.type);
     stored.text = Stored(value, column);
-    // Doubles are found without regard to case.
+    // Finds doubles without regard to case.
     return distinct ? WithoutCase(stored).text : stored.text;
   }
 

@@ -27,7 +27,7 @@ struct Normalized {
 bool IsQuery(std::string_view source);
 
 /// Takes a statement apart. Throws StoreError 3075 for a character or literal that the dialect does not know:
-/// an open quote or bracket, a # literal that is no date.
+/// an open quote or bracket, a # literal that is not a date.
 Normalized Normalize(std::string_view sql);
 
 enum class StatementKind {
@@ -45,7 +45,7 @@ enum class StatementKind {
 
 struct SourceTable {
   std::string name;       ///< the table's own spelling
-  std::string alias;      ///< how the statement calls it; the name where it says nothing
+  std::string alias;      ///< what the statement calls it; the name if there is no alias
   bool optional = false;  ///< its row may be missing: the far side of an outer join
 };
 
@@ -91,29 +91,29 @@ struct Translation {
 ///
 /// Understood: SELECT [DISTINCT] [TOP n] list FROM tables with INNER, LEFT and RIGHT JOIN … ON, WHERE, GROUP
 /// BY, HAVING, ORDER BY; INSERT INTO t (columns) VALUES (…) or SELECT …; UPDATE t SET …  WHERE; DELETE [*]
-/// FROM t WHERE; ALTER TABLE ADD and DROP COLUMN; CREATE and DROP TABLE and INDEX. Names stand bare or in
-/// brackets; a bracket may hold "table.column" or end in blanks. TRUE, FALSE, NULL, IS [NOT] NULL / TRUE /
-/// FALSE, AND, OR, NOT, comparison,
+/// FROM t WHERE; ALTER TABLE ADD and DROP COLUMN; CREATE and DROP TABLE and INDEX. Names are bare or in
+/// brackets; a bracket may have "table.column" in it or end in blanks. TRUE, FALSE, NULL, IS [NOT] NULL /
+/// TRUE / FALSE, AND, OR, NOT, comparison,
 /// + - * / &, LIKE with * ? #, BETWEEN, IN, and the functions UCASE, LCASE, LEN, LEFT, RIGHT, MID, TRIM, IIF,
-/// ISNULL, NZ, ABS, INT, YEAR, MONTH, DAY, NOW, DATE, COUNT, SUM, AVG, MIN, MAX. A trailing semicolon is let
-/// through.
+/// ISNULL, NZ, ABS, INT, YEAR, MONTH, DAY, NOW, DATE, COUNT, SUM, AVG, MIN, MAX. A trailing semicolon is
+/// accepted.
 ///
-/// Where the meaning is not plain it is an error rather than a guess: dates that are compared with texts or
+/// If the meaning is not plain, that is an error rather than a guess: dates that are compared with texts or
 /// numbers, or calculated with; a column beside a total that is not grouped by; literals in ORDER BY and
 /// GROUP BY; an order that a DISTINCT list lacks; brackets with joins on both sides of a join. A computed
 /// column without AS is called "Expr1000" and so on, by its place in the list.
 ///
-/// Currency columns are amounts in expressions; alone in a list, in MIN, MAX and SUM they come as they stand
-/// in the file, with the type Currency. Texts compare without regard to case, those of literals and functions
-/// too. The SQL uses the functions ucase, lcase, dw_like(pattern, text), dw_now and dw_date, which the
-/// connection provides.
+/// Currency columns are amounts in expressions; alone in a list, and in MIN, MAX and SUM, they come in the
+/// file's own form, with the type Currency. Texts compare without regard to case, those of literals and
+/// functions too. The SQL uses the functions ucase, lcase, dw_like(pattern, text), dw_now and dw_date, which
+/// the connection provides.
 ///
 /// Throws StoreError 3075 for what is not understood (with the place), 3078 for an unknown table, 3061 for an
 /// unknown column, 3079 for a column name that two tables share.
 Translation Translate(const Normalized& statement, const Schema& schema);
 
 /// LIKE, without regard to the case of letters: * any text, ? any one character, # any digit, [a-z] one of a
-/// list, [!a-z] one that is not in the list. A list that is not closed fits nothing.
+/// list, [!a-z] one that is not in the list. A list that is not closed matches nothing.
 bool LikeMatch(std::string_view pattern, std::string_view text);
 
 }  // namespace store

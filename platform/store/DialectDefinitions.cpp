@@ -111,7 +111,7 @@ void Parser::ParseDrop(Statement& statement) {
   statement.target = ParseName();
 }
 
-// `primary` takes a key that the column itself declares; null where none can be declared.
+// `primary` takes a key that the column itself declares; null if none can be declared.
 ColumnInfo Parser::ParseColumnDefinition(IndexInfo* primary) {
   ColumnInfo column;
   column.name = ParseName();

@@ -8,8 +8,8 @@
 namespace store::dialect {
 namespace {
 
-// Text columns are declared to compare without regard to case. Where neither side is such a column, or the
-// side that rules is a column of another kind, the comparison has to say it.
+// Text columns are declared to compare without regard to case. If neither side is such a column, or the side
+// that decides is a column of another kind, the comparison has to say so.
 bool NeedsNoCase(const Fragment& left, const Fragment& right) {
   if (!left.MayBeText() && !right.MayBeText()) return false;
   if (left.IsTextColumn()) return false;
@@ -52,7 +52,7 @@ void Emitter::CheckGrouped(const Expr& expr, const std::vector<std::string>& gro
   if (!whole.hasColumn || std::find(groups.begin(), groups.end(), whole.text) != groups.end()) return;
   if (expr.kind == ExprKind::Column)
     NotUnderstood(key_, expr.place, "A column is neither grouped by nor inside a total");
-  // What stands inside a total may be any column.
+  // Inside a total any column is allowed.
   const bool total = expr.kind == ExprKind::Call && whole.hasAggregate &&
                      std::none_of(expr.operands.begin(), expr.operands.end(), [this](const ExprPtr& operand) {
                        return Emit(*operand, Totals::Allowed).hasAggregate;

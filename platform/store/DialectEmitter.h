@@ -10,7 +10,7 @@
 
 namespace store::dialect {
 
-/// Where an expression stands: whether totals over rows make sense there.
+/// Where an expression is used: whether totals over rows make sense there.
 enum class Totals { Forbidden, Allowed };
 
 class Emitter {
@@ -22,9 +22,9 @@ class Emitter {
   Fragment Emit(const Expr& expr, Totals totals, int first = 0);
   /// A condition for WHERE, ON and HAVING.
   Fragment EmitCondition(const Expr& expr, Totals totals, int first = 0);
-  /// A column that stands alone.
+  /// A column alone.
   Fragment EmitColumn(int table, const ColumnInfo& column) const;
-  /// Throws 3075 where a column is used that is neither grouped by nor inside a total.
+  /// Throws 3075 for a column that is neither grouped by nor inside a total.
   void CheckGrouped(const Expr& expr, const std::vector<std::string>& groups);
 
  private:

@@ -160,7 +160,7 @@ ExprPtr Parser::ParsePrimary() {
     ExpectSign(")");
     return inner;
   }
-  // LEFT and RIGHT are functions where a bracket follows, and joins elsewhere.
+  // LEFT and RIGHT are functions if a bracket follows, and joins elsewhere.
   const bool call = token.kind == TokenKind::Word && Ahead(1).IsSign("(");
   if (call && (AtName() || token.Is("LEFT") || token.Is("RIGHT"))) return ParseCall();
   if (Accept("TRUE")) return Make(ExprKind::True, token.place, {});

@@ -8,7 +8,7 @@
 namespace store::dialect {
 namespace {
 
-// The engine's parser gives up at 100; what stands around an expression takes a dozen.
+// The engine's parser gives up at 100; what surrounds an expression takes a dozen.
 constexpr int kMostWeight = 75;
 constexpr std::size_t kLongest = 200000;
 

@@ -9,7 +9,7 @@
 
 namespace store::dialect {
 
-/// How tightly the outermost operator binds in the file's SQL. An operand that binds more loosely stands in
+/// How tightly the outermost operator binds in the file's SQL. An operand that binds more loosely gets
 /// parentheses.
 enum class Level { Or, And, Not, Compare, Add, Multiply, Join, Atom };
 
@@ -21,12 +21,13 @@ struct Fragment {
   std::string text;
   Level level = Level::Atom;
   ValueKind kind = ValueKind::Unknown;
-  int table = -1;                      ///< of a column that stands alone
+  int table = -1;                      ///< of a column alone
   const ColumnInfo* column = nullptr;  ///< likewise
   const ColumnInfo* typed =
-      nullptr;            ///< a column whose type the value has: itself, or the one under MIN and MAX
-  bool units = false;     ///< Currency in ten-thousandths, as the file has it
-  bool floating = false;  ///< surely no whole number to the engine, so that dividing it keeps the fraction
+      nullptr;         ///< a column whose type the value has: itself, or the one under MIN and MAX
+  bool units = false;  ///< Currency in ten-thousandths, as the file has it
+  bool floating =
+      false;  ///< certainly not a whole number to the engine, so that dividing it keeps the fraction
   bool neverNull = false;
   bool hasColumn = false;
   bool hasAggregate = false;
@@ -36,7 +37,7 @@ struct Fragment {
   bool MayBeText() const { return kind == ValueKind::Text || kind == ValueKind::Unknown; }
 };
 
-/// A piece of a fragment: plain SQL, or a fragment that stands in it as it is.
+/// A piece of a fragment: plain SQL, or a fragment that goes into it unchanged.
 struct Piece {
   Piece(const char* sql) : plain(sql) {}
   Piece(std::string_view sql) : plain(sql) {}
@@ -61,13 +62,13 @@ Fragment AsText(const Fragment& fragment);
 Fragment AsNumber(const Fragment& fragment);
 /// The plain value, to decide with. Throws 3075 for texts, dates and binaries.
 Fragment AsCondition(const Fragment& fragment);
-/// Throws 3075 where a date is compared with something that is none.
+/// Throws 3075 if a date is compared with something that is not a date.
 void CheckComparable(const Fragment& a, const Fragment& b);
 /// A text expression for sorting and grouping without regard to case; columns do that by themselves.
 Fragment WithoutCase(const Fragment& fragment);
 
 /// The expression that stores a value in a column: converted as a recordset converts it, see FitToColumn,
-/// with a statement that fails where the value does not fit. Throws 3075 for a text that is to become a flag,
+/// with a statement that fails if the value does not fit. Throws 3075 for a text that is to become a flag,
 /// and for a date that is to become a text or a number.
 std::string Stored(const Fragment& value, const ColumnInfo& column);
 

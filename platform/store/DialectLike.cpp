@@ -23,7 +23,7 @@ struct Element {
   std::vector<Range> ranges;
 };
 
-// The characters of a text in lower case; a byte that is no UTF-8 counts as a character by itself.
+// The characters of a text in lower case; a byte that is not UTF-8 counts as a character of its own.
 std::u32string Characters(std::string_view text) {
   const std::string lower = rt::LowerCase(text);
   std::u32string result;
@@ -48,7 +48,7 @@ std::u32string Characters(std::string_view text) {
   return result;
 }
 
-// Reads a list behind its bracket, up to and with the closing one. Empty where it is not closed.
+// Reads a list behind its bracket, up to and with the closing one. Empty if it is not closed.
 std::optional<Element> ReadList(const std::u32string& pattern, std::size_t& at) {
   const std::size_t end = pattern.find(U']', at);
   if (end == std::u32string::npos) return std::nullopt;
@@ -83,7 +83,7 @@ std::optional<std::vector<Element>> ReadPattern(const std::u32string& pattern) {
     } else if (character == U'[') {
       auto element = ReadList(pattern, at);
       if (!element) return std::nullopt;
-      // An empty list stands for no character at all.
+      // An empty list matches no character at all.
       if (!element->ranges.empty()) elements.push_back(std::move(*element));
     } else {
       elements.push_back({Part::OneOf, false, {{character, character}}});
@@ -107,7 +107,7 @@ bool LikeMatch(std::string_view pattern, std::string_view text) {
   const auto elements = ReadPattern(Characters(pattern));
   if (!elements) return false;
   const std::u32string characters = Characters(text);
-  // Where a fit fails, the last * takes one character more; earlier ones never need to.
+  // When a match fails, the last * takes one character more; earlier ones never need to.
   std::size_t element = 0;
   std::size_t at = 0;
   std::optional<std::size_t> star;

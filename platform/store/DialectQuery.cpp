@@ -56,8 +56,8 @@ std::string QueryTranslator::Sources(const Source& source) {
   return Join(source);
 }
 
-// The file's engine knows no row numbers for tables inside parentheses, so that all joins are written from
-// left to right. A joined pair on the right side changes places with the single table on the left.
+// The file's engine has no row numbers for tables inside parentheses, so all joins are written from left to
+// right. A joined pair on the right side changes places with the single table on the left.
 std::string QueryTranslator::Join(const Source& source) {
   const int first = scope_.Size();
   std::string left = Sources(*source.left);
@@ -96,7 +96,7 @@ void QueryTranslator::Items(const Query& query, Translation& result) {
     }
     CheckColumns(item.place);
   }
-  // Doubles are found without regard to case, as everywhere.
+  // Finds doubles without regard to case, as everywhere.
   if (query.distinct)
     for (std::size_t i = 0; i < values_.size(); ++i)
       result.columns[i].expression = WithoutCase(values_[i]).text;

@@ -12,21 +12,21 @@ class Scope {
  public:
   explicit Scope(const Schema& schema) : schema_(schema) {}
 
-  /// The table of this name; throws 3078 where the file has none.
+  /// The table of this name; throws 3078 if the file has none.
   const TableInfo& FindTable(std::string_view name) const;
-  /// Adds a table behind those that are there. Throws 3078 where the file has none, 3075 where an earlier one
-  /// is called the same.
+  /// Adds a table behind those that are there. Throws 3078 if the file has none, 3075 if an earlier one has
+  /// the same name.
   void Add(std::string_view name, std::string_view alias);
 
   struct Found {
     int table = 0;
     const ColumnInfo* column = nullptr;
   };
-  /// What a name means among the tables from `first` on. A bracket that holds "table.column" means that
+  /// What a name means among the tables from `first` on. A bracket with "table.column" in it means that
   /// column, unless a column has the whole text as its name. Throws 3061 for an unknown name and 3079 for one
   /// that two tables have.
   Found Resolve(const ColumnName& name, int first = 0) const;
-  /// The table that a statement calls by this name; throws 3061 where there is none.
+  /// The table that a statement calls by this name; throws 3061 if there is none.
   int FindAlias(std::string_view alias) const;
 
   int Size() const { return static_cast<int>(tables_.size()); }
@@ -36,7 +36,7 @@ class Scope {
   const std::vector<SourceTable>& Tables() const { return tables_; }
 
  private:
-  /// A null column where there is no such one.
+  /// A null column if there is no such one.
   Found Look(std::string_view table, std::string_view column, int first) const;
 
   const Schema& schema_;

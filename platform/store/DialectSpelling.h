@@ -12,7 +12,7 @@ namespace store::dialect {
 
 enum class DatePart { Year, Month, Day };
 
-/// One engine's words. The fragments that come back keep whether they can be Null only where it is said.
+/// One engine's words. The returned fragments keep whether they can be Null only where the comment says so.
 class Spelling {
  public:
   virtual ~Spelling() = default;
@@ -48,7 +48,7 @@ class Spelling {
   /// the value.
   virtual Fragment Fitted(const Fragment& value, ColumnType form, const ColumnInfo& column) const = 0;
 
-  /// What follows a query that gives so many rows at most.
+  /// What follows a query that returns so many rows at most.
   virtual std::string Limit(std::int64_t rows) const = 0;
 };
 

@@ -13,7 +13,7 @@ namespace store::dialect {
 
 /// A column as the statement names it.
 struct ColumnName {
-  std::string_view table;   ///< empty where the statement does not say
+  std::string_view table;   ///< empty if the statement does not say
   std::string_view column;  ///< may be "table.column" where the whole stood in one pair of brackets
   bool bracketed = false;
   std::size_t place = 0;
@@ -76,7 +76,7 @@ enum class JoinKind { Inner, Left, Right, Cross };
 struct Source {
   std::size_t place = 0;
   std::string_view table;  ///< empty for a join
-  std::string_view alias;  ///< empty where the statement gives none
+  std::string_view alias;  ///< empty if the statement has none
   JoinKind join = JoinKind::Inner;
   std::unique_ptr<Source> left, right;
   ExprPtr on;  ///< none for Cross

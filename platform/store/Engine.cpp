@@ -42,7 +42,7 @@ void SqliteEngine::Drop(const std::string& path) {
     if (error == ENOENT) throw StoreError(kFileNotFound, "Could not find file '" + path + "'.");
     throw StoreError(kCannotStart, "Could not delete '" + real + "': " + std::strerror(error) + ".");
   }
-  // A journal that stays would be taken for that of the next file of this name.
+  // A journal that stays behind would be applied to the next file of this name.
   unlink((real + "-journal").c_str());
 }
 

@@ -1,5 +1,5 @@
-// What keeps data files. Everything above the store asks an engine, and knows neither what stands beside a
-// file nor how it is written.
+// What keeps data files. Everything above the store asks an engine, and knows neither what is beside a file
+// nor how it is written.
 #pragma once
 
 #include <cstdint>
@@ -22,15 +22,15 @@ struct RecordInUse {
 
 /// Who is in a data file.
 struct FileReport {
-  bool exclusively = false;        ///< one user has it to himself; who it is and what he holds is not known
-  std::vector<RosterEntry> users;  ///< without the one who asks
+  bool exclusively = false;        ///< one user has it exclusively; the user's name and holds are not known
+  std::vector<RosterEntry> users;  ///< without the one that asks
   std::vector<RecordInUse> held;
 };
 
 class Engine {
  public:
-  /// The engine of a file, by the bytes with which it begins. A file that no engine knows, or that is not
-  /// there, gets the one that makes new files: it refuses in words.
+  /// The engine of a file, by the bytes with which it begins. A file that no engine knows, or that does not
+  /// exist, gets the engine that makes new files: it refuses in words.
   static Engine& Of(const std::string& path);
   /// The engine that makes new files.
   static Engine& ForNewFiles();

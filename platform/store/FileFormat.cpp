@@ -21,7 +21,7 @@ namespace {
                    "Unrecognized data base format '" + handle.Path() + "': it is damaged (" + reason + ").");
 }
 
-/// What was never a data file is nothing to be repaired.
+/// What was never a data file cannot be repaired.
 StoreError NotOurs(const std::string& path, const char* reason) {
   return {kNotOurs, "Cannot open data base '" + path + "': " + reason + "."};
 }
@@ -52,7 +52,8 @@ void CheckHeader(Handle& handle) {
   if (!ours) throw NotOurs(handle.Path(), kForeign);
   constexpr unsigned char kJournal = 1;
   constexpr unsigned char kWriteAheadLog = 2;
-  // With a write-ahead log the opening alone would write beside the file, and setting it right into it.
+  // With a write-ahead log, opening alone would write beside the file, and switching it back would write into
+  // it.
   if (header[18] == kWriteAheadLog && header[19] == kWriteAheadLog)
     throw StoreError(kCannotStart, "Could not use '" + handle.Path() +
                                        "'; another program has switched it to a write-ahead log. Close that "

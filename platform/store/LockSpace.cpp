@@ -32,8 +32,8 @@ ByteRange FirstBytes(const RowRange& rows) {
   return {RowStart(rows.hold, rows.table, rows.first), (rows.last - rows.first) * kRowBytes + 1};
 }
 
-// A network file system may answer a question for locks with the question itself, so only those are trusted
-// whose locks the kernel of this machine keeps.
+// A network file system may answer a question for locks with the question itself, so only file systems whose
+// locks the kernel of this machine keeps are trusted.
 bool KeepsLocksInThisKernel(int fd) {
   constexpr std::array<std::uint32_t, 15> kLocal = {
       0xEF53,      // ext2, ext3, ext4
@@ -79,8 +79,8 @@ bool Control(int fd, int command, struct flock* lock) {
   return true;
 }
 
-/// The last of the values from `yes` to below `no` where `test` still holds, if it holds for a first stretch
-/// only; any such border if there are several.
+/// The last of the values from `yes` to below `no` for which `test` is true, if it is true for a first
+/// stretch only; any such border if there are several.
 template <typename Test>
 std::int64_t LastWhere(std::int64_t yes, std::int64_t no, Test test) {
   while (no - yes > 1) {
@@ -122,7 +122,7 @@ void LockSpace::Unlock(const ByteRange& bytes) const {
 void LockSpace::UnlockBetween(Hold hold, int table, std::int64_t after, std::int64_t before) const {
   const std::int64_t start = after < 0 ? TableStart(hold, table) : RowStart(hold, table, after) + slot_ + 1;
   const std::int64_t length = RowStart(hold, table, before) - start;
-  // A length of 0 would not mean nothing but everything.
+  // A length of 0 would mean everything, not nothing.
   if (length > 0) Unlock({start, length});
 }
 
@@ -138,7 +138,7 @@ bool LockSpace::OthersIn(const ByteRange& bytes) const { return Ask(bytes).has_v
 std::optional<Conflict> LockSpace::Find(const RowRange& rows) const {
   while (const std::optional<ByteRange> found = Ask(FirstBytes(rows))) {
     if (!lengthsTold_) {
-      // A lock that went away between the questions leaves those to be found that stay.
+      // If a lock went away between the questions, the next round finds those that stay.
       if (const std::optional<Conflict> told = FindByBytes(rows)) return told;
       continue;
     }
@@ -154,15 +154,14 @@ std::optional<Conflict> LockSpace::FindByBytes(const RowRange& rows) const {
   const auto othersUpTo = [&](std::int64_t row) {
     return OthersIn(FirstBytes({rows.hold, rows.table, rows.first, row}));
   };
-  // A single lock never has its row's last byte, so this byte tells that a lock goes on into the next row.
+  // A single lock never covers its row's last byte, so this byte shows that a lock goes on into the next row.
   const auto goesOn = [&](std::int64_t row) {
     return row >= 0 && OthersIn({RowStart(rows.hold, rows.table, row) + kRowBytes - 1, 1});
   };
   const std::int64_t first =
       1 + LastWhere(rows.first - 1, rows.last, [&](std::int64_t row) { return !othersUpTo(row); });
   const bool wide = goesOn(first) || goesOn(first - 1);
-  // Only one owner can have locks over several rows of a table, so the end of any of them tells whose they
-  // are.
+  // Only one owner can have locks over several rows of a table, so the end of any of them shows the owner.
   const std::int64_t end = goesOn(first) ? 1 + LastWhere(first, kLastRow + 1, goesOn) : first;
   const std::int64_t endStart = RowStart(rows.hold, rows.table, end);
   if (!OthersIn({endStart, 1})) return std::nullopt;
@@ -182,7 +181,7 @@ std::vector<Conflict> LockSpace::FindAll(const RowRange& rows) const {
       const std::optional<Conflict> found = Find(next);
       if (!found) break;
       all.push_back(*found);
-      // The kernel lists the locks owner by owner, so another owner's may well lie before the one it names.
+      // The kernel lists the locks owner by owner, so another owner's may well be before the one it names.
       if (found->first > next.first) unasked.push_back({next.hold, next.table, next.first, found->first - 1});
       next.first = found->last + 1;
     }

@@ -1,9 +1,9 @@
-// The byte ranges of a side file that stand for its users and records, as one open file description sees
+// The byte ranges of a side file that represent its users and records, as one open file description sees
 // them.
 //
-// Below 2^40 lie the share byte and one byte for each slot of the roster. Each table has the 2^40 bytes from
+// Below 2^40 are the share byte and one byte for each slot of the roster. Each table has the 2^40 bytes from
 // its number times 2^40, each row 256 of them, and an owner locks the first slot + 1: so the length of a lock
-// tells whose it is. A transaction's locks lie 2^61 higher than a window's. A lock over several rows ends
+// shows whose it is. A transaction's locks are 2^61 higher than a window's. A lock over several rows ends
 // slot + 1 bytes into its last row.
 #pragma once
 
@@ -47,11 +47,11 @@ struct Conflict {
   Hold hold = Hold::Edit;
   std::int64_t first = 0;
   std::int64_t last = 0;
-  int slot = -1;            ///< -1 where the lock went away before its owner could be told
+  int slot = -1;            ///< -1 if the lock went away before its owner could be identified
   bool wholeTable = false;  ///< a part of a lock on a whole table
 };
 
-/// How the locks of other owners are told apart.
+/// How the locks of other owners are distinguished.
 enum class LengthTrust {
   Automatic,  ///< by their lengths on file systems known to be local, elsewhere by questions for single bytes
   Never,      ///< by questions for single bytes everywhere
@@ -62,7 +62,7 @@ enum class LengthTrust {
 class LockSpace {
  public:
   explicit LockSpace(int fd);
-  /// For what is opened from now on; tests use it to walk the way of network file systems on a local one.
+  /// For what is opened from now on; tests use it to take the path for network file systems on a local one.
   static void SetLengthTrust(LengthTrust trust);
 
   /// The slot whose lengths this owner's row locks get.
@@ -71,7 +71,7 @@ class LockSpace {
   bool TryLockForReading(const ByteRange& bytes) const;
   bool TryLock(const ByteRange& bytes) const;
   bool TryLock(const RowRange& rows) const;
-  /// Never fails for the caller: what cannot be unlocked goes with the file's closing.
+  /// Never fails for the caller: what cannot be unlocked is unlocked when the file closes.
   void Unlock(const ByteRange& bytes) const;
   /// Unlocks the rows that lie strictly between two rows and leaves locks on those two as they are, each
   /// ending as a single lock would. `after` may be -1 and `before` kLastRow + 1.
@@ -81,8 +81,8 @@ class LockSpace {
   bool OthersIn(const ByteRange& bytes) const;
   /// One lock of another owner in these rows, not always the first one.
   std::optional<Conflict> Find(const RowRange& rows) const;
-  /// All locks of other owners in these rows, in order. Where lengths cannot be trusted nothing behind a lock
-  /// on a whole table is found.
+  /// All locks of other owners in these rows, in order. If lengths cannot be trusted, finds nothing behind a
+  /// lock on a whole table.
   std::vector<Conflict> FindAll(const RowRange& rows) const;
 
  private:

@@ -59,7 +59,7 @@ StoreError Refusal(const std::string& dataFile, Share wanted, const std::vector<
   return {wantedShared ? kOpenedExclusively : kFileInUse, text + "."};
 }
 
-/// -1 where it cannot be opened.
+/// -1 if it cannot be opened.
 int OpenSideFile(const std::string& path, const std::string& dataFile) {
   // In a directory with the sticky bit the kernel may refuse to "create" a file of another user that is there
   // already.
@@ -67,7 +67,7 @@ int OpenSideFile(const std::string& path, const std::string& dataFile) {
   if (fd < 0 && errno == ENOENT) fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) return fd;
   // Whoever may write the data file must be able to write its side file, whatever this process's mask says.
-  // Where its group is not this user's to give, whoever is refused hears what helps.
+  // If this user may not set its group, the refusal tells the others what helps.
   struct stat data {};
   if (stat(dataFile.c_str(), &data) == 0) GiveRights(fd, data);
   return fd;
@@ -81,7 +81,7 @@ std::string_view Fitting(std::string_view name) {
   return name.substr(0, length);
 }
 
-/// All opens of this process, so that a hold of its own can be told from one of another process.
+/// All opens of this process, to distinguish a hold of its own from one of another process.
 std::vector<const SideFile*>& OpenHere() {
   static std::vector<const SideFile*> open;
   return open;
@@ -126,14 +126,13 @@ std::unique_ptr<SideFile> SideFile::Enter(const std::string& dataFile, Share sha
     if (!side->TryShare()) {
       inside = side->Roster();
       if (inside.empty() || (inside.front().computer + inside.front().user).empty()) {
-        // The other one is either leaving, and then gone in a moment, or entering, and then to be named in a
-        // moment.
+        // The other user is either leaving, and gone in a moment, or entering, and has a name in a moment.
         std::this_thread::sleep_for(kEntryNap);
         continue;
       }
       if (!side->TryShare()) throw Refusal(dataFile, share, inside);
     }
-    // The last one out may have removed the file after it was opened here; others would then meet in a new
+    // The last user out may have removed the file after it was opened here; others would then meet in a new
     // one.
     if (!side->IsCurrent()) continue;
     side->TakeSlot(dataFile, computer, user);
@@ -143,8 +142,8 @@ std::unique_ptr<SideFile> SideFile::Enter(const std::string& dataFile, Share sha
   throw Refusal(dataFile, share, inside);
 }
 
-// A roster of its own, which nobody else sees; and a look at that of the others, where there is one. False
-// where one of them has the file to himself.
+// A roster of its own, which nobody else sees; and a look at that of the others, if there is one. False if
+// one of them has the file exclusively.
 bool SideFile::Watch() {
   watch_ = open(path_.c_str(), O_RDONLY | O_CLOEXEC);
   if (watch_ >= 0 && !LockSpace(watch_).TryLockForReading(kShareByte)) return false;
@@ -195,16 +194,17 @@ SideFile::~SideFile() {
   if (fd_ < 0) return;
   if (state_) {
     const LockSpace& locks = state_->locks;
-    // Until the next one in this slot has written its names, these would be taken for them.
+    // Until the next user of this slot writes its names, others would read these instead.
     if (slot_ >= 0) WriteSlot({slot_, {}, {}});
     // Unlocked although closing would do: a child that was forked may have the file open still. The share
-    // byte comes last, for a newcomer takes whoever refuses it and is in the roster for one who stays.
+    // byte comes last, because a newcomer that is refused takes whoever is in the roster for somebody who
+    // stays.
     locks.Unlock({kShareByte.start + 1, 0});
     locks.Unlock(kShareByte);
     try {
       if (locks.TryLock(kShareByte) && IsCurrent()) unlink(path_.c_str());
     } catch (const StoreError&) {
-      // The file stays and is used again by the next one.
+      // The file stays and the next user uses it again.
     }
     locks.Unlock(kShareByte);
   }

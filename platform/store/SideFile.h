@@ -29,7 +29,7 @@ struct RosterEntry {
 };
 
 struct Holder {
-  int slot = 0;  ///< -1, with empty names, where the holder let go before it could be told
+  int slot = 0;  ///< -1, with empty names, if the holder let go before it could be identified
   std::string computer;
   std::string user;
   Hold hold = Hold::Edit;
@@ -39,17 +39,17 @@ struct Holder {
 
 struct HeldRecord {
   int table = 0;
-  std::int64_t row = 0;  ///< 0 where a whole table is held
+  std::int64_t row = 0;  ///< 0 if a whole table is held
   Holder holder;
 };
 
-/// What tells a file from another one that gets its name.
+/// What distinguishes a file from another one that gets its name.
 struct FileId {
   std::uint64_t device = 0;
   std::uint64_t number = 0;
   bool operator==(const FileId&) const = default;
 };
-/// Nothing where no file of that name can be reached.
+/// Nothing if no file of that name can be reached.
 std::optional<FileId> IdOf(const std::string& path);
 
 /// One open of a data file, with a slot in the roster and the records that this open holds. An object of this
@@ -60,14 +60,14 @@ class SideFile {
   /// Joins the users of `dataFile`. Throws StoreError 3045 when `share` is Exclusive and others are in, 3356
   /// when another has it exclusively, 3044 when the directory is gone, 3051 when the side file cannot be made
   /// or written (3026 for a full disk), and 3045 when all 255 slots are taken.
-  /// Who only reads, where no side file can be made or written, is in no roster and holds nothing; he keeps
-  /// out those who want the file to themselves if there is a side file that he can read.
+  /// A reader that can neither make nor write a side file is in no roster and holds nothing; if there is a
+  /// side file that it can read, it keeps out those who want the file exclusively.
   static std::unique_ptr<SideFile> Enter(const std::string& dataFile, Share share,
                                          const std::string& computer, const std::string& user,
                                          bool onlyReads = false);
   /// The side file's path: the data file's with the ending ".LDB" instead of its own.
   static std::string PathFor(const std::string& dataFile);
-  /// Leaves; the last one out removes the side file.
+  /// Leaves; the last user out removes the side file.
   ~SideFile();
   SideFile(const SideFile&) = delete;
   SideFile& operator=(const SideFile&) = delete;
@@ -75,29 +75,29 @@ class SideFile {
   /// Makes sure that the others still meet in this side file; to be called when a write begins. If somebody
   /// has removed it, enters the new one. Throws StoreError 3044 when the data file is gone or replaced, 3197
   /// as long as records are held that others may have taken in the new side file, 3051 when others are in it
-  /// who leave no room for this sharing.
+  /// whose sharing excludes this one.
   void Renew();
 
   int Slot() const { return slot_; }
   Share Sharing() const { return share_; }
 
   /// Takes the record for this owner. False when another owner holds it in either way (an Edit conflicts with
-  /// an Edit and with a Transaction, and so on); `refused` then tells who. Taking a record twice needs two
-  /// Releases. In Exclusive sharing nothing can conflict and only the count is kept. Tables run from 1 to
+  /// an Edit and with a Transaction, and so on); `refused` then names the owner. Taking a record twice needs
+  /// two Releases. In Exclusive sharing nothing can conflict and only the count is kept. Tables run from 1 to
   /// 2^20 - 1 and rows from 0 to 2^32 - 2; 3000 for others.
   bool Take(Hold hold, int table, std::int64_t row, Holder* refused);
   /// Undoes one Take; without effect on a record that is not held.
   void Release(Hold hold, int table, std::int64_t row);
-  /// A Transaction hold on the whole table holds its records too, but those that were others' when it was
+  /// A Transaction hold on the whole table holds its records too, except those that others held when it was
   /// taken.
   bool Holds(Hold hold, int table, std::int64_t row) const;
 
   /// Who else holds the record, if anyone does.
   std::optional<Holder> WhoHolds(int table, std::int64_t row) const;
 
-  /// Takes a Transaction hold on all of the table's records but those that others hold, and gives those
-  /// others' rows (in either way of holding). While this stands, nobody else can take a record of the table.
-  /// A whole-table hold of another owner is given back as an entry with row 0 and nothing is taken. Once for
+  /// Takes a Transaction hold on all of the table's records except those that others hold, and returns the
+  /// rows of those (in either way of holding). While this stands, nobody else can take a record of the table.
+  /// A whole-table hold of another owner is returned as an entry with row 0, and nothing is taken. Once for
   /// each table; ReleaseTable ends it and also every single Transaction hold on that table.
   std::vector<HeldRecord> TakeTable(int table);
   bool HoldsTable(int table) const;
@@ -105,8 +105,8 @@ class SideFile {
   /// Ends every Transaction hold of this owner.
   void ReleaseTransaction();
   /// Turns the whole-table holds on these tables into holds of just the named records, without a gap in which
-  /// another could take them. Records that were taken singly stay held, and so do other tables. A named
-  /// record that no whole-table hold includes is passed over.
+  /// another could take them. Records that were taken singly stay held, and so do other tables. Skips a named
+  /// record that no whole-table hold includes.
   void Narrow(const std::map<int, std::vector<std::int64_t>>& rowsByTable);
 
   /// Shows the others that this owner waits for the file or for a record, or no longer does.
@@ -134,13 +134,13 @@ class SideFile {
   /// Whether another open of this data file in this process has the slot.
   bool IsOwnSlot(int slot) const;
 
-  std::string path_;  ///< empty for one who is in no roster
+  std::string path_;  ///< empty for a user who is in no roster
   std::string dataFile_;
   std::string computer_;
   std::string user_;
   std::optional<FileId> data_;  ///< the data file at the entry, if there was one
   int fd_ = -1;
-  int watch_ = -1;  ///< the side file of the others, for one who is in no roster
+  int watch_ = -1;  ///< the side file of the others, for a user who is in no roster
   int slot_ = -1;
   Share share_ = Share::Shared;
   struct State;

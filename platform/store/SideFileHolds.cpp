@@ -1,4 +1,4 @@
-// The records that an open of a data file holds.
+// The records that one open of a data file holds.
 #include <algorithm>
 #include <chrono>
 #include <string>
@@ -13,7 +13,7 @@ namespace store {
 namespace {
 
 constexpr int kTries = 20;
-// Longer than any owner needs to find out that it came too late and to unlock again.
+// Longer than any owner needs to notice that it came too late and to unlock again.
 constexpr int kPatientTries = 100;
 constexpr std::chrono::microseconds kNap{200};
 
@@ -50,7 +50,7 @@ std::set<std::int64_t> SideFile::State::SingleRows(int table) const {
 }
 
 void SideFile::State::KeepOnly(int table, const std::set<std::int64_t>& rows) const {
-  // From the end, because the kernel walks an owner's locks in ascending order: so each step is over at the
+  // From the end, because the kernel walks an owner's locks in ascending order: so each step ends at the
   // first one.
   std::int64_t before = kLastRow + 1;
   for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
@@ -75,7 +75,7 @@ std::optional<Conflict> SideFile::State::LockFree(Hold hold, const Record& recor
     if (!held) return std::nullopt;
     locks.UnlockBetween(hold, record.first, record.second - 1, record.second + 1);
     last = *held;
-    // Two owners that came at the same moment would meet again without an unequal pause.
+    // Two owners that came at the same moment would collide again without an unequal pause.
     std::this_thread::sleep_for(std::chrono::microseconds((held->slot + 1) % 8 * 50));
   }
   return last;
@@ -83,7 +83,7 @@ std::optional<Conflict> SideFile::State::LockFree(Hold hold, const Record& recor
 
 std::optional<Conflict> SideFile::State::LockOwn(Hold hold, const Record& record) const {
   const RowRange own = Single(hold, record);
-  // Whoever is in the way has not yet seen this owner's other hold and is about to give up.
+  // The owner in the way has not yet seen this owner's other hold and is about to give up.
   for (int attempt = 0; attempt < kPatientTries; ++attempt) {
     if (locks.TryLock(own)) return std::nullopt;
     std::this_thread::sleep_for(kNap);
@@ -99,7 +99,7 @@ std::optional<Conflict> SideFile::State::LockAround(RowRange rows,
     if (!held) continue;
     if (held->wholeTable) return held;
     foreign->emplace(held->first, *held);
-    // In ascending order, so that of two owners who want the whole table only one gets the first rows.
+    // In ascending order, so that of two owners that want the whole table only one gets the first rows.
     if (const auto whole = LockAround({rows.hold, rows.table, rows.first, held->first - 1}, foreign))
       return whole;
     rows.first = held->first + 1;
@@ -130,7 +130,7 @@ bool SideFile::Take(Hold hold, int table, std::int64_t row, Holder* refused) {
   if (share_ == Share::Shared && !(covered && hold == Hold::Transaction)) {
     const bool own = covered || state_->CountsOf(Other(hold)).contains(record);
     if (const auto held = own ? state_->LockOwn(hold, record) : state_->LockFree(hold, record)) {
-      // A hold on the whole table is named before an edit of the same owner, whichever was met first.
+      // Reports a hold on the whole table rather than an edit of the same owner, whichever was found first.
       if (refused) *refused = WhoHolds(table, row).value_or(HolderOf(*held));
       return false;
     }
@@ -171,8 +171,8 @@ std::vector<HeldRecord> SideFile::TakeTable(int table) {
     return {};
   }
   Renew();
-  // A record in somebody's edit is left out, so that its owner can write it. The others are looked for here
-  // only because finding them first takes fewer calls than being refused by each.
+  // Leaves out a record that somebody edits, so that its owner can write it. Looks for the others only
+  // because finding them first takes fewer calls than being refused by each.
   std::map<std::int64_t, Conflict> known = state.Foreign(Hold::Transaction, table);
   known.merge(state.Foreign(Hold::Edit, table));
   std::map<std::int64_t, Conflict> foreign;

@@ -1,4 +1,4 @@
-// What an open side file remembers of its own locks; the kernel cannot be asked for them.
+// What an open side file remembers of its own locks, because the kernel cannot be asked for them.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 namespace store {
 
 struct SideFile::State {
-  /// Table and row, so that a table's rows stand together.
+  /// Table and row, so that a table's rows are together.
   using Record = std::pair<int, std::int64_t>;
   using Counts = std::map<Record, int>;
 
@@ -28,12 +28,12 @@ struct SideFile::State {
   /// Unlocks all of the table's transaction range but these rows, without touching the locks on them.
   void KeepOnly(int table, const std::set<std::int64_t>& rows) const;
 
-  /// Locks a row that nobody is known to hold; gives who holds it otherwise.
+  /// Locks a row that nobody is known to hold; otherwise returns the holder.
   std::optional<Conflict> LockFree(Hold hold, const Record& record) const;
   /// Locks a row that nobody else can come to hold.
   std::optional<Conflict> LockOwn(Hold hold, const Record& record) const;
-  /// Locks the rows of the range but those that others hold, which are added to `foreign`; gives the holder
-  /// of the whole table if there is one and leaves the rest as it is then.
+  /// Locks the rows of the range except those that others hold, which are added to `foreign`; if another
+  /// owner holds the whole table, returns that holder and leaves the rest as it is.
   std::optional<Conflict> LockAround(RowRange rows, std::map<std::int64_t, Conflict>* foreign) const;
   /// What others hold of the table in this way, by its first row.
   std::map<std::int64_t, Conflict> Foreign(Hold hold, int table) const;

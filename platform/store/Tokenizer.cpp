@@ -151,7 +151,7 @@ class Normalizer {
       digits();
     }
     if (at_ < sql_.size() && IsWordPart(sql_[at_])) Refuse(sql_, begin, "A number runs into a name");
-    // The digits behind TOP and the sizes of columns shape the statement; they are no values of it.
+    // The digits behind TOP and the sizes of columns shape the statement; they are not values of it.
     if (afterTop_ || definition_) {
       if (!whole) Refuse(sql_, begin, "A whole number is needed");
       Keep(begin, at_);
@@ -212,7 +212,7 @@ class Normalizer {
   bool blank_ = false;
   bool afterName_ = false;  // a dot that follows at once joins two names
   bool afterTop_ = false;
-  bool definition_ = false;  // CREATE and ALTER hold sizes and no values
+  bool definition_ = false;  // CREATE and ALTER have sizes and no values
   Normalized result_;
 };
 
@@ -271,7 +271,7 @@ std::vector<Token> Tokenize(std::string_view key) {
 void NotUnderstood(std::string_view key, std::size_t place, std::string_view reason) {
   std::string text = reason.empty() ? "The statement is not understood" : std::string(reason);
   if (place >= key.size()) throw StoreError(kSyntax, text + " at its end.");
-  // Literals stand in the key as a '?' with a letter; the letter would only puzzle the reader.
+  // In the key a literal is a '?' with a letter; the letter would only puzzle the reader.
   std::string shown;
   for (std::size_t at = place; at < key.size() && (shown.size() < 40 || IsContinuation(key[at])); ++at) {
     shown.push_back(key[at]);

@@ -13,7 +13,7 @@ namespace store::dialect {
 enum class TokenKind {
   End,
   Word,       ///< bare: a keyword, a name or a function
-  Bracket,    ///< a name in brackets; `text` is what stands between them, without blanks at its end
+  Bracket,    ///< a name in brackets; `text` is what is between them, without blanks at its end
   Parameter,  ///< a literal that was taken out; `text` is its type's letter
   Number,     ///< a number that belongs to the statement's shape: behind TOP, or the size of a column
   Sign,       ///< one of ( ) , ; . * + - / & = < > <= >= <>
