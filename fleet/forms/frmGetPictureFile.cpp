@@ -87,7 +87,12 @@ void frmGetPictureFile::LayOut() {
   all->addLayout(ui::ButtonRow({&cmdScan, &cmdSelect, &cmdRemove, &cmdCancel}));
   ui::TabOrder({&Drive1, &Dir1, &File1, &optCreditCard, &optPage, &optCam, &chkPreview, &chkTrace, &cmdScan,
                 &cmdSelect, &cmdRemove, &cmdCancel});
-  // After the sizes have become one group, so that the Tab key stops only at the chosen one.
+  // The Tab key stops at the chosen size alone.
+  for (QRadioButton* size : {&optCreditCard, &optPage, &optCam}) {
+    size->setFocusPolicy(Qt::ClickFocus);
+    connect(size, &QRadioButton::toggled, size,
+            [size](bool on) { size->setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus); });
+  }
   optPage.setChecked(true);
   SetDefault(&cmdSelect);
   SetCancel(&cmdCancel);

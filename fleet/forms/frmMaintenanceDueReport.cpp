@@ -30,7 +30,8 @@ frmMaintenanceDueReport::frmMaintenanceDueReport()
   column->addLayout(rows);
   column->addStretch(1);
   column->addLayout(ui::ButtonRow({cmdProceed, cmdCancel}));
-  setMinimumWidth(fontMetrics().averageCharWidth() * 48);
+  // The title fits beside the buttons of the frame.
+  setMinimumWidth(fontMetrics().averageCharWidth() * 64);
 
   Text1.SelectOnEntry();
   Text1.onEnter = [this] {

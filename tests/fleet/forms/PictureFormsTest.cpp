@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "data/BrackenfelGlobals.h"
 #include "fleet/forms/PictureForms.h"
@@ -94,6 +96,23 @@ class PictureFormsTest : public testing::Test {
   Caller* caller_ = nullptr;  ///< a form, so it is unloaded with the others
   test::FormsEnd end_;
 };
+
+TEST_F(PictureFormsTest, TabGoesThroughTheWindowAndStopsAtTheChosenScanSizeAlone) {
+  auto& form = OpenGet();
+  test::Enter(form, "Drive1");
+  std::vector<std::string> stops;
+  for (int i = 0; i < 9; ++i) {
+    QWidget* focus = QApplication::focusWidget();
+    ASSERT_NE(focus, nullptr);
+    stops.push_back(focus->objectName().toStdString());
+    test::Press(*focus, Qt::Key_Tab);
+  }
+  // Without a scanner "cmdScan" is out of use.
+  const std::vector<std::string> inOrder = {"Drive1",   "Dir1",      "File1",     "optPage",  "chkPreview",
+                                            "chkTrace", "cmdSelect", "cmdRemove", "cmdCancel"};
+  EXPECT_EQ(stops, inOrder);
+  EXPECT_TRUE(form.Drive1.hasFocus()) << "and round again";
+}
 
 TEST_F(PictureFormsTest, AFileIsHandedOverByItsClickAlready) {
   auto& form = OpenGet();
