@@ -1,7 +1,5 @@
 #include "costing/PostTransaction.h"
 
-#include <exception>
-
 #include "data/BrackenfelGlobals.h"
 #include "data/GenericTools.h"
 #include "platform/runtime/Clock.h"
@@ -9,35 +7,6 @@
 #include "platform/screen/Screen.h"
 
 namespace dw {
-namespace {
-
-/// An engine transaction that an error rolls back completely.
-class RowTransaction {
- public:
-  explicit RowTransaction(dao::Workspace& workspace) : workspace_(workspace) { workspace_.BeginTrans(); }
-  ~RowTransaction() {
-    if (committed_) return;
-    try {
-      workspace_.RollbackTrans();
-    } catch (const std::exception&) {
-      // The earlier error is the one to report.
-    }
-  }
-  RowTransaction(const RowTransaction&) = delete;
-  RowTransaction& operator=(const RowTransaction&) = delete;
-
-  void Commit() {
-    workspace_.CommitTrans(dao::Commit::WithGroup);
-    committed_ = true;
-  }
-
- private:
-  dao::Workspace& workspace_;
-  bool committed_ = false;
-};
-
-}  // namespace
-
 void RequireDataFile() {
   if (FileExists(DataFile)) return;
   throw dao::StoreError(store::kPathNotFound,
@@ -47,10 +16,10 @@ void RequireDataFile() {
 TransactionPoster::TransactionPoster(dao::Workspace& workspace, dao::Database& database,
                                      dao::Recordset& transactions, const Accumulators& accumulators)
     : workspace_(workspace),
-      database_(database),
       transactions_(transactions),
       fields_(transactions),
-      tables_(CostTablesOf(accumulators)) {
+      tables_(CostTablesOf(accumulators)),
+      fuelTypes_(database) {
   for (const char* column : {"Internal Fuel Cost", "Oil Cost", "Internal Time Cost", "Parts Cost"}) {
     internalCosts_.push_back(transactions.FieldIndex(column));
   }
@@ -66,10 +35,10 @@ bool TransactionPoster::Waiting() {
 
 bool TransactionPoster::PostTransaction(PostingCounts& counts) {
   const rt::Value assetID = transactions_.Get(fields_.assetID);
-  const std::optional<rt::Value> fuelType = FuelTypeOf(assetID);
+  const std::optional<rt::Value> fuelType = fuelTypes_.Of(assetID);
   if (!fuelType) return false;
 
-  RowTransaction row(workspace_);
+  RowTransaction row(workspace_, dao::Commit::WithGroup);
   std::int16_t error = 0;
   DaoEditRecord(transactions_, error);
   if (error != 0) {
@@ -91,27 +60,13 @@ bool TransactionPoster::PostTransaction(PostingCounts& counts) {
   transactions_.Set(fields_.whenPosted, rt::Now());
   WriteTotals();
   // Somebody may have changed the asset during the wait for the record.
-  const CostFigures figures = fields_.Read(transactions_, FuelTypeOf(assetID).value_or(*fuelType));
+  const CostFigures figures = fields_.Read(transactions_, fuelTypes_.Of(assetID).value_or(*fuelType));
   for (CostTable& table : tables_) table.Post(figures, counts);
   DaoUpdateRecord(transactions_);
   const bool stored = !transactions_.Editing();
   if (!stored) transactions_.CancelUpdate();
   row.Commit();
   return stored;
-}
-
-std::optional<rt::Value> TransactionPoster::FuelTypeOf(const rt::Value& assetID) {
-  const std::uint64_t glance = database_.Glance();
-  if (glance == 0 || glance != glance_) fuelTypes_.clear();
-  glance_ = glance;
-  const auto known = fuelTypes_.find(assetID.Shown());
-  if (known != fuelTypes_.end()) return known->second;
-  const DaoRecordsetPtr asset =
-      database_.OpenRecordset(AssetQuery(assetID), dao::RecordsetType::Dynaset, dao::Access::ReadOnly);
-  std::optional<rt::Value> fuelType;
-  if (!asset->AtEnd()) fuelType = asset->Get("Fuel Type");
-  fuelTypes_.emplace(assetID.Shown(), fuelType);
-  return fuelType;
 }
 
 void TransactionPoster::WriteTotals() {

@@ -1,14 +1,11 @@
 // Posting of one transaction: its totals, its time of posting, and its share of the five cost tables.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "costing/CostRows.h"
 #include "costing/Posting.h"
+#include "costing/RowGroup.h"
 
 namespace dw {
 
@@ -32,21 +29,16 @@ class TransactionPoster {
   bool PostTransaction(PostingCounts& counts);
 
  private:
-  /// The fuel type of an asset on file; empty if there is no such asset.
-  std::optional<rt::Value> FuelTypeOf(const rt::Value& assetID);
   void WriteTotals();
   rt::Value SumOf(const std::vector<int>& columns);
 
   dao::Workspace& workspace_;
-  dao::Database& database_;
   dao::Recordset& transactions_;
   TransactionFields fields_;
   std::vector<CostTable> tables_;
   std::vector<int> internalCosts_;
   std::vector<int> outsideCosts_;
-  /// The fuel types of the assets in this group, kept for as long as nobody else can have changed them.
-  std::unordered_map<std::string, std::optional<rt::Value>> fuelTypes_;
-  std::uint64_t glance_ = 0;
+  AssetFuelTypes fuelTypes_;
 };
 
 }  // namespace dw

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <chrono>
-#include <exception>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "costing/CostRows.h"
 #include "costing/PostTransaction.h"
+#include "costing/RowGroup.h"
 #include "data/Attempt.h"
 #include "data/MainFile.h"
 #include "platform/runtime/RuntimeError.h"
@@ -34,27 +34,6 @@ void TellStatus(const PostingProgress& progress, const char* text) {
 void TellPercent(const PostingProgress& progress, int percent) {
   if (progress.percent) progress.percent(percent);
 }
-
-/// The rows that share a physical commit. What is committed stays so when an error ends the run.
-class Group {
- public:
-  explicit Group(dao::Workspace& workspace) : workspace_(workspace) {}
-  ~Group() {
-    try {
-      Finish();
-    } catch (const std::exception&) {
-      // The earlier error is the one to report.
-    }
-  }
-  Group(const Group&) = delete;
-  Group& operator=(const Group&) = delete;
-
-  void Enter() { workspace_.EnterGroup(); }
-  void Finish() { workspace_.FinishGroup(); }
-
- private:
-  dao::Workspace& workspace_;
-};
 
 /// RequireDataFile for a loop: looks every few milliseconds at most.
 class FileWatch {
@@ -85,7 +64,7 @@ std::string PlaceOf(dao::Recordset& transactions) {
 /// Posts the row unless it is posted already. The row that was read may be out of date, because another run
 /// may be at work. Inside the group nobody else can change it, so a second look there decides, and no row is
 /// counted twice.
-bool PostIfWaiting(TransactionPoster& poster, Group& group, PostingCounts& counts) {
+bool PostIfWaiting(TransactionPoster& poster, RowGroup& group, PostingCounts& counts) {
   if (!poster.Waiting()) return false;
   group.Enter();
   return poster.Waiting() && poster.PostTransaction(counts);
@@ -103,7 +82,7 @@ void PostEachRow(MainFile& file, dao::Recordset& transactions, const Accumulator
     transactions.MoveFirst();
     rows = transactions.RecordCount();
   }
-  Group group(file.Workspace());
+  RowGroup group(file.Workspace());
   FileWatch watch;
   while (!transactions.AtEnd()) {
     ++counts.seen;

@@ -20,8 +20,10 @@ bool UnpostTransaction(dao::Recordset& transaction);
 bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction,
                            const std::function<void()>& beforeUpdate = {});
 
-/// Unposts every posted transaction of every asset. Calls `progress` after each row with the percentage of
-/// rows seen, so that a window can show the progress.
+/// Unposts every posted transaction of every asset. The rows share commits, and a row is in the same one as
+/// its five cost rows unless somebody has to be waited for in between. A row that two runs meet is unposted
+/// once. Throws StoreError for an engine error; every row that was unposted before it stays so. Calls
+/// `progress` after each row with the percentage of rows seen, so that a window can show the progress.
 void UnpostAll(const std::function<void(int percent)>& progress = {});
 
 }  // namespace dw

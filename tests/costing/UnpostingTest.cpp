@@ -215,6 +215,68 @@ TEST(Unposting, AllGoesOverEveryAssetAndTellsWhatIsHeld) {
   EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"SOLD"}, "Total Internal Cost"), "26.1234");
 }
 
+std::string PostedRows(test::SmallFleet& fleet) {
+  return fleet.Ask("SELECT COUNT(*) FROM [Maintenance Transactions] WHERE [When Posted] IS NOT NULL");
+}
+
+/// Twenty assets whose transactions are all posted.
+void FillAndPost(test::SmallFleet& fleet, int transactions) {
+  for (int i = 0; i < 20; ++i) fleet.AddAsset("A" + std::to_string(i), i % 3);
+  fleet.AddTransactions(transactions, [](int i, test::Row& row) {
+    row = {{"Oil Cost", Money(i * 0.01)}, {"Oil", 1.0F}, {"Time", 2.0F}, {"Outside Cost", Money(i % 7)}};
+    return "A" + std::to_string(i % 20);
+  });
+  Post();
+}
+
+std::size_t CountOfDifferences() {
+  return dw::CheckCosts(*store::Connection::Open({.path = dw::DataFile, .readOnly = true})).size();
+}
+
+TEST(Unposting, TwoRunsAtOnceSubtractNoRowTwice) {
+  test::SmallFleet fleet;
+  FillAndPost(fleet, 2000);
+  const auto run = [](SecondProcess::Channel& channel) {
+    channel.Hear();
+    const test::ScreenScript script;
+    dw::UnpostAll();
+  };
+  SecondProcess one(run);
+  SecondProcess two(run);
+  one.Talk().Say("go");
+  two.Talk().Say("go");
+  EXPECT_EQ(one.Join(), 0);
+  EXPECT_EQ(two.Join(), 0);
+  EXPECT_EQ(PostedRows(fleet), "0");
+  EXPECT_EQ(
+      fleet.Ask("SELECT COUNT(*) FROM [Assets Lifetime Costs] WHERE [Oil Cost] = 0 AND [Oil Units] = 0"),
+      "20");
+  EXPECT_EQ(CountOfDifferences(), 0U);
+}
+
+TEST(Unposting, AKilledRunLeavesWholeRowsAndTheNextRunDoesTheRest) {
+  test::SmallFleet fleet;
+  FillAndPost(fleet, 2000);
+  for (const int killedAt : {30, 60}) {
+    SecondProcess run([killedAt](SecondProcess::Channel& channel) {
+      const test::ScreenScript script;
+      dw::UnpostAll([&](int percent) {
+        if (percent < killedAt) return;
+        channel.Say("there");
+        channel.Hear();
+      });
+    });
+    ASSERT_EQ(run.Talk().Hear(), "there");
+    run.Kill();
+    EXPECT_GT(std::stoi(PostedRows(fleet)), 0);
+    EXPECT_EQ(CountOfDifferences(), 0U) << "killed at " << killedAt << " percent";
+  }
+  test::ScreenScript script;
+  dw::UnpostAll();
+  EXPECT_EQ(PostedRows(fleet), "0");
+  EXPECT_EQ(CountOfDifferences(), 0U);
+}
+
 TEST(Unposting, CostRowsThatAreHeldKeepTheFigures) {
   test::SmallFleet fleet;
   fleet.AddAsset("TRK-1", 4);

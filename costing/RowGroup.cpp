@@ -1,0 +1,51 @@
+#include "costing/RowGroup.h"
+
+#include <exception>
+
+#include "costing/CostRows.h"
+
+namespace dw {
+
+RowTransaction::RowTransaction(dao::Workspace& workspace, dao::Commit how)
+    : workspace_(workspace), how_(how) {
+  workspace_.BeginTrans();
+}
+
+RowTransaction::~RowTransaction() {
+  if (committed_) return;
+  try {
+    workspace_.RollbackTrans();
+  } catch (const std::exception&) {
+    // The earlier error is the one to report.
+  }
+}
+
+void RowTransaction::Commit() {
+  workspace_.CommitTrans(how_);
+  committed_ = true;
+}
+
+RowGroup::~RowGroup() {
+  try {
+    Finish();
+  } catch (const std::exception&) {
+    // The earlier error is the one to report.
+  }
+}
+
+std::optional<rt::Value> AssetFuelTypes::Of(const rt::Value& assetID) {
+  const std::uint64_t glance = database_.Glance();
+  if (glance == 0 || glance != glance_) known_.clear();
+  glance_ = glance;
+  const std::string code = assetID.Shown();
+  const auto known = known_.find(code);
+  if (known != known_.end()) return known->second;
+  const DaoRecordsetPtr asset =
+      database_.OpenRecordset(AssetQuery(assetID), dao::RecordsetType::Dynaset, dao::Access::ReadOnly);
+  std::optional<rt::Value> fuelType;
+  if (!asset->AtEnd()) fuelType = asset->Get("Fuel Type");
+  known_.emplace(code, fuelType);
+  return fuelType;
+}
+
+}  // namespace dw
