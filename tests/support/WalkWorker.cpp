@@ -50,7 +50,7 @@ class Worker {
     };
     if (chdir(directory_.c_str()) != 0) throw std::runtime_error("no directory");
     while (!shared_.stop && faults_.Text().empty()) {
-      if (shared_.wanted > 0 && Dice(8) != 0) {
+      if (shared_.wanted > 0 && Dice(60) != 0) {
         Leave();
         Nap(1 + Dice(8));
         continue;
@@ -525,7 +525,7 @@ class Worker {
       explicit Wish(Shared& all) : shared(all) { ++shared.wanted; }
       ~Wish() { --shared.wanted; }
     } wish(shared_);
-    for (int tries = 0; tries < 10 && !shared_.stop; ++tries) {
+    for (int tries = 0; tries < 25 && !shared_.stop; ++tries) {
       screen_->TakeTexts();
       dw::CompactDatabase(FileName());
       if (screen_->TakeTexts().find("Compacting complete.") != std::string::npos) return Acknowledge();
