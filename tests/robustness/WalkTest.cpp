@@ -10,6 +10,7 @@
 #include "support/Apart.h"
 #include "support/TempDirectory.h"
 #include "support/Walk.h"
+#include "support/WalkLog.h"
 
 namespace {
 
@@ -34,16 +35,35 @@ void WalkFor(walk::Options options) {
   EXPECT_GT(outcome.changes, 0);
 }
 
+TEST(WalkCheck, KnowsWhatIsLostFromWhatWasCutOff) {
+  const test::TempDirectory directory;
+  const auto check = [&](walk::End end) {
+    return test::RunApart([&] {
+      walk::Transaction addition;
+      addition.token = walk::kTokensOfWorker;
+      addition.work = walk::Work::Add;
+      addition.changes = {{.kind = 'N', .row = walk::kFixedRows + 1}};
+      addition.end = end;
+      return walk::Check(directory.Path("DW.MDB"), {addition});
+    });
+  };
+  ASSERT_EQ(test::RunApart([&] {
+              walk::Make(directory.Path());
+              return std::string();
+            }),
+            "");
+  EXPECT_EQ(check(walk::End::Unknown), "");
+  EXPECT_NE(check(walk::End::Acknowledged).find("is gone"), std::string::npos);
+}
+
 TEST(Walk, WhatSixUsersStoreInSomeSecondsIsThere) { WalkFor({.wholeTables = false}); }
 
-// A transaction loses the hold on a whole table at its first wait. Once it keeps it, this becomes the walk
-// above, and the long one goes the same way.
-TEST(Walk, DISABLED_AlsoWhereTransactionsHoldTables) { WalkFor({}); }
+TEST(Walk, AlsoWhereTransactionsHoldTables) { WalkFor({}); }
 
 TEST(LongWalk, WhatSixteenUsersStoreIsThere) {
   const char* text = std::getenv("DROVEWRIGHT_WALK_SECONDS");
   const int seconds = text ? std::max(1, std::atoi(text)) : 60;
-  WalkFor({.workers = 16, .time = std::chrono::seconds(seconds), .kills = seconds, .wholeTables = false});
+  WalkFor({.workers = 16, .time = std::chrono::seconds(seconds), .kills = seconds});
 }
 
 }  // namespace

@@ -4,7 +4,8 @@
 // programs (10,000). A failure prints its seed and the shortest program that still fails, in the form of the
 // cases below.
 //
-// kLeftOut names the acts that the random run leaves out.
+// kLeftOut keeps acts out of the random run while a fault of theirs is known and not mended. It is empty
+// otherwise.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
@@ -21,7 +22,7 @@ namespace {
 using model::Act;
 using model::Program;
 
-const std::set<Act> kLeftOut = {Act::EnterGroup, Act::CommitWithGroup, Act::Rollback, Act::Wait};
+const std::set<Act> kLeftOut = {};
 
 /// What the processes that run programs leave for the test, even when they crash.
 struct Progress {
