@@ -171,7 +171,7 @@ class Replay {
     } else if (!applied) {
       for (const Change& c : t.changes) {
         const RowId row{c.table, c.row};
-        open_.insert(row);
+        open_[row].insert(c.version + 1);
         if (c.kind == 'X' && !stored_.contains(row)) deleted_.emplace(row, &t);
       }
     }
@@ -203,7 +203,10 @@ class Replay {
       for (const std::int64_t each : found->second) amount += each;
     }
     const std::int64_t missing = stored.version - written - bulks;
-    std::int64_t doubtful = open_.contains(row) ? 1 : 0;
+    // Each of them accounts for the one version that it was to write.
+    std::int64_t doubtful = 0;
+    for (const std::int64_t version : open_[row])
+      if (version <= stored.version && !writers.contains(version)) ++doubtful;
     for (const Transaction& t : all_)
       if (t.end == End::Unknown && t.group != 0 && t.group == stored.group) ++doubtful;
     if (missing < 0)
@@ -233,7 +236,8 @@ class Replay {
   std::map<RowId, std::map<std::int64_t, std::int64_t>> known_;  ///< marks by version
   std::map<RowId, const Transaction*> deleted_;
   std::map<int, std::vector<std::int64_t>> bulks_;  ///< the amounts of bulk changes, by group
-  std::set<RowId> open_;  ///< rows that do not show whether a transaction in doubt took place
+  /// Versions that transactions were to write of which nothing shows whether they are in the file.
+  std::map<RowId, std::set<std::int64_t>> open_;
   test::Faults faults_;
   int faultCount_ = 0;
 };
