@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "platform/runtime/Text.h"
 #include "platform/store/Handle.h"
@@ -17,24 +18,8 @@ bool IsSystemTable(std::string_view name) {
   return rt::EqualNoCase(name.substr(0, 4), "MSys") || rt::EqualNoCase(name.substr(0, 7), "sqlite_");
 }
 
-void ReadColumns(Handle& handle, TableInfo& table, const std::string& definition) {
-  std::vector<std::pair<std::int64_t, std::string>> key;
-  Use columns(handle, "SELECT name, type, \"notnull\", pk FROM pragma_table_info(?1)");
-  columns.Bind(1, rt::Value(table.name));
-  while (columns.Step()) {
-    const std::string declared = columns.Text(1);
-    // A column of a type that is not ours is still there to be read.
-    ColumnInfo column =
-        ParseDeclaredType(declared).value_or(ColumnInfo{"", ColumnType::Memo, 0, false, true});
-    column.name = columns.Text(0);
-    if (column.type == ColumnType::Counter && definition.find("AUTOINCREMENT") == std::string::npos)
-      column.type = ColumnType::Long;
-    column.required = columns.Int64(2) != 0 && column.type != ColumnType::Boolean;
-    column.allowZeroLength =
-        definition.find("CHECK (" + QuoteName(column.name) + " <> '')") == std::string::npos;
-    if (columns.Int64(3) > 0) key.emplace_back(columns.Int64(3), column.name);
-    table.columns.push_back(std::move(column));
-  }
+/// The columns of the table's primary key, in the order of the key.
+void AddPrimaryKey(TableInfo& table, std::vector<std::pair<std::int64_t, std::string>> key) {
   if (key.empty()) return;
   std::sort(key.begin(), key.end());
   IndexInfo primary{"PrimaryKey", {}, true, true, true};
@@ -47,35 +32,70 @@ void ReadColumns(Handle& handle, TableInfo& table, const std::string& definition
   table.indexes.push_back(std::move(primary));
 }
 
-void ReadIndexes(Handle& handle, TableInfo& table) {
-  struct Stored {
-    std::string name;
-    bool unique;
-    bool partial;
-  };
-  std::vector<Stored> found;
-  {
-    Use indexes(handle,
-                "SELECT name, \"unique\", partial FROM pragma_index_list(?1) WHERE origin = 'c' ORDER BY seq "
-                "DESC");
-    indexes.Bind(1, rt::Value(table.name));
-    while (indexes.Step()) found.push_back({indexes.Text(0), indexes.Int64(1) != 0, indexes.Int64(2) != 0});
+/// The tables in the order in which they were made, with their columns and primary keys.
+std::vector<TableInfo> ReadTables(Handle& handle) {
+  std::vector<TableInfo> tables;
+  std::vector<std::pair<std::int64_t, std::string>> key;
+  Use columns(handle,
+              "SELECT t.name, t.sql, c.name, c.type, c.\"notnull\", c.pk FROM sqlite_schema AS t "
+              "JOIN pragma_table_info(t.name) AS c WHERE t.type = 'table' ORDER BY t.rowid, c.cid");
+  while (columns.Step()) {
+    const std::string name = columns.Text(0);
+    if (IsSystemTable(name)) continue;
+    if (tables.empty() || tables.back().name != name) {
+      if (!tables.empty()) AddPrimaryKey(tables.back(), std::exchange(key, {}));
+      tables.emplace_back().name = name;
+    }
+    TableInfo& table = tables.back();
+    const std::string definition = columns.Text(1);
+    // A column of a type that is not ours is still there to be read.
+    ColumnInfo column =
+        ParseDeclaredType(columns.Text(3)).value_or(ColumnInfo{"", ColumnType::Memo, 0, false, true});
+    column.name = columns.Text(2);
+    if (column.type == ColumnType::Counter && definition.find("AUTOINCREMENT") == std::string::npos)
+      column.type = ColumnType::Long;
+    column.required = columns.Int64(4) != 0 && column.type != ColumnType::Boolean;
+    column.allowZeroLength =
+        definition.find("CHECK (" + QuoteName(column.name) + " <> '')") == std::string::npos;
+    if (columns.Int64(5) > 0) key.emplace_back(columns.Int64(5), column.name);
+    table.columns.push_back(std::move(column));
   }
-  for (const auto& [stored, unique, partial] : found) {
-    IndexInfo index;
-    index.name = IndexNameOf(table.name, stored);
-    index.unique = unique;
-    index.exceptEmpty = partial;
-    Use columns(handle, "SELECT name FROM pragma_index_info(?1) ORDER BY seqno");
-    columns.Bind(1, rt::Value(stored));
-    while (columns.Step()) index.columns.push_back(columns.Text(0));
-    index.required = std::all_of(index.columns.begin(), index.columns.end(), [&](const std::string& name) {
-      const int at = table.Find(name);
-      return at >= 0 && (table.columns[static_cast<std::size_t>(at)].required ||
-                         table.columns[static_cast<std::size_t>(at)].type == ColumnType::Counter);
-    });
-    table.indexes.push_back(std::move(index));
+  if (!tables.empty()) AddPrimaryKey(tables.back(), std::move(key));
+  return tables;
+}
+
+/// Whether no row can have a Null in one of the index's columns.
+bool IsRequired(const TableInfo& table, const IndexInfo& index) {
+  return std::all_of(index.columns.begin(), index.columns.end(), [&](const std::string& name) {
+    const int at = table.Find(name);
+    return at >= 0 && (table.columns[static_cast<std::size_t>(at)].required ||
+                       table.columns[static_cast<std::size_t>(at)].type == ColumnType::Counter);
+  });
+}
+
+void ReadIndexes(Handle& handle, std::vector<TableInfo>& tables) {
+  std::map<std::string, TableInfo*> byName;
+  for (TableInfo& table : tables) byName.emplace(table.name, &table);
+  Use columns(handle,
+              "SELECT t.name, i.name, i.\"unique\", i.partial, c.name, c.seqno FROM sqlite_schema AS t "
+              "JOIN pragma_index_list(t.name) AS i JOIN pragma_index_info(i.name) AS c "
+              "WHERE t.type = 'table' AND i.origin = 'c' ORDER BY t.rowid, i.seq DESC, c.seqno");
+  while (columns.Step()) {
+    const auto found = byName.find(columns.Text(0));
+    if (found == byName.end()) continue;
+    auto& indexes = found->second->indexes;
+    if (columns.Int64(5) == 0) {
+      IndexInfo index;
+      index.name = IndexNameOf(found->first, columns.Text(1));
+      index.unique = columns.Int64(2) != 0;
+      index.exceptEmpty = columns.Int64(3) != 0;
+      indexes.push_back(std::move(index));
+    }
+    indexes.back().columns.push_back(columns.Text(4));
   }
+  for (TableInfo& table : tables)
+    for (IndexInfo& index : table.indexes)
+      if (!index.primary) index.required = IsRequired(table, index);
 }
 
 }  // namespace
@@ -108,22 +128,8 @@ void NumberTables(std::vector<TableInfo>& tables) {
 
 Schema ReadSchema(Handle& handle) {
   Schema schema;
-  std::vector<std::string> definitions;
-  {
-    Use tables(handle, "SELECT name, sql FROM sqlite_schema WHERE type = 'table' ORDER BY rowid");
-    while (tables.Step()) {
-      const std::string name = tables.Text(0);
-      if (IsSystemTable(name)) continue;
-      TableInfo table;
-      table.name = name;
-      schema.tables.push_back(std::move(table));
-      definitions.push_back(tables.Text(1));
-    }
-  }
-  for (std::size_t i = 0; i < schema.tables.size(); ++i) {
-    ReadColumns(handle, schema.tables[i], definitions[i]);
-    ReadIndexes(handle, schema.tables[i]);
-  }
+  schema.tables = ReadTables(handle);
+  ReadIndexes(handle, schema.tables);
   NumberTables(schema.tables);
   return schema;
 }
