@@ -338,6 +338,11 @@ void Use::BindKey(int key, std::int64_t value) {
     sqlite3_bind_int64(statement_, index, value);
 }
 
+void Use::BindKeyList(std::string_view keys) {
+  sqlite3_bind_text64(statement_, sqlite3_bind_parameter_index(statement_, ":keys"), keys.data(), keys.size(),
+                      SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
 void Use::Bind(int index, const rt::Value& value) {
   if (index > sqlite3_bind_parameter_count(statement_)) return;
   switch (value.Type()) {

@@ -66,6 +66,7 @@ struct QueryPlan {
   bool keyed = false;                  ///< its rows can be found again by the keys of their tables
   std::string keys;                    ///< the keys of all rows, in order
   std::string row;                     ///< one row by its keys :k0, :k1 …
+  std::string rows;                    ///< several rows by a list of keys, :keys
   std::string whole;                   ///< all rows, where they have no keys
   std::vector<std::string> apart;  ///< of each field: its value alone by the keys, where rows leave it out
 };
@@ -91,6 +92,8 @@ class Use {
   void Bind(int index, const rt::Value& value);
   void Bind(int index, std::int64_t value);
   void BindKey(int key, std::int64_t value);
+  /// Binds :keys; see KeyList.
+  void BindKeyList(std::string_view keys);
   void BindAll(const std::vector<rt::Value>& values);
   /// True while there is a row. Throws StoreError.
   bool Step();

@@ -4,11 +4,13 @@
 #include "platform/runtime/Text.h"
 #include "platform/store/FileFormat.h"
 #include "platform/store/RecordCursor.h"
+#include "platform/store/Statements.h"
 
 namespace store {
 namespace {
 
-constexpr std::int64_t kMostAhead = 64;
+constexpr std::int64_t kGrowth = 16;
+constexpr std::int64_t kMostAhead = 256;
 
 class QueryCursor : public RecordCursor {
  public:
@@ -150,26 +152,30 @@ class QueryCursor : public RecordCursor {
     if (keys_.size() > 100000) keys_.shrink_to_fit();
   }
 
-  // Who goes on from row to row gets more of them at a time; who jumps gets the one.
+  // A caller that goes on from row to row gets more rows at a time. One that jumps, or that changes rows on
+  // its way, gets one.
   void FetchWindow() {
     Impl().BeforeRead(plan_->translation);
+    const std::uint64_t epoch = Impl().EpochOf(Table());
     const std::int64_t next = windowStart_ + static_cast<std::int64_t>(window_.size());
-    ahead_ = windowEpoch_ != 0 && place_ == next ? std::min(ahead_ * 4, kMostAhead) : 1;
+    ahead_ = epoch == windowEpoch_ && place_ == next ? std::min(ahead_ * kGrowth, kMostAhead) : 1;
     windowStart_ = place_;
-    windowEpoch_ = Impl().EpochOf(Table());
+    windowEpoch_ = epoch;
     const auto count = static_cast<std::size_t>(std::min(ahead_, Rows() - place_));
-    window_.resize(count);
+    window_.assign(count, {});
+    if (count == 1) {
+      FetchByKeys(KeysAt(place_), window_[0]);
+      return;
+    }
     const auto fields = static_cast<int>(plan_->fields.size());
-    Question use(Impl(), plan_->translation, plan_->row);
-    for (std::size_t i = 0; i < count; ++i) {
-      const auto* keys = KeysAt(place_ + static_cast<std::int64_t>(i));
-      use.BindAll(parameters_);
-      for (std::size_t k = 0; k < width_; ++k) use.BindKey(static_cast<int>(k), keys[k]);
-      window_[i].Clear();
-      const bool there =
-          use.Step() && (keys[0] == kNoKey || sqlite3_column_type(use.Raw(), 0) != SQLITE_NULL);
-      if (there) window_[i].Read(use.Raw(), static_cast<int>(width_), fields);
-      use.Reset();
+    Question use(Impl(), plan_->translation, plan_->rows);
+    use.BindAll(parameters_);
+    use.BindKeyList(KeyList(KeysAt(place_), width_, count));
+    while (use.Step()) {
+      const auto at = static_cast<std::size_t>(use.Int64(0));
+      const bool there = KeysAt(place_ + static_cast<std::int64_t>(at))[0] == kNoKey ||
+                         sqlite3_column_type(use.Raw(), 1) != SQLITE_NULL;
+      if (there) window_[at].Read(use.Raw(), 1 + static_cast<int>(width_), fields);
     }
   }
 

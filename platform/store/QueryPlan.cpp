@@ -65,6 +65,7 @@ std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_p
     plan->apart = SetPicturesApart(t);
     plan->keys = KeysInOrder(t);
     plan->row = RowByKeys(t);
+    plan->rows = RowsByKeys(t);
   } else {
     plan->whole = WholeStatement(t);
   }

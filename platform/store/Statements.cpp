@@ -1,6 +1,7 @@
 #include "platform/store/Statements.h"
 
 #include "platform/store/DialectSpelling.h"
+#include "platform/store/FileFormat.h"
 #include "platform/store/Schema.h"
 
 namespace store {
@@ -49,6 +50,31 @@ std::string RowByKeys(const Translation& query) {
   std::string list = KeysOf(query);
   for (const auto& column : query.columns) list += ", " + column.expression;
   return "SELECT " + list + FromOneRow(query);
+}
+
+std::string RowsByKeys(const Translation& query) {
+  std::string list = "dw_list.dw_place, " + KeysOf(query);
+  for (const auto& column : query.columns) list += ", " + column.expression;
+  std::string sql =
+      "SELECT " + list + " FROM (SELECT key AS dw_place, value AS dw_keys FROM json_each(:keys)) AS dw_list";
+  for (std::size_t i = 0; i < query.tables.size(); ++i)
+    sql += " LEFT JOIN " + QuoteName(query.tables[i].name) + " AS " + QuoteName(query.tables[i].alias) +
+           " ON " + KeyOf(query.tables[i]) + " = json_extract(dw_list.dw_keys, '$[" + std::to_string(i) +
+           "]')";
+  return sql;
+}
+
+std::string KeyList(const std::int64_t* keys, std::size_t width, std::size_t rows) {
+  std::string list = "[";
+  for (std::size_t row = 0; row < rows; ++row) {
+    list += row == 0 ? "[" : ",[";
+    for (std::size_t i = 0; i < width; ++i) {
+      const std::int64_t key = keys[row * width + i];
+      list += (i == 0 ? "" : ",") + (key == kNoKey ? std::string("null") : std::to_string(key));
+    }
+    list += "]";
+  }
+  return list + "]";
 }
 
 std::string ValueByKeys(const Translation& query, const std::string& expression) {

@@ -21,6 +21,11 @@ std::string KeysWhere(const Translation& query, WhichKeys which = WhichKeys::All
 
 /// The keys and columns of the row whose keys are :k0, :k1 …
 std::string RowByKeys(const Translation& query);
+/// The rows whose keys are in :keys, a list of lists of keys in JSON: for each row that is there its place in
+/// the list, its keys and its columns. They may come in any order.
+std::string RowsByKeys(const Translation& query);
+/// What :keys takes: the keys of some rows, `width` for each, one after the other.
+std::string KeyList(const std::int64_t* keys, std::size_t width, std::size_t rows);
 /// One expression of that row.
 std::string ValueByKeys(const Translation& query, const std::string& expression);
 

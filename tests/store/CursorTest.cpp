@@ -84,6 +84,38 @@ TEST_F(CursorTest, ASetSeesDeletionsAdditionsAndChangesAsItsKeysDo) {
   EXPECT_EQ(rows->Count(), 300);
 }
 
+TEST_F(CursorTest, RowsThatAreReadTogetherKeepTheirOrderAndTheirGaps) {
+  // Of two rows of one table, of which the left one is missing once.
+  auto rows = Query(
+      "SELECT a.Code, b.Code FROM Assets AS a RIGHT JOIN Assets AS b ON a.ID = b.ID - 1 WHERE b.ID <= 290 "
+      "ORDER BY b.ID DESC");
+  auto plain = Query("SELECT Code, '=' & Code FROM Assets WHERE [Year] <> 1 ORDER BY ID DESC");
+  test::OpenSmallFile(path)->Execute("DELETE * FROM Assets WHERE Code IN ('A5', 'A250')");
+  std::string missing;
+  for (int i = 299; !plain->AtEnd(); plain->MoveNext(), --i) {
+    const std::string code = "A" + std::to_string(i);
+    Value first, second;
+    const int error = ErrorOf([&] { first = plain->Get(0), second = plain->Get(1); });
+    if (error != 0) {
+      missing += code + " " + std::to_string(error) + " ";
+      continue;
+    }
+    EXPECT_EQ(first.Shown() + second.Shown(), code + "=" + code);
+  }
+  EXPECT_EQ(missing, "A250 3167 A5 3167 ");
+  missing.clear();
+  for (int i = 289; !rows->AtEnd(); rows->MoveNext(), --i) {
+    Value left, right;
+    if (ErrorOf([&] { left = rows->Get(0), right = rows->Get(1); }) == 3167) {
+      missing += std::to_string(i) + " ";
+      continue;
+    }
+    EXPECT_EQ(right, i == 5 || i == 250 ? Value(rt::Null{}) : Value("A" + std::to_string(i)));
+    EXPECT_EQ(left, i == 0 ? Value(rt::Null{}) : Value("A" + std::to_string(i - 1)));
+  }
+  EXPECT_EQ(missing, "251 6 ");
+}
+
 TEST_F(CursorTest, JoinsNameDoubledColumnsAndKeepRowsWithoutPartner) {
   file->Execute("INSERT INTO Lines (Asset, Code) VALUES (1, 'L1')");
   file->Execute("INSERT INTO Lines (Asset, Code) VALUES (999, 'L2')");
