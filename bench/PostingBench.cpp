@@ -5,9 +5,12 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
+#include <numeric>
 
 #include "bench/Measure.h"
 #include "costing/Posting.h"
@@ -70,7 +73,7 @@ void RebuildBySets(PlainFile& file) {
   file.Run("COMMIT");
 }
 
-// Another workstation that stores one reading after the other; returns its longest wait in seconds.
+// Another workstation that stores one reading after the other, and how long each has to wait.
 class SecondWriter {
  public:
   explicit SecondWriter(const std::string& path) {
@@ -87,9 +90,8 @@ class SecondWriter {
         readings->Set(readings->FieldIndex("Mileage"), 1.0f);
         readings->Update();
       });
-      if (waited > shared_->longest) shared_->longest = waited;
-      shared_->sum = shared_->sum + waited;
-      ++shared_->writes;
+      if (shared_->writes == shared_->waits.size()) break;
+      shared_->waits[shared_->writes++] = waited;
       const timespec nap{0, 5000000};
       nanosleep(&nap, nullptr);
     }
@@ -100,18 +102,22 @@ class SecondWriter {
   void Tell() {
     shared_->stop = true;
     waitpid(child_, nullptr, 0);
+    const auto end = shared_->waits.begin() + static_cast<std::ptrdiff_t>(shared_->writes);
+    std::sort(shared_->waits.begin(), end);
     bench::Tell("  the second process wrote meanwhile", static_cast<double>(shared_->writes), "rows");
-    bench::Tell("  its longest wait", shared_->longest * 1000, "ms");
-    if (shared_->writes > 0)
-      bench::Tell("  its mean wait", shared_->sum / static_cast<double>(shared_->writes) * 1000, "ms");
+    if (shared_->writes == 0) return;
+    const double sum = std::accumulate(shared_->waits.begin(), end, 0.0);
+    bench::Tell("  its longest wait", *(end - 1) * 1000, "ms");
+    bench::Tell("  its mean wait", sum / static_cast<double>(shared_->writes) * 1000, "ms");
+    bench::Tell("  its median wait", shared_->waits[shared_->writes / 2] * 1000, "ms");
   }
 
  private:
+  /// In memory that both processes see.
   struct Shared {
     std::atomic<bool> stop;
-    double longest;
-    double sum;
-    std::int64_t writes;
+    std::size_t writes;
+    std::array<double, 100000> waits;  ///< in seconds
   };
   Shared* shared_;
   pid_t child_;
