@@ -28,16 +28,9 @@ using Key = std::tuple<std::optional<std::string>, std::optional<int>, std::opti
 bool IsMoney(std::string_view column) { return column.ends_with(" Cost"); }
 
 /// Asset codes are equal without regard to the case of A to Z.
-std::string Folded(std::string text) {
-  for (char& c : text) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return text;
-}
-
 std::optional<std::string> OwnerKey(const rt::Value& owner) {
   if (owner.IsNull()) return std::nullopt;
-  return Folded(owner.AsText());
+  return rt::FoldCase(owner.AsText());
 }
 
 std::optional<int> NumberKey(const rt::Value& number) {

@@ -102,9 +102,7 @@ void PostRows(MainFile& file, dao::Recordset& transactions, const Accumulators& 
               const PostingProgress& progress, PostingCounts& counts) {
   try {
     PostEachRow(file, transactions, accumulators, progress, counts);
-  } catch (const dao::StoreError& error) {
-    throw dao::StoreError(error.Number(), error.what() + PlaceOf(transactions));
-  } catch (const rt::RuntimeError& error) {
+  } catch (const rt::Error& error) {
     throw dao::StoreError(error.Number(), error.what() + PlaceOf(transactions));
   }
 }

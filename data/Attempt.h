@@ -7,7 +7,7 @@
 
 #include "data/Application.h"
 #include "platform/ado/Ado.h"
-#include "platform/runtime/RuntimeError.h"
+#include "platform/runtime/Error.h"
 #include "platform/screen/Screen.h"
 #include "platform/store/StoreError.h"
 
@@ -28,11 +28,7 @@ Failure Try(Step&& step) {
     return {};
   } catch (const ApplicationEnd&) {
     throw;
-  } catch (const ado::Error& e) {
-    return {e.Number(), e.what()};
-  } catch (const store::StoreError& e) {
-    return {e.Number(), e.what()};
-  } catch (const rt::RuntimeError& e) {
+  } catch (const rt::Error& e) {
     return {e.Number(), e.what()};
   } catch (const std::exception& e) {
     return {store::kInternal, e.what()};

@@ -10,6 +10,7 @@
 #include "data/GenericDAO.h"
 #include "data/GenericTools.h"
 #include "data/OwnHold.h"
+#include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
 

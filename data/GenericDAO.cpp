@@ -242,14 +242,12 @@ void AddTextField(dao::TableDef& table, const std::string& name, int size) {
 
 void UppercaseCharAt(int position, std::string& text, int length) {
   if (position < 1 || position > length) return;
-  // A character may take several bytes; its continuation bytes begin with the bits 10.
-  const auto goesOn = [&](std::size_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U; };
   std::size_t begin = 0;
   for (int left = position; begin < text.size(); ++begin)
-    if (!goesOn(begin) && --left == 0) break;
+    if (!rt::IsContinuation(text[begin]) && --left == 0) break;
   if (begin == text.size()) return;
   std::size_t end = begin + 1;
-  while (end < text.size() && goesOn(end)) ++end;
+  while (end < text.size() && rt::IsContinuation(text[end])) ++end;
   text.replace(begin, end - begin, rt::UpperCase(std::string_view(text).substr(begin, end - begin)));
 }
 

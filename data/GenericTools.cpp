@@ -117,8 +117,7 @@ std::string ProperCase(const std::string& text) {
   bool wordBegins = true;
   int position = 0;
   for (const char c : text) {
-    // Continuation bytes (their bits begin with 10) are not characters of their own.
-    if ((static_cast<unsigned char>(c) & 0xC0U) == 0x80U) continue;
+    if (rt::IsContinuation(c)) continue;
     ++position;
     if (wordBegins) UppercaseCharAt(position, proper, length);
     wordBegins = c == ' ';

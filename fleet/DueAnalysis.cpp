@@ -38,9 +38,9 @@ bool Guarded(Piece piece) {
   try {
     return piece();
   } catch (const NotOpened&) {
-  } catch (const ado::Error& error) {
-    TellBrokenOff(error.Number(), error.what());
-  } catch (const store::StoreError& error) {
+  } catch (const rt::RuntimeError&) {
+    throw;
+  } catch (const rt::Error& error) {
     TellBrokenOff(error.Number(), error.what());
   }
   return false;

@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/runtime/Letters.h"
 #include "platform/store/TableScan.h"
 
 namespace dw {
@@ -26,8 +27,7 @@ bool FitsLong(std::int64_t number) {
 /// Texts in the file compare without regard to the case of A to Z.
 void FoldCase(std::string_view text, std::string& folded) {
   folded.assign(text);
-  for (char& c : folded)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  for (char& c : folded) c = rt::FoldLetter(c);
 }
 
 /// An apostrophe ends the text in the query, and a NUL ends the comparison of two texts.

@@ -7,6 +7,7 @@
 #include "data/GenericTools.h"
 #include "data/MainConnection.h"
 #include "platform/runtime/Clock.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace dw {
 namespace {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 
+#include "platform/runtime/Letters.h"
 #include "platform/system/Machine.h"
 #include "shell/HelpPage.h"
 
@@ -69,7 +70,7 @@ std::size_t Count(const std::string& text, const std::string& word) {
 /// The text as it was typed, in lower case, with single blanks and without punctuation at its ends.
 std::string Phrase(std::string_view text) {
   std::string phrase;
-  for (const char c : LowerLetters(text)) {
+  for (const char c : rt::FoldCase(text)) {
     const bool blank = kBlanks.find(c) != std::string_view::npos;
     if (!blank) phrase += c;
     if (blank && !phrase.empty() && phrase.back() != ' ') phrase += ' ';
@@ -160,7 +161,7 @@ std::vector<HelpSection> HelpContents() {
 
 std::vector<std::string> HelpSearchWords(std::string_view text) {
   std::vector<std::string> words;
-  const std::string lower = LowerLetters(text);
+  const std::string lower = rt::FoldCase(text);
   for (std::size_t at = 0; at < lower.size();) {
     const std::size_t end = std::min(lower.find_first_of(kBlanks, at), lower.size());
     std::string word = Trimmed(lower.substr(at, end - at));
@@ -171,7 +172,7 @@ std::vector<std::string> HelpSearchWords(std::string_view text) {
 }
 
 std::size_t BestHelpPlace(std::string_view text, const std::vector<std::string>& words) {
-  const std::string lower = LowerLetters(text);
+  const std::string lower = rt::FoldCase(text);
   std::map<std::size_t, std::size_t> places;  // where a word is, and which one
   for (std::size_t word = 0; word < words.size(); ++word)
     for (std::size_t at = lower.find(words[word]); at != std::string::npos;
@@ -203,7 +204,7 @@ std::vector<HelpHit> SearchHelp(std::string_view text) {
   for (const HelpPage& page : Pages()) {
     // The page of contents has the titles of all other pages and no text of its own.
     if (page.file == kHelpContentsPage) continue;
-    const Searched lower{LowerLetters(page.title), LowerLetters(page.keywords), LowerLetters(page.text)};
+    const Searched lower{rt::FoldCase(page.title), rt::FoldCase(page.keywords), rt::FoldCase(page.text)};
     std::optional<std::size_t> worth = Worth(lower, words);
     if (!worth) continue;
     if (words.size() > 1 && lower.text.find(phrase) != std::string::npos) *worth += kPhraseWorth;

@@ -54,13 +54,6 @@ bool IsInline(std::string_view tag) {
 
 }  // namespace
 
-std::string LowerLetters(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return lower;
-}
-
 std::string PlainHelpText(std::string_view html) {
   TextMaker text;
   for (std::size_t i = 0; i < html.size();) {

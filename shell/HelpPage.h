@@ -18,8 +18,6 @@ struct HelpPage {
 /// Reads the page from its HTML.
 HelpPage ReadHelpPage(const std::string& file, std::string_view html);
 
-/// The letters A to Z in lower case; every character keeps its place.
-std::string LowerLetters(std::string_view text);
 /// HTML without its tags, with its entities as characters, and runs of blanks as single ones.
 std::string PlainHelpText(std::string_view html);
 /// The text between the first `<tag ...>` at or after `position` and its `</tag>`; moves the position behind

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/runtime/Error.h"
 #include "platform/runtime/Value.h"
 #include "platform/store/Connection.h"
 #include "platform/store/Cursor.h"
@@ -26,15 +27,13 @@ constexpr std::int32_t kClosed = 3704;
 constexpr std::int32_t kNativeFileNotFound = -534578963;
 
 /// The error that this model throws.
-class Error : public std::runtime_error {
+class Error : public rt::Error {
  public:
   Error(std::int32_t number, std::int32_t native, const std::string& text)
-      : std::runtime_error(text), number_(number), native_(native) {}
-  std::int32_t Number() const { return number_; }
+      : rt::Error(number, text), native_(native) {}
   std::int32_t Native() const { return native_; }
 
  private:
-  std::int32_t number_;
   std::int32_t native_;
 };
 

@@ -4,8 +4,8 @@
 
 #include "platform/controls/Application.h"
 #include "platform/controls/Form.h"
-#include "platform/controls/QueryText.h"
 #include "platform/screen/Screen.h"
+#include "platform/store/QueryClauses.h"
 
 namespace ui {
 namespace {
@@ -39,7 +39,7 @@ void Adodc::Refresh() {
     try {
       OpenRecordset();
       return;
-    } catch (const ado::Error&) {
+    } catch (const rt::Error&) {
       if (!reused && !sort_) throw;
     }
     // The file may have gone since the connection was opened.
@@ -49,7 +49,7 @@ void Adodc::Refresh() {
     }
     try {
       OpenRecordset();
-    } catch (const ado::Error&) {
+    } catch (const rt::Error&) {
       if (!sort_) throw;
       // Most likely the new record source has no such column.
       sort_.reset();
@@ -66,7 +66,7 @@ void Adodc::Requery() {
 void Adodc::Try(const std::function<void()>& work) {
   try {
     work();
-  } catch (const ado::Error& error) {
+  } catch (const rt::Error& error) {
     Fail(error.Number(), error.what());
     return;
   }
@@ -103,9 +103,7 @@ void Adodc::OpenRecordset() {
 
 std::string Adodc::WantedQuery() const {
   if (!sort_) return RecordSource;
-  QueryText query(RecordSource);
-  query.orderBy = sort_->column + (sort_->ascending ? "" : " DESC");
-  return query.Text();
+  return store::QueryClauses(RecordSource).WithOrder(sort_->column + (sort_->ascending ? "" : " DESC"));
 }
 
 void Adodc::Close() {
@@ -122,13 +120,13 @@ std::int64_t Adodc::RecordCount() const {
 }
 
 void Adodc::SortBy(const store::FieldInfo& field, bool ascending) {
-  sort_ = Sort{ColumnReference(field), ascending};
+  sort_ = Sort{store::ColumnReference(field), ascending};
 }
 
-bool Adodc::CanSort() const { return !query_.empty() && !QueryText(query_).limited; }
+bool Adodc::CanSort() const { return !query_.empty() && !store::QueryClauses(query_).Limited(); }
 
 bool Adodc::SortedBy(const store::FieldInfo& field) const {
-  return sort_ && sort_->column == ColumnReference(field);
+  return sort_ && sort_->column == store::ColumnReference(field);
 }
 
 void Adodc::Fail(int number, const std::string& text) {

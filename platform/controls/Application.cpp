@@ -10,10 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/ado/Ado.h"
 #include "platform/controls/TypeAhead.h"
-#include "platform/runtime/RuntimeError.h"
-#include "platform/store/StoreError.h"
+#include "platform/runtime/Error.h"
 
 namespace ui {
 namespace {
@@ -21,10 +19,6 @@ namespace {
 Uncaught& Installed() {
   static Uncaught handler;
   return handler;
-}
-
-std::string Numbered(int number, const char* text) {
-  return "Run-time error '" + std::to_string(number) + "':\n\n" + text;
 }
 
 }  // namespace
@@ -43,12 +37,8 @@ void HandleUncaught(std::exception_ptr error) {
 std::string UncaughtText(std::exception_ptr error) {
   try {
     std::rethrow_exception(std::move(error));
-  } catch (const store::StoreError& e) {
-    return Numbered(e.Number(), e.what());
-  } catch (const ado::Error& e) {
-    return Numbered(e.Number(), e.what());
-  } catch (const rt::RuntimeError& e) {
-    return Numbered(e.Number(), e.what());
+  } catch (const rt::Error& e) {
+    return "Run-time error '" + std::to_string(e.Number()) + "':\n\n" + e.what();
   } catch (const std::exception& e) {
     return e.what();
   } catch (...) {

@@ -4,8 +4,8 @@
 #include <array>
 #include <charconv>
 
-#include "platform/controls/QueryText.h"
 #include "platform/runtime/Text.h"
+#include "platform/store/QueryClauses.h"
 
 namespace ui {
 namespace {
@@ -80,7 +80,7 @@ year_month_day Beginning::Days::Nearest(year_month_day from, bool backward) cons
 }
 
 Beginning::Beginning(const store::FieldInfo& field, const std::string& typed) {
-  const std::string column = ColumnReference(field);
+  const std::string column = store::ColumnReference(field);
   switch (field.type) {
     case ColumnType::Text:
     case ColumnType::Memo:

@@ -10,9 +10,9 @@
 #include "platform/controls/Application.h"
 #include "platform/controls/DataGrid.h"
 #include "platform/controls/GridSearch.h"
-#include "platform/controls/QueryText.h"
 #include "platform/runtime/Text.h"
 #include "platform/screen/Screen.h"
+#include "platform/store/QueryClauses.h"
 
 namespace ui {
 namespace {
@@ -164,9 +164,10 @@ int DataGrid::SearchColumn() {
     const int sorted = first([&](const auto& column) { return source_->SortedBy(column.info); });
     if (sorted >= 0) return sorted;
   }
-  for (const auto& ordered : QueryText(source_->Query()).OrderColumns()) {
+  const store::QueryClauses query(source_->Query());
+  for (const auto& ordered : query.OrderedBy()) {
     try {
-      const int field = source_->Recordset()->FieldIndex(WithoutBrackets(ordered));
+      const int field = source_->Recordset()->FieldIndex(WithoutBrackets(ordered.column));
       const int column = first([&](const auto& one) { return one.field == field; });
       if (column >= 0) return column;
     } catch (const ado::Error&) {

@@ -146,10 +146,8 @@ void GridModel::Read(Block& block) {
       if (columns_[column].IsPlainNumber())
         for (const Row& row : block.rows)
           columns_[column].decimals = std::max(columns_[column].decimals, Decimals(row.texts[column]));
-  } catch (const ado::Error& error) {
+  } catch (const rt::Error& error) {
     Failed(error.Number(), error.what());
-  } catch (const store::StoreError& error) {
-    Failed(ado::kUnspecified, error.what());
   }
 }
 
@@ -238,10 +236,8 @@ bool GridModel::Visit(std::int64_t first, std::int64_t last,
       }
     }
     return true;
-  } catch (const ado::Error& error) {
+  } catch (const rt::Error& error) {
     Failed(error.Number(), error.what());
-  } catch (const store::StoreError& error) {
-    Failed(ado::kUnspecified, error.what());
   }
   return false;
 }

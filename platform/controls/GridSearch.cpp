@@ -6,8 +6,8 @@
 #include <functional>
 #include <map>
 
-#include "platform/controls/QueryText.h"
 #include "platform/runtime/Text.h"
+#include "platform/store/QueryClauses.h"
 
 namespace ui {
 namespace {
@@ -39,17 +39,10 @@ double NumberOf(const rt::Value& value) {
   return value.Type() == rt::ValueType::Boolean ? (value.AsBoolean() ? 1 : 0) : value.AsDouble();
 }
 
-/// A text as text columns compare it: without regard to the case of A to Z.
-std::string Folded(std::string text) {
-  for (char& c : text)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return text;
-}
-
 /// Negative, zero or positive: the value is below, at or above a bound of a span.
 int Compare(const rt::Value& value, const std::string& bound, Rank rank) {
   if (RankOf(value) != rank) return RankOf(value) < rank ? -1 : 1;
-  if (rank == Rank::Text) return Folded(value.AsText()).compare(Folded(bound));
+  if (rank == Rank::Text) return rt::FoldCase(value.AsText()).compare(rt::FoldCase(bound));
   double limit = 0;
   std::from_chars(bound.data(), bound.data() + bound.size(), limit);
   const double number = NumberOf(value);
@@ -185,13 +178,13 @@ class OrderedRows {
 std::optional<bool> Descends(Adodc& source, const store::FieldInfo& field) {
   if (source.Sorted())
     return source.SortedBy(field) ? std::optional<bool>(!source.SortsAscending()) : std::nullopt;
-  const QueryText query(source.Query());
-  const auto columns = query.OrderColumns();
-  if (columns.empty()) return std::nullopt;
-  const std::string& first = columns.front();
-  const auto is = [&](const std::string& name) { return rt::EqualNoCase(first, name); };
-  if (!is(ColumnReference(field)) && !is("[" + field.column + "]") && !is(field.column)) return std::nullopt;
-  return query.FirstDescends();
+  const store::QueryClauses query(source.Query());
+  if (query.OrderedBy().empty()) return std::nullopt;
+  const auto& first = query.OrderedBy().front();
+  const auto is = [&](const std::string& name) { return rt::EqualNoCase(first.column, name); };
+  if (!is(store::ColumnReference(field)) && !is("[" + field.column + "]") && !is(field.column))
+    return std::nullopt;
+  return first.descends;
 }
 
 }  // namespace
@@ -218,8 +211,8 @@ std::optional<std::int64_t> FirstRowWhere(Adodc& source, const std::string& cond
   if (!rows) return std::nullopt;
   const std::int64_t place = rows->Cursor().Position();
   ado::Recordset hits;
-  hits.Open(QueryText(source.Query()).First(kTried, condition), rows->ActiveConnection(), ado::adOpenKeyset,
-            ado::adLockReadOnly);
+  hits.Open(store::QueryClauses(source.Query()).First(kTried, condition), rows->ActiveConnection(),
+            ado::adOpenKeyset, ado::adLockReadOnly);
   for (; !hits.AtEnd(); hits.MoveNext()) {
     try {
       rows->SetBookmark(hits.Bookmark());

@@ -113,6 +113,13 @@ std::optional<double> NumberOf(const ScannedNumber& scanned) {
   return scanned.negative ? -size : size;
 }
 
+void AppendDoubling(char mark, std::string_view text, std::string& result) {
+  for (const char c : text) {
+    if (c == mark) result.push_back(c);
+    result.push_back(c);
+  }
+}
+
 }  // namespace
 
 std::string PlainText(float number) { return Plain(number, 7, 1e7F); }
@@ -134,25 +141,22 @@ std::string Trim(std::string_view text) {
   return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
 }
 
-bool EqualNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (lower(a[i]) != lower(b[i])) return false;
-  }
-  return true;
+std::string Enclosed(std::string_view text, char mark) {
+  std::string enclosed;
+  enclosed.reserve(text.size() + 2);
+  enclosed.push_back(mark);
+  AppendDoubling(mark, text, enclosed);
+  enclosed.push_back(mark);
+  return enclosed;
 }
 
 std::string DoubleApostrophes(std::string_view text) {
   std::string doubled;
   doubled.reserve(text.size() + 2);
-  for (const char c : text) {
-    if (c == '\'') doubled.push_back(c);
-    doubled.push_back(c);
-  }
+  AppendDoubling('\'', text, doubled);
   return doubled;
 }
 
-std::string Quoted(std::string_view text) { return "'" + DoubleApostrophes(text) + "'"; }
+std::string Quoted(std::string_view text) { return Enclosed(text, '\''); }
 
 }  // namespace rt

@@ -1,9 +1,11 @@
-// Numbers as text and text as numbers; letters in upper and lower case.
+// Numbers as text and text as numbers; quoting. Letters.h has the case of letters and the steps of UTF-8.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "platform/runtime/Letters.h"
 
 namespace rt {
 
@@ -21,16 +23,11 @@ std::optional<double> ParseNumber(std::string_view text);
 /// Whether ParseDate reads the text.
 bool IsDate(std::string_view text);
 
-/// All letters in upper and lower case, in UTF-8. Bytes that are not UTF-8 stay as they are.
-std::string UpperCase(std::string_view text);
-std::string LowerCase(std::string_view text);
-/// The number of characters (code points) of a UTF-8 text.
-std::size_t Length(std::string_view text);
 /// Without blanks at both ends.
 std::string Trim(std::string_view text);
-/// Equal without regard to the case of the letters A to Z, as text columns compare.
-bool EqualNoCase(std::string_view a, std::string_view b);
 
+/// The text between two marks, each mark inside it doubled: a name of SQL or a field of CSV with '"'.
+std::string Enclosed(std::string_view text, char mark);
 /// The text with each apostrophe doubled, for use inside a text of SQL.
 std::string DoubleApostrophes(std::string_view text);
 /// The text between apostrophes, as SQL writes it.

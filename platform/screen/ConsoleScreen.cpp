@@ -8,6 +8,8 @@
 #include <span>
 #include <thread>
 
+#include "platform/runtime/Letters.h"
+
 namespace screen {
 namespace {
 
@@ -49,8 +51,6 @@ std::string WithLineBreaks(const std::string& text) {
   return lines;
 }
 
-char LowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
-
 }  // namespace
 
 ConsoleScreen::ConsoleScreen(Answering answering)
@@ -80,7 +80,7 @@ Answer ConsoleScreen::ShowBox(const Box& box) {
     const auto first = line.find_first_not_of(" \t");
     if (first == std::string::npos) continue;
     for (const Choice& choice : choices) {
-      if (LowerLetter(line[first]) == choice.letter) return choice.answer;
+      if (rt::FoldLetter(line[first]) == choice.letter) return choice.answer;
     }
   }
   return safe;

@@ -27,23 +27,10 @@ struct Element {
 std::u32string Characters(std::string_view text) {
   const std::string lower = rt::LowerCase(text);
   std::u32string result;
-  for (std::size_t at = 0; at < lower.size();) {
-    const auto lead = static_cast<unsigned char>(lower[at]);
-    const std::size_t length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : lead >= 0xc0 ? 2 : 1;
-    char32_t character = length == 4   ? lead & 0x07u
-                         : length == 3 ? lead & 0x0fu
-                         : length == 2 ? lead & 0x1fu
-                                       : lead;
-    std::size_t used = 1;
-    while (used < length && at + used < lower.size() &&
-           (static_cast<unsigned char>(lower[at + used]) & 0xc0) == 0x80)
-      character = character << 6 | (static_cast<unsigned char>(lower[at + used++]) & 0x3fu);
-    if (used < length) {
-      character = lead;
-      used = 1;
-    }
-    result.push_back(character);
-    at += used;
+  for (std::string_view rest = lower; !rest.empty();) {
+    const rt::Character character = rt::FirstCharacter(rest);
+    result.push_back(character.valid ? character.code : static_cast<unsigned char>(rest.front()));
+    rest.remove_prefix(character.bytes);
   }
   return result;
 }

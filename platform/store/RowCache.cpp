@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/runtime/Letters.h"
 #include "platform/store/Handle.h"
 #include "platform/store/Numbers.h"
 
@@ -16,8 +17,7 @@ void AppendKey(std::string& key, const rt::Value& value) {
       break;
     case rt::ValueType::Text:
       key += 's';
-      for (const char c : std::get<std::string>(value.Data()))
-        key += c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+      for (const char c : std::get<std::string>(value.Data())) key += rt::FoldLetter(c);
       key += '\0';
       break;
     case rt::ValueType::Boolean:

@@ -99,16 +99,6 @@ std::optional<ColumnInfo> ParseDeclaredType(std::string_view declared) {
   return std::nullopt;
 }
 
-std::string QuoteName(std::string_view name) {
-  std::string quoted;
-  quoted.reserve(name.size() + 2);
-  quoted.push_back('"');
-  for (const char c : name) {
-    if (c == '"') quoted.push_back('"');
-    quoted.push_back(c);
-  }
-  quoted.push_back('"');
-  return quoted;
-}
+std::string QuoteName(std::string_view name) { return rt::Enclosed(name, '"'); }
 
 }  // namespace store

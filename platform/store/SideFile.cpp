@@ -15,6 +15,7 @@
 #include <string_view>
 #include <thread>
 
+#include "platform/runtime/Letters.h"
 #include "platform/store/FileFormat.h"
 #include "platform/store/Rights.h"
 #include "platform/store/SideFileState.h"
@@ -77,7 +78,7 @@ int OpenSideFile(const std::string& path, const std::string& dataFile) {
 std::string_view Fitting(std::string_view name) {
   if (name.size() < kNameBytes) return name;
   std::size_t length = kNameBytes - 1;
-  while (length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80) --length;
+  while (length > 0 && rt::IsContinuation(name[length])) --length;
   return name.substr(0, length);
 }
 

@@ -1,8 +1,9 @@
 // Errors of the store, with the numbers the field knows them by.
 #pragma once
 
-#include <stdexcept>
 #include <string>
+
+#include "platform/runtime/Error.h"
 
 namespace store {
 
@@ -54,13 +55,9 @@ enum Error : int {
   kInternal = 3000,
 };
 
-class StoreError : public std::runtime_error {
+class StoreError : public rt::Error {
  public:
-  StoreError(int number, const std::string& text) : std::runtime_error(text), number_(number) {}
-  int Number() const { return number_; }
-
- private:
-  int number_;
+  StoreError(int number, const std::string& text) : rt::Error(number, text) {}
 };
 
 }  // namespace store

@@ -41,12 +41,9 @@ bool IsWordPart(char c) {
   return found == Class::Letter || found == Class::Digit;
 }
 
-// Whether a cut before this byte would split a character.
-bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; }
-
 [[noreturn]] void Refuse(std::string_view sql, std::size_t place, const char* reason) {
   std::size_t end = std::min(place + 40, sql.size());
-  while (end < sql.size() && IsContinuation(sql[end])) ++end;
+  while (end < sql.size() && rt::IsContinuation(sql[end])) ++end;
   throw StoreError(kSyntax, std::string(reason) + " at character " + std::to_string(place + 1) + ": " +
                                 std::string(sql.substr(place, end - place)));
 }
@@ -54,7 +51,10 @@ bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0
 /// Takes a statement apart in one pass.
 class Normalizer {
  public:
-  explicit Normalizer(std::string_view sql) : sql_(sql) { result_.key.reserve(sql.size() + 8); }
+  explicit Normalizer(std::string_view sql, std::vector<std::string_view>* literals = nullptr)
+      : sql_(sql), literals_(literals) {
+    result_.key.reserve(sql.size() + 8);
+  }
 
   Normalized Run() {
     while (at_ < sql_.size()) {
@@ -107,8 +107,10 @@ class Normalizer {
     blank_ = false;
   }
 
-  void Take(char letter, rt::Value value) {
+  /// Takes out the literal that reaches from `begin` to here.
+  void Take(char letter, std::size_t begin, rt::Value value) {
     Separate();
+    if (literals_) literals_->push_back(sql_.substr(begin, at_ - begin));
     result_.key.push_back('?');
     result_.key.push_back(letter);
     if (result_.parameters.empty()) result_.parameters.reserve(4);
@@ -162,12 +164,12 @@ class Normalizer {
     const char* last = sql_.data() + at_;
     if (std::int32_t number = 0; whole) {
       const auto read = std::from_chars(first, last, number);
-      if (read.ec == std::errc() && read.ptr == last) return Take(dialect::kWholeLetter, number);
+      if (read.ec == std::errc() && read.ptr == last) return Take(dialect::kWholeLetter, begin, number);
     }
     double number = 0;
     const auto read = std::from_chars(first, last, number);
     if (read.ec != std::errc() || read.ptr != last) Refuse(sql_, begin, "This is no number");
-    Take(dialect::kRealLetter, number);
+    Take(dialect::kRealLetter, begin, number);
   }
 
   void TakeText(char quote) {
@@ -182,7 +184,7 @@ class Normalizer {
       text.push_back(quote);
       ++at_;
     }
-    Take(dialect::kTextLetter, std::move(text));
+    Take(dialect::kTextLetter, begin, std::move(text));
   }
 
   void TakeDate() {
@@ -192,7 +194,7 @@ class Normalizer {
     const auto date = rt::ParseDate(sql_.substr(begin + 1, end - begin - 1));
     if (!date) Refuse(sql_, begin, "This is no date");
     at_ = end + 1;
-    Take(dialect::kDateLetter, *date);
+    Take(dialect::kDateLetter, begin, *date);
   }
 
   void TakeBracket() {
@@ -208,6 +210,7 @@ class Normalizer {
   }
 
   std::string_view sql_;
+  std::vector<std::string_view>* literals_;
   std::size_t at_ = 0;
   bool blank_ = false;
   bool afterName_ = false;  // a dot that follows at once joins two names
@@ -221,6 +224,10 @@ class Normalizer {
 Normalized Normalize(std::string_view sql) { return Normalizer(sql).Run(); }
 
 namespace dialect {
+
+std::string KeyOf(std::string_view sql, std::vector<std::string_view>& literals) {
+  return Normalizer(sql, &literals).Run().key;
+}
 
 bool Token::Is(std::string_view word) const { return kind == TokenKind::Word && rt::EqualNoCase(text, word); }
 
@@ -273,7 +280,7 @@ void NotUnderstood(std::string_view key, std::size_t place, std::string_view rea
   if (place >= key.size()) throw StoreError(kSyntax, text + " at its end.");
   // In the key a literal is a '?' with a letter; the letter would only puzzle the reader.
   std::string shown;
-  for (std::size_t at = place; at < key.size() && (shown.size() < 40 || IsContinuation(key[at])); ++at) {
+  for (std::size_t at = place; at < key.size() && (shown.size() < 40 || rt::IsContinuation(key[at])); ++at) {
     shown.push_back(key[at]);
     if (key[at] == '?') ++at;
   }

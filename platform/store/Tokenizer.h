@@ -36,6 +36,10 @@ struct Token {
   bool IsSign(std::string_view sign) const { return kind == TokenKind::Sign && text == sign; }
 };
 
+/// The key of a statement as Normalize makes it, and its literals as they are written, in order of
+/// appearance. Throws 3075 as Normalize does.
+std::string KeyOf(std::string_view sql, std::vector<std::string_view>& literals);
+
 /// Cuts a key into its tokens; the last one is an End. They point into `key`.
 std::vector<Token> Tokenize(std::string_view key);
 

@@ -3,8 +3,8 @@
 #include "controls/GridTest.h"
 #include "platform/controls/Format.h"
 #include "platform/controls/GridSearch.h"
-#include "platform/controls/QueryText.h"
 #include "platform/runtime/Text.h"
+#include "platform/store/QueryClauses.h"
 
 namespace {
 
@@ -74,23 +74,6 @@ TEST_F(AdodcTest, ASortOutlivesTheRecordSource) {
   EXPECT_FALSE(control.CanSort());
 }
 
-TEST(QueryText, FindsTheClauses) {
-  const ui::QueryText plain(
-      "SELECT IIF(a = 1, 'x ORDER BY y', b) AS [Order By] FROM [Where From] LEFT JOIN t ON (t.a = [Where "
-      "From].a)  WHERE a = 'it''s WHERE' AND (b = 1 OR c = #1/1/2026#) ORDER BY [t.a] DESC, LEFT(b, 2), c "
-      "asc ; ");
-  EXPECT_EQ(plain.where, "a = 'it''s WHERE' AND (b = 1 OR c = #1/1/2026#)");
-  EXPECT_EQ(plain.OrderColumns(), (std::vector<std::string>{"[t.a]", "LEFT(b, 2)", "c"}));
-  EXPECT_FALSE(plain.limited);
-  EXPECT_EQ(ui::QueryText("select a from t where a = 1 or b = 2 order by a").First(3, "c = 3"),
-            "SELECT TOP 3 a from t WHERE (a = 1 or b = 2) AND (c = 3) ORDER BY a");
-  const ui::QueryText grouped("SELECT a, COUNT(*) FROM t GROUP BY a HAVING COUNT(*) > 1 ORDER BY a");
-  EXPECT_TRUE(grouped.limited);
-  EXPECT_EQ(grouped.Text(), "SELECT a, COUNT(*) FROM t GROUP BY a HAVING COUNT(*) > 1 ORDER BY a");
-  EXPECT_TRUE(ui::QueryText("SELECT DISTINCT a FROM t").limited);
-  EXPECT_EQ(ui::QueryText("Select and Sort Queries").Text(), "SELECT * FROM [Select and Sort Queries]");
-}
-
 // The store must find exactly the rows whose shown text begins with the typed text.
 TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
   MakeAssets(400);
@@ -139,7 +122,7 @@ TEST_F(AdodcTest, WhatBeginsWithATextIsWhatIsShown) {
       const std::string& condition = beginning.Condition();
       if (!condition.empty()) {
         ado::Recordset hits;
-        hits.Open(ui::QueryText(control.RecordSource).First(1000, condition), rows.ActiveConnection());
+        hits.Open(store::QueryClauses(control.RecordSource).First(1000, condition), rows.ActiveConnection());
         for (; !hits.AtEnd(); hits.MoveNext()) actual.push_back(hits.Get("ID").AsLong());
       }
       EXPECT_EQ(actual, expected) << name << ' ' << typed << ": " << condition;

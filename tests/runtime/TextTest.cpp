@@ -100,6 +100,8 @@ TEST(Text, LengthTrimAndComparison) {
   EXPECT_FALSE(EqualNoCase("[", "{"));
   EXPECT_FALSE(EqualNoCase("\u00e9", "\u00c9"));
   EXPECT_FALSE(EqualNoCase("a", "ab"));
+  EXPECT_FALSE(EqualNoCase("ab", "a"));
+  EXPECT_EQ(FoldCase("aZ[@\u00c9"), "az[@\u00c9");
 }
 
 }  // namespace

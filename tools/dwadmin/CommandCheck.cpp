@@ -6,7 +6,7 @@
 #include "data/BrackenfelGlobals.h"
 #include "data/Catalogue.h"
 #include "data/GenericTools.h"
-#include "platform/runtime/RuntimeError.h"
+#include "platform/runtime/Error.h"
 #include "platform/store/Connection.h"
 #include "tools/dwadmin/Commands.h"
 #include "tools/dwadmin/Output.h"
@@ -57,9 +57,7 @@ void Attempt(Findings& findings, const std::string& file, const char* about, Wor
   };
   try {
     work();
-  } catch (const store::StoreError& error) {
-    note(error.Number(), error.what());
-  } catch (const rt::RuntimeError& error) {
+  } catch (const rt::Error& error) {
     note(error.Number(), error.what());
   }
 }

@@ -25,28 +25,12 @@ std::string Hexadecimal(const rt::Binary& bytes) {
   return text;
 }
 
-/// The length of the UTF-8 character at the start of the text, 0 if there is none.
-std::size_t CharacterLength(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned first = byte(0);
-  if (first < 0x80) return 1;
-  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  if (first < 0xC2 || first > 0xF4 || text.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((byte(i) & 0xC0U) != 0x80U) return 0;
-  // Not valid: forms that are too long, halves of surrogate pairs, and numbers above the last character.
-  const unsigned second = byte(1);
-  if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F)) return 0;
-  if ((first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F)) return 0;
-  return length;
-}
-
 std::string JsonText(std::string_view text) {
   std::string json = "\"";
   while (!text.empty()) {
-    const std::size_t length = CharacterLength(text);
+    const rt::Character character = rt::FirstCharacter(text);
     const char c = text.front();
-    if (length == 0) {
+    if (!character.valid) {
       json += "\\ufffd";
     } else if (c == '"' || c == '\\') {
       json += '\\';
@@ -56,9 +40,9 @@ std::string JsonText(std::string_view text) {
       std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
       json += escaped;
     } else {
-      json += text.substr(0, length);
+      json += text.substr(0, character.bytes);
     }
-    text.remove_prefix(std::max<std::size_t>(length, 1));
+    text.remove_prefix(character.bytes);
   }
   return json + '"';
 }
@@ -147,12 +131,7 @@ std::string CsvField(const rt::Value& value) {
   if (value.Type() == ValueType::Binary) return Hexadecimal(value.AsBinary());
   std::string text = value.AsText();
   if (!text.empty() && text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"') quoted += '"';
-    quoted += c;
-  }
-  return quoted + '"';
+  return rt::Enclosed(text, '"');
 }
 
 void WriteJsonObject(std::ostream& out, const std::vector<std::string>& columns,

@@ -12,7 +12,7 @@
 #include "data/BrackenfelGlobals.h"
 #include "data/Version.h"
 #include "platform/ado/Ado.h"
-#include "platform/runtime/RuntimeError.h"
+#include "platform/runtime/Error.h"
 #include "platform/store/StoreError.h"
 #include "platform/system/Machine.h"
 #include "tools/dwadmin/Commands.h"
@@ -236,11 +236,7 @@ int Run(const Work& work) {
     return kEnded;
   } catch (const dw::NotDone& refusal) {
     return NotDone(refusal.what());
-  } catch (const ado::Error& error) {
-    return NotDone(error.Number(), error.what());
-  } catch (const store::StoreError& error) {
-    return NotDone(error.Number(), error.what());
-  } catch (const rt::RuntimeError& error) {
+  } catch (const rt::Error& error) {
     return NotDone(error.Number(), error.what());
   } catch (const std::exception& error) {
     return NotDone("Error: " + std::string(error.what()));
