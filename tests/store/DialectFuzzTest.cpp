@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
 #include <random>
 
 #include "platform/store/Dialect.h"
@@ -278,8 +277,7 @@ class Maker {
 };
 
 TEST(DialectFuzz, RefusesOrTranslatesToWhatTheEngineTakes) {
-  const auto file =
-      test::ReadScenarios((std::filesystem::path(__FILE__).parent_path() / "dialect.scenarios").string());
+  const auto file = test::ReadScenarios(DROVEWRIGHT_SCENARIOS "/dialect.scenarios");
   test::ScenarioDatabase database(file);
   constexpr int kCases = 200000;
   int translated = 0;

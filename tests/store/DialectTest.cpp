@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 #include "platform/runtime/Clock.h"
 #include "platform/store/StoreError.h"
@@ -17,9 +16,7 @@ using store::Normalize;
 using store::StoreError;
 using store::Translation;
 
-std::string ScenarioPath() {
-  return (std::filesystem::path(__FILE__).parent_path() / "dialect.scenarios").string();
-}
+std::string ScenarioPath() { return DROVEWRIGHT_SCENARIOS "/dialect.scenarios"; }
 
 std::string Joined(const std::vector<std::string>& parts, const char* between) {
   std::string result;
