@@ -3,7 +3,8 @@
 #
 # The table names every folder with source files, and for each what its files may include besides the folder itself and
 # the standard library: other folders, and the libraries Qt, QtInSource (in .cpp files only; nothing visual is linked
-# there), sqlite3, sane and CLI. A folder that is not in the table is an error, so each new folder needs a row.
+# there), sqlite3, sane, CLI and those of the report engine. A folder that is not in the table is an error, so each
+# new folder needs a row.
 cmake_minimum_required(VERSION 3.25)
 set(breaches "")
 set(known "")
@@ -25,7 +26,7 @@ function(may_use folder)
         if("QtInSource" IN_LIST ARGN AND file MATCHES "\\.cpp$")
           set(used QtInSource)
         endif()
-      elseif(path MATCHES "^(sqlite3|sane|CLI)[./]")
+      elseif(path MATCHES "^(sqlite3|sane|CLI|expat|hb|libdeflate|zstd|xlsxwriter|cups)([./-]|$)")
         set(used ${CMAKE_MATCH_1})
       else()
         continue()
@@ -47,6 +48,21 @@ may_use(platform/dao platform/runtime platform/store)
 may_use(platform/screen platform/runtime)
 may_use(platform/scan sane)
 may_use(platform/system platform/runtime QtInSource)
+# The report engine: from formulas down to files. Its parts build on each other in this order.
+set(paper platform/runtime platform/print)
+may_use(platform/print platform/runtime)
+may_use(platform/print/fonts ${paper} hb)
+may_use(platform/print/formula ${paper})
+may_use(platform/print/definition ${paper} platform/print/formula platform/store expat)
+may_use(platform/print/data ${paper} platform/print/formula platform/print/definition platform/store)
+may_use(platform/print/pages ${paper} zstd)
+may_use(platform/print/layout ${paper} platform/print/fonts platform/print/formula platform/print/definition
+  platform/print/data platform/print/pages)
+may_use(platform/print/output ${paper} platform/print/fonts platform/print/pages hb libdeflate xlsxwriter)
+set(engine ${paper} platform/print/formula platform/print/definition platform/print/data platform/print/layout
+  platform/print/pages platform/print/output platform/print/fonts)
+may_use(platform/print/job ${engine} platform/store cups)
+may_use(platform/print/view ${engine} platform/print/job platform/controls platform/screen platform/system Qt)
 set(services platform/runtime platform/store platform/ado platform/dao platform/screen platform/system)
 may_use(platform/controls ${services} platform/scan Qt)
 
