@@ -38,6 +38,9 @@ class RowSpool {
 /// sort), and those of each subreport ordered by the linking field.
 struct ReportRows {
   RowSpool rows;
+  /// What headings and titles read where there is no row at all: the fields of the tables that are joined by
+  /// a constant only, all other fields Null.
+  Row blank;
   struct Inner {
     std::unique_ptr<ReportRows> rows;
     /// The places of the rows whose linking field has this value: first and count; count 0 if there are none.

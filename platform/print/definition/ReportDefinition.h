@@ -23,8 +23,9 @@ struct DefinitionFault {
 
 struct JoinDefinition {
   std::string field;       ///< of this table
-  std::string otherTable;  ///< its alias or name
+  std::string otherTable;  ///< its alias or name; empty: the field must equal the constant
   std::string otherField;
+  rt::Value constant;  ///< so that a table with one row of settings joins every row
 };
 
 struct TableDefinition {

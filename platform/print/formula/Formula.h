@@ -34,6 +34,9 @@ class FormulaError : public PrintError {
 /// What a total covers: the rows of the group of the band that it stands in (for the report's own bands, all
 /// rows), the whole report, one named group, the page, or the rows so far.
 enum class TotalScope { Band, Report, Group, Page };
+/// Percent is a share from 0 to 1: of what its argument sums to in the band's own scope (in a detail: the
+/// row's own value) in the sum of the scope that it names; without a name, of the scope around the band's own
+/// (in a detail: the innermost group). Running is the sum over the rows of its scope up to the present one.
 enum class TotalKind { Sum, Count, DistinctCount, Average, Minimum, Maximum, First, Last, Percent, Running };
 
 /// One total in a formula, in the order in which they are found.
@@ -72,6 +75,8 @@ class FormulaValues {
   virtual bool LastInGroup(int group) const = 0;
   virtual std::int64_t RowNumber() const = 0;
   virtual int PageNumber() const = 0;
+  /// How many pages the report has; Null as long as that is not known.
+  virtual rt::Value PageCount() const = 0;
   virtual bool Continued() const = 0;
   virtual std::string ReportName() const = 0;
   virtual std::string User() const = 0;
@@ -115,6 +120,9 @@ class Formula {
   bool needsPages_ = false;
   rt::ValueType type_ = rt::ValueType::Null;
 };
+
+/// The value of a total's argument for one row. Throws as Formula::Evaluate does.
+rt::Value EvaluateArgument(const Total& total, const FormulaValues& values);
 
 /// A value as a display format writes it: "money" ($1,234.50, parentheses when negative, empty for zero),
 /// "money4", "number0" to "number4" (thousands, empty for zero), "plain0" to "plain4" (no thousands, zero
