@@ -87,7 +87,10 @@ bool PEOutputToWindow(int job, const std::string& title, int left, int top, int 
 bool PEOutputToPrinter(int job, int copies);
 bool PEExportTo(int job, const PEExportOptions& options);
 bool PESetPrintOptions(int job, const PEPrintOptions& options);
+/// An empty name is the default printer.
 bool PESelectPrinter(int job, const std::string& printer);
+/// Output to the printer goes to this PDF file instead of to a queue; empty: to the queue again.
+bool PESelectPdfFile(int job, const std::string& path);
 bool PEShowPrintControls(int job, bool show);
 
 /// Runs the report to its destination. To a window: returns as soon as the first page is there, or the run
