@@ -64,6 +64,16 @@ class Mailer {
 std::shared_ptr<Viewer> InstallViewer(std::shared_ptr<Viewer> viewer);
 std::shared_ptr<PrinterQueue> InstallPrinterQueue(std::shared_ptr<PrinterQueue> queue);
 std::shared_ptr<Mailer> InstallMailer(std::shared_ptr<Mailer> mailer);
+/// What is installed; null if nothing is.
+const std::shared_ptr<Viewer>& CurrentViewer();
+const std::shared_ptr<PrinterQueue>& CurrentPrinterQueue();
+const std::shared_ptr<Mailer>& CurrentMailer();
+
+/// Prints these pages: writes them to a temporary PDF file and hands that to the installed queue, or writes
+/// them to the ticket's PDF file. All pages must be finished. Returns false if the progress was answered with
+/// false. Throws PrintError with the reason; no temporary file is left.
+bool PrintPages(const PageStore& pages, const PageRange& range, const PrintTicket& ticket,
+                const OutputProgress& progress);
 
 /// What runs take from the settings of the user: the paper, and the name that User() gives.
 struct PrintSettings {
