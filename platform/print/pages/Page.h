@@ -34,12 +34,14 @@ struct Cell {
   /// For totals: the sum of this column over the rows of the band's scope, so that a spreadsheet can write a
   /// formula.
   bool columnTotal = false;
+  friend bool operator==(const Cell&, const Cell&) = default;
 };
 
 /// A straight line or a filled rectangle.
 struct Rule {
   Box box;  ///< a horizontal or vertical line has its thickness as height or width
   Color color;
+  friend bool operator==(const Rule&, const Rule&) = default;
 };
 
 /// What one band of the definition has put on a page. A band that was split appears on two pages.
@@ -55,6 +57,7 @@ struct PlacedBand {
   Box box;
   std::vector<Rule> rules;  ///< drawn below the cells, in order; shading comes first
   std::vector<Cell> cells;
+  friend bool operator==(const PlacedBand&, const PlacedBand&) = default;
 };
 
 struct Page {
@@ -62,6 +65,7 @@ struct Page {
   Length width = 0;
   Length height = 0;
   std::vector<PlacedBand> bands;
+  friend bool operator==(const Page&, const Page&) = default;
 };
 
 /// One entry of the tree of groups.
@@ -76,6 +80,7 @@ struct OutlineEntry {
 struct SlotValue {
   std::string text;
   rt::Value value;
+  friend bool operator==(const SlotValue&, const SlotValue&) = default;
 };
 
 }  // namespace print

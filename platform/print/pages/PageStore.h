@@ -49,7 +49,7 @@ class PageStore {
   void Append(const Page& page);
   /// A new slot, empty until FillSlot.
   int NewSlot();
-  void FillSlot(int slot, SlotValue value);
+  void FillSlot(int slot, const SlotValue& value);
   void AddOutline(OutlineEntry entry);
   /// No page, slot or outline entry comes any more.
   void Finish();
