@@ -5,6 +5,10 @@
 #include <filesystem>
 #include <utility>
 
+#include "platform/print/PrintError.h"
+#include "platform/print/output/OutputFile.h"
+#include "platform/print/output/Writers.h"
+
 namespace print {
 
 std::optional<OutputFormat> FormatOfEnding(const std::string& path) {
@@ -22,6 +26,22 @@ std::optional<OutputFormat> FormatOfEnding(const std::string& path) {
     if (ending == known) return format;
   }
   return std::nullopt;
+}
+
+bool WriteOutput(const PageStore& pages, OutputFormat format, const std::string& path, const PageRange& range,
+                 const OutputProgress& progress) {
+  OutputFile file(path);
+  const auto write = [&] {
+    switch (format) {
+      case OutputFormat::Text:
+        return WriteText(pages, range, progress, file);
+      default:
+        throw PrintError("There is no such output format.");
+    }
+  };
+  if (!write()) return false;
+  file.Commit();
+  return true;
 }
 
 }  // namespace print
