@@ -83,6 +83,12 @@ class FormulaValues {
   virtual rt::DateTime PrintTime() const = 0;
 };
 
+/// Where a formula is going to stand.
+enum class FormulaUse {
+  Anywhere,
+  Row,  ///< in a selection, a group key or a sort: totals, other rows and pages are not there yet
+};
+
 /// A formula that was read and checked. Immutable; evaluations in several threads may share it.
 class Formula {
  public:
@@ -90,7 +96,8 @@ class Formula {
   /// Reads a text. Throws FormulaError with the place inside the text; names of fields, formulas and
   /// functions that do not exist, wrong numbers of arguments and operands whose types can never fit are
   /// faults too.
-  static Formula Read(std::string_view text, const FormulaScope& scope);
+  static Formula Read(std::string_view text, const FormulaScope& scope,
+                      FormulaUse use = FormulaUse::Anywhere);
 
   bool Empty() const { return root_ == nullptr; }
   const std::string& Text() const { return text_; }
@@ -102,6 +109,8 @@ class Formula {
   /// If the formula is nothing but one total: that total's place. For spreadsheets.
   std::optional<int> SoleTotal() const;
   const FormulaNode* Root() const { return root_.get(); }
+  /// The same, kept alive: what FormulaScope::NamedFormula returns.
+  const std::shared_ptr<const FormulaNode>& Tree() const { return root_; }
   /// What the value's type will be where that is certain; Null where it depends on the row.
   rt::ValueType Type() const { return type_; }
 
@@ -123,6 +132,10 @@ class Formula {
 
 /// The value of a total's argument for one row. Throws as Formula::Evaluate does.
 rt::Value EvaluateArgument(const Total& total, const FormulaValues& values);
+
+/// The fault as people read it: 'Formula "RptTitle1", column 12: ...', with the line where there is more than
+/// one. `name` says what the text is: 'Formula "RptTitle1"', "Selection".
+std::string FaultText(std::string_view name, const FormulaError& error);
 
 /// A value as a display format writes it: "money" ($1,234.50, parentheses when negative, empty for zero),
 /// "money4", "number0" to "number4" (thousands, empty for zero), "plain0" to "plain4" (no thousands, zero
