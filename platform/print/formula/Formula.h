@@ -86,7 +86,7 @@ class FormulaValues {
 /// Where a formula is going to stand.
 enum class FormulaUse {
   Anywhere,
-  Row,  ///< in a selection, a group key or a sort: totals, other rows and pages are not there yet
+  PerRow,  ///< in a selection, a group key or a sort: totals, other rows and pages are not there yet
 };
 
 /// A formula that was read and checked. Immutable; evaluations in several threads may share it.

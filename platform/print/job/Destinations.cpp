@@ -56,6 +56,18 @@ std::shared_ptr<PrinterQueue> InstallPrinterQueue(std::shared_ptr<PrinterQueue> 
 }
 std::shared_ptr<Mailer> InstallMailer(std::shared_ptr<Mailer> mailer) { return Install(std::move(mailer)); }
 
+namespace {
+
+PrintSettings& Settings() {
+  static PrintSettings settings;
+  return settings;
+}
+
+}  // namespace
+
+void SetPrintSettings(const PrintSettings& settings) { Settings() = settings; }
+const PrintSettings& CurrentPrintSettings() { return Settings(); }
+
 const std::shared_ptr<Viewer>& CurrentViewer() { return Installed<Viewer>(); }
 const std::shared_ptr<PrinterQueue>& CurrentPrinterQueue() { return Installed<PrinterQueue>(); }
 const std::shared_ptr<Mailer>& CurrentMailer() { return Installed<Mailer>(); }

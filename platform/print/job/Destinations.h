@@ -81,5 +81,6 @@ struct PrintSettings {
   std::string user;
 };
 void SetPrintSettings(const PrintSettings& settings);
+const PrintSettings& CurrentPrintSettings();
 
 }  // namespace print

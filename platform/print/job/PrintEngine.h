@@ -47,8 +47,13 @@ struct PESubreportInfo {
   std::string name;
 };
 
+constexpr int kReportHeaderSection = 1000;
+constexpr int kPageHeaderSection = 2000;
+constexpr int kGroupHeaderSection = 3000;  ///< plus the group
 constexpr int kDetailSection = 4000;
-constexpr int kGroupFooterSection = 5000;
+constexpr int kGroupFooterSection = 5000;  ///< plus the group
+constexpr int kPageFooterSection = 7000;
+constexpr int kReportFooterSection = 8000;
 
 bool PEOpenEngine();
 void PECloseEngine();
@@ -57,19 +62,27 @@ int PEOpenPrintJob(const std::string& reportFile);
 bool PEClosePrintJob(int job);
 bool PEDiscardSavedData(int job);
 
-/// The texts end at their first NUL if they hold one.
+/// Gives a named formula of the definition another text for this job. Texts end at their first NUL if they
+/// hold one. A text between double quotes is taken as it stands, with whatever a person typed between them:
+/// quotes inside need not be doubled. Fails if the definition has no such formula or the text has a fault.
 bool PESetFormula(int job, const std::string& name, const std::string& text);
 bool PESetSelectionFormula(int job, const std::string& text);
 bool PEGetSelectionFormula(int job, int* textHandle, int* textLength);
 /// Copies the text of a handle into `buffer`, whose length the caller has set, and gives the handle up.
 bool PEGetHandleString(int textHandle, std::string* buffer);
-/// Direction 1 is ascending, 0 descending.
+/// Field n of the order, from 0 and without gaps; "{Table.Field}" by the table's name or alias. Direction 1
+/// is ascending, 0 descending.
 bool PESetNthSortField(int job, int n, const std::string& name, int direction);
 
 int PEGetNTables(int job);
+/// A path whose last component is the table's own name: the data file, or the definition file as long as no
+/// location was set, then "/" and the name.
 bool PEGetNthTableLocation(int job, int n, PETableLocation* location);
+/// The path of the data file that the table is read from.
 bool PESetNthTableLocation(int job, int n, const PETableLocation& location);
 
+/// The report's header, the page's header, the groups' headers from the outermost inwards, the detail, the
+/// groups' footers, the page's footer, the report's footer.
 int PEGetNSections(int job);
 int PEGetSectionCode(int job, int n);
 int PEGetNGroups(int job);
@@ -93,8 +106,10 @@ bool PESelectPrinter(int job, const std::string& printer);
 bool PESelectPdfFile(int job, const std::string& path);
 bool PEShowPrintControls(int job, bool show);
 
-/// Runs the report to its destination. To a window: returns as soon as the first page is there, or the run
-/// has failed.
+/// Runs the report to its destination: reads its rows in one go, and lays them out in a thread of its own. To
+/// a window: returns as soon as the first page is there, or the run has failed. To a printer or by mail:
+/// returns when the pages have been handed over. Without a destination the report goes to a window. `wait`
+/// false starts a window only; the other destinations always wait.
 bool PEStartPrintJob(int job, bool wait);
 bool PEPrintControlsShowing(int job, bool* showing);
 /// The preview window of the job; 0 once it is closed.

@@ -14,7 +14,7 @@
 namespace print {
 
 /// A formula with the places of its totals.
-struct FormulaUse {
+struct PlannedFormula {
   const Formula* formula = nullptr;
   std::vector<TotalUse> totals;
   /// Its totals of pages: accumulators at kPageLevel or kPlacedLevel, known when the page is full.
@@ -34,7 +34,7 @@ struct CellLook {
 struct DeferredCell {
   std::size_t part = 0;
   std::size_t cell = 0;
-  const FormulaUse* use = nullptr;
+  const PlannedFormula* use = nullptr;
   BandValues values;
   CellLook look;
 };

@@ -76,7 +76,8 @@ void Composer::LookAhead(std::int64_t place, int group, int begins) {
   book_->TakeAhead(scan, level);
 }
 
-rt::Value Composer::Evaluate(const FormulaUse& use, BandValues& values, const TotalsBook* pageTotals) const {
+rt::Value Composer::Evaluate(const PlannedFormula& use, BandValues& values,
+                             const TotalsBook* pageTotals) const {
   std::vector<rt::Value> totals;
   totals.reserve(use.totals.size());
   for (const TotalUse& total : use.totals) {
@@ -94,7 +95,7 @@ rt::Value Composer::Evaluate(const FormulaUse& use, BandValues& values, const To
   }
 }
 
-bool Composer::Holds(const FormulaUse& use, BandValues& values) const {
+bool Composer::Holds(const PlannedFormula& use, BandValues& values) const {
   if (use.formula == nullptr || use.formula->Empty()) return true;
   const rt::Value value = Evaluate(use, values, nullptr);
   return !value.IsNull() && value.AsBoolean();

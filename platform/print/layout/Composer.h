@@ -26,8 +26,8 @@ class BandSink {
 /// An item with all that is known of it before the rows.
 struct ItemPlan {
   const ItemDefinition* item = nullptr;
-  FormulaUse value;
-  FormulaUse visible;
+  PlannedFormula value;
+  PlannedFormula visible;
   TextStyle style;
   Align align = Align::Left;
   CellLook look;
@@ -42,7 +42,7 @@ struct BandPlan {
   const BandDefinition* band = nullptr;
   BandKind kind = BandKind::Detail;
   int group = -1;
-  FormulaUse showIf;
+  PlannedFormula showIf;
   std::vector<ItemPlan> items;  ///< from the top downwards
 };
 
@@ -91,7 +91,7 @@ class Composer {
  private:
   BandPlan PlanBand(const BandDefinition& band, BandKind kind, int group);
   ItemPlan PlanItem(const ItemDefinition& item, BandKind kind, int group);
-  FormulaUse PlanFormula(const Formula& formula, BandKind kind, int group);
+  PlannedFormula PlanFormula(const Formula& formula, BandKind kind, int group);
   TotalUse PlanTotal(const Total& total, BandKind kind, int group);
   bool TotalsDetailColumn(const ItemDefinition& item) const;
 
@@ -99,9 +99,9 @@ class Composer {
   BandValues ValuesAtRow(std::int64_t row) const;
   RowValues Arguments(const BandValues& values, int onlyLevel) const;
   void LookAhead(std::int64_t place, int group, int begins);
-  rt::Value Evaluate(const FormulaUse& use, BandValues& values, const TotalsBook* pageTotals) const;
+  rt::Value Evaluate(const PlannedFormula& use, BandValues& values, const TotalsBook* pageTotals) const;
   rt::Value EvaluateAgain(const DeferredCell& deferred) const;
-  bool Holds(const FormulaUse& use, BandValues& values) const;
+  bool Holds(const PlannedFormula& use, BandValues& values) const;
   void Tell(const Formula& formula, const BandValues& values, const rt::Error& error) const;
 
   BuiltBand Build(const BandPlan& plan, BandValues& values, const TotalsBook* pageTotals);
@@ -122,7 +122,7 @@ class Composer {
   std::vector<TextStyle> styles_;
   BandPlan reportHeader_, pageHeader_, detail_, pageFooter_, reportFooter_;
   std::vector<BandPlan> headers_, footers_;
-  std::vector<FormulaUse> treeTitles_;
+  std::vector<PlannedFormula> treeTitles_;
   std::vector<std::unique_ptr<Composer>> subreports_;
   std::unique_ptr<TotalsBook> book_;
   RowSource source_;

@@ -147,8 +147,8 @@ bool Composer::TotalsDetailColumn(const ItemDefinition& item) const {
       });
 }
 
-FormulaUse Composer::PlanFormula(const Formula& formula, BandKind kind, int group) {
-  FormulaUse use;
+PlannedFormula Composer::PlanFormula(const Formula& formula, BandKind kind, int group) {
+  PlannedFormula use;
   use.formula = &formula;
   for (const Total& total : formula.Totals()) {
     use.totals.push_back(PlanTotal(total, kind, group));

@@ -345,8 +345,8 @@ TEST(FormulaTest, SelectionsUseTheRowAlone) {
   const TestScope scope = FleetScope();
   for (const char* text : {"Sum({Costs.Cost}) > 1", "Previous({Costs.Cost}) > 1", "Page = 1", "Pages = 1",
                            "RowNumber < 5", "{@Sums} > 1", "FirstInGroup({Vehicles.Class ID})"})
-    EXPECT_THROW(Formula::Read(text, scope, FormulaUse::Row), FormulaError) << text;
-  EXPECT_NO_THROW(Formula::Read("{@Twice} > 1 AND Today > Date(2000,1,1)", scope, FormulaUse::Row));
+    EXPECT_THROW(Formula::Read(text, scope, FormulaUse::PerRow), FormulaError) << text;
+  EXPECT_NO_THROW(Formula::Read("{@Twice} > 1 AND Today > Date(2000,1,1)", scope, FormulaUse::PerRow));
 }
 
 TEST(FormulaTest, WrongValuesOfARowAreErrorsInWords) {
