@@ -33,6 +33,8 @@ bool WriteOutput(const PageStore& pages, OutputFormat format, const std::string&
   OutputFile file(path);
   const auto write = [&] {
     switch (format) {
+      case OutputFormat::Pdf:
+        return WritePdf(pages, range, progress, file);
       case OutputFormat::Text:
         return WriteText(pages, range, progress, file);
       default:

@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr OutputFormat kFormats[] = {OutputFormat::Text};
+constexpr OutputFormat kFormats[] = {OutputFormat::Text, OutputFormat::Pdf};
 
 int FilesIn(const std::string& directory) {
   return static_cast<int>(std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
