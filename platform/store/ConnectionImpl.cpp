@@ -5,6 +5,7 @@
 
 #include "platform/runtime/Waits.h"
 #include "platform/store/Numbers.h"
+#include "platform/store/RowList.h"
 
 namespace store {
 namespace {
@@ -167,6 +168,17 @@ std::int64_t Connection::Impl::Run(const Change& change) {
     throw;
   }
   return sqlite3_changes64(handle_->Db());
+}
+
+std::int64_t Connection::Impl::RunTogether(std::span<const Change> changes) {
+  RowList rows;
+  for (const Change& change : changes) rows.Add(change.values.back().AsCurrency().Units(), change.values);
+  try {
+    return UpdateRecords(*handle_, *changes.front().update, rows);
+  } catch (...) {
+    if (sqlite3_get_autocommit(handle_->Db())) RollbackPhysical();
+    throw;
+  }
 }
 
 // --- one unit of change

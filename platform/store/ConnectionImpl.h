@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -84,6 +85,9 @@ class Connection::Impl {
   /// Changes whenever rows of the table that were read earlier may be out of date.
   std::uint64_t EpochOf(int table) const;
   void NoteChange(int table) { ++tableEpochs_[table]; }
+  /// What NoteChange counts, for one who asks often.
+  std::uint64_t& ChangesOf(int table) { return tableEpochs_[table]; }
+  std::uint64_t EpochWith(std::uint64_t changes) const { return epoch_ + changes; }
   /// See Connection::Glance.
   std::uint64_t Glance() const { return physical_ ? epoch_ : 0; }
 
@@ -116,8 +120,11 @@ class Connection::Impl {
   /// Takes back what is written since BeginPhysical and lets go of the file.
   void TakeBack();
   std::int64_t Run(const Change& change);
+  std::int64_t RunTogether(std::span<const Change> changes);
   TransactionLog::Maker Maker() {
-    return [this](Change& change) { return Run(change); };
+    return [this](std::span<Change> changes) {
+      return changes.size() == 1 ? Run(changes.front()) : RunTogether(changes);
+    };
   }
   void FlushGroup(bool pause);
   void CommitSettled();

@@ -6,6 +6,7 @@
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
 #include "platform/store/Handle.h"
+#include "platform/store/RowList.h"
 
 namespace store {
 namespace {
@@ -56,6 +57,15 @@ struct Result {
   }
 };
 
+/// See RowList.
+void ValueFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+  auto* rows = static_cast<RowList*>(sqlite3_value_pointer(arguments[0], RowList::kPointerType));
+  const rt::Value* value =
+      rows ? rows->At(sqlite3_value_int64(arguments[1]), sqlite3_value_int64(arguments[2])) : nullptr;
+  if (!value) return sqlite3_result_error(context, "a record to be written has no values", -1);
+  std::visit(Result{context}, value->Data());
+}
+
 enum FitArgument { kValue, kForm, kColumn, kType, kSize, kTakesEmpty, kFitArguments };
 
 /// The column that a call of dw_fit names, kept from row to row.
@@ -100,6 +110,7 @@ void AddFunctions(sqlite3* db, std::optional<StoreError>& refused) {
   add("dw_like", 2, plain, LikeFunction);
   add("dw_now", 0, SQLITE_UTF8, NowFunction);
   add("dw_date", 0, SQLITE_UTF8, DateFunction);
+  add("dw_value", 3, SQLITE_UTF8, ValueFunction);
   add("dw_fit", kFitArguments, plain, FitFunction);
 }
 

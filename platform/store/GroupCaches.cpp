@@ -1,8 +1,9 @@
 #include "platform/store/GroupCaches.h"
 
 #include <algorithm>
+#include <deque>
 
-#include "platform/store/Handle.h"
+#include "platform/store/RowList.h"
 
 namespace store {
 namespace {
@@ -101,28 +102,28 @@ bool GroupCaches::CommittedImage(const CachedRow& row, std::vector<rt::Value>& v
 }
 
 void GroupCaches::Store(Handle& handle, Rows rows) {
-  std::vector<rt::Value> image;
   for (auto& [table, cache] : caches_) {
-    if (cache->Dirty().empty()) continue;
-    Use update(handle, *cache->UpdateStatement());
-    Use insert(handle, *cache->InsertStatement());
+    RowList changed;
+    RowList added;
+    std::vector<CachedRow*> addedRows;
+    std::deque<std::vector<rt::Value>> images;
     for (const auto& row : cache->Dirty()) {
       const std::vector<rt::Value>* values = &row->values;
       if (rows == Rows::Committed && TouchedByTransaction(*row)) {
-        if (!CommittedImage(*row, image)) continue;
-        values = &image;
+        if (!CommittedImage(*row, images.emplace_back())) continue;
+        values = &images.back();
       }
       if (row->id != 0) {
-        cache->BindUpdate(update, *values, row->id);
-        update.Step();
-        update.Reset();
+        changed.Add(row->id, *values);
       } else {
-        cache->BindInsert(insert, *values);
-        insert.Step();
-        insert.Reset();
-        row->newId = sqlite3_last_insert_rowid(handle.Db());
+        added.Add(*values);
+        addedRows.push_back(row.get());
       }
     }
+    changed.Sort();
+    UpdateRecords(handle, cache->Update(), changed);
+    std::int64_t id = InsertRecords(handle, cache->Insert(), added);
+    for (CachedRow* row : addedRows) row->newId = id++;
   }
 }
 
@@ -178,8 +179,10 @@ void GroupCaches::Spill(int table, const Keep& settled, const Keep& open) {
 }
 
 void GroupCaches::ForgetClean() {
-  for (auto& [table, cache] : caches_)
+  for (auto& [table, cache] : caches_) {
     std::erase_if(cache->Rows(), [](const auto& entry) { return !entry.second || !entry.second->dirty; });
+    cache->ForgetRead();
+  }
 }
 
 void GroupCaches::ForgetAll() {
@@ -189,8 +192,11 @@ void GroupCaches::ForgetAll() {
 }
 
 void GroupCaches::Trim() {
-  for (auto& [table, cache] : caches_)
-    if (cache->Rows().size() > kMostCachedRows) cache->Rows().clear();
+  for (auto& [table, cache] : caches_) {
+    if (cache->Rows().size() <= kMostCachedRows) continue;
+    cache->Rows().clear();
+    cache->ForgetRead();
+  }
 }
 
 std::vector<int> GroupCaches::TablesOfTransaction() const {

@@ -13,6 +13,7 @@
 #include "platform/store/FileFormat.h"
 #include "platform/store/Functions.h"
 #include "platform/store/Rights.h"
+#include "platform/store/RowList.h"
 #include "platform/store/SideFile.h"
 #include "platform/store/StoreError.h"
 
@@ -341,6 +342,10 @@ void Use::BindKey(int key, std::int64_t value) {
 void Use::BindKeyList(std::string_view keys) {
   sqlite3_bind_text64(statement_, sqlite3_bind_parameter_index(statement_, ":keys"), keys.data(), keys.size(),
                       SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+void Use::BindRows(int index, RowList& rows) {
+  sqlite3_bind_pointer(statement_, index, &rows, RowList::kPointerType, nullptr);
 }
 
 void Use::Bind(int index, const rt::Value& value) {

@@ -72,6 +72,7 @@ struct QueryPlan {
 };
 
 class Handle;
+class RowList;
 class SideFile;
 
 /// A statement that waits for its next use.
@@ -94,6 +95,8 @@ class Use {
   void BindKey(int key, std::int64_t value);
   /// Binds :keys; see KeyList.
   void BindKeyList(std::string_view keys);
+  /// Binds rows for dw_value; they must live for as long as the statement is in use.
+  void BindRows(int index, RowList& rows);
   void BindAll(const std::vector<rt::Value>& values);
   /// True while there is a row. Throws StoreError.
   bool Step();

@@ -75,7 +75,7 @@ class QueryCursor : public RecordCursor {
       row_ = &whole_[static_cast<std::size_t>(place_)];
       return;
     }
-    const std::uint64_t epoch = Impl().EpochOf(Table());
+    const std::uint64_t epoch = Epoch();
     if (epoch != windowEpoch_ || place_ < windowStart_ ||
         place_ >= windowStart_ + static_cast<std::int64_t>(window_.size())) {
       FetchWindow();
@@ -156,7 +156,7 @@ class QueryCursor : public RecordCursor {
   // its way, gets one.
   void FetchWindow() {
     Impl().BeforeRead(plan_->translation);
-    const std::uint64_t epoch = Impl().EpochOf(Table());
+    const std::uint64_t epoch = Epoch();
     const std::int64_t next = windowStart_ + static_cast<std::int64_t>(window_.size());
     ahead_ = epoch == windowEpoch_ && place_ == next ? std::min(ahead_ * kGrowth, kMostAhead) : 1;
     windowStart_ = place_;

@@ -12,6 +12,7 @@ RecordCursor::RecordCursor(std::shared_ptr<Connection> connection, std::shared_p
     : connection_(std::move(connection)),
       impl_(&connection_->Internals()),
       plan_(std::move(plan)),
+      changes_(&impl_->ChangesOf(Table())),
       parameters_(std::move(parameters)),
       locking_(locking) {}
 
@@ -177,7 +178,7 @@ void RecordCursor::Edit() {
   buffer_.assign(plan_->leading->columns.size(), std::nullopt);
   changed_ = false;
   editedInGroup_ = impl_->InGroup() && locking_ == Locking::Pessimistic;
-  editedAt_ = impl_->EpochOf(Table());
+  editedAt_ = Epoch();
   state_ = State::Editing;
 }
 
@@ -236,7 +237,7 @@ void RecordCursor::StoreEdit() {
       std::swap(cachedRow_->values[i], *buffer_[i]);
       before.emplace_back(i, std::move(*buffer_[i]));
     }
-    impl_->NoteChange(Table());
+    NoteTableChange();
     return;
   }
   CheckLockable(*plan_->leading, key);
@@ -254,15 +255,16 @@ void RecordCursor::StoreEdit() {
   }
   change.values.push_back(KeyValue(key));
   if (columns_ != changedBefore_) PrepareUpdate();
-  change.sql = updateStatement_;
+  change.update = update_;
+  change.sql = {update_, &update_->one};
   try {
     Writing writing(*impl_);
     impl_->SpillCache(Table());
-    if (editedInGroup_ && updateCanWait_ && impl_->InGroup() && editedAt_ == impl_->EpochOf(Table()))
+    if (editedInGroup_ && updateCanWait_ && impl_->InGroup() && editedAt_ == Epoch())
       impl_->WriteLater(std::move(change));
     else if (impl_->Write(std::move(change)) == 0)
       throw StoreError(kRecordDeleted, "Record is deleted.");
-    impl_->NoteChange(Table());
+    NoteTableChange();
     writing.Done();
   } catch (...) {
     impl_->ReleaseAfterWrite();
@@ -272,24 +274,21 @@ void RecordCursor::StoreEdit() {
   RowStored(key);
 }
 
-/// Makes the statement that changes the columns of the edit.
+/// Makes the statements that change the columns of the edit.
 void RecordCursor::PrepareUpdate() {
-  std::string sql;
-  int parameter = 0;
+  std::vector<WrittenColumn> written;
   updateCanWait_ = true;
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     if (!columns_[i]) continue;
     const ColumnInfo& column = plan_->leading->columns[i];
-    sql += (sql.empty() ? " SET " : ", ") + QuoteName(column.name) + " = ?" + std::to_string(++parameter);
+    written.push_back({column.name, written.size()});
     // Doubled keys must be reported at once, and pictures would fill the memory.
     if (column.type == ColumnType::LongBinary) updateCanWait_ = false;
     for (const auto& index : plan_->leading->indexes)
       for (const auto& used : index.columns)
         if ((index.unique || index.primary) && rt::EqualNoCase(used, column.name)) updateCanWait_ = false;
   }
-  updateStatement_ =
-      std::make_shared<const std::string>("UPDATE " + QuoteName(plan_->leading->name) + sql +
-                                          " WHERE _rowid_ = ?" + std::to_string(parameter + 1));
+  update_ = std::make_shared<const RecordUpdate>(plan_->leading->name, written);
   changedBefore_ = columns_;
 }
 
@@ -299,7 +298,7 @@ bool RecordCursor::ChangesCacheKey() const {
   return false;
 }
 
-bool RecordCursor::StoreNewInCache(const std::vector<rt::Value>& values) {
+bool RecordCursor::StoreNewInCache(std::vector<rt::Value>& values) {
   // Only where a Seek of this group has just found that there is no such row.
   if (!cache_ || cache_->Retired() || !impl_->InGroup() || impl_->Depth() > 1 || !noMatch_ ||
       cacheKey_.empty())
@@ -310,9 +309,9 @@ bool RecordCursor::StoreNewInCache(const std::vector<rt::Value>& values) {
   for (std::size_t i = 0; i < buffer_.size(); ++i)
     if (plan_->leading->columns[i].type == ColumnType::Counter && buffer_[i]) return false;
   auto row = std::make_shared<CachedRow>();
-  row->values = values;
+  row->values = std::move(values);
   impl_->Caches().NoteAdded(*cache_, cacheKey_, row, impl_->Depth() > 0);
-  impl_->NoteChange(Table());
+  NoteTableChange();
   lastAdded_ = std::move(row);
   return true;
 }
@@ -320,22 +319,25 @@ bool RecordCursor::StoreNewInCache(const std::vector<rt::Value>& values) {
 void RecordCursor::StoreNew() {
   const TableInfo& table = *plan_->leading;
   std::vector<rt::Value> values;
-  std::string names;
-  std::string marks;
+  values.reserve(buffer_.size() + 1);
   int idParameter = 0;
   for (std::size_t i = 0; i < buffer_.size(); ++i) {
     const ColumnInfo& column = table.columns[i];
     if (buffer_[i])
       values.push_back(*buffer_[i]);
     else if (column.type == ColumnType::Boolean)
-      values.push_back(false);
+      values.emplace_back(false);
     else
-      values.push_back(rt::Null{});
+      values.emplace_back(rt::Null{});
     if (column.type == ColumnType::Counter) idParameter = static_cast<int>(values.size());
-    names += (names.empty() ? "" : ", ") + QuoteName(column.name);
-    marks += (marks.empty() ? "?" : ", ?") + std::to_string(values.size());
   }
   if (StoreNewInCache(values)) return;
+  std::string names;
+  std::string marks;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    names += (i == 0 ? "" : ", ") + QuoteName(table.columns[i].name);
+    marks += (i == 0 ? "?" : ", ?") + std::to_string(i + 1);
+  }
   const bool counted = idParameter > 0;
   if (!counted) {
     values.emplace_back(rt::Null{});
@@ -355,7 +357,7 @@ void RecordCursor::StoreNew() {
     change.values = std::move(values);
     change.table = Table();
     impl_->Write(std::move(change), &id, idParameter);
-    impl_->NoteChange(Table());
+    NoteTableChange();
     if (counted) impl_->NoteReserved(table.name, id);
     writing.Done();
   }
@@ -390,7 +392,7 @@ void RecordCursor::Delete() {
     if (impl_->Write(Table(), "DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1",
                      {KeyValue(key)}) == 0)
       throw StoreError(kRecordDeleted, "Record is deleted.");
-    impl_->NoteChange(Table());
+    NoteTableChange();
     writing.Done();
   } catch (...) {
     impl_->ReleaseAfterWrite();
@@ -428,7 +430,7 @@ void RecordCursor::Find(std::string_view condition, bool first) {
       "SELECT * FROM [" + plan_->translation.tables[0].name + "] WHERE " + std::string(condition), &values);
   impl_->BeforeRead(probe->translation);
   // Read before the keys are: a change that comes in between leads to another query the next time.
-  const FoundKeys::State now{impl_->Db().Number("PRAGMA data_version"), impl_->EpochOf(Table())};
+  const FoundKeys::State now{impl_->Db().Number("PRAGMA data_version"), Epoch()};
   const bool known = found_.condition == condition && found_.state == now;
   if (!known && !first && FindNear(*probe, values)) {
     noMatch_ = false;

@@ -80,6 +80,9 @@ class RecordCursor : public Cursor {
   void LeaveEdit();
   Connection::Impl& Impl() const { return *impl_; }
   int Table() const { return plan_->leading ? plan_->leading->number : 0; }
+  /// See Connection::Impl::EpochOf, for the leading table.
+  std::uint64_t Epoch() const { return impl_->EpochWith(*changes_); }
+  void NoteTableChange() { ++*changes_; }
   /// Reads one row by its keys; false when the leading record is gone.
   bool FetchByKeys(const std::int64_t* keys, RawRow& row);
   /// The value of a field in a row that has been read, fetched now where rows leave it out.
@@ -88,6 +91,7 @@ class RecordCursor : public Cursor {
   std::shared_ptr<Connection> connection_;
   Connection::Impl* impl_;
   std::shared_ptr<const QueryPlan> plan_;
+  std::uint64_t* changes_;  ///< the connection's count of changes of the leading table
   std::vector<rt::Value> parameters_;
   Locking locking_;
   const RawRow* row_ = nullptr;
@@ -108,15 +112,16 @@ class RecordCursor : public Cursor {
   void StoreNew();
   void PrepareUpdate();
   bool ChangesCacheKey() const;
-  bool StoreNewInCache(const std::vector<rt::Value>& values);
+  /// Moves the values away if it returns true.
+  bool StoreNewInCache(std::vector<rt::Value>& values);
   void CheckRequired(const std::vector<std::optional<rt::Value>>& buffer, bool adding) const;
 
   State state_ = State::Viewing;
   std::vector<std::optional<rt::Value>> buffer_;  ///< by column of the leading table
   bool changed_ = false;
-  std::vector<bool> changedBefore_;  ///< the columns that updateStatement_ changes
+  std::vector<bool> changedBefore_;  ///< the columns that update_ changes
   std::vector<bool> columns_;        ///< the columns of the edit
-  std::shared_ptr<const std::string> updateStatement_;
+  std::shared_ptr<const RecordUpdate> update_;
   bool updateCanWait_ = false;            ///< nothing in the file can refuse it
   bool editedInGroup_ = false;            ///< the edit began in a group, with the record held and read
   std::uint64_t editedAt_ = 0;            ///< the table's epoch then

@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "platform/runtime/Letters.h"
-#include "platform/store/Handle.h"
 #include "platform/store/Numbers.h"
+#include "platform/store/Statements.h"
 
 namespace store {
 namespace {
@@ -31,6 +31,11 @@ void AppendKey(std::string& key, const rt::Value& value) {
       key.append(bytes, sizeof number);
       break;
     }
+    case rt::ValueType::Binary:  // by another program
+      key += 'b';
+      key.append(value.AsBinary().begin(), value.AsBinary().end());
+      key += '\0';
+      break;
     default:
       key += 't' + value.AsText();
       key += '\0';
@@ -38,30 +43,49 @@ void AppendKey(std::string& key, const rt::Value& value) {
   }
 }
 
+std::vector<std::size_t> KeyColumns(const TableInfo& table, const IndexInfo& index) {
+  std::vector<std::size_t> columns;
+  for (const auto& name : index.columns) columns.push_back(static_cast<std::size_t>(table.Find(name)));
+  return columns;
+}
+
+/// All columns but the counter and the ones that are left out.
+std::vector<WrittenColumn> ColumnsBut(const TableInfo& table, const std::vector<std::size_t>& leftOut) {
+  std::vector<WrittenColumn> columns;
+  for (std::size_t i = 0; i < table.columns.size(); ++i)
+    if (table.columns[i].type != ColumnType::Counter &&
+        std::find(leftOut.begin(), leftOut.end(), i) == leftOut.end())
+      columns.push_back({table.columns[i].name, i});
+  return columns;
+}
+
 }  // namespace
 
 RowCache::RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index)
-    : schema_(std::move(schema)), table_(table), index_(index) {
-  for (const auto& column : index.columns)
-    keyColumns_.push_back(static_cast<std::size_t>(table.Find(column)));
-  std::string names;
-  std::string marks;
-  std::string changes;
-  for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    if (table.columns[i].type == ColumnType::Counter) continue;
-    const std::string name = QuoteName(table.columns[i].name);
-    inserted_.push_back(i);
-    names += name + ", ";
-    marks += "?" + std::to_string(inserted_.size()) + ", ";
-    if (IsKey(i)) continue;
-    updated_.push_back(i);
-    changes += (changes.empty() ? "" : ", ") + name + " = ?" + std::to_string(updated_.size());
-  }
-  update_ = std::make_shared<const std::string>("UPDATE " + QuoteName(table.name) + " SET " + changes +
-                                                " WHERE _rowid_ = ?" + std::to_string(updated_.size() + 1));
-  insert_ = std::make_shared<const std::string>("INSERT INTO " + QuoteName(table.name) + " (" + names +
-                                                "_rowid_) VALUES (" + marks + "?" +
-                                                std::to_string(inserted_.size() + 1) + ")");
+    : schema_(std::move(schema)),
+      table_(table),
+      index_(index),
+      keyColumns_(KeyColumns(table, index)),
+      inserted_(ColumnsBut(table, {})),
+      updated_(ColumnsBut(table, keyColumns_)),
+      update_(std::make_shared<const RecordUpdate>(table.name, updated_)),
+      insert_(table.name, inserted_),
+      insertOne_(std::make_shared<const std::string>(InsertOne(table.name, inserted_))),
+      canReadAll_(CanReadAll()) {}
+
+/// Whether rows that are read with others are found under the same keys as in the file: the file compares
+/// values of these kinds, and only these, just as the cache does.
+bool RowCache::CanReadAll() const {
+  return keyColumns_.size() > 1 && std::all_of(keyColumns_.begin(), keyColumns_.end(), [&](std::size_t i) {
+           const ColumnType type = table_.columns[i].type;
+           return type == ColumnType::Text || type == ColumnType::Short || type == ColumnType::Long;
+         });
+}
+
+RowCache::Asked RowCache::NoteMissing(const rt::Value& leading) {
+  if (!canReadAll_) return Asked::Once;
+  const auto [asked, first] = asked_.emplace(KeyOf({leading}), Asked::Once);
+  return first || asked->second != Asked::Once ? asked->second : Asked::Again;
 }
 
 bool RowCache::IsKey(std::size_t column) const {
@@ -88,7 +112,7 @@ std::string RowCache::KeyOfRow(const std::vector<rt::Value>& values) const {
 std::vector<rt::Value> RowCache::UpdateValues(const std::vector<rt::Value>& row, std::int64_t id) const {
   std::vector<rt::Value> values;
   values.reserve(updated_.size() + 1);
-  for (const std::size_t column : updated_) values.push_back(row[column]);
+  for (const auto& column : updated_) values.push_back(row[column.place]);
   values.push_back(KeyValue(id));
   return values;
 }
@@ -96,20 +120,9 @@ std::vector<rt::Value> RowCache::UpdateValues(const std::vector<rt::Value>& row,
 std::vector<rt::Value> RowCache::InsertValues(const std::vector<rt::Value>& row) const {
   std::vector<rt::Value> values;
   values.reserve(inserted_.size() + 1);
-  for (const std::size_t column : inserted_) values.push_back(row[column]);
+  for (const auto& column : inserted_) values.push_back(row[column.place]);
   values.emplace_back(rt::Null{});
   return values;
-}
-
-void RowCache::BindUpdate(Use& statement, const std::vector<rt::Value>& row, std::int64_t id) const {
-  int index = 0;
-  for (const std::size_t column : updated_) statement.Bind(++index, row[column]);
-  statement.Bind(++index, id);
-}
-
-void RowCache::BindInsert(Use& statement, const std::vector<rt::Value>& row) const {
-  int index = 0;
-  for (const std::size_t column : inserted_) statement.Bind(++index, row[column]);
 }
 
 }  // namespace store

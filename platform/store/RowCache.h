@@ -8,11 +8,10 @@
 #include <vector>
 
 #include "platform/runtime/Value.h"
+#include "platform/store/RecordWrites.h"
 #include "platform/store/Schema.h"
 
 namespace store {
-
-class Use;
 
 struct CachedRow {
   std::int64_t id = 0;     ///< 0 until it is in the file
@@ -42,25 +41,43 @@ class RowCache {
   bool Retired() const { return retired_; }
   void Retire() { retired_ = true; }
 
-  /// What a write of this row says in the file's SQL: an UPDATE of all columns but the key by the row's ID,
-  /// or an INSERT of all columns with the ID, Null for a new one.
-  const std::shared_ptr<const std::string>& UpdateStatement() const { return update_; }
-  const std::shared_ptr<const std::string>& InsertStatement() const { return insert_; }
-  /// The values to bind for either, in order; the ID is the last.
+  /// How often a record was missing here that has this value in the first field of its key.
+  enum class Asked {
+    Once,      ///< or the other records with this value cannot be read in advance
+    Again,     ///< whoever asks for two of these records will ask for more, so that all should be read now
+    All,       ///< they have all been read: one that is missing is not in the file
+    OneByOne,  ///< they cannot all be read: there are too many of them, or one has an impossible value
+  };
+  Asked NoteMissing(const rt::Value& leading);
+  /// What an attempt to read all records with this value has come to.
+  void NoteRead(const rt::Value& leading, Asked result) { asked_[KeyOf({leading})] = result; }
+  /// Forgets which records have been read.
+  void ForgetRead() { asked_.clear(); }
+
+  /// A change of all columns but the key, for rows as they are kept here.
+  const RecordUpdate& Update() const { return *update_; }
+  /// An addition of all columns but the counter, for many rows as they are kept here and for one.
+  const RecordInsert& Insert() const { return insert_; }
+  const std::shared_ptr<const std::string>& InsertStatement() const { return insertOne_; }
+  std::shared_ptr<const std::string> UpdateStatement() const { return {update_, &update_->one}; }
+  /// The values that the statements for one row take; the ID is the last, Null for a new one.
   std::vector<rt::Value> UpdateValues(const std::vector<rt::Value>& row, std::int64_t id) const;
   std::vector<rt::Value> InsertValues(const std::vector<rt::Value>& row) const;
-  void BindUpdate(Use& statement, const std::vector<rt::Value>& row, std::int64_t id) const;
-  void BindInsert(Use& statement, const std::vector<rt::Value>& row) const;
 
  private:
+  bool CanReadAll() const;
+
   std::shared_ptr<const Schema> schema_;
   const TableInfo& table_;
   const IndexInfo& index_;
   std::vector<std::size_t> keyColumns_;
-  std::vector<std::size_t> inserted_;  ///< all columns but the counter
-  std::vector<std::size_t> updated_;   ///< those that are not part of the key either
-  std::shared_ptr<const std::string> update_;
-  std::shared_ptr<const std::string> insert_;
+  std::vector<WrittenColumn> inserted_;  ///< all columns but the counter
+  std::vector<WrittenColumn> updated_;   ///< those that are not part of the key either
+  std::shared_ptr<const RecordUpdate> update_;
+  RecordInsert insert_;
+  std::shared_ptr<const std::string> insertOne_;
+  bool canReadAll_;
+  std::unordered_map<std::string, Asked> asked_;  ///< by the first value of the key
   std::unordered_map<std::string, std::shared_ptr<CachedRow>> rows_;
   std::vector<std::shared_ptr<CachedRow>> dirty_;
   bool retired_ = false;

@@ -17,6 +17,22 @@ std::string KeysOf(const Translation& query) {
   return keys;
 }
 
+std::string NamesOf(const std::vector<WrittenColumn>& columns) {
+  std::string names;
+  for (const auto& column : columns) names += (names.empty() ? "" : ", ") + QuoteName(column.name);
+  return names;
+}
+
+/// Changes the records of a list ?1; the condition on their keys follows.
+std::string UpdateMany(const std::string& table, const std::vector<WrittenColumn>& columns) {
+  const std::string key(kKey);
+  std::string sql = "UPDATE " + QuoteName(table) + " SET ";
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    sql += (i == 0 ? "" : ", ") + QuoteName(columns[i].name) + " = dw_value(?1, " + key + ", " +
+           std::to_string(columns[i].place) + ")";
+  return sql + " WHERE " + key;
+}
+
 std::string FromOneRow(const Translation& query) {
   const auto& first = query.tables[0];
   if (query.tables.size() == 1)
@@ -75,6 +91,66 @@ std::string KeyList(const std::int64_t* keys, std::size_t width, std::size_t row
     list += "]";
   }
   return list + "]";
+}
+
+std::string RowsOfTable(const Translation& query) {
+  const auto& table = query.tables[0];
+  std::string list(kKey);
+  for (const auto& column : query.columns) list += ", " + column.expression;
+  return "SELECT " + list + " FROM " + QuoteName(table.name) + " AS " + QuoteName(table.alias);
+}
+
+std::string FirstByIndex(const IndexInfo& index, const std::vector<bool>& nulls) {
+  std::string where;
+  std::string order;
+  for (std::size_t i = 0; i < index.columns.size(); ++i) {
+    const std::string name = QuoteName(index.columns[i]);
+    if (i < nulls.size())
+      where += (i == 0 ? " WHERE " : " AND ") + name +
+               (nulls[i] ? std::string(" IS NULL") : " = ?" + std::to_string(i + 1));
+    else
+      order += name + ", ";
+  }
+  return where + " ORDER BY " + order + std::string(kKey) + dialect::Spelled().Limit(1);
+}
+
+std::string AllByLeading(const IndexInfo& index, bool null, int most) {
+  std::string order;
+  for (std::size_t i = 1; i < index.columns.size(); ++i) order += QuoteName(index.columns[i]) + ", ";
+  return " WHERE " + QuoteName(index.columns[0]) + (null ? " IS NULL" : " = ?1") + " ORDER BY " + order +
+         std::string(kKey) + dialect::Spelled().Limit(most);
+}
+
+std::string UpdateOne(const std::string& table, const std::vector<WrittenColumn>& columns) {
+  std::string sql = "UPDATE " + QuoteName(table) + " SET ";
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    sql += (i == 0 ? "" : ", ") + QuoteName(columns[i].name) + " = ?" + std::to_string(i + 1);
+  return sql + " WHERE " + std::string(kKey) + " = ?" + std::to_string(columns.size() + 1);
+}
+
+std::string UpdateRange(const std::string& table, const std::vector<WrittenColumn>& columns) {
+  return UpdateMany(table, columns) + " BETWEEN ?2 AND ?3";
+}
+
+std::string UpdateListed(const std::string& table, const std::vector<WrittenColumn>& columns) {
+  return UpdateMany(table, columns) + " IN (SELECT value FROM json_each(?2))";
+}
+
+std::string InsertMany(const std::string& table, const std::vector<WrittenColumn>& columns) {
+  std::string values;
+  for (const auto& column : columns)
+    values += (values.empty() ? "dw_value(?1, place, " : ", dw_value(?1, place, ") +
+              std::to_string(column.place) + ")";
+  return "WITH RECURSIVE dw_places(place) AS (SELECT 0 UNION ALL SELECT place + 1 FROM dw_places WHERE place "
+         "+ 1 < ?2) INSERT INTO " +
+         QuoteName(table) + " (" + NamesOf(columns) + ") SELECT " + values + " FROM dw_places";
+}
+
+std::string InsertOne(const std::string& table, const std::vector<WrittenColumn>& columns) {
+  std::string marks;
+  for (std::size_t i = 0; i < columns.size(); ++i) marks += "?" + std::to_string(i + 1) + ", ";
+  return "INSERT INTO " + QuoteName(table) + " (" + NamesOf(columns) + ", " + std::string(kKey) +
+         ") VALUES (" + marks + "?" + std::to_string(columns.size() + 1) + ")";
 }
 
 std::string ValueByKeys(const Translation& query, const std::string& expression) {

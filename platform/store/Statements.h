@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "platform/store/Dialect.h"
+#include "platform/store/RecordWrites.h"
+#include "platform/store/Schema.h"
 
 namespace store {
 
@@ -28,5 +30,22 @@ std::string RowsByKeys(const Translation& query);
 std::string KeyList(const std::int64_t* keys, std::size_t width, std::size_t rows);
 /// One expression of that row.
 std::string ValueByKeys(const Translation& query, const std::string& expression);
+
+/// The key and all columns of a table's rows, without the conditions.
+std::string RowsOfTable(const Translation& query);
+/// Completes RowsOfTable to the first row with these leading values of an index; the values are ?1, ?2 …
+/// `nulls` says for each of them whether it is Null.
+std::string FirstByIndex(const IndexInfo& index, const std::vector<bool>& nulls);
+/// Completes RowsOfTable to all rows with this value in the first field of an index, in the index's order,
+/// but no more than `most`. The value is ?1.
+std::string AllByLeading(const IndexInfo& index, bool null, int most);
+
+/// See RecordUpdate and RecordInsert.
+std::string UpdateOne(const std::string& table, const std::vector<WrittenColumn>& columns);
+std::string UpdateRange(const std::string& table, const std::vector<WrittenColumn>& columns);
+std::string UpdateListed(const std::string& table, const std::vector<WrittenColumn>& columns);
+std::string InsertMany(const std::string& table, const std::vector<WrittenColumn>& columns);
+/// Adds one record; its values are ?1, ?2 … and the last parameter is its key, Null for the next free one.
+std::string InsertOne(const std::string& table, const std::vector<WrittenColumn>& columns);
 
 }  // namespace store

@@ -5,6 +5,7 @@
 #include "platform/runtime/Text.h"
 #include "platform/store/FileFormat.h"
 #include "platform/store/RecordCursor.h"
+#include "platform/store/Statements.h"
 
 namespace store {
 namespace {
@@ -14,12 +15,8 @@ constexpr int kAhead = 64;
 class TableCursor : public RecordCursor {
  public:
   TableCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan, Locking locking)
-      : RecordCursor(std::move(connection), std::move(plan), {}, locking) {
-    const Translation& t = plan_->translation;
-    const std::string source = " FROM " + QuoteName(t.tables[0].name) + " AS " + QuoteName(t.tables[0].alias);
-    list_ = "SELECT _rowid_";
-    for (const auto& column : t.columns) list_ += ", " + column.expression;
-    list_ += source;
+      : RecordCursor(std::move(connection), std::move(plan), {}, locking),
+        list_(RowsOfTable(plan_->translation)) {
     MoveFirst();
   }
 
@@ -64,7 +61,7 @@ class TableCursor : public RecordCursor {
     }
     onDeleted_ = false;
     Impl().GroupTick();
-    if (windowEpoch_ == Impl().EpochOf(Table()) && windowPlace_ + 1 < windowKeys_.size()) {
+    if (windowEpoch_ == Epoch() && windowPlace_ + 1 < windowKeys_.size()) {
       ++windowPlace_;
       key_ = windowKeys_[windowPlace_];
       return;
@@ -157,7 +154,7 @@ class TableCursor : public RecordCursor {
       std::swap(row->values[column], sum);
       before.emplace_back(column, std::move(sum));
     }
-    Impl().NoteChange(Table());
+    NoteTableChange();
     return true;
   }
 
@@ -170,8 +167,7 @@ class TableCursor : public RecordCursor {
     windowEpoch_ = 0;
   }
   void ReadRow() override {
-    if (windowEpoch_ == Impl().EpochOf(Table()) && windowPlace_ < windowKeys_.size() &&
-        windowKeys_[windowPlace_] == key_) {
+    if (windowEpoch_ == Epoch() && windowPlace_ < windowKeys_.size() && windowKeys_[windowPlace_] == key_) {
       if (window_[windowPlace_].Empty() && !FetchByKeys(&key_, window_[windowPlace_]))
         throw StoreError(kRecordDeleted, "Record is deleted.");
       row_ = &window_[windowPlace_];
@@ -191,7 +187,7 @@ class TableCursor : public RecordCursor {
   }
   void RowStored(std::int64_t) override {
     // The rows read ahead are still good; only the one at the place has changed.
-    if (windowEpoch_ + 1 != Impl().EpochOf(Table()) || windowPlace_ >= windowKeys_.size()) return;
+    if (windowEpoch_ + 1 != Epoch() || windowPlace_ >= windowKeys_.size()) return;
     windowEpoch_ += 1;
     window_[windowPlace_].Clear();
   }
@@ -253,7 +249,7 @@ class TableCursor : public RecordCursor {
     window_.resize(count);
     windowKeys_.assign(count, kNoKey);
     windowPlace_ = 0;
-    windowEpoch_ = Impl().EpochOf(Table());
+    windowEpoch_ = Epoch();
   }
 
   // One step by comparing keys; `edge` says that there is nothing to stand on when there is none.
@@ -304,7 +300,7 @@ class TableCursor : public RecordCursor {
   }
 
   void ReadOrder() {
-    if (orderRead_ && orderEpoch_ == Impl().EpochOf(Table())) return;
+    if (orderRead_ && orderEpoch_ == Epoch()) return;
     std::string columns;
     for (const auto& column : index_->columns) columns += QuoteName(column) + ", ";
     Question use(
@@ -313,7 +309,7 @@ class TableCursor : public RecordCursor {
     order_.clear();
     while (use.Step()) order_.push_back(use.Int64(0));
     orderRead_ = true;
-    orderEpoch_ = Impl().EpochOf(Table());
+    orderEpoch_ = Epoch();
   }
   void StandAt(std::int64_t place) {
     empty_ = order_.empty();
@@ -343,21 +339,21 @@ class TableCursor : public RecordCursor {
     return values;
   }
 
+  /// Most seeks of a cursor have the same form as the one before.
+  const std::string& SeekStatement(const std::vector<rt::Value>& key) {
+    seekNulls_.clear();
+    for (const auto& value : key) seekNulls_.push_back(value.IsNull());
+    if (seekIndex_ != index_ || seekNulls_ != seekNullsBefore_) {
+      seekStatement_ = list_ + FirstByIndex(*index_, seekNulls_);
+      seekIndex_ = index_;
+      seekNullsBefore_ = seekNulls_;
+    }
+    return seekStatement_;
+  }
+
   // Finds the row and reads it in one query; true where there is one.
   bool SeekInFile(const std::vector<rt::Value>& key, Connection::Impl::CachedRows cached) {
-    std::string condition;
-    std::string order;
-    for (std::size_t i = 0; i < index_->columns.size(); ++i) {
-      const std::string name = QuoteName(index_->columns[i]);
-      if (i < key.size()) {
-        condition += (condition.empty() ? " WHERE " : " AND ") + name;
-        condition += key[i].IsNull() ? " IS NULL" : " = ?" + std::to_string(i + 1);
-      } else {
-        order += name + ", ";
-      }
-    }
-    Question use(Impl(), *plan_->leading, list_ + condition + " ORDER BY " + order + "_rowid_ LIMIT 1",
-                 cached);
+    Question use(Impl(), *plan_->leading, SeekStatement(key), cached);
     use.BindAll(key);
     if (!use.Step()) {
       place_ = Place::End;
@@ -373,25 +369,57 @@ class TableCursor : public RecordCursor {
   }
 
   void SeekInCache(const std::vector<rt::Value>& key) {
-    cacheKey_ = RowCache::KeyOf(key);
+    RowCache::KeyOf(key, cacheKey_);
     auto& rows = cache_->Rows();
     auto found = rows.find(cacheKey_);
     if (found == rows.end()) {
-      std::shared_ptr<CachedRow> row;
-      if (SeekInFile(key, Connection::Impl::CachedRows::Keep)) {
-        row = std::make_shared<CachedRow>();
-        row->id = key_;
-        const auto count = plan_->fields.size();
-        row->values.reserve(count);
-        for (std::size_t i = 0; i < count; ++i)
-          row->values.push_back(ValueOf(static_cast<int>(i), window_[0]));
+      RowCache::Asked asked = cache_->NoteMissing(key[0]);
+      if (asked == RowCache::Asked::Again) {
+        asked = ReadAllIntoCache(key[0]);
+        found = rows.find(cacheKey_);
       }
-      found = rows.emplace(cacheKey_, std::move(row)).first;
+      if (found == rows.end()) {
+        const bool there =
+            asked != RowCache::Asked::All && SeekInFile(key, Connection::Impl::CachedRows::Keep);
+        found = rows.emplace(cacheKey_, there ? ForCache(key_, window_[0]) : nullptr).first;
+      }
     }
     cachedRow_ = found->second;
     noMatch_ = !cachedRow_;
     place_ = cachedRow_ ? Place::Row : Place::End;
     if (cachedRow_) key_ = cachedRow_->id;
+  }
+
+  std::shared_ptr<CachedRow> ForCache(std::int64_t key, const RawRow& read) {
+    auto row = std::make_shared<CachedRow>();
+    row->id = key;
+    const auto count = plan_->fields.size();
+    row->values.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) row->values.push_back(ValueOf(static_cast<int>(i), read));
+    return row;
+  }
+
+  /// Reads all rows with this first value of the index; those that the cache has already are the newer ones.
+  RowCache::Asked ReadAllIntoCache(const rt::Value& leading) {
+    constexpr int kMost = 512;
+    Question use(Impl(), *plan_->leading, list_ + AllByLeading(*index_, leading.IsNull(), kMost + 1),
+                 Connection::Impl::CachedRows::Keep);
+    use.Bind(1, leading);
+    RawRow read;
+    bool all = true;
+    for (int count = 0; use.Step() && (all = all && count < kMost); ++count) {
+      read.Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+      try {
+        std::shared_ptr<CachedRow> row = ForCache(use.Int64(0), read);
+        std::string key = cache_->KeyOfRow(row->values);
+        cache_->Rows().try_emplace(std::move(key), std::move(row));
+      } catch (const rt::RuntimeError&) {
+        all = false;  // a value that no column can hold: only who asks for this very row has to know
+      }
+    }
+    const auto result = all ? RowCache::Asked::All : RowCache::Asked::OneByOne;
+    cache_->NoteRead(leading, result);
+    return result;
   }
 
   /// The sums that the row would have; false where a column cannot take its sum.
@@ -419,7 +447,11 @@ class TableCursor : public RecordCursor {
 
   std::string sumKey_;
   std::vector<std::pair<std::size_t, rt::Value>> sums_;
-  std::string list_;
+  std::string list_;  ///< see RowsOfTable
+  std::string seekStatement_;
+  const IndexInfo* seekIndex_ = nullptr;  ///< of seekStatement_
+  std::vector<bool> seekNullsBefore_;     ///< the same
+  std::vector<bool> seekNulls_;
   Place place_ = Place::Begin;
   bool empty_ = false;
   bool onDeleted_ = false;

@@ -6,6 +6,12 @@
 #include "platform/store/StoreError.h"
 
 namespace store {
+namespace {
+
+/// See KeyValue.
+std::int64_t KeyOf(const Change& change) { return change.values.back().AsCurrency().Units(); }
+
+}  // namespace
 
 void TransactionLog::Settle() {
   marks_.pop_back();
@@ -58,17 +64,30 @@ void TransactionLog::ReplaceLast(std::shared_ptr<const std::string> sql, std::ve
   changes_.back().values = std::move(values);
 }
 
-void TransactionLog::MakeOne(Change& change, const Maker& maker) {
-  if (change.made) return;
-  if (maker(change) != change.changed && change.counted)
+std::size_t TransactionLog::MakeRun(std::size_t first, std::size_t end, const Maker& maker) {
+  std::size_t next = first + 1;
+  if (changes_[first].update)
+    while (next < end && !changes_[next].made && changes_[next].update == changes_[first].update &&
+           KeyOf(changes_[next - 1]) < KeyOf(changes_[next]))
+      ++next;
+  const auto run = std::span(changes_).subspan(first, next - first);
+  std::int64_t expected = 0;
+  for (const Change& change : run) expected += change.changed;
+  if (maker(run) != expected && changes_[first].counted)
     throw StoreError(
         kDataChanged,
         "The data base engine stopped: another user has changed the same data at the same time.");
-  change.made = true;
+  for (Change& change : run) change.made = true;
+  return next;
 }
 
 void TransactionLog::MakeBefore(std::size_t end, const Maker& maker) {
-  for (; firstWaiting_ < end; ++firstWaiting_) MakeOne(changes_[firstWaiting_], maker);
+  while (firstWaiting_ < end) {
+    if (changes_[firstWaiting_].made)
+      ++firstWaiting_;
+    else
+      firstWaiting_ = MakeRun(firstWaiting_, end, maker);
+  }
 }
 
 void TransactionLog::Make(const Maker& maker) { MakeBefore(changes_.size(), maker); }
@@ -76,8 +95,10 @@ void TransactionLog::Make(const Maker& maker) { MakeBefore(changes_.size(), make
 void TransactionLog::MakeSettled(const Maker& maker) { MakeBefore(settled_, maker); }
 
 void TransactionLog::MakeOf(int table, const Maker& maker) {
-  for (std::size_t i = firstWaiting_; i < changes_.size(); ++i)
-    if (changes_[i].table == table || changes_[i].table == 0) MakeOne(changes_[i], maker);
+  for (std::size_t i = firstWaiting_; i < changes_.size();) {
+    const bool now = !changes_[i].made && (changes_[i].table == table || changes_[i].table == 0);
+    i = now ? MakeRun(i, changes_.size(), maker) : i + 1;
+  }
   while (firstWaiting_ < changes_.size() && changes_[firstWaiting_].made) ++firstWaiting_;
 }
 

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,11 +15,15 @@
 
 namespace store {
 
+struct RecordUpdate;
+
 /// A write as it was made. It is kept, so that it can be taken back to let other users in and made again
 /// afterwards, and so that a part of a transaction can be undone.
 struct Change {
   std::shared_ptr<const std::string> sql;
   std::vector<rt::Value> values;
+  /// Of a change of one record, whose key is the last value: how it is made together with others of its kind.
+  std::shared_ptr<const RecordUpdate> update;
   int table = 0;             ///< whose records it changes; 0 where that is not known
   std::int64_t changed = 0;  ///< the records that it changed at first and has to change again
   bool counted = true;       ///< whether a different number of records is an error
@@ -30,8 +35,9 @@ struct Change {
 /// are settled, and no rollback reaches them.
 class TransactionLog {
  public:
-  /// Makes a change in the file; the number of records changed.
-  using Maker = std::function<std::int64_t(Change&)>;
+  /// Makes changes in the file; the number of records changed. Where there are several, they are of one kind
+  /// and change one record each, in the order of the records' keys.
+  using Maker = std::function<std::int64_t(std::span<Change>)>;
 
   void Begin() { marks_.push_back(changes_.size()); }
   int Depth() const { return static_cast<int>(marks_.size()); }
@@ -77,7 +83,9 @@ class TransactionLog {
   bool LacksAWrite() const { return unstored_.has_value(); }
 
  private:
-  static void MakeOne(Change& change, const Maker& maker);
+  /// Makes the change at this place and those behind it that can be made together with it; the place behind
+  /// them.
+  std::size_t MakeRun(std::size_t first, std::size_t end, const Maker& maker);
   void MakeBefore(std::size_t end, const Maker& maker);
 
   std::vector<Change> changes_;
