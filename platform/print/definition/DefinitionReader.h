@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/print/definition/ReportDefinition.h"
+#include "platform/store/Schema.h"
 
 namespace print {
 
@@ -23,7 +24,14 @@ std::shared_ptr<const ReportDefinition> ReadDefinition(const std::string& path,
                                                        const FormulaTexts& replaced = {},
                                                        const std::vector<std::string>& extraFields = {});
 
-/// All faults of a definition file, in the order of the file.
+/// The same with the tables of a schema, which may be made without a file (from a catalogue); null is none.
+std::shared_ptr<const ReportDefinition> ReadDefinition(const std::string& path, const store::Schema* schema,
+                                                       const FormulaTexts& replaced = {},
+                                                       const std::vector<std::string>& extraFields = {});
+
+/// All faults of a definition file, in the order of the file. Throws PrintError only where a file is not
+/// there or cannot be read.
 std::vector<DefinitionFault> CheckDefinition(const std::string& path, const std::string& dataFile = "");
+std::vector<DefinitionFault> CheckDefinition(const std::string& path, const store::Schema* schema);
 
 }  // namespace print
