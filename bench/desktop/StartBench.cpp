@@ -48,9 +48,9 @@ void After(int pause, QObject& object, const std::function<void()>& work) {
 }
 
 /// Goes through the windows of a start like a user who clicks at once, and reports when each one was painted.
-class Walk : public QObject {
+class StartSteps : public QObject {
  public:
-  explicit Walk(std::int64_t began) : began_(began) { qApp->installEventFilter(this); }
+  explicit StartSteps(std::int64_t began) : began_(began) { qApp->installEventFilter(this); }
 
   /// Writes the time since the last click, or since the start.
   void Tell(const char* step) const {
@@ -107,7 +107,7 @@ class Walk : public QObject {
   int atTheEnd_ = 0;
 };
 
-/// Starts this program again for one walk, and returns its output.
+/// Starts this program again for one start, and returns its output.
 std::string OneStart(char** argv) {
   int ends[2];
   if (pipe(ends) != 0) throw std::runtime_error("no pipe");
@@ -138,12 +138,12 @@ std::string OneStart(char** argv) {
 int StartedProgram(int& argc, char** argv, std::int64_t began) {
   const double reached = static_cast<double>(Now() - began) / 1e6;
   ui::Application application(argc, argv);
-  const Walk walk(began);
+  const StartSteps steps(began);
   std::printf("start until main() is reached\t%.3f\n", reached);
-  walk.Tell("start until the toolkit is up");
+  steps.Tell("start until the toolkit is up");
   dw::SetUpProgram(application);
   screen::Install(std::make_shared<WithoutPauses>(screen::Install(nullptr)));
-  walk.Tell("start until everything is in place");
+  steps.Tell("start until everything is in place");
   ui::Later(application, [] { ui::Guard(dw::ShowLogon); });
   After(kPatience, application, [] { QCoreApplication::exit(1); });
   return QApplication::exec();
