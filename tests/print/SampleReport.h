@@ -23,10 +23,10 @@ class SampleReport {
     facts.pageWidth = 612 * kPt;
     facts.pageHeight = 792 * kPt;
     facts.marginLeft = facts.marginRight = facts.marginTop = facts.marginBottom = 36 * kPt;
-    facts.columns = {{"Date", "Date", 0, 60 * kPt, print::Align::Left, "date"},
-                     {"Notes", "Notes", 70 * kPt, 200 * kPt, print::Align::Left, ""},
-                     {"Miles", "Miles", 280 * kPt, 80 * kPt, print::Align::Right, "number0"},
-                     {"Cost", "Cost", 370 * kPt, 100 * kPt, print::Align::Right, "money"}};
+    facts.columns = {{"Date", "Date", 36 * kPt, 60 * kPt, print::Align::Left, "date"},
+                     {"Notes", "Notes", 106 * kPt, 200 * kPt, print::Align::Left, ""},
+                     {"Miles", "Miles", 316 * kPt, 80 * kPt, print::Align::Right, "number0"},
+                     {"Cost", "Cost", 406 * kPt, 100 * kPt, print::Align::Right, "money"}};
     store_ = std::make_unique<print::PageStore>(facts);
     pages_ = store_->NewSlot();
     BeginPage();
@@ -87,7 +87,7 @@ class SampleReport {
   void Inner(const std::string& text) {
     print::PlacedBand& band = NewBand(print::BandKind::Detail, 11 * kPt);
     band.subreport = 1;
-    band.cells = {TextCell(kMargin + 80 * kPt, y_ - 11 * kPt, 300 * kPt, text, 0)};
+    band.cells = {TextCell(kMargin + 80 * kPt, y_ - 11 * kPt, 300 * kPt, text)};
   }
 
   void BreakPage() {
@@ -143,7 +143,7 @@ class SampleReport {
     int column = 0;
     for (const auto& fact : store_->Facts().columns) {
       print::Cell cell =
-          TextCell(kMargin + fact.left, kMargin + 34 * kPt, fact.width, fact.heading, column++, fact.align);
+          TextCell(fact.left, kMargin + 34 * kPt, fact.width, fact.heading, column++, fact.align);
       cell.heading = true;
       cell.value = {};
       cell.style.face = print::FontFace::SansBold;

@@ -35,6 +35,10 @@ bool WriteOutput(const PageStore& pages, OutputFormat format, const std::string&
     switch (format) {
       case OutputFormat::Pdf:
         return WritePdf(pages, range, progress, file);
+      case OutputFormat::Csv:
+        return WriteCsv(pages, progress, path != "-", file);
+      case OutputFormat::Html:
+        return WriteHtml(pages, progress, file);
       case OutputFormat::Text:
         return WriteText(pages, range, progress, file);
       default:

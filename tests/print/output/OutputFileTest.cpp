@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr OutputFormat kFormats[] = {OutputFormat::Text, OutputFormat::Pdf};
+constexpr OutputFormat kFormats[] = {OutputFormat::Text, OutputFormat::Pdf, OutputFormat::Csv, OutputFormat::Html};
 
 int FilesIn(const std::string& directory) {
   return static_cast<int>(std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
