@@ -223,7 +223,7 @@ void DefinitionBuilder::ReadGroup(const XmlElement& element) {
   CheckNoText(element);
   GroupDefinition group;
   group.keyText = KeyText(reader.NeededWord("by"));
-  group.key = FormulaAt(reader, "by", FormulaUse::Row);
+  group.key = FormulaAt(reader, "by", FormulaUse::PerRow);
   group.descending = reader.YesNo("descending", false);
   ReadKeep(reader, group);
   group.repeatHeader = reader.YesNo("repeat", false);

@@ -119,7 +119,7 @@ void DefinitionBuilder::ReadOrder(const XmlElement& data) {
     if (child.name == "select") {
       const ElementReader reader(child, faults_);
       if (!child.children.empty()) faults_.Add(child.children[0].place, "<select> has no elements.");
-      report_->rowTest = FormulaOf(child.text, "The selection", FormulaUse::Row);
+      report_->rowTest = FormulaOf(child.text, "The selection", FormulaUse::PerRow);
     }
     if (child.name != "order") continue;
     ElementReader reader(child, faults_);
