@@ -62,7 +62,7 @@ may_use(platform/print/output ${paper} platform/print/fonts platform/print/pages
 set(engine ${paper} platform/print/formula platform/print/definition platform/print/data platform/print/layout
   platform/print/pages platform/print/output platform/print/fonts)
 may_use(platform/print/job ${engine} platform/store cups)
-may_use(platform/print/view ${engine} platform/print/job platform/controls platform/screen platform/system Qt)
+may_use(platform/print/view ${engine} platform/print/job platform/controls platform/screen platform/system cups Qt)
 set(services platform/runtime platform/store platform/ado platform/dao platform/screen platform/system)
 may_use(platform/controls ${services} platform/scan Qt)
 

@@ -473,24 +473,24 @@ void PreviewWindow::RunOutput(const QString& label,
   const QPointer<PreviewWindow> alive(this);
   busy_ = true;
   std::string failure;
-  {
-    QProgressDialog progress(label, "Cancel", 0, std::max(1, pages->PageCount()), this);
-    progress.setWindowModality(Qt::WindowModal);
-    QElapsedTimer watch;
-    watch.start();
-    const QPointer<QProgressDialog> shown(&progress);
-    try {
-      output([&](int page, int) {
-        if (watch.elapsed() < kRefresh) return true;
-        watch.restart();
-        if (shown) shown->setValue(page);
-        QApplication::processEvents();
-        return alive && shown && !shown->wasCanceled();
-      });
-    } catch (const PrintError& error) {
-      failure = error.what();
-    }
+  const QPointer<QProgressDialog> shown(
+      new QProgressDialog(label, "Cancel", 0, std::max(1, pages->PageCount()), this));
+  shown->setWindowModality(Qt::WindowModal);
+  QElapsedTimer watch;
+  watch.start();
+  try {
+    output([&](int page, int) {
+      if (watch.elapsed() < kRefresh) return true;
+      watch.restart();
+      if (shown) shown->setValue(page);
+      QApplication::processEvents();
+      return alive && shown && !shown->wasCanceled();
+    });
+  } catch (const PrintError& error) {
+    failure = error.what();
   }
+  // The window takes the progress with it if it is deleted first.
+  delete shown.data();
   if (alive) busy_ = false;
   if (!failure.empty()) screen::MessageBox(failure, screen::Icon::Exclamation);
 }
