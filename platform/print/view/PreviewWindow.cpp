@@ -43,8 +43,8 @@ constexpr int kTypingPause = 120;
 constexpr int kPageRole = Qt::UserRole;
 constexpr int kTopRole = Qt::UserRole + 1;
 constexpr double kWholeSize = 96.0 / 72.0;
-/// The flag of a print dialog that offers everything.
-constexpr int kAllChoices = 64;
+/// Between the short sides of A4 and Letter.
+constexpr Length kBetweenPapers = 603 * kPoint;
 
 /// What a window takes over from the one before it.
 struct Habits {
@@ -445,9 +445,10 @@ void PreviewWindow::Print() {
   if (!Complete()) return;
   PrintDialog& dialog = CurrentPrintDialog();
   PrintDialogRequest request;
-  request.flags = kAllChoices;
   request.parent = reinterpret_cast<std::uintptr_t>(static_cast<QWidget*>(this));
   if (const auto choice = dialog.Default()) request.choice = *choice;
+  const ReportFacts& facts = report_->Pages().Facts();
+  request.choice.paper = std::min(facts.pageWidth, facts.pageHeight) < kBetweenPapers ? "A4" : "Letter";
   const PrintDialogResult result = dialog.Show(request);
   if (result.error)
     screen::MessageBox(DialogErrorName(*result.error), screen::Icon::Exclamation, screen::Buttons::Ok,

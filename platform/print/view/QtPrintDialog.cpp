@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -24,6 +25,9 @@ constexpr const char* kSection = "Printing";
 constexpr const char* kPaperKey = "Paper";
 constexpr const char* kLetter = "Letter";
 constexpr const char* kA4 = "A4";
+/// The flag of a request that offers all choices. Without it the pages exist already, and so does their
+/// paper.
+constexpr int kEverything = 64;
 constexpr int kMostPages = 999999;
 constexpr int kMostCopies = 999;
 /// The last entry of the printers.
@@ -99,7 +103,11 @@ void PrintForm::OnLoad() {
 
   auto* fields = new ui::FieldRows;
   fields->Row("&Printer", {printer});
-  fields->Row("Pape&r", {paper});
+  if (request_.flags & kEverything) {
+    fields->Row("Pape&r", {paper});
+  } else {
+    paper->hide();
+  }
   fields->Row("&Copies", {copies, collate});
 
   okButton = new QPushButton("OK", this);
@@ -122,7 +130,6 @@ void PrintForm::OnLoad() {
   connect(copies, &QSpinBox::valueChanged, this, [this] { ShowWhatApplies(); });
   for (QSpinBox* box : {firstPage, lastPage})
     connect(box, &QSpinBox::valueChanged, this, [this] { somePages->setChecked(true); });
-  // The paper decides where pages break, so pages that are there keep theirs.
   ShowWhatApplies();
   printer->setFocus();
 }
@@ -175,7 +182,8 @@ PrintDialogResult QtPrintDialog::Show(const PrintDialogRequest& request) {
   auto* form = new PrintForm(request, listPrinters());
   form->AtUnload([&result, form] { result = form->Result(); });
   form->ShowModal();
-  if (result.chosen) sys::SaveSetting(application_, kSection, kPaperKey, result.choice.paper);
+  if (result.chosen && request.flags & kEverything)
+    sys::SaveSetting(application_, kSection, kPaperKey, result.choice.paper);
   return result;
 }
 
