@@ -1,5 +1,6 @@
 #include "platform/print/view/PagePictures.h"
 
+#include <QPainter>
 #include <algorithm>
 
 #include "platform/print/PrintError.h"
@@ -44,6 +45,10 @@ QPixmap PagePictures::Model::Picture(int page) const {
     picture = QPixmap(size * ratio);
     picture.fill(Qt::white);
   }
+  QPainter frame(&picture);
+  frame.setPen(Qt::gray);
+  frame.drawRect(0, 0, picture.width() - 1, picture.height() - 1);
+  frame.end();
   picture.setDevicePixelRatio(ratio);
   pictures_.insert(page, new QPixmap(picture));
   return picture;

@@ -26,9 +26,10 @@ constexpr int kPicturesKept = 96 * 1024;
 constexpr double kSameLine = 0.6;
 constexpr int kDegreesOfNotch = 120;
 
-const QColor kHitColor(255, 225, 80, 130);
-const QColor kCurrentHitColor(255, 140, 0, 160);
-constexpr int kMarkOpacity = 90;
+const QColor kHitColor(255, 240, 140);
+const QColor kCurrentHitColor(255, 185, 80);
+/// How much lighter than the color of a selection the marked text's ground is.
+constexpr int kMarkLightness = 210;
 
 /// The character boundary of a run that is nearest to this place.
 int BoundaryAt(const TextRun& run, double x) {
@@ -226,7 +227,7 @@ void PageView::paintEvent(QPaintEvent* event) {
   const QSize size = PageSize();
   const int firstRow = std::max(0, (verticalScrollBar()->value() - kGap) / (size.height() + kGap));
   QColor marked = palette().color(QPalette::Highlight);
-  marked.setAlpha(kMarkOpacity);
+  marked.setHsl(marked.hslHue(), marked.hslSaturation(), kMarkLightness);
   for (int page = firstRow * Columns(); page < pages_; ++page) {
     const QRect box = PageBox(page);
     if (box.top() > event->rect().bottom()) break;
@@ -234,6 +235,8 @@ void PageView::paintEvent(QPaintEvent* event) {
     const Drawn* drawn = DrawnPage(page);
     painter.fillRect(box.translated(3, 3), QColor(0, 0, 0, 60));
     painter.drawPixmap(box.topLeft(), drawn->picture);
+    // The text stays as dark as it is.
+    painter.setCompositionMode(QPainter::CompositionMode_Multiply);
     const auto shade = [&](const Mark& mark, const QColor& color) {
       if (mark.run >= static_cast<int>(drawn->text.size())) return;
       const QRectF part = drawn->text[static_cast<std::size_t>(mark.run)].Part(mark.first, mark.last);
@@ -246,6 +249,7 @@ void PageView::paintEvent(QPaintEvent* event) {
     for (auto one = hit; one != hits_.end() && one->page == page; ++one)
       shade(*one, one - hits_.begin() == hit_ ? kCurrentHitColor : kHitColor);
     for (const Mark& mark : MarkedOn(page, drawn->text)) shade(mark, marked);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
   }
   if (hasFocus()) {
     painter.setPen(QPen(palette().color(QPalette::Highlight), 2));

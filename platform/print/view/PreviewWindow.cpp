@@ -229,12 +229,15 @@ QWidget* PreviewWindow::ToolRow() {
   find = new QLineEdit(row);
   find->setObjectName("find");
   find->setClearButtonEnabled(true);
-  find->setMinimumWidth(fontMetrics().averageCharWidth() * 14);
+  find->setMinimumWidth(fontMetrics().averageCharWidth() * 12);
   find->setMaximumWidth(fontMetrics().averageCharWidth() * 30);
   auto* label = new QLabel("&Find", row);
   label->setBuddy(find);
   found = new QLabel(row);
   found->setObjectName("found");
+  // The row keeps its shape while the numbers change.
+  found->setMinimumWidth(fontMetrics().horizontalAdvance("88 of 888"));
+  pageCount->setMinimumWidth(fontMetrics().horizontalAdvance("of 888"));
   layout->addWidget(label);
   layout->addWidget(find, 2);
   layout->addWidget(ButtonFor(before, false, row));
@@ -261,6 +264,7 @@ QWidget* PreviewWindow::SideTabs() {
   });
   pictures = new PagePictures(side_);
   pictures->chosen = [this](int page) { pages->GoTo(page); };
+  side_->setMinimumWidth(fontMetrics().averageCharWidth() * 22);
   side_->addTab(groups, "&Groups");
   side_->addTab(pictures, "Pict&ures");
   return side_;
