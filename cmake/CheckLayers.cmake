@@ -79,7 +79,7 @@ may_use(costing/forms ${widgets} windows costing)
 may_use(fleet/forms ${widgets} windows fleet platform/scan costing costing/forms)
 
 # Programs.
-may_use(program ${widgets} shell shell/forms costing/forms fleet/forms)
+may_use(program ${widgets} platform/print/job platform/print/view shell shell/forms costing/forms fleet/forms)
 may_use(tools/dwadmin ${rules} shell costing fleet CLI)
 may_use(tools/picture Qt)
 may_use(tools/release data)

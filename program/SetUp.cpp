@@ -11,6 +11,11 @@
 #include "platform/controls/DataControl.h"
 #include "platform/controls/Form.h"
 #include "platform/controls/QtScreen.h"
+#include "platform/print/job/Destinations.h"
+#include "platform/print/job/PrintDialog.h"
+#include "platform/print/view/DesktopMailer.h"
+#include "platform/print/view/PreviewWindow.h"
+#include "platform/print/view/QtPrintDialog.h"
 #include "program/FormTable.h"
 #include "shell/forms/AppIcon.h"
 #include "shell/forms/CloseChildForm.h"
@@ -43,6 +48,13 @@ std::shared_ptr<screen::Screen> Desktop() {
   return desktop;
 }
 
+/// Reports are shown, printed and mailed through these.
+void InstallReportDestinations() {
+  print::InstallViewer(std::make_shared<print::PreviewViewer>());
+  print::InstallPrintDialog(std::make_shared<print::QtPrintDialog>(kApplicationCode));
+  print::InstallMailer(std::make_shared<print::DesktopMailer>());
+}
+
 /// The program is over once no form is left and no work is going on. A form that closes in the middle of some
 /// work does not cut it off.
 void QuitOnceIdle() {
@@ -61,6 +73,7 @@ void SetUpProgram(ui::Application& application) {
   ui::InstallLastFormGone(QuitOnceIdle);
   InstallLocators();
   ui::InstallDatabaseOpener(OpenForDataControl);
+  InstallReportDestinations();
   InstallHelpKey(application);
   RegisterForms();
 }

@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 namespace sys {
 namespace {
@@ -30,18 +31,43 @@ bool OneOf(const std::array<std::string_view, N>& names, std::string_view name) 
 constexpr std::chrono::milliseconds kViewerRefuses{1500};
 
 /// Starts a program in a session of its own, so that it outlives this one; -1 if it cannot be started.
-pid_t Spawn(std::string program, std::string argument) {
+pid_t Spawn(std::string program, std::vector<std::string> arguments) {
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   sigset_t none;
   sigemptyset(&none);
   posix_spawnattr_setsigmask(&attributes, &none);
   posix_spawnattr_setflags(&attributes, static_cast<short>(POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK));
-  char* const arguments[] = {program.data(), argument.data(), nullptr};
+  std::vector<char*> words{program.data()};
+  for (std::string& argument : arguments) words.push_back(argument.data());
+  words.push_back(nullptr);
   pid_t pid = -1;
-  const int failure = posix_spawnp(&pid, program.c_str(), nullptr, &attributes, arguments, environ);
+  const int failure = posix_spawnp(&pid, program.c_str(), nullptr, &attributes, words.data(), environ);
   posix_spawnattr_destroy(&attributes);
   return failure == 0 ? pid : -1;
+}
+
+/// Hands a file to a program of the desktop. False if the program cannot be started, or ends with an error
+/// before kViewerRefuses has passed.
+bool HandOver(const std::string& program, std::vector<std::string> arguments) {
+  const pid_t pid = Spawn(program, std::move(arguments));
+  if (pid < 0) return false;
+  const auto end = std::chrono::steady_clock::now() + kViewerRefuses;
+  while (std::chrono::steady_clock::now() < end) {
+    int status = 0;
+    if (waitpid(pid, &status, WNOHANG) == pid) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  // The program has the file now. A thread waits for its end, or the system would keep its entry as long as
+  // this program runs.
+  std::thread([pid] { waitpid(pid, nullptr, 0); }).detach();
+  return true;
+}
+
+/// The program that the environment variable names, else the usual one.
+std::string Chosen(const char* variable, const char* usual) {
+  const char* chosen = std::getenv(variable);
+  return chosen != nullptr && *chosen != '\0' ? chosen : usual;
 }
 
 }  // namespace
@@ -97,20 +123,11 @@ bool StartProgram(const std::string& program, const std::vector<std::string>& ar
 }
 
 bool StartViewer(const std::string& path) {
-  const char* chosen = std::getenv("DROVEWRIGHT_VIEWER");
-  const std::string viewer = chosen != nullptr && *chosen != '\0' ? chosen : "xdg-open";
-  const pid_t pid = Spawn(viewer, path);
-  if (pid < 0) return false;
-  const auto end = std::chrono::steady_clock::now() + kViewerRefuses;
-  while (std::chrono::steady_clock::now() < end) {
-    int status = 0;
-    if (waitpid(pid, &status, WNOHANG) == pid) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  // The viewer shows the file. A thread waits for its end, or the system would keep its entry as long as this
-  // program runs.
-  std::thread([pid] { waitpid(pid, nullptr, 0); }).detach();
-  return true;
+  return HandOver(Chosen("DROVEWRIGHT_VIEWER", "xdg-open"), {path});
+}
+
+bool StartMail(const std::string& path, const std::string& subject) {
+  return HandOver(Chosen("DROVEWRIGHT_MAILER", "xdg-email"), {"--subject", subject, "--attach", path});
 }
 
 }  // namespace sys

@@ -35,5 +35,9 @@ bool StartProgram(const std::string& program, const std::vector<std::string>& ar
 /// and a half for its errors. False if the viewer cannot be started, or if it ends with an error in that
 /// time, as the desktop's does if no program opens the file.
 bool StartViewer(const std::string& path);
+/// Opens a new message with this subject and the file attached in the user's mail program: the program that
+/// the environment variable DROVEWRIGHT_MAILER names, else the desktop's own choice. Both get `--subject TEXT
+/// --attach PATH`. Waits and answers as StartViewer. The mail program may read the file at any time later.
+bool StartMail(const std::string& path, const std::string& subject);
 
 }  // namespace sys
