@@ -79,7 +79,9 @@ TEST_F(HelpPagesTest, EveryWindowHasItsPage) {
                              "frmInventoryMaint",
                              "frmSchedMaintAsset",
                              "frmAssetPicture",
-                             "frmGetPictureFile"}) {
+                             "frmGetPictureFile",
+                             "PreviewWindow",
+                             "PrintForm"}) {
     const std::string page = dw::PageOf(window);
     EXPECT_TRUE(Leads(page, {})) << window << ": " << page;
   }
