@@ -1,5 +1,6 @@
 #include "costing/CostRows.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/screen/Screen.h"
@@ -63,7 +64,8 @@ TransactionFields::TransactionFields(const dao::Recordset& transactions)
     asset[i] = transactions.FieldIndex(kAssetCostColumns[i].transaction);
   }
   for (std::size_t i = 0; i < fuel.size(); ++i) {
-    fuel[i] = transactions.FieldIndex(kFuelCostColumns[i].transaction);
+    const int column = transactions.FieldIndex(kFuelCostColumns[i].transaction);
+    fuel[i] = static_cast<std::size_t>(std::find(asset.begin(), asset.end(), column) - asset.begin());
   }
 }
 
@@ -74,7 +76,7 @@ CostFigures TransactionFields::Read(dao::Recordset& transactions, const rt::Valu
   figures.period = transactions.Get(period);
   figures.fuelType = fuelType;
   for (std::size_t i = 0; i < asset.size(); ++i) figures.asset[i] = transactions.Get(asset[i]);
-  for (std::size_t i = 0; i < fuel.size(); ++i) figures.fuel[i] = transactions.Get(fuel[i]);
+  for (std::size_t i = 0; i < fuel.size(); ++i) figures.fuel[i] = figures.asset[fuel[i]];
   return figures;
 }
 

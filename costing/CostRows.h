@@ -36,7 +36,7 @@ struct TransactionFields {
   int totalInternalCost;
   int totalOutsideCost;
   std::array<int, 12> asset;
-  std::array<int, 4> fuel;
+  std::array<std::size_t, 4> fuel;  ///< which of the asset's figures they are
 };
 
 enum class CostOwner { Asset, FuelType };

@@ -13,6 +13,14 @@ void RequireDataFile() {
                         "'" + DataFile + "' is no longer there. Everything posted so far is complete.");
 }
 
+namespace {
+
+bool SameAsset(const rt::Value& a, const rt::Value& b) {
+  return a == b || rt::EqualNoCase(a.Shown(), b.Shown());
+}
+
+}  // namespace
+
 TransactionPoster::TransactionPoster(dao::Workspace& workspace, dao::Database& database,
                                      dao::Recordset& transactions, const Accumulators& accumulators)
     : workspace_(workspace),
@@ -51,7 +59,7 @@ bool TransactionPoster::PostTransaction(PostingCounts& counts) {
   // Also, if the row has been given another asset meanwhile, the sums of this one must not change; the next
   // run posts it.
   if (!transactions_.Get(fields_.whenPosted).IsNull() ||
-      !rt::EqualNoCase(transactions_.Get(fields_.assetID).Shown(), assetID.Shown())) {
+      !SameAsset(transactions_.Get(fields_.assetID), assetID)) {
     transactions_.CancelUpdate();
     row.Commit();
     return false;

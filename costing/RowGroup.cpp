@@ -35,17 +35,20 @@ RowGroup::~RowGroup() {
 
 std::optional<rt::Value> AssetFuelTypes::Of(const rt::Value& assetID) {
   const std::uint64_t glance = database_.Glance();
-  if (glance == 0 || glance != glance_) known_.clear();
+  const bool stillTrue = glance != 0 && glance == glance_;
+  if (stillTrue && assetID == last_) return lastType_;
+  if (!stillTrue) known_.clear();
   glance_ = glance;
+  last_ = assetID;
   const std::string code = assetID.Shown();
   const auto known = known_.find(code);
-  if (known != known_.end()) return known->second;
+  if (known != known_.end()) return lastType_ = known->second;
   const DaoRecordsetPtr asset =
       database_.OpenRecordset(AssetQuery(assetID), dao::RecordsetType::Dynaset, dao::Access::ReadOnly);
   std::optional<rt::Value> fuelType;
   if (!asset->AtEnd()) fuelType = asset->Get("Fuel Type");
   known_.emplace(code, fuelType);
-  return fuelType;
+  return lastType_ = fuelType;
 }
 
 }  // namespace dw

@@ -55,6 +55,8 @@ class AssetFuelTypes {
   dao::Database& database_;
   std::unordered_map<std::string, std::optional<rt::Value>> known_;
   std::uint64_t glance_ = 0;  ///< when they were asked for
+  rt::Value last_;            ///< the asset that was asked for last
+  std::optional<rt::Value> lastType_;
 };
 
 }  // namespace dw

@@ -66,7 +66,7 @@ bool WaitForFile(const std::string& path, int& waits) {
 /// wait, and so does a hold of this program's own, which no wait can end. Returns the last error number, 0
 /// for success.
 template <class Verb>
-std::int16_t WaitForRecord(dao::Recordset& recordset, Verb verb, const std::string& during,
+std::int16_t WaitForRecord(dao::Recordset& recordset, Verb verb, const char* during,
                            LockWait::Events events) {
   LockWait wait;
   for (;;) {

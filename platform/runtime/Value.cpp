@@ -113,6 +113,9 @@ ValueType ResultType(ValueType a, ValueType b) {
 }
 
 Value Combine(const Value& a, const Value& b, bool subtract) {
+  // What most sums are made of.
+  if (const auto* x = std::get_if<Currency>(&a.Data()))
+    if (const auto* y = std::get_if<Currency>(&b.Data())) return subtract ? *x - *y : *x + *y;
   if (a.IsNull() || b.IsNull()) return Null{};
   const std::int64_t sign = subtract ? -1 : 1;
   switch (ResultType(a.Type(), b.Type())) {

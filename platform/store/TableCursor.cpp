@@ -10,7 +10,15 @@
 namespace store {
 namespace {
 
+// More rows at a time where the caller goes on.
 constexpr int kAhead = 64;
+constexpr int kMostAhead = 256;
+
+/// What FitToColumn would leave unchanged: most sums.
+bool FitsAsItIs(const ColumnInfo& column, const rt::Value& value) {
+  return (column.type == ColumnType::Currency && value.Type() == rt::ValueType::Currency) ||
+         (column.type == ColumnType::Single && value.Type() == rt::ValueType::Single);
+}
 
 class TableCursor : public RecordCursor {
  public:
@@ -141,18 +149,19 @@ class TableCursor : public RecordCursor {
                  std::span<const rt::Value> values, Direction direction) override {
     if (!index_ || Editing() || locking_ != Locking::Pessimistic || key.size() != index_->columns.size())
       return false;
-    const auto cache = Impl().CacheFor(plan_->schema, *plan_->leading, *index_);
-    if (!cache) return false;
+    if (!CanKeepOn()) sumCache_ = Impl().CacheFor(plan_->schema, *plan_->leading, *index_);
+    if (!sumCache_) return false;
     RowCache::KeyOf(key, sumKey_);
-    const auto found = cache->Rows().find(sumKey_);
-    if (found == cache->Rows().end() || !found->second) return false;
+    const auto found = sumCache_->Rows().find(sumKey_);
+    if (found == sumCache_->Rows().end() || !found->second) return false;
     const std::shared_ptr<CachedRow>& row = found->second;
     if (!FormSums(*row, fields, values, direction)) return false;
     if (row->id != 0 && Impl().HoldRecord(Table(), row->id)) return false;
-    auto& before = Impl().Caches().NoteChange(*cache, row, Impl().Depth() > 0).before;
+    auto& before = Impl().Caches().NoteChange(*sumCache_, row, Impl().Depth() > 0).before;
     for (auto& [column, sum] : sums_) {
-      std::swap(row->values[column], sum);
-      before.emplace_back(column, std::move(sum));
+      rt::Value& value = row->values[column];
+      before.emplace_back(column, std::move(value));
+      value = std::move(sum);
     }
     NoteTableChange();
     return true;
@@ -279,10 +288,12 @@ class TableCursor : public RecordCursor {
   }
 
   void FetchAhead() {
+    const bool goesOn = windowEpoch_ == Epoch() && windowKeys_.size() > 1;
+    const int ahead = goesOn ? kMostAhead : kAhead;
     Question use(Impl(), *plan_->leading,
-                 list_ + " WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT " + std::to_string(kAhead));
+                 list_ + " WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT " + std::to_string(ahead));
     use.Bind(1, key_);
-    KeepWindow(kAhead);
+    KeepWindow(static_cast<std::size_t>(ahead));
     std::size_t count = 0;
     while (use.Step()) {
       windowKeys_[count] = use.Int64(0);
@@ -422,6 +433,12 @@ class TableCursor : public RecordCursor {
     return result;
   }
 
+  /// Whether the cache that took the last sums still takes some.
+  bool CanKeepOn() const {
+    return sumCache_ && !sumCache_->Retired() && sumCache_->IndexName() == index_->name && Impl().InGroup() &&
+           Impl().Depth() <= 1;
+  }
+
   /// The sums that the row would have; false where a column cannot take its sum.
   bool FormSums(const CachedRow& row, const std::vector<int>& fields, std::span<const rt::Value> values,
                 Direction direction) {
@@ -435,7 +452,8 @@ class TableCursor : public RecordCursor {
         rt::Value sum = direction == Direction::Add ? rt::Add(old, values[i]) : rt::Subtract(old, values[i]);
         const ColumnInfo& info = plan_->leading->columns[at];
         if (sum.IsNull() && info.required) return false;
-        sums_.emplace_back(at, FitToColumn(info, sum));
+        if (!FitsAsItIs(info, sum)) sum = FitToColumn(info, sum);
+        sums_.emplace_back(at, std::move(sum));
       }
     } catch (const StoreError&) {
       return false;
@@ -445,6 +463,7 @@ class TableCursor : public RecordCursor {
     return true;
   }
 
+  std::shared_ptr<RowCache> sumCache_;  ///< took the last sums of AddAtOnce
   std::string sumKey_;
   std::vector<std::pair<std::size_t, rt::Value>> sums_;
   std::string list_;  ///< see RowsOfTable
