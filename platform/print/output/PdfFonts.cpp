@@ -166,7 +166,7 @@ std::string PdfFont::ToUnicode() const {
       "/CMapName /Characters def\n/CMapType 2 def\n"
       "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n";
   static constexpr std::size_t kBlock = 100;  // the most that one section may have
-  std::array<char, 32> line{};
+  std::array<char, 40> line{};
   for (std::size_t begin = 0; begin < used_.size(); begin += kBlock) {
     const std::size_t end = std::min(used_.size(), begin + kBlock);
     map += std::to_string(end - begin) + " beginbfchar\n";
