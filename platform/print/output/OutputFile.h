@@ -24,11 +24,12 @@ class OutputFile {
   std::uint64_t Position() const { return flushed_ + buffer_.size(); }
   /// The file that holds the output until Commit, for a library that writes by itself.
   const std::string& TemporaryPath() const { return temporary_; }
+  /// Throws the PrintError for an error of the operating system.
+  [[noreturn]] void Fail(int error) const;
   /// Moves the output to its target.
   void Commit();
 
  private:
-  [[noreturn]] void Fail(int error) const;
   void Flush();
   void Pour();
 

@@ -35,15 +35,18 @@ bool WriteOutput(const PageStore& pages, OutputFormat format, const std::string&
     switch (format) {
       case OutputFormat::Pdf:
         return WritePdf(pages, range, progress, file);
+      case OutputFormat::Rtf:
+        return WriteRtf(pages, progress, file);
+      case OutputFormat::Spreadsheet:
+        return WriteSpreadsheet(pages, progress, file);
       case OutputFormat::Csv:
         return WriteCsv(pages, progress, path != "-", file);
       case OutputFormat::Html:
         return WriteHtml(pages, progress, file);
       case OutputFormat::Text:
         return WriteText(pages, range, progress, file);
-      default:
-        throw PrintError("There is no such output format.");
     }
+    throw PrintError("There is no such output format.");
   };
   if (!write()) return false;
   file.Commit();

@@ -22,7 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr OutputFormat kFormats[] = {OutputFormat::Text, OutputFormat::Pdf, OutputFormat::Csv, OutputFormat::Html};
+constexpr OutputFormat kFormats[] = {OutputFormat::Text, OutputFormat::Pdf, OutputFormat::Csv,
+                                     OutputFormat::Html, OutputFormat::Rtf, OutputFormat::Spreadsheet};
 
 int FilesIn(const std::string& directory) {
   return static_cast<int>(std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
@@ -121,7 +122,12 @@ std::string OntoAFullDisk(test::DiskKind kind, const std::string& directory) {
     std::ofstream(path) << "earlier";
     disk.Fill(path, 9000);
     const std::string name = "format " + std::to_string(static_cast<int>(format));
-    faults.Equal(FailureOf(pages, format, path), "'" + path + "' cannot be written: the disk is full.", name);
+    // A limit of files hits the spreadsheet's temporary files first.
+    const std::string failure = FailureOf(pages, format, path);
+    if (!failure.ends_with(" cannot be written: the disk is full.") &&
+        !failure.starts_with("The temporary files of the spreadsheet cannot be written in "))
+      faults.Add(name + ": " + failure);
+    if (!failure.ends_with("the disk is full.")) faults.Add(name + ": " + failure);
     disk.Free();
     faults.Equal(test::ReadFile(path), std::string("earlier"), name);
     faults.Equal(FilesIn(directory), 1, name + " files");
