@@ -47,14 +47,24 @@ std::string FromOneRow(const Translation& query) {
   return sql;
 }
 
-}  // namespace
-
-std::string KeysInOrder(const Translation& query) {
-  const std::string keys = KeysOf(query);
-  return "SELECT " + keys + " FROM " + query.from + (query.where.empty() ? "" : " WHERE " + query.where) +
-         " ORDER BY " + (query.orderBy.empty() ? "" : query.orderBy + ", ") + keys +
+/// All rows of a query in its order; what it leaves equal goes by the keys.
+std::string AllInOrder(const Translation& query, const std::string& list) {
+  return "SELECT " + list + " FROM " + query.from + (query.where.empty() ? "" : " WHERE " + query.where) +
+         " ORDER BY " + (query.orderBy.empty() ? "" : query.orderBy + ", ") + KeysOf(query) +
          (query.top ? dialect::Spelled().Limit(*query.top) : "");
 }
+
+std::string ListWithKeys(const Translation& query) {
+  std::string list = KeysOf(query);
+  for (const auto& column : query.columns) list += ", " + column.expression;
+  return list;
+}
+
+}  // namespace
+
+std::string KeysInOrder(const Translation& query) { return AllInOrder(query, KeysOf(query)); }
+
+std::string RowsInOrder(const Translation& query) { return AllInOrder(query, ListWithKeys(query)); }
 
 std::string KeysWhere(const Translation& query, WhichKeys which) {
   const std::string key = KeyOf(query.tables[0]);
@@ -63,9 +73,7 @@ std::string KeysWhere(const Translation& query, WhichKeys which) {
 }
 
 std::string RowByKeys(const Translation& query) {
-  std::string list = KeysOf(query);
-  for (const auto& column : query.columns) list += ", " + column.expression;
-  return "SELECT " + list + FromOneRow(query);
+  return "SELECT " + ListWithKeys(query) + FromOneRow(query);
 }
 
 std::string RowsByKeys(const Translation& query) {

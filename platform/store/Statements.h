@@ -16,6 +16,9 @@ namespace store {
 /// equal come by their keys, so that every reading gives the same order.
 std::string KeysInOrder(const Translation& query);
 
+/// The keys and columns of all rows, in the order of KeysInOrder.
+std::string RowsInOrder(const Translation& query);
+
 enum class WhichKeys { All, One };
 /// The leading keys of all rows of a query, ascending, each once. With `One`: the key :k0 where that row is
 /// among them.

@@ -1,0 +1,164 @@
+#include "platform/print/data/RowCollector.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "platform/print/formula/ValueRules.h"
+#include "platform/runtime/Letters.h"
+
+namespace print {
+namespace {
+
+void Note(Oddity& oddity, const std::string& first) {
+  if (oddity.count++ == 0) oddity.first = first;
+}
+
+/// The beginning of a value for a message.
+std::string Beginning(const rt::Value& value) {
+  constexpr std::size_t kMostBytes = 40;
+  std::string text = JoinedText(value);
+  if (text.size() <= kMostBytes) return "\"" + text + "\"";
+  std::size_t end = kMostBytes;
+  while (end > 0 && rt::IsContinuation(text[end])) --end;
+  return "\"" + text.substr(0, end) + "...\"";
+}
+
+bool Fits(const rt::Value& value, ValueKind kind) {
+  if (KindOf(value.Type()) != kind) return false;
+  return kind != ValueKind::Number || std::isfinite(value.AsDouble());
+}
+
+}  // namespace
+
+std::string RowCollector::ShownRow(std::int64_t key) const {
+  return "the row with the ID " + std::to_string(key) + " of " + source_.Table(0).name;
+}
+
+rt::Value RowCollector::Checked(const store::QueriedRow& read, int column, int field) {
+  const auto place = static_cast<std::size_t>(field);
+  const ValueKind kind = KindOf(source_.Fields()[place].type);
+  rt::Value value;
+  try {
+    value = read.Value(column);
+  } catch (const rt::Error&) {
+    Note(oddities_[place], "beyond the range in " + ShownRow(read.Key()));
+    return rt::Null{};
+  }
+  if (value.IsNull()) return value;
+  // Of a picture a report only knows that there is one.
+  if (kind == ValueKind::Binary) return rt::Binary{};
+  if (Fits(value, kind)) return value;
+  const bool number = KindOf(value.Type()) == ValueKind::Number;
+  if (kind == ValueKind::Text && number) return value.AsText();
+  Note(oddities_[place], Beginning(value) + " in " + ShownRow(read.Key()));
+  return rt::Null{};
+}
+
+bool RowCollector::SeenBefore(std::int64_t key) {
+  constexpr std::int64_t kMostNear = 100'000'000;
+  if (key < 0 || key >= kMostNear) return !seenFar_.insert(key).second;
+  const auto place = static_cast<std::size_t>(key);
+  if (place >= seen_.size()) seen_.resize(std::max(place + 1, seen_.size() * 2));
+  const bool before = seen_[place];
+  seen_[place] = true;
+  return before;
+}
+
+bool RowCollector::Passes(std::int64_t key) {
+  try {
+    return std::all_of(tests_.begin(), tests_.end(),
+                       [&](const Formula* test) { return test->Holds(values_); });
+  } catch (const PrintError& error) {
+    Note(untested_, ShownRow(key) + ": " + error.what());
+    return false;
+  }
+}
+
+void RowCollector::Take(const store::QueriedRow& read) {
+  const std::size_t fields = source_.Fields().size();
+  row_.resize(fields);
+  for (std::size_t i = 0; i < fields; ++i) row_[i] = Checked(read, static_cast<int>(i), static_cast<int>(i));
+  values_.SetRow(row_);
+  if (!Passes(read.Key())) return;
+  if (once_ && SeenBefore(read.Key())) return Note(doubled_, ShownRow(read.Key()));
+  if (!keys_.empty()) {
+    Row& key = keyValues_.emplace_back();
+    for (const auto& part : keys_) {
+      try {
+        key.push_back(part.field >= 0 ? row_[static_cast<std::size_t>(part.field)]
+                                      : part.formula.Evaluate(values_));
+      } catch (const PrintError& error) {
+        key.emplace_back();
+        Note(untested_, ShownRow(read.Key()) + ": " + error.what());
+      }
+    }
+  }
+  for (auto& collection : collected_) {
+    const auto& value = row_[static_cast<std::size_t>(collection.field)];
+    if (value.IsNull() || (!collection.values.empty() && SameKey(collection.values.back(), value))) continue;
+    collection.values.push_back(value);
+    constexpr std::size_t kFew = 10'000;
+    if (collection.values.size() > collection.sorted * 2 + kFew) SortOut(collection);
+  }
+  row_.resize(width_);
+  spool_->Append(row_);
+}
+
+void RowCollector::SortOut(Collection& collection) {
+  auto& values = collection.values;
+  std::sort(values.begin(), values.end(), [](const auto& a, const auto& b) { return SortOrder(a, b) < 0; });
+  values.erase(std::unique(values.begin(), values.end(), SameKey), values.end());
+  collection.sorted = values.size();
+}
+
+const std::vector<rt::Value>& RowCollector::Collected(std::size_t n) {
+  SortOut(collected_[n]);
+  return collected_[n].values;
+}
+
+std::unique_ptr<ReportRows> RowCollector::Finish() {
+  if (keys_.empty()) return std::move(rows_);
+  std::vector<std::uint32_t> order(keyValues_.size());
+  std::iota(order.begin(), order.end(), 0U);
+  std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+      const int compared = SortOrder(keyValues_[a][i], keyValues_[b][i]);
+      if (compared != 0) return keys_[i].descending ? compared > 0 : compared < 0;
+    }
+    return false;
+  });
+  auto ordered = std::make_unique<ReportRows>();
+  for (const auto place : order) {
+    spool_->Read(place, row_);
+    ordered->rows.Append(row_);
+  }
+  keyValues_ = {};
+  rows_ = nullptr;
+  return ordered;
+}
+
+void RowCollector::Report(std::vector<std::string>* warnings) const {
+  if (!warnings) return;
+  const auto many = [](std::int64_t count, const std::string& one, const std::string& several) {
+    return std::to_string(count) + " " + (count == 1 ? one : several);
+  };
+  for (std::size_t i = 0; i < oddities_.size(); ++i) {
+    const auto& odd = oddities_[i];
+    if (odd.count == 0) continue;
+    warnings->push_back(many(odd.count, "value of ", "values of ") + source_.ShownName(static_cast<int>(i)) +
+                        " cannot be read as " + std::string(KindName(KindOf(source_.Fields()[i].type))) +
+                        " and " + (odd.count == 1 ? "is" : "are") + " left blank; the first is " + odd.first +
+                        ".");
+  }
+  if (untested_.count > 0)
+    warnings->push_back(many(untested_.count, "row", "rows") +
+                        " could not be tested or ordered; the first is " + untested_.first);
+  if (doubled_.count > 0)
+    warnings->push_back(many(doubled_.count, "row was", "rows were") +
+                        " found more than once, because a joined table has several rows for it, and " +
+                        (doubled_.count == 1 ? "is" : "are") + " shown once; the first is " + doubled_.first +
+                        ".");
+}
+
+}  // namespace print

@@ -1,0 +1,35 @@
+#include "platform/store/QueryScan.h"
+
+#include <string>
+
+#include "platform/store/ConnectionImpl.h"
+#include "platform/store/Handle.h"
+#include "platform/store/Statements.h"
+
+namespace store {
+
+rt::Value QueriedRow::Value(int column) const {
+  return row_.Decode(column, types_[static_cast<std::size_t>(column)]);
+}
+
+bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view sql,
+               const std::function<bool(const QueriedRow&)>& look) {
+  std::vector<rt::Value> parameters;
+  const auto plan = connection->Plan(sql, &parameters);
+  if (plan->translation.kind != StatementKind::Select)
+    throw StoreError(kSelectNotExecuted, "Only a SELECT gives rows: " + std::string(sql));
+  const std::string statement = plan->keyed ? RowsInOrder(plan->translation) : plan->whole;
+  const int keys = plan->keyed ? static_cast<int>(plan->translation.tables.size()) : 0;
+  Question use(connection->Internals(), plan->translation, statement);
+  use.BindAll(parameters);
+  const int fields = static_cast<int>(plan->fields.size());
+  RawRow row;
+  while (use.Step()) {
+    row.Read(use.Raw(), keys, fields);
+    const std::int64_t key = keys > 0 ? use.Int64(0) : 0;
+    if (!look(QueriedRow(row, key, plan->types))) return false;
+  }
+  return true;
+}
+
+}  // namespace store
