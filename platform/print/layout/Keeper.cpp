@@ -9,7 +9,12 @@ Keeper::Keeper(const ReportDefinition& report, const LayoutOptions& options, Pag
       options_(options),
       paginator_(paginator),
       needed_(report.groups.size(), 0),
-      whole_(report.groups.size(), false) {}
+      whole_(report.groups.size(), false) {
+  if (!options.hideDetails && report.detail.present && report.detail.visible) return;
+  const bool footer =
+      !report.groups.empty() && report.groups.back().footer.present && report.groups.back().footer.visible;
+  rows_ = footer ? Rows::Footers : Rows::Headers;
+}
 
 void Keeper::EndAtom() {
   if (atom_.empty()) return;
@@ -69,7 +74,10 @@ void Keeper::OpenGroup(int group, BuiltBand header) {
   const bool keeps = definition.keep != Keep::None && header.Seen();
   needed_[place] = keeps ? std::max(1, definition.keepRows) : 0;
   whole_[place] = definition.keep == Keep::WholeGroup;
+  const bool row = place + 1 == needed_.size() && rows_ == Rows::Headers && header.Seen();
+  if (row) needed_[place] = 0;
   Hold(std::move(header));
+  if (row) CountRow();
 }
 
 void Keeper::Detail(BuiltBand detail) {
@@ -81,13 +89,11 @@ void Keeper::Detail(BuiltBand detail) {
 
 void Keeper::CloseGroup(int group, BuiltBand footer) {
   const auto place = static_cast<std::size_t>(group);
-  const bool seen = footer.Seen();
-  const bool innermost = place + 1 == report_.groups.size();
+  const bool row = place + 1 == needed_.size() && rows_ == Rows::Footers && footer.Seen();
   Hold(std::move(footer));
   needed_[place] = 0;
   whole_[place] = false;
-  // Without details the innermost footers are the rows that outer headers stay with.
-  if (seen && innermost && (options_.hideDetails || !report_.detail.present)) CountRow();
+  if (row) CountRow();
   if (place < options_.newPageAfterGroup.size() && options_.newPageAfterGroup[place]) breakNext_ = true;
 }
 

@@ -21,6 +21,10 @@ class Keeper : public BandSink {
   void Flush();
 
  private:
+  /// What headers stay with: where details are hidden, the innermost groups' footers are the rows, or their
+  /// headers.
+  enum class Rows { Details, Footers, Headers };
+
   void StartsNext(BuiltBand& band);
   void Hold(BuiltBand band);
   void EndAtom();
@@ -34,6 +38,7 @@ class Keeper : public BandSink {
   Length keptHeight_ = 0;
   std::vector<int> needed_;  // for each group, how many rows its header still waits for
   std::vector<bool> whole_;  // for each group, whether it is open and kept whole
+  Rows rows_ = Rows::Details;
   bool breakNext_ = false;
 };
 

@@ -19,6 +19,19 @@ const BuiltBand* FirstOf(const std::vector<Atom>& atoms) {
   return nullptr;
 }
 
+/// Parts of an atom that is too high: each begins with headers, which stay with what follows them.
+std::vector<Atom> AtHeaders(Atom atom) {
+  std::vector<Atom> parts;
+  bool header = true;
+  for (BuiltBand& band : atom) {
+    const bool begins = band.Seen() && band.parts.front().kind == BandKind::GroupHeader;
+    if (parts.empty() || (begins && !header)) parts.emplace_back();
+    if (band.Seen()) header = begins;
+    parts.back().push_back(std::move(band));
+  }
+  return parts;
+}
+
 void MoveDown(PlacedBand& part, Length by) {
   part.box.top += by;
   for (Rule& rule : part.rules) rule.box.top += by;
@@ -56,6 +69,7 @@ void Paginator::OpenPage(const BuiltBand& first) {
   deferred_.clear();
   open_ = true;
   empty_ = true;
+  afterHeader_ = false;
   lastRow_ = first.row;
   const Length height = facts_.pageHeight - facts_.marginTop - facts_.marginBottom;
   BuiltBand header = composer_.PageHeader(first.row, number_);
@@ -78,7 +92,6 @@ void Paginator::OpenPage(const BuiltBand& first) {
       cursor_ += again->height + again->spaceAfter;
     }
   }
-  firstTop_ = cursor_;
 }
 
 void Paginator::PutAt(BuiltBand band, Length top) {
@@ -103,6 +116,7 @@ void Paginator::Put(BuiltBand band) {
               [this](std::size_t place, const rt::Error& error) { composer_.Refused(place, error); });
   if (!band.Seen()) return;
   const Length below = cursor_ + band.height + band.spaceAfter;
+  afterHeader_ = band.parts.front().kind == BandKind::GroupHeader;
   PutAt(std::move(band), cursor_);
   cursor_ = below;
   empty_ = false;
@@ -143,7 +157,8 @@ void Paginator::Split(BuiltBand band) {
       return;
     }
     // Starting far down would leave a strip of it; a cut within the first line nothing at all.
-    if (!empty_ && (room < BodyHeight() / 3 || CutBetweenLines(band, room) <= 0)) {
+    const bool strip = room < BodyHeight() / 3 && !afterHeader_;
+    if (!empty_ && (strip || CutBetweenLines(band, room) <= 0)) {
       ClosePage();
       continue;
     }
@@ -173,6 +188,7 @@ void Paginator::Place(std::vector<Atom> atoms) {
   const Length skipped = empty_ && first->Seen() ? first->spaceBefore : 0;
   if (height - skipped > Left()) {
     const bool fitsFresh = height - first->spaceBefore <= FreshHeight(*first);
+    if (!fitsFresh && atoms.size() == 1) atoms = AtHeaders(std::move(atoms.front()));
     if (!fitsFresh && atoms.size() > 1) {
       for (Atom& atom : atoms) {
         std::vector<Atom> one;
@@ -181,8 +197,12 @@ void Paginator::Place(std::vector<Atom> atoms) {
       }
       return;
     }
+    first = &atoms.front().front();
     const bool single = atoms.front().size() == 1;
-    if (!fitsFresh && single) {
+    // A row that is too long for the page below its header begins there; the header must not stay alone.
+    const bool cut = afterHeader_ && first->Seen() && first->parts.front().kind == BandKind::Detail &&
+                     CutBetweenLines(*first, Left()) > 0;
+    if (single && (!fitsFresh || cut)) {
       Split(std::move(atoms.front().front()));
       return;
     }

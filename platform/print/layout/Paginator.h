@@ -61,9 +61,9 @@ class Paginator {
   Page page_;
   int number_ = 0;
   bool open_ = false;
-  bool empty_ = true;    // nothing of the body is on the page yet, but for repeated headers
-  Length bodyTop_ = 0;   // below the header of the page
-  Length firstTop_ = 0;  // below the repeated headers
+  bool empty_ = true;         // nothing of the body is on the page yet, but for repeated headers
+  bool afterHeader_ = false;  // the last band of the body is a group's header, which must not stay alone
+  Length bodyTop_ = 0;        // below the header of the page
   Length cursor_ = 0;
   Length limit_ = 0;  // where the footer of the page begins
   std::int64_t lastRow_ = -1;
