@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "platform/print/definition/DefinitionBuilder.h"
+#include "platform/print/definition/DefinitionParts.h"
 #include "platform/store/Connection.h"
 #include "platform/store/StoreError.h"
 
@@ -46,7 +47,8 @@ ReadFile Read(const std::string& path, const store::Schema* schema, const Formul
   Faults faults(std::filesystem::path(path).filename().string());
   ReadFile result;
   try {
-    const XmlElement root = ReadXml(ContentOf(path));
+    XmlElement root = ReadXml(ContentOf(path));
+    UseParts(root, path, faults);
     DefinitionBuilder builder(faults, schema, nullptr);
     result.report = builder.Build(root, path, replaced, extraFields);
   } catch (const XmlFault& fault) {

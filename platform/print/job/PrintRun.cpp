@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <regex>
 #include <system_error>
 
 #include "platform/print/job/PrintJob.h"
@@ -17,6 +18,8 @@ namespace {
 
 namespace files = std::filesystem;
 
+/// A definition that has a formula of this name shows there which dates the selection asks for.
+constexpr auto kSelectionDates = "SelectionDates";
 constexpr auto kMailPrefix = "drovewright-mail-";
 
 /// The one file that all tables of the job and of its subreports lie in.
@@ -64,11 +67,42 @@ std::string PlainTitle(const FormulaTexts& formulas) {
   return {};
 }
 
+/// "1/1/2026 to 6/30/2026": the dates of a selection that asks for a range of one field, in the form that
+/// date ranges are written in: {Field} >= Date(y,m,d) and {Field} <= Date(y,m,d). Empty if there is no such
+/// range.
+std::string DatesOf(const std::string& selection) {
+  static const std::regex limit(R"((\{[^}]*\})\s*(>=|<=)\s*Date\s*\(\s*(\d+)\s*,\s*(\d+)\s*,\s*(\d+)\s*\))",
+                                std::regex::icase);
+  std::string field;
+  std::string from;
+  std::string to;
+  for (std::sregex_iterator found(selection.begin(), selection.end(), limit), end; found != end; ++found) {
+    const std::smatch& match = *found;
+    std::string& side = match[2].str() == ">=" ? from : to;
+    if (!side.empty() || (!field.empty() && !rt::EqualNoCase(field, match[1].str()))) return {};
+    field = match[1].str();
+    side = match[4].str() + "/" + match[5].str() + "/" + match[3].str();
+  }
+  if (from.empty() && to.empty()) return {};
+  if (to.empty()) return "From " + from;
+  return from.empty() ? "Up to " + to : "From " + from + " to " + to;
+}
+
+/// The formulas of the run: those that were set, and what the definition asks to be told of the selection.
+FormulaTexts FormulasOf(const PrintJob& job) {
+  FormulaTexts formulas = job.formulas;
+  const std::string dates = DatesOf(job.selection);
+  for (const auto& [name, formula] : job.report->formulas)
+    if (rt::EqualNoCase(name, kSelectionDates) && !dates.empty())
+      formulas.try_emplace(name, "'" + dates + "'");
+  return formulas;
+}
+
 std::shared_ptr<ReportRun> MakeRun(const PrintJob& job) {
   const std::string dataFile = DataFile(job);
   std::vector<std::string> sortFields;
   for (const SortField& field : job.sort) sortFields.push_back(field.name);
-  const auto read = ReadDefinition(job.file, dataFile, job.formulas, sortFields);
+  const auto read = ReadDefinition(job.file, dataFile, FormulasOf(job), sortFields);
   auto report = std::make_shared<ReportDefinition>(*read);
   LayoutOptions options;
   options.paper = CurrentPrintSettings().a4 ? Paper::A4 : Paper::Letter;
