@@ -1,4 +1,5 @@
-# The files beside the program: the help pages and the picture of the main window.
+# The files beside the program: the help pages and the picture of the main window. ReportDefinitions.cmake puts the
+# definitions of reports there.
 add_executable(dwpicture EXCLUDE_FROM_ALL
   ${CMAKE_SOURCE_DIR}/tools/picture/main.cpp
   ${CMAKE_SOURCE_DIR}/tools/picture/Landscape.cpp
