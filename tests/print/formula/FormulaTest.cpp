@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <random>
 
 #include "platform/print/formula/FormulaFunctions.h"
@@ -261,6 +262,32 @@ TEST(FormulaTest, TotalsKeepTheirScopesAndPlaces) {
   EXPECT_EQ(twice.Evaluate(values), Whole(11111));
   EXPECT_TRUE(Formula::Read("Pages & ''", scope).NeedsPages());
   EXPECT_FALSE(twice.NeedsPages());
+}
+
+// The examples of the page that people learn the language from.
+TEST(FormulaTest, TheExamplesOfThePageAreTrue) {
+  const TestScope scope = FleetScope();
+  TestValues values(scope);
+  values.pages = Whole(12);
+  std::ifstream page(DROVEWRIGHT_PRINT_CASES "/../../../docs/reports.md");
+  ASSERT_TRUE(page);
+  std::string seen;
+  for (std::string line; std::getline(page, line);) {
+    if (line == "## The language") seen = " ";
+    if (line == "### Display formats") break;
+    // | `formula` | `value` | ...
+    if (seen.empty() || !line.starts_with("| `")) continue;
+    const auto end = line.find("` | `");
+    if (end == std::string::npos) continue;
+    const std::string formula = line.substr(3, end - 3);
+    const std::string expected = line.substr(end + 5, line.find('`', end + 5) - end - 5);
+    const Value value = Formula::Read(formula, scope).Evaluate(values);
+    EXPECT_EQ(value.IsNull() ? "Null" : JoinedText(value), expected) << formula;
+    seen += formula + " ";
+  }
+  // None is left out.
+  for (const auto name : FunctionNames())
+    EXPECT_NE(seen.find(" " + std::string(name) + "("), std::string::npos) << name;
 }
 
 struct Fault {
