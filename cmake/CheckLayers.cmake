@@ -1,4 +1,4 @@
-# Fails when a file includes a folder or a library that its own folder may not use.
+# Fails when a file includes a folder or a library that its own folder may not use, or names what belongs to another.
 # Run as: cmake -DROOT=<source tree> -P CheckLayers.cmake
 #
 # The table names every folder with source files, and for each what its files may include besides the folder itself and
@@ -40,9 +40,25 @@ function(may_use folder)
   set(known ${known} ${folder} PARENT_SCOPE)
 endfunction()
 
+# may_not_name(<folder> <regular expression>): words that belong to another folder, also without an include.
+function(may_not_name folder words)
+  file(GLOB files ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
+  foreach(file IN LISTS files)
+    file(RELATIVE_PATH shown ${ROOT} ${file})
+    file(STRINGS ${file} lines REGEX "${words}")
+    foreach(line IN LISTS lines)
+      set(breaches "${breaches}\n  ${shown}: ${line}")
+    endforeach()
+  endforeach()
+  set(breaches "${breaches}" PARENT_SCOPE)
+endfunction()
+
 # Replacements for outside services. Nothing here knows of fleets.
 may_use(platform/runtime)
-may_use(platform/store platform/runtime sqlite3)
+may_use(platform/store platform/runtime)
+may_use(platform/store/sqlite platform/store platform/runtime sqlite3)
+# What one engine alone has: its database, its own words, its files beside a data file.
+may_not_name(platform/store "sqlite3?_|_rowid_|PRAGMA|SideFile|[^A-Za-z]Handle[^A-Za-z]")
 may_use(platform/ado platform/runtime platform/store)
 may_use(platform/dao platform/runtime platform/store)
 may_use(platform/screen platform/runtime)
@@ -99,5 +115,5 @@ foreach(top bench costing data fleet platform program shell tools windows report
 endforeach()
 
 if(breaches)
-  message(FATAL_ERROR "These includes are not allowed:${breaches}")
+  message(FATAL_ERROR "These includes and names are not allowed:${breaches}")
 endif()

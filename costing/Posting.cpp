@@ -127,7 +127,7 @@ std::string HoldersInTheWay(store::Connection& connection) {
     if (IsCleared(table.name)) cleared.push_back(table.number);
   std::string lines;
   int count = 0;
-  for (const store::HeldRecord& held : connection.Side().HeldByOthers(cleared)) {
+  for (const store::HeldRecord& held : connection.Holds().HeldByOthers(cleared)) {
     const auto table = std::find_if(schema->tables.begin(), schema->tables.end(),
                                     [&](const store::TableInfo& info) { return info.number == held.table; });
     if (table == schema->tables.end()) continue;

@@ -1,7 +1,6 @@
 // Data files made from the list of tables, and compared with it.
 #include <algorithm>
 #include <filesystem>
-#include <system_error>
 
 #include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
@@ -173,9 +172,8 @@ void CreateDataFile(const std::string& directory, std::string_view file) {
         connection->Expect(expected.table, expected.index, expected.rows);
     connection->CommitTrans();
   } catch (...) {
-    // Removes the incomplete file: the next start would take it for a complete one.
-    std::error_code ignored;
-    std::filesystem::remove(path, ignored);
+    // The next start would take an incomplete file for a complete one.
+    Try([&] { store::Engine::Of(path).Drop(path); });
     throw;
   }
 }

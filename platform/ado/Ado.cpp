@@ -140,7 +140,7 @@ void Connection::RollbackTrans() {
 
 std::vector<SchemaRow> Connection::OpenUserRoster() {
   std::vector<SchemaRow> rows;
-  for (const auto& entry : Opened().Side().Roster())
+  for (const auto& entry : Opened().Holds().Roster())
     rows.push_back({entry.computer + '\0', entry.user + '\0', true});
   return rows;
 }

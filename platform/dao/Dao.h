@@ -15,6 +15,10 @@
 #include "platform/store/Cursor.h"
 #include "platform/store/StoreError.h"
 
+namespace store {
+class Compaction;
+}
+
 namespace dao {
 
 using store::Commit;

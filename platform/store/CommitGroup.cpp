@@ -33,7 +33,7 @@ void CommitGroup::Started() {
   start_ = Clock::now();
   nextLook_ = start_ + kBetweenLooks;
   transactions_ = 0;
-  alone_ = !side_.OthersAreIn();
+  alone_ = !holds_.OthersAreIn();
 }
 
 bool CommitGroup::Over() {
@@ -41,8 +41,8 @@ bool CommitGroup::Over() {
   const auto now = Clock::now();
   if (now >= nextLook_) {
     nextLook_ = now + kBetweenLooks;
-    if (side_.OthersWait()) return true;
-    if (alone_) alone_ = !side_.OthersAreIn();
+    if (holds_.OthersWait()) return true;
+    if (alone_) alone_ = !holds_.OthersAreIn();
   }
   return now - start_ > (alone_ ? Clock::duration(kAlone) : withCompany_);
 }
@@ -52,8 +52,8 @@ void CommitGroup::Committed(Clock::duration took) {
 }
 
 void CommitGroup::Pause() {
-  if (side_.OthersWait()) {
-    for (int naps = 0; naps < kMostNaps && (naps == 0 || side_.OthersWait()); ++naps)
+  if (holds_.OthersWait()) {
+    for (int naps = 0; naps < kMostNaps && (naps == 0 || holds_.OthersWait()); ++naps)
       std::this_thread::sleep_for(kNap);
     pausedAt_ = Clock::now();
     return;

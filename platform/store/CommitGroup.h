@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstdint>
 
-#include "platform/store/SideFile.h"
+#include "platform/store/Holds.h"
 
 namespace store {
 
@@ -14,7 +14,7 @@ namespace store {
 /// waits.
 class CommitGroup {
  public:
-  explicit CommitGroup(const SideFile& side) : side_(side) {}
+  explicit CommitGroup(const Holds& holds) : holds_(holds) {}
 
   bool On() const { return on_; }
   /// The caller is between two units of its work, where the group may end.
@@ -31,7 +31,7 @@ class CommitGroup {
     ++transactions_;
     return ++sinceEnter_ > 1;
   }
-  /// Whether it is time for the commit. Asks the side file now and then.
+  /// Whether it is time for the commit. Asks for the others now and then.
   bool Over();
   /// The commit took so long.
   void Committed(std::chrono::steady_clock::duration took);
@@ -42,7 +42,7 @@ class CommitGroup {
  private:
   using Clock = std::chrono::steady_clock;
 
-  const SideFile& side_;
+  const Holds& holds_;
   bool on_ = false;
   bool alone_ = true;
   int transactions_ = 0;

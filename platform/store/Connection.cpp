@@ -4,10 +4,9 @@
 
 #include <array>
 
-#include "platform/runtime/Text.h"
 #include "platform/store/ConnectionImpl.h"
-#include "platform/store/FileFormat.h"
-#include "platform/store/Numbers.h"
+#include "platform/store/Engine.h"
+#include "platform/store/QueryPlan.h"
 
 namespace store {
 namespace {
@@ -33,26 +32,23 @@ const std::string& IdentityComputer() { return Own().computer; }
 const std::string& IdentityUser() { return Own().user; }
 
 std::shared_ptr<Connection> Connection::Open(const OpenRequest& request) {
-  CheckFile(request.path);
-  OpenRequest made = request;
-  made.path = RealPath(request.path);
-  // Who can only read the file must not be refused for it before anything is written.
-  if (access(made.path.c_str(), W_OK) != 0) made.readOnly = true;
-  auto side = SideFile::Enter(made.path, made.share, IdentityComputer(), IdentityUser(), made.readOnly);
-  auto handle = Handle::Acquire(made.path, made.readOnly);
-  std::shared_ptr<Connection> connection(new Connection);
-  connection->impl_ = std::make_unique<Impl>(std::move(handle), std::move(side), std::move(made));
-  return connection;
+  return Engine::Of(request.path).Open(request);
 }
+
+void Connection::Create(const std::string& path) { Engine::ForNewFiles().Create(path); }
+
+Connection::Connection(std::unique_ptr<Session> session, std::unique_ptr<store::Holds> holds,
+                       OpenRequest request)
+    : impl_(std::make_unique<Impl>(std::move(session), std::move(holds), std::move(request))) {}
 
 Connection::~Connection() = default;
 
 const std::string& Connection::Path() const { return impl_->Request().path; }
 bool Connection::ReadOnly() const { return impl_->Request().readOnly; }
-SideFile& Connection::Side() { return impl_->Side(); }
+Holds& Connection::Holds() { return impl_->Holds(); }
 
 void Connection::SetPatience(int milliseconds) {
-  impl_->Db().SetPatience(std::chrono::milliseconds(milliseconds));
+  impl_->SetPatience(std::chrono::milliseconds(milliseconds));
 }
 
 void Connection::StartReading() { impl_->StartReading(); }
@@ -68,8 +64,7 @@ Reading::~Reading() {
 
 std::shared_ptr<const QueryPlan> Connection::Plan(std::string_view sql, std::vector<rt::Value>* parameters) {
   Normalized statement = Normalize(sql);
-  impl_->Ready();
-  auto plan = impl_->Db().Plan(statement);
+  auto plan = impl_->Plan(statement);
   *parameters = std::move(statement.parameters);
   return plan;
 }
@@ -84,7 +79,7 @@ std::int64_t Connection::Execute(std::string_view sql) {
     case StatementKind::Insert:
       // An INSERT … SELECT reads tables that the translation does not name.
       impl_->BeforeReadOfAll();
-      CheckNumbersLeft(impl_->Db(), *plan, parameters);
+      impl_->CheckNumbersLeft(*plan, parameters);
       return impl_->ExecuteInsert(*plan, parameters);
     case StatementKind::Update:
     case StatementKind::Delete:
@@ -125,17 +120,8 @@ void Connection::AbandonGroup() { impl_->AbandonGroup(); }
 void Connection::EnterGroup() { impl_->EnterGroup(); }
 std::uint64_t Connection::Glance() const { return impl_->Glance(); }
 
-std::shared_ptr<const Schema> Connection::Tables() {
-  impl_->Ready();
-  return impl_->Db().Tables(true);
-}
+std::shared_ptr<const Schema> Connection::Tables() { return impl_->TablesNow(); }
 
-std::vector<std::string> Connection::CheckIntegrity() {
-  std::vector<std::string> faults;
-  Question check(*impl_, "PRAGMA integrity_check");
-  while (check.Step())
-    if (check.Text(0) != "ok") faults.push_back(check.Text(0));
-  return faults;
-}
+std::vector<std::string> Connection::CheckIntegrity() { return impl_->Check(); }
 
 }  // namespace store

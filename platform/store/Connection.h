@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "platform/runtime/Value.h"
+#include "platform/store/Holds.h"
 #include "platform/store/Schema.h"
-#include "platform/store/SideFile.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -34,28 +34,30 @@ enum class Commit {
               ///< second, before the program waits for anything, and at FinishGroup at the latest
 };
 
+class Session;
 struct QueryPlan;
 
-/// A data file, opened. Everything throws StoreError. The object is one owner of record locks (see SideFile).
+/// A data file, opened. Everything throws StoreError. The object is one owner of record locks (see Holds).
 ///
 /// A transaction costs nothing until its first write, and it never keeps the file from others while the
 /// program waits for a person: before a message box or a sleep its writes are taken back and written again
 /// when it goes on. The records it touched stay held all the time.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  /// 3024 no such file, 3044 no such directory, 3051 a directory under the file's name or no permission, 3049
-  /// not a data file of this system, 3041 one of a later version, 3343 a damaged one, 3045 in use by another
-  /// program, 3045 and 3356 as SideFile::Enter.
+  /// Opens the file with its engine; see Engine::Open.
   static std::shared_ptr<Connection> Open(const OpenRequest& request);
-  /// Makes an empty data file. 3204 when something of that name exists already.
+  /// Makes an empty data file; see Engine::Create.
   static void Create(const std::string& path);
+  /// For engines: what they do for this open of the file. `request` names the file as all its users do.
+  Connection(std::unique_ptr<Session> session, std::unique_ptr<store::Holds> holds, OpenRequest request);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
   const std::string& Path() const;
   bool ReadOnly() const;
-  SideFile& Side();
+  /// Who else is in the file, and what they hold.
+  store::Holds& Holds();
 
   /// How long a write waits for another writer before it fails with 3188; 15 seconds unless set.
   void SetPatience(int milliseconds);
@@ -108,7 +110,6 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Impl& Internals() { return *impl_; }
 
  private:
-  Connection() = default;
   std::unique_ptr<Impl> impl_;
 };
 
@@ -131,11 +132,5 @@ class Reading {
 /// Gives every file back to other users: commits the groups of all connections of this process and takes back
 /// what unfinished transactions have written, to be written again when they go on. Called before every wait.
 void YieldFiles();
-
-class Compaction;
-/// See Compaction.
-[[nodiscard]] std::shared_ptr<Compaction> CompactFile(const std::string& path, const std::string& target);
-/// Whether anyone has the file open.
-bool InUse(const std::string& path);
 
 }  // namespace store

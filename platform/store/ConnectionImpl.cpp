@@ -34,18 +34,18 @@ void YieldFiles() {
   }
 }
 
-Connection::Impl::Impl(std::unique_ptr<Handle> handle, std::unique_ptr<SideFile> side, OpenRequest request)
-    : handle_(std::move(handle)),
-      side_(std::move(side)),
+Connection::Impl::Impl(std::unique_ptr<Session> session, std::unique_ptr<store::Holds> holds,
+                       OpenRequest request)
+    : holds_(std::move(holds)),
+      session_(std::move(session)),
       request_(std::move(request)),
-      group_(*side_),
-      holds_(*side_, [this] { YieldSiblings(); }) {
+      group_(*holds_),
+      records_(*holds_, [this] { YieldSiblings(); }) {
   static const bool registered = [] {
     rt::BeforeEveryWait(YieldFiles);
     return true;
   }();
   (void)registered;
-  handle_->SetWaitingSign(side_.get());
   Live().push_back(this);
 }
 
@@ -57,11 +57,6 @@ Connection::Impl::~Impl() {
   } catch (const StoreError&) {
     // The disk that refuses it now has refused it before, and that was reported.
   }
-  if ((physical_ || reading_) && !sqlite3_get_autocommit(handle_->Db()))
-    sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
-  handle_->SetWaitingSign(nullptr);
-  side_.reset();
-  Handle::Park(std::move(handle_));
 }
 
 void Connection::Impl::YieldSiblings() {
@@ -72,13 +67,8 @@ void Connection::Impl::YieldSiblings() {
 
 // --- the file's write transaction
 
-void Connection::Impl::Do(std::string_view sql) {
-  Use use(*handle_, sql);
-  use.Step();
-}
-
 void Connection::Impl::NoteTablesChanged() {
-  handle_->ForgetTables();
+  session_->ForgetTables();
   tablesChanged_ = true;
 }
 
@@ -88,13 +78,13 @@ void Connection::Impl::BeginPhysical() {
   if (request_.readOnly)
     throw StoreError(kReadOnly, "Cannot update. The data base '" + request_.path + "' was opened read-only.");
   YieldSiblings();
-  Do("BEGIN IMMEDIATE");
+  session_->Begin();
   physical_ = true;
   try {
-    side_->Renew();
+    holds_->Renew();
     if (group_.On()) group_.Started();
-    if (Depth() > 0 || group_.On()) Do("SAVEPOINT start");  // see TakeBack
-    const std::int64_t version = handle_->Number("PRAGMA data_version");
+    if (Depth() > 0 || group_.On()) session_->SetMark();  // see TakeBack
+    const std::int64_t version = session_->Version();
     if (version != dataVersion_) {
       dataVersion_ = version;
       ++epoch_;
@@ -110,8 +100,8 @@ void Connection::Impl::BeginPhysical() {
 void Connection::Impl::CommitPhysical() {
   try {
     log_.Make(Maker());
-    caches_.Store(*handle_, GroupCaches::Rows::All);
-    Do("COMMIT");
+    caches_.Store(*session_, GroupCaches::Rows::All);
+    session_->Commit();
   } catch (...) {
     RollbackPhysical();
     throw;
@@ -121,10 +111,9 @@ void Connection::Impl::CommitPhysical() {
 }
 
 void Connection::Impl::RollbackPhysical() {
-  if (!sqlite3_get_autocommit(handle_->Db()))
-    sqlite3_exec(handle_->Db(), "ROLLBACK", nullptr, nullptr, nullptr);
+  session_->Rollback();
   physical_ = false;
-  if (tablesChanged_) handle_->ForgetTables();
+  if (tablesChanged_) session_->ForgetTables();
   log_.Unmake();
   // What was read in it may have been written in it.
   caches_.ForgetClean();
@@ -136,19 +125,9 @@ void Connection::Impl::RollbackPhysical() {
 void Connection::Impl::TakeBack() {
   if (log_.Reserved().empty()) return RollbackPhysical();
   try {
-    Do("ROLLBACK TO start");
-    for (const auto& [table, id] : log_.Reserved()) {
-      const auto run = [&](std::string_view sql) {
-        Use keep(*handle_, sql);
-        keep.Bind(1, rt::Value(table));
-        keep.Bind(2, id);
-        keep.Step();
-        return sqlite3_changes64(handle_->Db());
-      };
-      if (run("UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1") == 0)
-        run("INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)");
-    }
-    Do("COMMIT");
+    session_->GoToMark();
+    for (const auto& [table, id] : log_.Reserved()) session_->KeepNumber(table, id);
+    session_->Commit();
   } catch (...) {
     RollbackPhysical();
     throw;
@@ -156,27 +135,25 @@ void Connection::Impl::TakeBack() {
   RollbackPhysical();
 }
 
-std::int64_t Connection::Impl::Run(const Change& change) {
+Written Connection::Impl::Run(const Change& change) {
   try {
-    Use use(*handle_, *change.sql);
-    use.BindAll(change.values);
-    while (use.Step()) {
-    }
+    if (!change.keepsNumber) return session_->Write(*change.sql, change.values);
+    session_->KeepNumber(*change.sql, KeyOf(change.values.front()));
+    return {};
   } catch (...) {
     // A full disk makes the database give up the whole transaction; its writes are still in the log.
-    if (sqlite3_get_autocommit(handle_->Db())) RollbackPhysical();
+    if (!session_->InTransaction()) RollbackPhysical();
     throw;
   }
-  return sqlite3_changes64(handle_->Db());
 }
 
 std::int64_t Connection::Impl::RunTogether(std::span<const Change> changes) {
   RowList rows;
-  for (const Change& change : changes) rows.Add(change.values.back().AsCurrency().Units(), change.values);
+  for (const Change& change : changes) rows.Add(KeyOf(change.values.back()), change.values);
   try {
-    return UpdateRecords(*handle_, *changes.front().update, rows);
+    return session_->UpdateMany(*changes.front().update, rows);
   } catch (...) {
-    if (sqlite3_get_autocommit(handle_->Db())) RollbackPhysical();
+    if (!session_->InTransaction()) RollbackPhysical();
     throw;
   }
 }
@@ -212,21 +189,21 @@ void Connection::Impl::AbandonWriting() {
 }
 
 std::int64_t Connection::Impl::Write(Change change, std::int64_t* newId, int idParameter) {
+  Written written;
   try {
     log_.MakeOf(change.table, Maker());
-    change.changed = Run(change);
+    written = Run(change);
+    change.changed = written.changed;
     change.made = true;
   } catch (const StoreError& error) {
     NoteUnstored(error, *change.sql);
     throw;
   }
-  const std::int64_t id = sqlite3_last_insert_rowid(handle_->Db());
   log_.NoteStored(*change.sql);
-  if (newId) *newId = id;
-  if (idParameter > 0) change.values[static_cast<std::size_t>(idParameter) - 1] = KeyValue(id);
-  const std::int64_t changed = change.changed;
+  if (newId) *newId = written.lastKey;
+  if (idParameter > 0) change.values[static_cast<std::size_t>(idParameter) - 1] = KeyValue(written.lastKey);
   if (Depth() > 0 || group_.On()) log_.Add(std::move(change));
-  return changed;
+  return written.changed;
 }
 
 std::int64_t Connection::Impl::Write(int table, std::string sql, std::vector<rt::Value> values) {
@@ -282,10 +259,10 @@ void Connection::Impl::Commit(store::Commit how) {
     caches_.ForgetUndo();
     if (!group_.On() || (!physical_ && !log_.HasSettled() && !caches_.AnyDirty())) {
       log_.ForgetReserved();
-      holds_.ReleaseAll();
+      records_.ReleaseAll();
       return;
     }
-    holds_.SettleTransaction();
+    records_.SettleTransaction();
     if (group_.CountTransaction()) GroupTick();
     return;
   }
@@ -301,7 +278,7 @@ void Connection::Impl::EndTransactions() {
   log_.Clear();
   undoMarks_.clear();
   caches_.ForgetUndo();
-  holds_.ReleaseAll();
+  records_.ReleaseAll();
   tablesChanged_ = false;
 }
 
@@ -315,9 +292,9 @@ void Connection::Impl::Rollback() {
     if (made && physical_) TakeBack();
     if (Depth() > 0) return;
     if (physical_ || log_.HasSettled() || caches_.AnyDirty())
-      holds_.SettleTransaction();
+      records_.SettleTransaction();
     else
-      holds_.ReleaseAll();
+      records_.ReleaseAll();
     return;
   }
   if (physical_) RollbackPhysical();
@@ -372,20 +349,20 @@ void Connection::Impl::Yield() {
   if (physical_ && (log_.HasOpen() || !settled)) TakeBack();
   if (settled) CommitSettled();
   // Others may have everything back but the records of the transaction that is still open.
-  holds_.KeepTransactionOnly();
+  records_.KeepTransactionOnly();
 }
 
 /// Commits the transactions that have ended as part of the group, and leaves out the one that is open.
 void Connection::Impl::CommitSettled() {
   try {
     if (!physical_) {
-      Do("BEGIN IMMEDIATE");
+      session_->Begin();
       physical_ = true;
-      side_->Renew();
+      holds_->Renew();
     }
     log_.MakeSettled(Maker());
-    caches_.Store(*handle_, GroupCaches::Rows::Committed);
-    Do("COMMIT");
+    caches_.Store(*session_, GroupCaches::Rows::Committed);
+    session_->Commit();
   } catch (...) {
     RollbackPhysical();
     throw;
@@ -398,25 +375,40 @@ void Connection::Impl::CommitSettled() {
 // --- records
 
 std::optional<Holder> Connection::Impl::HoldRecord(int table, std::int64_t row) {
-  return InGroup() ? holds_.TakeRowWithTable(table, row) : holds_.TakeRow(table, row);
+  return InGroup() ? records_.TakeRowWithTable(table, row) : records_.TakeRow(table, row);
 }
 
 void Connection::Impl::ReleaseAfterWrite() {
-  if (Depth() == 0 && !group_.On()) holds_.ReleaseAll();
+  if (Depth() == 0 && !group_.On()) records_.ReleaseAll();
 }
 
 // --- reading
 
+std::shared_ptr<const QueryPlan> Connection::Impl::Plan(const Normalized& statement) {
+  Ready();
+  return session_->Plan(statement);
+}
+
+std::shared_ptr<const Schema> Connection::Impl::TablesNow() {
+  Ready();
+  return session_->Tables(true);
+}
+
+std::vector<std::string> Connection::Impl::Check() {
+  BeforeReadOfAll();
+  return session_->Check();
+}
+
 void Connection::Impl::StartReading() {
   if (physical_ || reading_ || !log_.Empty()) return;
-  Do("BEGIN");
+  session_->StartReading();
   reading_ = true;
 }
 
 void Connection::Impl::EndReading() {
   if (!reading_) return;
   reading_ = false;
-  Do("COMMIT");
+  session_->EndReading();
 }
 
 void Connection::Impl::BeforeRead(int table, CachedRows cached) {
@@ -429,7 +421,7 @@ void Connection::Impl::BeforeRead(int table, CachedRows cached) {
 
 void Connection::Impl::BeforeRead(const Translation& query) {
   if (log_.Empty() && caches_.Empty()) return;
-  const auto tables = handle_->Tables();
+  const auto tables = session_->Tables();
   for (const auto& source : query.tables)
     if (const TableInfo* table = tables->Find(source.name)) BeforeRead(table->number);
 }
@@ -440,7 +432,7 @@ void Connection::Impl::BeforeReadOfAll() {
     log_.Make(Maker());
   }
   if (caches_.Empty()) return;
-  for (const auto& table : handle_->Tables()->tables) SpillCache(table.number);
+  for (const auto& table : session_->Tables()->tables) SpillCache(table.number);
 }
 
 std::uint64_t Connection::Impl::EpochOf(int table) const {
@@ -464,9 +456,9 @@ std::shared_ptr<RowCache> Connection::Impl::CacheFor(const std::shared_ptr<const
     // Rows that are added in memory get their numbers when the group is committed; where these run short they
     // go to the file one by one.
     constexpr std::int64_t kMany = 1'000'000;
-    if (NumbersLeft(*handle_, table) < kMany) return nullptr;
+    if (NumbersLeft(table) < kMany) return nullptr;
   }
-  return caches_.Make(schema, table, index);
+  return caches_.Make(schema, table, index, Texts());
 }
 
 void Connection::Impl::SpillCache(int table) {
@@ -475,8 +467,7 @@ void Connection::Impl::SpillCache(int table) {
   const std::string name = caches_.Of(table)->Table().name;
   const auto keep = [&](Change change, bool settled) {
     const bool adds = change.values.back().IsNull();
-    Run(change);
-    const std::int64_t id = sqlite3_last_insert_rowid(handle_->Db());
+    const std::int64_t id = Run(change).lastKey;
     if (adds) {
       change.values.back() = KeyValue(id);
       log_.Reserve(name, id);

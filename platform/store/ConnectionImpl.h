@@ -12,29 +12,30 @@
 #include "platform/store/CommitGroup.h"
 #include "platform/store/Connection.h"
 #include "platform/store/GroupCaches.h"
-#include "platform/store/Handle.h"
 #include "platform/store/RecordHolds.h"
-#include "platform/store/SideFile.h"
+#include "platform/store/Session.h"
+#include "platform/store/Statements.h"
 #include "platform/store/TransactionLog.h"
 
 namespace store {
 
 class Connection::Impl {
  public:
-  Impl(std::unique_ptr<Handle> handle, std::unique_ptr<SideFile> side, OpenRequest request);
+  Impl(std::unique_ptr<Session> session, std::unique_ptr<store::Holds> holds, OpenRequest request);
   ~Impl();
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 
-  /// The database underneath; rows are read from it by a Question alone.
-  Handle& Db() { return *handle_; }
-  SideFile& Side() { return *side_; }
-  RecordHolds& Holds() { return holds_; }
+  store::Holds& Holds() { return *holds_; }
+  RecordHolds& Records() { return records_; }
   const OpenRequest& Request() const { return request_; }
-  /// Makes again what was taken back before a wait, so that what is read next is there.
-  void Ready() {
-    if (!log_.Empty()) BeginPhysical();
-  }
+  const Statements& Texts() const { return session_->Texts(); }
+  void SetPatience(std::chrono::milliseconds patience) { session_->SetPatience(patience); }
+  /// See Session.
+  std::shared_ptr<const QueryPlan> Plan(const Normalized& statement);
+  std::shared_ptr<const Schema> TablesNow();
+  std::vector<std::string> Check();
+  std::int64_t Version() { return session_->Version(); }
   /// A definition has changed, until the end of the transaction or its rollback.
   void NoteTablesChanged();
 
@@ -100,6 +101,13 @@ class Connection::Impl {
   /// Stores what is kept of the table and keeps it no longer.
   void SpillCache(int table);
 
+  // --- the numbers of new records
+  /// Throws 6 where the table's counter has no number left. Everything above the store takes a number for 32
+  /// bits wide.
+  void CheckNumbersLeft(const TableInfo& table, std::int64_t needed = 1);
+  /// Throws 6 where the target of an INSERT has not as many numbers left as the statement would use.
+  void CheckNumbersLeft(const QueryPlan& insert, const std::vector<rt::Value>& parameters);
+  /// A number for a record that is not stored yet.
   std::int64_t ReserveId(const TableInfo& table);
   /// Remembers that the open transaction has given this number to a new record.
   void NoteReserved(const std::string& table, std::int64_t id) { log_.Reserve(table, id); }
@@ -111,28 +119,33 @@ class Connection::Impl {
   void YieldSiblings();
 
  private:
+  friend class Question;
+
+  /// Makes again what was taken back before a wait, so that what is read next is there.
+  void Ready() {
+    if (!log_.Empty()) BeginPhysical();
+  }
   void NoteUnstored(const StoreError& error, std::string_view sql);
-  /// Runs a statement of the file itself, without values.
-  void Do(std::string_view sql);
   void BeginPhysical();
   void CommitPhysical();
   void RollbackPhysical();
   /// Takes back what is written since BeginPhysical and lets go of the file.
   void TakeBack();
-  std::int64_t Run(const Change& change);
+  Written Run(const Change& change);
   std::int64_t RunTogether(std::span<const Change> changes);
   TransactionLog::Maker Maker() {
     return [this](std::span<Change> changes) {
-      return changes.size() == 1 ? Run(changes.front()) : RunTogether(changes);
+      return changes.size() == 1 ? Run(changes.front()).changed : RunTogether(changes);
     };
   }
   void FlushGroup(bool pause);
   void CommitSettled();
   void EndTransactions();
+  std::int64_t NumbersLeft(const TableInfo& table);
   void HoldBulk(const QueryPlan& plan, int table, const std::vector<rt::Value>& parameters);
 
-  std::unique_ptr<Handle> handle_;
-  std::unique_ptr<SideFile> side_;
+  std::unique_ptr<store::Holds> holds_;
+  std::unique_ptr<Session> session_;  ///< rows are read from it by a Question alone
   OpenRequest request_;
 
   bool reading_ = false;   ///< several readings share one look at the file
@@ -143,7 +156,7 @@ class Connection::Impl {
   std::vector<std::size_t> undoMarks_;  ///< for each open transaction: where its changes of cached rows begin
   CommitGroup group_;
   GroupCaches caches_;
-  RecordHolds holds_;
+  RecordHolds records_;
 
   std::uint64_t epoch_ = 1;
   std::unordered_map<int, std::uint64_t> tableEpochs_;
@@ -174,15 +187,16 @@ class Writing {
 class Question : public Use {
  public:
   Question(Connection::Impl& impl, const TableInfo& table, std::string_view sql)
-      : Use((impl.BeforeRead(table.number), impl.Db()), sql) {}
+      : Use((impl.BeforeRead(table.number), impl.session_->Prepare(sql))) {}
   Question(Connection::Impl& impl, const Translation& query, std::string_view sql)
-      : Use((impl.BeforeRead(query), impl.Db()), sql) {}
+      : Use((impl.BeforeRead(query), impl.session_->Prepare(sql))) {}
   /// Of a record that the group's memory does not have.
   Question(Connection::Impl& impl, const TableInfo& table, std::string_view sql,
            Connection::Impl::CachedRows cached)
-      : Use((impl.BeforeRead(table.number, cached), impl.Db()), sql) {}
+      : Use((impl.BeforeRead(table.number, cached), impl.session_->Prepare(sql))) {}
   /// Of the whole file.
-  Question(Connection::Impl& impl, std::string_view sql) : Use((impl.BeforeReadOfAll(), impl.Db()), sql) {}
+  Question(Connection::Impl& impl, std::string_view sql)
+      : Use((impl.BeforeReadOfAll(), impl.session_->Prepare(sql))) {}
 };
 
 /// The refusal of a record, with its holder's names.

@@ -1,15 +1,14 @@
 // Statements that change records, and the numbers of new records.
+#include <algorithm>
+#include <limits>
+
+#include "platform/runtime/Text.h"
 #include "platform/store/ConnectionImpl.h"
+#include "platform/store/Numbers.h"
+#include "platform/store/QueryPlan.h"
 
 namespace store {
 namespace {
-
-/// An INSERT … SELECT that gives its rows the numbers from parameter ?`first` on.
-std::string InsertNumbered(const std::string& target, const std::string& columns, const std::string& counter,
-                           const std::string& select, std::size_t first) {
-  return "INSERT INTO " + target + " (" + columns + ", " + counter + ") SELECT *, ?" + std::to_string(first) +
-         " + ROW_NUMBER() OVER () - 1 FROM (" + select + ")";
-}
 
 std::string List(const std::vector<std::string>& items) {
   std::string text;
@@ -25,24 +24,46 @@ const ColumnInfo* CounterOf(const TableInfo& table) {
 
 }  // namespace
 
+std::int64_t Connection::Impl::NumbersLeft(const TableInfo& table) {
+  BeforeRead(table.number, CachedRows::Keep);
+  constexpr std::int64_t kLast = std::numeric_limits<std::int32_t>::max();
+  return kLast - std::max<std::int64_t>(session_->LastNumber(table.name), 0);
+}
+
+void Connection::Impl::CheckNumbersLeft(const TableInfo& table, std::int64_t needed) {
+  if (NumbersLeft(table) < needed)
+    throw StoreError(kOverflow, "The table '" + table.name + "' has no numbers left for new records.");
+}
+
+void Connection::Impl::CheckNumbersLeft(const QueryPlan& insert, const std::vector<rt::Value>& parameters) {
+  const Translation& t = insert.translation;
+  const TableInfo& table = *insert.schema->Find(t.target);
+  const ColumnInfo* counter = CounterOf(table);
+  if (!counter || std::any_of(t.insertColumns.begin(), t.insertColumns.end(),
+                              [&](const std::string& name) { return rt::EqualNoCase(name, counter->name); }))
+    return;
+  std::int64_t needed = 1;
+  // Rows are counted only where there may be too many of them.
+  constexpr std::int64_t kMany = 100'000'000;
+  if (!t.insertSelect.empty() && NumbersLeft(table) < kMany) {
+    Question rows(*this, "SELECT COUNT(*) FROM (" + t.insertSelect + ")");
+    rows.BindAll(parameters);
+    needed = rows.Step() ? rows.Int64(0) : 0;
+  }
+  CheckNumbersLeft(table, needed);
+}
+
 std::int64_t Connection::Impl::ReserveId(const TableInfo& table) {
   Writing writing(*this);
-  Change first;
-  first.sql = std::make_shared<const std::string>(
-      "INSERT INTO sqlite_sequence (name, seq) SELECT ?1, 0 WHERE NOT EXISTS (SELECT 1 FROM sqlite_sequence "
-      "WHERE name = ?1)");
-  first.values = {rt::Value(table.name)};
-  first.table = table.number;
-  first.counted = false;
-  Write(std::move(first));
-  std::int64_t id = 0;
-  {
-    Question next(*this, table, "SELECT seq + 1 FROM sqlite_sequence WHERE name = ?1", CachedRows::Keep);
-    next.Bind(1, rt::Value(table.name));
-    if (next.Step()) id = next.Int64(0);
-  }
-  Write(table.number, "UPDATE sqlite_sequence SET seq = MAX(seq, ?2) WHERE name = ?1",
-        {rt::Value(table.name), static_cast<std::int32_t>(id)});
+  BeforeRead(table.number, CachedRows::Keep);
+  const std::int64_t id = session_->LastNumber(table.name) + 1;
+  Change change;
+  change.sql = std::make_shared<const std::string>(table.name);
+  change.values = {KeyValue(id)};
+  change.keepsNumber = true;
+  change.table = table.number;
+  change.counted = false;
+  Write(std::move(change));
   NoteReserved(table.name, id);
   writing.Done();
   return id;
@@ -51,7 +72,7 @@ std::int64_t Connection::Impl::ReserveId(const TableInfo& table) {
 std::int64_t Connection::Impl::ExecuteInsert(const QueryPlan& plan,
                                              const std::vector<rt::Value>& parameters) {
   const Translation& t = plan.translation;
-  const std::shared_ptr<const Schema> schema = handle_->Tables();
+  const std::shared_ptr<const Schema> schema = session_->Tables();
   const TableInfo* table = schema->Find(t.target);
   const std::string target = QuoteName(t.target);
   std::vector<std::string> columns;
@@ -90,8 +111,8 @@ std::int64_t Connection::Impl::ExecuteInsert(const QueryPlan& plan,
     changed = Write(change, &last);
     if (numbers && changed > 0) {
       change.values.emplace_back(static_cast<std::int32_t>(last - changed + 1));
-      auto numbered = std::make_shared<const std::string>(
-          InsertNumbered(target, List(columns), counterName, t.insertSelect, change.values.size()));
+      auto numbered =
+          std::make_shared<const std::string>(Texts().InsertNumbered(t, *counter, change.values.size()));
       log_.ReplaceLast(std::move(numbered), std::move(change.values));
     }
   }
@@ -104,16 +125,13 @@ std::int64_t Connection::Impl::ExecuteInsert(const QueryPlan& plan,
 /// Takes the records that the statement touches, or throws the refusal and leaves everything as it is.
 void Connection::Impl::HoldBulk(const QueryPlan& plan, int table, const std::vector<rt::Value>& parameters) {
   const Translation& t = plan.translation;
-  const TableInfo& info = *handle_->Tables()->Find(t.target);
-  const std::string rows = "SELECT _rowid_ FROM " + QuoteName(t.target);
-  if (Depth() > 0 && !holds_.KeepsTable(table)) {
+  const TableInfo& info = *session_->Tables()->Find(t.target);
+  if (Depth() > 0 && !records_.KeepsTable(table)) {
     // A transaction may last while a person thinks, so it holds few records one by one rather than the table.
     constexpr std::size_t kFew = 64;
     std::vector<std::int64_t> few;
     {
-      Question question(
-          *this, info,
-          rows + (t.where.empty() ? "" : " WHERE " + t.where) + " LIMIT " + std::to_string(kFew + 1));
+      Question question(*this, info, Texts().KeysTouched(t, kFew + 1));
       question.BindAll(parameters);
       while (question.Step()) few.push_back(question.Int64(0));
     }
@@ -123,23 +141,21 @@ void Connection::Impl::HoldBulk(const QueryPlan& plan, int table, const std::vec
       return;
     }
   }
-  if (const auto refused = holds_.TakeTable(table)) throw Refusal(kRecordLocked, *refused);
+  if (const auto refused = records_.TakeTable(table)) throw Refusal(kRecordLocked, *refused);
   // What others had when the table was taken is not held with it; they may have let go of it since.
-  for (const std::int64_t row : std::set<std::int64_t>(holds_.LeftOut(table))) {
-    Question touched(
-        *this, info,
-        rows + (t.where.empty() ? " WHERE " : " WHERE (" + t.where + ") AND ") + "_rowid_ = :k0");
+  for (const std::int64_t row : std::set<std::int64_t>(records_.LeftOut(table))) {
+    Question touched(*this, info, Texts().IsTouched(t));
     touched.BindAll(parameters);
     touched.BindKey(0, row);
     if (!touched.Step()) continue;
-    if (const auto refused = holds_.TakeRow(table, row)) throw Refusal(kRecordLocked, *refused);
+    if (const auto refused = records_.TakeRow(table, row)) throw Refusal(kRecordLocked, *refused);
   }
-  if (Depth() > 0) holds_.KeepTable(table);
+  if (Depth() > 0) records_.KeepTable(table);
 }
 
 std::int64_t Connection::Impl::ExecuteBulk(const QueryPlan& plan, const std::vector<rt::Value>& parameters) {
   const Translation& t = plan.translation;
-  const int table = handle_->Tables()->Find(t.target)->number;
+  const int table = session_->Tables()->Find(t.target)->number;
   struct Release {
     Impl& impl;
     ~Release() { impl.ReleaseAfterWrite(); }

@@ -1,7 +1,6 @@
 // Tables, columns, indexes and relations: making and changing them.
 #include "platform/runtime/Text.h"
 #include "platform/store/ConnectionImpl.h"
-#include "platform/store/IndexName.h"
 
 namespace store {
 namespace {
@@ -12,31 +11,17 @@ const TableInfo& Existing(const Schema& schema, std::string_view table) {
   return *found;
 }
 
-std::string ColumnDefinition(const ColumnInfo& column) {
-  const std::string name = QuoteName(column.name);
-  std::string text = name + " " + DeclaredType(column);
-  if (column.type == ColumnType::Boolean)
-    text += column.defaultTrue ? " NOT NULL DEFAULT 1" : " NOT NULL DEFAULT 0";
-  if (column.required && column.type != ColumnType::Boolean && column.type != ColumnType::Counter)
-    text += " NOT NULL";
-  // Every program that writes the file is held to the size of a text.
-  if (column.type == ColumnType::Text)
-    text += " CHECK (length(" + name + ") <= " + std::to_string(column.size) + ")";
-  if (!column.allowZeroLength) text += " CHECK (" + name + " <> '')";
-  return text;
-}
-
 // Runs definition statements in one unit, alone with the table.
 class Definition {
  public:
   Definition(Connection::Impl& impl, const TableInfo* table) : impl_(impl), writing_(impl) {
     impl.BeforeReadOfAll();
     if (!table || impl.Request().share == Share::Exclusive) return;
-    auto holder = impl.Holds().TakeTable(table->number);
+    auto holder = impl.Records().TakeTable(table->number);
     if (!holder) {
-      for (const std::int64_t row : impl.Holds().LeftOut(table->number))
-        if (!holder) holder = impl.Side().WhoHolds(table->number, row);
-      if (impl.Depth() > 0) impl.Holds().KeepTable(table->number);
+      for (const std::int64_t row : impl.Records().LeftOut(table->number))
+        if (!holder) holder = impl.Holds().WhoHolds(table->number, row);
+      if (impl.Depth() > 0) impl.Records().KeepTable(table->number);
     }
     if (!holder) return;
     impl.ReleaseAfterWrite();
@@ -64,22 +49,9 @@ class Definition {
 void Connection::CreateTable(const TableInfo& table) {
   if (Tables()->Find(table.name))
     throw StoreError(kTableExists, "Table '" + table.name + "' already exists.");
-  std::string body;
-  bool counter = false;
-  for (const auto& column : table.columns) {
-    body += (body.empty() ? "" : ", ") + ColumnDefinition(column);
-    counter = counter || column.type == ColumnType::Counter;
-  }
-  for (const auto& index : table.indexes) {
-    if (!index.primary || counter) continue;
-    body += ", PRIMARY KEY (";
-    for (std::size_t i = 0; i < index.columns.size(); ++i)
-      body += (i ? ", " : "") + QuoteName(index.columns[i]);
-    body += ")";
-  }
   {
     Definition definition(*impl_, nullptr);
-    definition.Run("CREATE TABLE " + QuoteName(table.name) + " (" + body + ")");
+    definition.Run(impl_->Texts().CreateTable(table));
     definition.Done();
   }
   for (const auto& index : table.indexes)
@@ -90,7 +62,7 @@ void Connection::DropTable(std::string_view table) {
   const auto schema = Tables();
   const TableInfo& existing = Existing(*schema, table);
   Definition definition(*impl_, &existing);
-  definition.Run("DROP TABLE " + QuoteName(existing.name));
+  definition.Run(impl_->Texts().DropTable(existing));
   definition.Run("DELETE FROM \"MSysRelationships\" WHERE \"Table\" = ?1 OR \"ForeignTable\" = ?1",
                  {rt::Value(existing.name)});
   definition.Done();
@@ -105,7 +77,7 @@ void Connection::AddColumn(std::string_view table, const ColumnInfo& column) {
   if (column.type == ColumnType::Counter)
     throw StoreError(kSyntax, "A numbering field cannot be added to a table that exists.");
   Definition definition(*impl_, &existing);
-  definition.Run("ALTER TABLE " + QuoteName(existing.name) + " ADD COLUMN " + ColumnDefinition(column));
+  definition.Run(impl_->Texts().AddColumn(existing, column));
   definition.Done();
 }
 
@@ -121,7 +93,7 @@ void Connection::DropColumn(std::string_view table, std::string_view column) {
         throw StoreError(kFieldInIndex, "Cannot delete the field '" + std::string(column) + "': the index '" +
                                             index.name + "' needs it.");
   Definition definition(*impl_, &existing);
-  definition.Run("ALTER TABLE " + QuoteName(existing.name) + " DROP COLUMN " + QuoteName(column));
+  definition.Run(impl_->Texts().DropColumn(existing, column));
   definition.Done();
 }
 
@@ -135,8 +107,7 @@ void Connection::RenameColumn(std::string_view table, std::string_view column, s
     throw StoreError(kFieldExists,
                      "Field '" + std::string(newName) + "' already exists in table '" + existing.name + "'.");
   Definition definition(*impl_, &existing);
-  definition.Run("ALTER TABLE " + QuoteName(existing.name) + " RENAME COLUMN " + QuoteName(column) + " TO " +
-                 QuoteName(newName));
+  definition.Run(impl_->Texts().RenameColumn(existing, column, newName));
   definition.Done();
 }
 
@@ -146,17 +117,11 @@ void Connection::CreateIndex(std::string_view table, const IndexInfo& index) {
   if (existing.FindIndex(index.name))
     throw StoreError(kIndexExists,
                      "Table '" + existing.name + "' already has an index named '" + index.name + "'.");
-  std::string columns;
-  for (const auto& column : index.columns) {
+  for (const auto& column : index.columns)
     if (existing.Find(column) < 0)
       throw StoreError(kItemNotFound, "There is no field '" + column + "' in table '" + existing.name + "'.");
-    columns += (columns.empty() ? "" : ", ") + QuoteName(column);
-  }
   Definition definition(*impl_, &existing);
-  definition.Run(std::string("CREATE ") + (index.unique || index.primary ? "UNIQUE " : "") + "INDEX " +
-                 QuoteName(StoredIndexName(existing.name, index.name)) + " ON " + QuoteName(existing.name) +
-                 " (" + columns + ")" +
-                 (index.exceptEmpty ? " WHERE " + QuoteName(index.columns.front()) + " <> ''" : ""));
+  definition.Run(impl_->Texts().CreateIndex(existing, index));
   definition.Done();
 }
 
@@ -168,7 +133,7 @@ void Connection::DropIndex(std::string_view table, std::string_view index) {
     throw StoreError(kItemNotFound, "There is no index '" + std::string(index) +
                                         "' that could be deleted from table '" + existing.name + "'.");
   Definition definition(*impl_, &existing);
-  definition.Run("DROP INDEX " + QuoteName(StoredIndexName(existing.name, found->name)));
+  definition.Run(impl_->Texts().DropIndex(existing, *found));
   definition.Done();
 }
 
@@ -176,17 +141,11 @@ void Connection::Expect(std::string_view table, std::string_view index,
                         const std::vector<std::int64_t>& rows) {
   const auto schema = Tables();
   const TableInfo& existing = Existing(*schema, table);
-  std::string numbers;
-  for (const std::int64_t number : rows) numbers += (numbers.empty() ? "" : " ") + std::to_string(number);
-  const std::string stored = StoredIndexName(existing.name, index);
+  const Statements& texts = impl_->Texts();
   Writing writing(*impl_);
-  // Makes the table of expectations; a second time would take out what is in it.
-  const bool made = Question(*impl_, "SELECT 1 FROM sqlite_schema WHERE name = 'sqlite_stat1'").Step();
-  if (!made) impl_->WriteDefinition("ANALYZE");
-  impl_->WriteDefinition("DELETE FROM sqlite_stat1 WHERE idx = ?1", {rt::Value(stored)});
-  impl_->WriteDefinition("INSERT INTO sqlite_stat1 (tbl, idx, stat) VALUES (?1, ?2, ?3)",
-                         {rt::Value(existing.name), rt::Value(stored), rt::Value(numbers)});
-  impl_->WriteDefinition("ANALYZE sqlite_schema");
+  const bool first = !Question(*impl_, texts.AnyExpectation()).Step();
+  for (auto& [sql, values] : texts.Expect(existing, index, rows, first))
+    impl_->WriteDefinition(std::move(sql), std::move(values));
   writing.Done();
 }
 

@@ -4,6 +4,7 @@
 #include <deque>
 
 #include "platform/store/RowList.h"
+#include "platform/store/Session.h"
 
 namespace store {
 namespace {
@@ -19,9 +20,9 @@ RowCache* GroupCaches::Of(int table) const {
 }
 
 std::shared_ptr<RowCache> GroupCaches::Make(std::shared_ptr<const Schema> schema, const TableInfo& table,
-                                            const IndexInfo& index) {
+                                            const IndexInfo& index, const Statements& statements) {
   auto& cache = caches_[table.number];
-  if (!cache) cache = std::make_shared<RowCache>(std::move(schema), table, index);
+  if (!cache) cache = std::make_shared<RowCache>(std::move(schema), table, index, statements);
   return cache;
 }
 
@@ -101,7 +102,7 @@ bool GroupCaches::CommittedImage(const CachedRow& row, std::vector<rt::Value>& v
   return wasDirty;
 }
 
-void GroupCaches::Store(Handle& handle, Rows rows) {
+void GroupCaches::Store(Session& session, Rows rows) {
   for (auto& [table, cache] : caches_) {
     RowList changed;
     RowList added;
@@ -121,8 +122,9 @@ void GroupCaches::Store(Handle& handle, Rows rows) {
       }
     }
     changed.Sort();
-    UpdateRecords(handle, cache->Update(), changed);
-    std::int64_t id = InsertRecords(handle, cache->Insert(), added);
+    if (changed.Count() > 0) session.UpdateMany(cache->Update(), changed);
+    if (added.Count() == 0) continue;
+    std::int64_t id = session.InsertMany(cache->InsertMany(), added);
     for (CachedRow* row : addedRows) row->newId = id++;
   }
 }

@@ -14,7 +14,7 @@
 
 namespace store {
 
-class Handle;
+class Session;
 
 /// What a cached row was before a change of the open transaction.
 struct CacheUndo {
@@ -39,7 +39,7 @@ class GroupCaches {
   /// Null where nothing of the table is kept.
   RowCache* Of(int table) const;
   std::shared_ptr<RowCache> Make(std::shared_ptr<const Schema> schema, const TableInfo& table,
-                                 const IndexInfo& index);
+                                 const IndexInfo& index, const Statements& statements);
   bool AnyDirty() const;
   bool AnyCommittedDirty() const;
 
@@ -54,7 +54,7 @@ class GroupCaches {
   void ForgetUndo();
 
   /// Writes the dirty rows into the file's write transaction; Stored is called once it is committed.
-  void Store(Handle& handle, Rows rows);
+  void Store(Session& session, Rows rows);
   void Stored(Rows rows);
   /// Hands the dirty rows of a table over as changes, those of committed transactions first, and forgets the
   /// table. `settled` and `open` make a change and keep it; they give the new ID of an INSERT.

@@ -2,9 +2,7 @@
 #include <algorithm>
 
 #include "platform/runtime/Text.h"
-#include "platform/store/FileFormat.h"
 #include "platform/store/RecordCursor.h"
-#include "platform/store/Statements.h"
 
 namespace store {
 namespace {
@@ -134,20 +132,18 @@ class QueryCursor : public RecordCursor {
       const int count = static_cast<int>(plan_->fields.size());
       while (use.Step()) {
         whole_.emplace_back();
-        whole_.back().Read(use.Raw(), 0, count);
+        use.Read(whole_.back(), 0, count);
       }
       return;
     }
     Question use(Impl(), plan_->translation, plan_->keys);
     use.BindAll(parameters_);
-    sqlite3_stmt* statement = use.Raw();
     if (width_ == 1) {
-      while (use.Step()) keys_.push_back(sqlite3_column_int64(statement, 0));
+      while (use.Step()) keys_.push_back(use.Int64(0));
     } else {
       while (use.Step())
         for (int i = 0; i < static_cast<int>(width_); ++i)
-          keys_.push_back(
-              sqlite3_column_type(statement, i) == SQLITE_NULL ? kNoKey : sqlite3_column_int64(statement, i));
+          keys_.push_back(use.IsNull(i) ? kNoKey : use.Int64(i));
     }
     if (keys_.size() > 100000) keys_.shrink_to_fit();
   }
@@ -170,12 +166,11 @@ class QueryCursor : public RecordCursor {
     const auto fields = static_cast<int>(plan_->fields.size());
     Question use(Impl(), plan_->translation, plan_->rows);
     use.BindAll(parameters_);
-    use.BindKeyList(KeyList(KeysAt(place_), width_, count));
+    use.BindKeys(KeysAt(place_), width_, count);
     while (use.Step()) {
       const auto at = static_cast<std::size_t>(use.Int64(0));
-      const bool there = KeysAt(place_ + static_cast<std::int64_t>(at))[0] == kNoKey ||
-                         sqlite3_column_type(use.Raw(), 1) != SQLITE_NULL;
-      if (there) window_[at].Read(use.Raw(), 1 + static_cast<int>(width_), fields);
+      const bool there = KeysAt(place_ + static_cast<std::int64_t>(at))[0] == kNoKey || !use.IsNull(1);
+      if (there) use.Read(window_[at], 1 + static_cast<int>(width_), fields);
     }
   }
 

@@ -1,7 +1,6 @@
-// A translated query, cut into the statements that a cursor needs.
+#include "platform/store/QueryPlan.h"
+
 #include "platform/store/DialectSpelling.h"
-#include "platform/store/Handle.h"
-#include "platform/store/Statements.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -16,14 +15,14 @@ std::string SelectList(const Translation& t) {
 std::string Limit(const Translation& t) { return t.top ? dialect::Spelled().Limit(*t.top) : ""; }
 
 /// Pictures may be larger than everything else in a file, and few readers of a row look at them. A row says
-/// only whether it has a picture; the engine knows that without reading it.
-std::vector<std::string> SetPicturesApart(Translation& t) {
+/// only whether it has a picture.
+std::vector<std::string> SetPicturesApart(Translation& t, const Statements& statements) {
   std::vector<std::string> apart(t.columns.size());
   for (std::size_t i = 0; i < t.columns.size(); ++i) {
     auto& column = t.columns[i];
     if (column.type != ColumnType::LongBinary || column.table < 0) continue;
-    apart[i] = ValueByKeys(t, column.expression);
-    column.expression = "CASE typeof(" + column.expression + ") WHEN 'null' THEN NULL ELSE 1 END";
+    apart[i] = statements.ValueByKeys(t, column.expression);
+    column.expression = statements.Presence(column.expression);
   }
   return apart;
 }
@@ -38,7 +37,8 @@ std::string WholeStatement(const Translation& t) {
 
 }  // namespace
 
-std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_ptr<const Schema> schema) {
+std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_ptr<const Schema> schema,
+                                          const Statements& statements) {
   auto plan = std::make_shared<QueryPlan>();
   plan->schema = std::move(schema);
   Translation& t = plan->translation = std::move(translation);
@@ -62,10 +62,10 @@ std::shared_ptr<const QueryPlan> MakePlan(Translation translation, std::shared_p
   if (t.tables.size() > 8) throw StoreError(kSyntax, "A query can join eight tables at most.");
   plan->apart.resize(t.columns.size());
   if (plan->keyed) {
-    plan->apart = SetPicturesApart(t);
-    plan->keys = KeysInOrder(t);
-    plan->row = RowByKeys(t);
-    plan->rows = RowsByKeys(t);
+    plan->apart = SetPicturesApart(t, statements);
+    plan->keys = statements.KeysInOrder(t);
+    plan->row = statements.RowByKeys(t);
+    plan->rows = statements.RowsByKeys(t);
   } else {
     plan->whole = WholeStatement(t);
   }

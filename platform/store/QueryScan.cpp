@@ -3,8 +3,8 @@
 #include <string>
 
 #include "platform/store/ConnectionImpl.h"
-#include "platform/store/Handle.h"
-#include "platform/store/Statements.h"
+#include "platform/store/QueryPlan.h"
+#include "platform/store/StoreError.h"
 
 namespace store {
 
@@ -18,14 +18,15 @@ bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view s
   const auto plan = connection->Plan(sql, &parameters);
   if (plan->translation.kind != StatementKind::Select)
     throw StoreError(kSelectNotExecuted, "Only a SELECT gives rows: " + std::string(sql));
-  const std::string statement = plan->keyed ? RowsInOrder(plan->translation) : plan->whole;
+  Connection::Impl& impl = connection->Internals();
+  const std::string statement = plan->keyed ? impl.Texts().RowsInOrder(plan->translation) : plan->whole;
   const int keys = plan->keyed ? static_cast<int>(plan->translation.tables.size()) : 0;
-  Question use(connection->Internals(), plan->translation, statement);
+  Question use(impl, plan->translation, statement);
   use.BindAll(parameters);
   const int fields = static_cast<int>(plan->fields.size());
   RawRow row;
   while (use.Step()) {
-    row.Read(use.Raw(), keys, fields);
+    use.Read(row, keys, fields);
     const std::int64_t key = keys > 0 ? use.Int64(0) : 0;
     if (!look(QueriedRow(row, key, plan->types))) return false;
   }

@@ -1,9 +1,7 @@
 #include "platform/store/RecordCursor.h"
 
 #include "platform/runtime/Text.h"
-#include "platform/store/FileFormat.h"
 #include "platform/store/Numbers.h"
-#include "platform/store/Statements.h"
 
 namespace store {
 
@@ -61,8 +59,8 @@ bool RecordCursor::FetchByKeys(const std::int64_t* keys, RawRow& row) {
   use.BindAll(parameters_);
   for (int i = 0; i < width; ++i) use.BindKey(i, keys[i]);
   if (!use.Step()) return false;
-  if (keys[0] != kNoKey && sqlite3_column_type(use.Raw(), 0) == SQLITE_NULL) return false;
-  row.Read(use.Raw(), width, static_cast<int>(plan_->fields.size()));
+  if (keys[0] != kNoKey && use.IsNull(0)) return false;
+  use.Read(row, width, static_cast<int>(plan_->fields.size()));
   return true;
 }
 
@@ -75,7 +73,7 @@ rt::Value RecordCursor::ValueOf(int field, const RawRow& row) {
   for (std::size_t i = 0; i < keys.size(); ++i) use.BindKey(static_cast<int>(i), keys[i]);
   if (!use.Step()) throw StoreError(kRecordDeleted, "Record is deleted.");
   RawRow alone;
-  alone.Read(use.Raw(), 0, 1);
+  use.Read(alone, 0, 1);
   return alone.Decode(0, plan_->types[at]);
 }
 
@@ -91,7 +89,7 @@ rt::Value RecordCursor::Get(int field) {
       if (info.type != ColumnType::Counter) return rt::Null{};
       // Asked for before the record is stored: the number is taken for it now.
       impl_->BeforeRead(Table());
-      CheckNumbersLeft(impl_->Db(), *plan_->leading);
+      impl_->CheckNumbersLeft(*plan_->leading);
       buffer_[place] = static_cast<std::int32_t>(impl_->ReserveId(*plan_->leading));
       return *buffer_[place];
     }
@@ -137,7 +135,7 @@ void RecordCursor::HoldForEdit() {
   std::optional<Holder> refused;
   if (transaction || impl_->InGroup()) refused = impl_->HoldRecord(Table(), row);
   // Outside of a transaction the group may end before the edit does.
-  if (!transaction && !refused) refused = impl_->Holds().TakeForEdit(Table(), row);
+  if (!transaction && !refused) refused = impl_->Records().TakeForEdit(Table(), row);
   if (refused) throw Refusal(refused->hold == Hold::Edit ? kEditLocked : kRecordLocked, *refused);
   if (transaction) return;
   holding_ = true;
@@ -148,7 +146,7 @@ void RecordCursor::HoldForEdit() {
 void RecordCursor::ReleaseEdit() {
   if (!holding_) return;
   holding_ = false;
-  impl_->Holds().ReleaseEdit(heldTable_, heldRow_);
+  impl_->Records().ReleaseEdit(heldTable_, heldRow_);
 }
 
 void RecordCursor::LeaveEdit() {
@@ -288,7 +286,7 @@ void RecordCursor::PrepareUpdate() {
       for (const auto& used : index.columns)
         if ((index.unique || index.primary) && rt::EqualNoCase(used, column.name)) updateCanWait_ = false;
   }
-  update_ = std::make_shared<const RecordUpdate>(plan_->leading->name, written);
+  update_ = std::make_shared<const RecordUpdate>(impl_->Texts().UpdateByKey(*plan_->leading, written));
   changedBefore_ = columns_;
 }
 
@@ -318,44 +316,40 @@ bool RecordCursor::StoreNewInCache(std::vector<rt::Value>& values) {
 
 void RecordCursor::StoreNew() {
   const TableInfo& table = *plan_->leading;
-  std::vector<rt::Value> values;
-  values.reserve(buffer_.size() + 1);
-  int idParameter = 0;
+  std::vector<rt::Value> row;
+  row.reserve(buffer_.size());
   for (std::size_t i = 0; i < buffer_.size(); ++i) {
-    const ColumnInfo& column = table.columns[i];
     if (buffer_[i])
-      values.push_back(*buffer_[i]);
-    else if (column.type == ColumnType::Boolean)
-      values.emplace_back(false);
+      row.push_back(*buffer_[i]);
+    else if (table.columns[i].type == ColumnType::Boolean)
+      row.emplace_back(false);
     else
-      values.emplace_back(rt::Null{});
-    if (column.type == ColumnType::Counter) idParameter = static_cast<int>(values.size());
+      row.emplace_back(rt::Null{});
   }
-  if (StoreNewInCache(values)) return;
-  std::string names;
-  std::string marks;
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    names += (i == 0 ? "" : ", ") + QuoteName(table.columns[i].name);
-    marks += (i == 0 ? "?" : ", ?") + std::to_string(i + 1);
+  if (StoreNewInCache(row)) return;
+  Change change;
+  change.table = Table();
+  std::vector<WrittenColumn> written;
+  bool counted = false;
+  rt::Value key{rt::Null{}};
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (table.columns[i].type == ColumnType::Counter) {
+      counted = true;
+      key = std::move(row[i]);
+      continue;
+    }
+    written.push_back({table.columns[i].name, written.size()});
+    change.values.push_back(std::move(row[i]));
   }
-  const bool counted = idParameter > 0;
-  if (!counted) {
-    values.emplace_back(rt::Null{});
-    idParameter = static_cast<int>(values.size());
-    names += ", _rowid_";
-    marks += ", ?" + std::to_string(idParameter);
-  }
+  const bool numbered = !key.IsNull();
+  change.values.push_back(std::move(key));
+  const int idParameter = static_cast<int>(change.values.size());
   std::int64_t id = 0;
   {
     Writing writing(*impl_);
     impl_->BeforeRead(Table());
-    if (counted && values[static_cast<std::size_t>(idParameter) - 1].IsNull())
-      CheckNumbersLeft(impl_->Db(), table);
-    Change change;
-    change.sql = std::make_shared<const std::string>("INSERT INTO " + QuoteName(table.name) + " (" + names +
-                                                     ") VALUES (" + marks + ")");
-    change.values = std::move(values);
-    change.table = Table();
+    if (counted && !numbered) impl_->CheckNumbersLeft(table);
+    change.sql = std::make_shared<const std::string>(impl_->Texts().InsertWithKey(table, written));
     impl_->Write(std::move(change), &id, idParameter);
     NoteTableChange();
     if (counted) impl_->NoteReserved(table.name, id);
@@ -389,8 +383,7 @@ void RecordCursor::Delete() {
   try {
     Writing writing(*impl_);
     impl_->BeforeRead(Table());
-    if (impl_->Write(Table(), "DELETE FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1",
-                     {KeyValue(key)}) == 0)
+    if (impl_->Write(Table(), impl_->Texts().DeleteByKey(*plan_->leading), {KeyValue(key)}) == 0)
       throw StoreError(kRecordDeleted, "Record is deleted.");
     NoteTableChange();
     writing.Done();
@@ -406,7 +399,7 @@ bool RecordCursor::HeldByThisProcess() const {
   if (!plan_->keyed || Adding() || !OnRow()) return false;
   const std::int64_t row = RowKey();
   if (row == 0) return false;  // a row of this connection's group, not in the file yet
-  const auto holder = impl_->Side().WhoHolds(Table(), row);
+  const auto holder = impl_->Holds().WhoHolds(Table(), row);
   return holder && holder->ownProcess;
 }
 
@@ -430,7 +423,7 @@ void RecordCursor::Find(std::string_view condition, bool first) {
       "SELECT * FROM [" + plan_->translation.tables[0].name + "] WHERE " + std::string(condition), &values);
   impl_->BeforeRead(probe->translation);
   // Read before the keys are: a change that comes in between leads to another query the next time.
-  const FoundKeys::State now{impl_->Db().Number("PRAGMA data_version"), Epoch()};
+  const FoundKeys::State now{impl_->Version(), Epoch()};
   const bool known = found_.condition == condition && found_.state == now;
   if (!known && !first && FindNear(*probe, values)) {
     noMatch_ = false;
@@ -438,7 +431,8 @@ void RecordCursor::Find(std::string_view condition, bool first) {
   }
   if (!known) {
     found_ = {std::string(condition), now, {}};
-    Question use(*impl_, probe->translation, KeysWhere(probe->translation));
+    Question use(*impl_, probe->translation,
+                 impl_->Texts().KeysWhere(probe->translation, Statements::WhichKeys::All));
     use.BindAll(values);
     while (use.Step()) found_.keys.push_back(use.Int64(0));
   }
@@ -455,7 +449,7 @@ bool RecordCursor::FindNear(const QueryPlan& probe, const std::vector<rt::Value>
   constexpr int kNear = 256;
   if (!OnRow()) return false;
   const Bookmark place = Mark();
-  const std::string sql = KeysWhere(probe.translation, WhichKeys::One);
+  const std::string sql = impl_->Texts().KeysWhere(probe.translation, Statements::WhichKeys::One);
   MoveNext();
   for (int i = 0; i < kNear && !AtEnd(); ++i, MoveNext()) {
     Question use(*impl_, probe.translation, sql);

@@ -9,6 +9,8 @@
 
 #include "platform/store/ConnectionImpl.h"
 #include "platform/store/Cursor.h"
+#include "platform/store/QueryPlan.h"
+#include "platform/store/Values.h"
 
 namespace store {
 

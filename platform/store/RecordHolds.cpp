@@ -17,15 +17,15 @@ constexpr int kTableWaitTries = 2000;
 template <class Try>
 bool RecordHolds::Patiently(Try attempt) {
   struct Sign {
-    SideFile& side;
+    Holds& holds;
     bool shown = false;
     ~Sign() {
-      if (shown) side.ShowWaiting(false);
+      if (shown) holds.ShowWaiting(false);
     }
-  } sign{side_};
+  } sign{holds_};
   for (int tries = 0; tries < kTableWaitTries; ++tries) {
     if (attempt()) return true;
-    if (!sign.shown) side_.ShowWaiting(true);
+    if (!sign.shown) holds_.ShowWaiting(true);
     sign.shown = true;
     letSiblingsGo_();
     const timespec halfMillisecond{0, 500000};
@@ -37,7 +37,7 @@ bool RecordHolds::Patiently(Try attempt) {
 bool RecordHolds::Take(Hold hold, int table, std::int64_t row, Holder* refused) {
   bool taken = false;
   Patiently([&] {
-    taken = side_.Take(hold, table, row, refused);
+    taken = holds_.Take(hold, table, row, refused);
     return taken || !refused->wholeTable;
   });
   return taken;
@@ -50,7 +50,7 @@ std::optional<Holder> RecordHolds::TakeForEdit(int table, std::int64_t row) {
 }
 
 std::optional<Holder> RecordHolds::TakeRow(int table, std::int64_t row) {
-  if (side_.Sharing() == Share::Exclusive || side_.Holds(Hold::Transaction, table, row)) return {};
+  if (holds_.Sharing() == Share::Exclusive || holds_.Has(Hold::Transaction, table, row)) return {};
   Holder refused;
   if (!Take(Hold::Transaction, table, row, &refused)) return refused;
   rows_[table].push_back(row);
@@ -58,7 +58,7 @@ std::optional<Holder> RecordHolds::TakeRow(int table, std::int64_t row) {
 }
 
 std::optional<Holder> RecordHolds::TakeRowWithTable(int table, std::int64_t row) {
-  if (side_.Sharing() == Share::Exclusive) return {};
+  if (holds_.Sharing() == Share::Exclusive) return {};
   auto held = tables_.find(table);
   if (held == tables_.end()) {
     if (auto refused = TakeTable(table)) return refused;
@@ -74,7 +74,7 @@ std::optional<Holder> RecordHolds::TakeTable(int table) {
   if (tables_.contains(table)) return {};
   std::vector<HeldRecord> others;
   const bool taken = Patiently([&] {
-    others = side_.TakeTable(table);
+    others = holds_.TakeTable(table);
     return others.empty() || others.front().row != 0;
   });
   if (!taken) return others.front().holder;
@@ -103,12 +103,12 @@ void RecordHolds::KeepTransactionOnly() {
     kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
   }
   if (narrowed.empty()) return;
-  side_.Narrow(narrowed);
+  holds_.Narrow(narrowed);
   std::erase_if(tables_, [](const auto& held) { return !held.second.ofTransaction; });
 }
 
 void RecordHolds::ReleaseAll() {
-  side_.ReleaseTransaction();
+  holds_.ReleaseTransaction();
   tables_.clear();
   rows_.clear();
 }

@@ -8,7 +8,7 @@
 #include <set>
 #include <vector>
 
-#include "platform/store/SideFile.h"
+#include "platform/store/Holds.h"
 
 namespace store {
 
@@ -20,11 +20,11 @@ namespace store {
 class RecordHolds {
  public:
   /// `letSiblingsGo` is called while somebody who may be in this very process is waited for.
-  RecordHolds(SideFile& side, std::function<void()> letSiblingsGo)
-      : side_(side), letSiblingsGo_(std::move(letSiblingsGo)) {}
+  RecordHolds(Holds& holds, std::function<void()> letSiblingsGo)
+      : holds_(holds), letSiblingsGo_(std::move(letSiblingsGo)) {}
 
   std::optional<Holder> TakeForEdit(int table, std::int64_t row);
-  void ReleaseEdit(int table, std::int64_t row) { side_.Release(Hold::Edit, table, row); }
+  void ReleaseEdit(int table, std::int64_t row) { holds_.Release(Hold::Edit, table, row); }
 
   /// Takes a record for the open transaction, or for one write.
   std::optional<Holder> TakeRow(int table, std::int64_t row);
@@ -57,7 +57,7 @@ class RecordHolds {
   bool Patiently(Try attempt);
   bool Take(Hold hold, int table, std::int64_t row, Holder* refused);
 
-  SideFile& side_;
+  Holds& holds_;
   std::function<void()> letSiblingsGo_;
   std::map<int, WholeTable> tables_;
   std::map<int, std::vector<std::int64_t>> rows_;  ///< the records of the open transaction

@@ -61,16 +61,17 @@ std::vector<WrittenColumn> ColumnsBut(const TableInfo& table, const std::vector<
 
 }  // namespace
 
-RowCache::RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index)
+RowCache::RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index,
+                   const Statements& statements)
     : schema_(std::move(schema)),
       table_(table),
       index_(index),
       keyColumns_(KeyColumns(table, index)),
       inserted_(ColumnsBut(table, {})),
       updated_(ColumnsBut(table, keyColumns_)),
-      update_(std::make_shared<const RecordUpdate>(table.name, updated_)),
-      insert_(table.name, inserted_),
-      insertOne_(std::make_shared<const std::string>(InsertOne(table.name, inserted_))),
+      update_(std::make_shared<const RecordUpdate>(statements.UpdateByKey(table, updated_))),
+      insertMany_(statements.InsertMany(table, inserted_)),
+      insertOne_(std::make_shared<const std::string>(statements.InsertWithKey(table, inserted_))),
       canReadAll_(CanReadAll()) {}
 
 /// Whether rows that are read with others are found under the same keys as in the file: the file compares

@@ -13,6 +13,8 @@
 
 namespace store {
 
+class Statements;
+
 struct CachedRow {
   std::int64_t id = 0;     ///< 0 until it is in the file
   std::int64_t newId = 0;  ///< the ID it was given, until that is committed
@@ -24,7 +26,8 @@ struct CachedRow {
 /// the file.
 class RowCache {
  public:
-  RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index);
+  RowCache(std::shared_ptr<const Schema> schema, const TableInfo& table, const IndexInfo& index,
+           const Statements& statements);
 
   /// The key as the index compares it: texts without regard to case, Null equal to Null.
   static std::string KeyOf(const std::vector<rt::Value>& key);
@@ -57,7 +60,7 @@ class RowCache {
   /// A change of all columns but the key, for rows as they are kept here.
   const RecordUpdate& Update() const { return *update_; }
   /// An addition of all columns but the counter, for many rows as they are kept here and for one.
-  const RecordInsert& Insert() const { return insert_; }
+  const std::string& InsertMany() const { return insertMany_; }
   const std::shared_ptr<const std::string>& InsertStatement() const { return insertOne_; }
   std::shared_ptr<const std::string> UpdateStatement() const { return {update_, &update_->one}; }
   /// The values that the statements for one row take; the ID is the last, Null for a new one.
@@ -74,7 +77,7 @@ class RowCache {
   std::vector<WrittenColumn> inserted_;  ///< all columns but the counter
   std::vector<WrittenColumn> updated_;   ///< those that are not part of the key either
   std::shared_ptr<const RecordUpdate> update_;
-  RecordInsert insert_;
+  std::string insertMany_;
   std::shared_ptr<const std::string> insertOne_;
   bool canReadAll_;
   std::unordered_map<std::string, Asked> asked_;  ///< by the first value of the key

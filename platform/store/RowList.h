@@ -9,14 +9,12 @@
 
 namespace store {
 
-/// Gives the values of many records to one statement, in which dw_value(rows, record, column) stands for a
-/// value: of the record with this key where the rows have keys, otherwise of the record at this place, from
-/// 0. The list refers to the values and does not copy them.
+/// Gives the values of many records to one statement, which finds them by the record's key where the rows
+/// have keys, otherwise by its place in the list, from 0. The list refers to the values and does not copy
+/// them.
 class RowList {
  public:
   using Values = std::vector<rt::Value>;
-  /// The type of the pointer that a statement is given.
-  static constexpr const char* kPointerType = "dw_rows";
 
   void Add(const Values& values) { rows_.emplace_back(std::int64_t{0}, &values); }
   void Add(std::int64_t key, const Values& values) {
@@ -34,7 +32,7 @@ class RowList {
   bool Gapless() const { return LastKey() - FirstKey() + 1 == static_cast<std::int64_t>(Count()); }
   /// The keys as a list in JSON.
   std::string Keys() const;
-  /// Null where there is no such record or column.
+  /// A value of the record with this key, or at this place; null where there is no such record or column.
   const rt::Value* At(std::int64_t record, std::int64_t column);
 
  private:

@@ -1,8 +1,11 @@
 #include "platform/store/Schema.h"
 
 #include <charconv>
+#include <map>
+#include <set>
 
 #include "platform/runtime/Text.h"
+#include "platform/store/Holds.h"
 
 namespace store {
 namespace {
@@ -97,6 +100,19 @@ std::optional<ColumnInfo> ParseDeclaredType(std::string_view declared) {
     return column;
   }
   return std::nullopt;
+}
+
+void NumberTables(std::vector<TableInfo>& tables) {
+  std::map<std::string, TableInfo*> byName;
+  for (TableInfo& table : tables) byName.emplace(rt::LowerCase(table.name), &table);
+  std::set<int> taken;
+  for (auto& [name, table] : byName) {
+    std::uint32_t hash = 2166136261U;  // FNV-1a
+    for (const char letter : name) hash = (hash ^ static_cast<unsigned char>(letter)) * 16777619U;
+    int number = static_cast<int>(hash % static_cast<std::uint32_t>(kLastTable)) + 1;
+    while (!taken.insert(number).second) number = number % kLastTable + 1;
+    table->number = number;
+  }
 }
 
 std::string QuoteName(std::string_view name) { return rt::Enclosed(name, '"'); }

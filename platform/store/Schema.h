@@ -1,6 +1,8 @@
 // What a data file says of its own tables.
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +12,9 @@
 #include "platform/runtime/Value.h"
 
 namespace store {
+
+/// The key of a row that is not there: the far side of an outer join.
+constexpr std::int64_t kNoKey = std::numeric_limits<std::int64_t>::min();
 
 enum class ColumnType {
   Counter,     ///< Long that numbers itself; "INTEGER PRIMARY KEY AUTOINCREMENT" in the file
@@ -76,6 +81,9 @@ struct Schema {
 std::string DeclaredType(const ColumnInfo& column);
 /// Reads a declared type; empty for one that is not ours.
 std::optional<ColumnInfo> ParseDeclaredType(std::string_view declared);
+/// Gives tables the numbers by which their records are held. They follow from the names alone: everybody
+/// finds the same ones, whatever another tool does to the engine's catalogue.
+void NumberTables(std::vector<TableInfo>& tables);
 /// "name" with its quotation marks doubled, as an identifier of the file's SQL.
 std::string QuoteName(std::string_view name);
 

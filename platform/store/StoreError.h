@@ -7,8 +7,8 @@
 
 namespace store {
 
-/// What goes wrong in a data file. The numbers are the engine's own; above data/ they never travel as
-/// exceptions.
+/// What goes wrong in a data file, by the numbers that messages and waits go by. Every engine gives its own
+/// errors these numbers.
 enum Error : int {
   kOverflow = 6,
   kDuplicateKey = 3022,
@@ -55,6 +55,8 @@ enum Error : int {
   kInternal = 3000,
 };
 
+/// Passes through the record models to whoever takes a step on a file. Most steps make a dw::Failure of it
+/// (data/Attempt.h). Runs over many records and the commands of dwadmin let it through; their headers say so.
 class StoreError : public rt::Error {
  public:
   StoreError(int number, const std::string& text) : rt::Error(number, text) {}

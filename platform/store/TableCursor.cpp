@@ -3,7 +3,6 @@
 
 #include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
-#include "platform/store/FileFormat.h"
 #include "platform/store/RecordCursor.h"
 #include "platform/store/Statements.h"
 
@@ -23,15 +22,14 @@ bool FitsAsItIs(const ColumnInfo& column, const rt::Value& value) {
 class TableCursor : public RecordCursor {
  public:
   TableCursor(std::shared_ptr<Connection> connection, std::shared_ptr<const QueryPlan> plan, Locking locking)
-      : RecordCursor(std::move(connection), std::move(plan), {}, locking),
-        list_(RowsOfTable(plan_->translation)) {
+      : RecordCursor(std::move(connection), std::move(plan), {}, locking) {
     MoveFirst();
   }
 
   bool AtBegin() const override { return place_ == Place::Begin || (place_ == Place::End && empty_); }
   bool AtEnd() const override { return place_ == Place::End; }
   std::int64_t Count() override {
-    Question use(Impl(), *plan_->leading, "SELECT COUNT(*) FROM " + QuoteName(plan_->leading->name));
+    Question use(Impl(), *plan_->leading, Impl().Texts().Count(*plan_->leading));
     return use.Step() ? use.Int64(0) : 0;
   }
   std::int64_t Position() override { return -1; }
@@ -46,7 +44,7 @@ class TableCursor : public RecordCursor {
       ReadOrder();
       return StandAt(0);
     }
-    Walk(" WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT 1", kNoKey, true);
+    Walk(Toward::Next, kNoKey, true);
     empty_ = AtEnd();
   }
   void MoveLast() override {
@@ -55,7 +53,7 @@ class TableCursor : public RecordCursor {
       ReadOrder();
       return StandAt(static_cast<std::int64_t>(order_.size()) - 1);
     }
-    Walk(" WHERE _rowid_ < ?1 ORDER BY _rowid_ DESC LIMIT 1", INT64_MAX, true);
+    Walk(Toward::Previous, INT64_MAX, true);
     empty_ = AtEnd();
   }
   void MoveNext() override {
@@ -86,7 +84,7 @@ class TableCursor : public RecordCursor {
       return StandAt(orderPlace_ - 1);
     }
     onDeleted_ = false;
-    Walk(" WHERE _rowid_ < ?1 ORDER BY _rowid_ DESC LIMIT 1", key_, false);
+    Walk(Toward::Previous, key_, false);
   }
 
   Bookmark Mark() override {
@@ -98,8 +96,7 @@ class TableCursor : public RecordCursor {
     Leave();
     onDeleted_ = false;
     const std::int64_t key = mark.empty() ? kNoKey : mark[0];
-    Question use(Impl(), *plan_->leading,
-                 "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " WHERE _rowid_ = ?1");
+    Question use(Impl(), *plan_->leading, Impl().Texts().IsThere(*plan_->leading));
     use.Bind(1, key);
     if (!use.Step()) throw StoreError(kRecordDeleted, "Record is deleted.");
     place_ = Place::Row;
@@ -121,7 +118,7 @@ class TableCursor : public RecordCursor {
     if (!byIndex_) return MoveFirst();
     // Standing on the first row would need the whole order read, which who only seeks never wants.
     place_ = Place::Begin;
-    Question any(Impl(), *plan_->leading, "SELECT 1 FROM " + QuoteName(plan_->leading->name) + " LIMIT 1");
+    Question any(Impl(), *plan_->leading, Impl().Texts().AnyRow(*plan_->leading));
     empty_ = !any.Step();
     if (empty_) place_ = Place::End;
   }
@@ -239,6 +236,7 @@ class TableCursor : public RecordCursor {
 
  private:
   enum class Place { Begin, Row, End };
+  enum class Toward { Next, Previous };
 
   /// A row that is in a group's memory alone gets its key when it goes to the file.
   void GiveKey() {
@@ -262,20 +260,23 @@ class TableCursor : public RecordCursor {
   }
 
   // One step by comparing keys; `edge` says that there is nothing to stand on when there is none.
-  void Walk(const std::string& condition, std::int64_t from, bool edge) {
-    Question use(Impl(), *plan_->leading, list_ + condition);
+  void Walk(Toward toward, std::int64_t from, bool edge) {
+    const Translation& all = plan_->translation;
+    const bool back = toward == Toward::Previous;
+    Question use(Impl(), *plan_->leading,
+                 back ? Impl().Texts().RowBefore(all) : Impl().Texts().RowsAfter(all, 1));
     use.Bind(1, from);
     if (!use.Step()) {
       place_ = edge || from == INT64_MAX ? Place::End : Place::Begin;
       return;
     }
     const std::int64_t found = use.Int64(0);
-    if (found == from || (found < from) != (condition.find('<') != std::string::npos)) OutOfOrder();
+    if (found == from || (found < from) != back) OutOfOrder();
     onDeleted_ = false;
     place_ = Place::Row;
     KeepWindow(1);
     key_ = windowKeys_[0] = found;
-    window_[0].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+    use.Read(window_[0], 1, static_cast<int>(plan_->fields.size()));
   }
 
   /// A damaged file can give keys that are not in their order. Whoever goes on from such a key comes back to
@@ -290,15 +291,14 @@ class TableCursor : public RecordCursor {
   void FetchAhead() {
     const bool goesOn = windowEpoch_ == Epoch() && windowKeys_.size() > 1;
     const int ahead = goesOn ? kMostAhead : kAhead;
-    Question use(Impl(), *plan_->leading,
-                 list_ + " WHERE _rowid_ > ?1 ORDER BY _rowid_ LIMIT " + std::to_string(ahead));
+    Question use(Impl(), *plan_->leading, Impl().Texts().RowsAfter(plan_->translation, ahead));
     use.Bind(1, key_);
     KeepWindow(static_cast<std::size_t>(ahead));
     std::size_t count = 0;
     while (use.Step()) {
       windowKeys_[count] = use.Int64(0);
       if (windowKeys_[count] <= (count == 0 ? key_ : windowKeys_[count - 1])) OutOfOrder();
-      window_[count].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+      use.Read(window_[count], 1, static_cast<int>(plan_->fields.size()));
       ++count;
     }
     windowKeys_.resize(count);
@@ -312,11 +312,7 @@ class TableCursor : public RecordCursor {
 
   void ReadOrder() {
     if (orderRead_ && orderEpoch_ == Epoch()) return;
-    std::string columns;
-    for (const auto& column : index_->columns) columns += QuoteName(column) + ", ";
-    Question use(
-        Impl(), *plan_->leading,
-        "SELECT _rowid_ FROM " + QuoteName(plan_->leading->name) + " ORDER BY " + columns + "_rowid_");
+    Question use(Impl(), *plan_->leading, Impl().Texts().KeysByIndex(*plan_->leading, *index_));
     order_.clear();
     while (use.Step()) order_.push_back(use.Int64(0));
     orderRead_ = true;
@@ -355,7 +351,7 @@ class TableCursor : public RecordCursor {
     seekNulls_.clear();
     for (const auto& value : key) seekNulls_.push_back(value.IsNull());
     if (seekIndex_ != index_ || seekNulls_ != seekNullsBefore_) {
-      seekStatement_ = list_ + FirstByIndex(*index_, seekNulls_);
+      seekStatement_ = Impl().Texts().FirstByIndex(plan_->translation, *index_, seekNulls_);
       seekIndex_ = index_;
       seekNullsBefore_ = seekNulls_;
     }
@@ -374,7 +370,7 @@ class TableCursor : public RecordCursor {
     place_ = Place::Row;
     KeepWindow(1);
     key_ = windowKeys_[0] = use.Int64(0);
-    window_[0].Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+    use.Read(window_[0], 1, static_cast<int>(plan_->fields.size()));
     orderRead_ = false;
     return true;
   }
@@ -413,13 +409,14 @@ class TableCursor : public RecordCursor {
   /// Reads all rows with this first value of the index; those that the cache has already are the newer ones.
   RowCache::Asked ReadAllIntoCache(const rt::Value& leading) {
     constexpr int kMost = 512;
-    Question use(Impl(), *plan_->leading, list_ + AllByLeading(*index_, leading.IsNull(), kMost + 1),
+    Question use(Impl(), *plan_->leading,
+                 Impl().Texts().AllByLeading(plan_->translation, *index_, leading.IsNull(), kMost + 1),
                  Connection::Impl::CachedRows::Keep);
     use.Bind(1, leading);
     RawRow read;
     bool all = true;
     for (int count = 0; use.Step() && (all = all && count < kMost); ++count) {
-      read.Read(use.Raw(), 1, static_cast<int>(plan_->fields.size()));
+      use.Read(read, 1, static_cast<int>(plan_->fields.size()));
       try {
         std::shared_ptr<CachedRow> row = ForCache(use.Int64(0), read);
         std::string key = cache_->KeyOfRow(row->values);
@@ -466,7 +463,6 @@ class TableCursor : public RecordCursor {
   std::shared_ptr<RowCache> sumCache_;  ///< took the last sums of AddAtOnce
   std::string sumKey_;
   std::vector<std::pair<std::size_t, rt::Value>> sums_;
-  std::string list_;  ///< see RowsOfTable
   std::string seekStatement_;
   const IndexInfo* seekIndex_ = nullptr;  ///< of seekStatement_
   std::vector<bool> seekNullsBefore_;     ///< the same

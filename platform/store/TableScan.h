@@ -9,19 +9,18 @@
 #include <vector>
 
 #include "platform/store/Connection.h"
-
-struct sqlite3_stmt;
+#include "platform/store/RawRow.h"
 
 namespace store {
+
+class Prepared;
 
 /// The record that a scan has reached, with the columns that it was asked for, numbered from 0. What it
 /// returns of a text is valid until the scan goes on.
 class ScannedRecord {
  public:
-  /// What the file holds in a cell, whatever the type of the column is.
-  enum class Cell { Null, Whole, Real, Text, Binary };
-
-  explicit ScannedRecord(sqlite3_stmt* statement) : statement_(statement) {}
+  using Cell = store::Cell;
+  explicit ScannedRecord(const Prepared& statement) : statement_(statement) {}
   std::int64_t Key() const;
   Cell CellOf(int column) const;
   std::int64_t Whole(int column) const;
@@ -29,7 +28,7 @@ class ScannedRecord {
   std::string_view Text(int column) const;
 
  private:
-  sqlite3_stmt* statement_;
+  const Prepared& statement_;
 };
 
 /// Calls `look` for each record of the table, by ascending key.

@@ -3,15 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/store/Numbers.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
-namespace {
-
-/// See KeyValue.
-std::int64_t KeyOf(const Change& change) { return change.values.back().AsCurrency().Units(); }
-
-}  // namespace
 
 void TransactionLog::Settle() {
   marks_.pop_back();
@@ -68,7 +63,7 @@ std::size_t TransactionLog::MakeRun(std::size_t first, std::size_t end, const Ma
   std::size_t next = first + 1;
   if (changes_[first].update)
     while (next < end && !changes_[next].made && changes_[next].update == changes_[first].update &&
-           KeyOf(changes_[next - 1]) < KeyOf(changes_[next]))
+           KeyOf(changes_[next - 1].values.back()) < KeyOf(changes_[next].values.back()))
       ++next;
   const auto run = std::span(changes_).subspan(first, next - first);
   std::int64_t expected = 0;

@@ -22,6 +22,7 @@ struct RecordUpdate;
 struct Change {
   std::shared_ptr<const std::string> sql;
   std::vector<rt::Value> values;
+  bool keepsNumber = false;  ///< no statement: the table `sql` is never to give the number `values` again
   /// Of a change of one record, whose key is the last value: how it is made together with others of its kind.
   std::shared_ptr<const RecordUpdate> update;
   int table = 0;             ///< whose records it changes; 0 where that is not known

@@ -12,6 +12,7 @@
 #include "data/Catalogue.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/store/Cursor.h"
+#include "platform/store/Engine.h"
 #include "support/QuietScreen.h"
 #include "support/TempDirectory.h"
 #include "support/WholeFleet.h"
@@ -292,7 +293,8 @@ TEST_F(DamagedFile, FilesThatAreNotOursAreToldApartAndLeftAlone) {
       for (const bool readOnly : {false, true})
         refused("open", ErrorOf([&] { Connection::Open({.path = path, .readOnly = readOnly}); }));
       refused("open alone", ErrorOf([&] { Connection::Open({path, store::Share::Exclusive}); }));
-      refused("compact", ErrorOf([&] { (void)store::CompactFile(path, directory.Path("copy")); }));
+      refused("compact",
+              ErrorOf([&] { (void)store::Engine::Of(path).Compact(path, directory.Path("copy")); }));
       const std::string made = ErrorOf([&] { Connection::Create(path); });
       if (!made.starts_with("3204 ") && !made.ends_with(c.words)) faults.Add("create: " + made);
       return faults.Text();
@@ -307,12 +309,14 @@ TEST_F(DamagedFile, FilesThatAreNotOursAreToldApartAndLeftAlone) {
   const std::string path = directory.Path("DW.MDB");
   EXPECT_EQ(ErrorOf([&] { Connection::Open({path}); }),
             "3051 '" + path + "' is a directory, not a data file.");
-  EXPECT_EQ(ErrorOf([&] { (void)store::CompactFile(path, directory.Path("copy")); }),
+  EXPECT_EQ(ErrorOf([&] { (void)store::Engine::Of(path).Compact(path, directory.Path("copy")); }),
             "3051 '" + path + "' is a directory, not a data file.");
   EXPECT_TRUE(ErrorOf([&] { Connection::Create(path); }).starts_with("3204 "));
   // A directory with the name of a compaction's copy.
   test::WriteBytes(directory.Path("A.MDB"), whole_);
-  EXPECT_TRUE(ErrorOf([&] { (void)store::CompactFile(directory.Path("A.MDB"), path); }).starts_with("3204 "));
+  EXPECT_TRUE(ErrorOf([&] {
+                (void)store::Engine::Of(directory.Path("A.MDB")).Compact(directory.Path("A.MDB"), path);
+              }).starts_with("3204 "));
   EXPECT_EQ(Listing(directory.Path()), "A.MDB DW.MDB ");
 }
 

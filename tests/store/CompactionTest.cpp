@@ -1,6 +1,4 @@
 // Compaction beside other programs, and the remains of processes that died in the middle.
-#include "platform/store/Compaction.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -10,6 +8,7 @@
 #include "platform/store/Connection.h"
 #include "platform/store/Cursor.h"
 #include "platform/store/Engine.h"
+#include "platform/store/sqlite/TemporaryFile.h"
 #include "store/OtherTool.h"
 #include "support/SecondProcess.h"
 #include "support/SmallFile.h"
@@ -29,12 +28,8 @@ class CompactionTest : public testing::Test {
   }
   /// Compacts; returns "done", or the error's number and text.
   std::string Compact(const std::string& path) const {
-    try {
-      store::CompactFile(path, directory_.Path("DW00000001.TMP"))->TakePlace();
-      return "done";
-    } catch (const store::StoreError& error) {
-      return std::to_string(error.Number()) + " " + error.what();
-    }
+    return test::Told(
+        [&] { store::Engine::Of(path).Compact(path, directory_.Path("DW00000001.TMP"))->TakePlace(); });
   }
   static std::string Codes(const std::string& path) {
     std::string codes;
@@ -61,7 +56,7 @@ TEST_F(CompactionTest, AnotherToolWritesNeitherMeanwhileNorIntoTheOldFile) {
   OtherTool tool(path_);
   EXPECT_EQ(tool.Run("SELECT * FROM Assets"), "not an error");
   {
-    const auto compaction = store::CompactFile(path_, directory_.Path("copy"));
+    const auto compaction = store::Engine::Of(path_).Compact(path_, directory_.Path("copy"));
     EXPECT_EQ(tool.Run("INSERT INTO Assets (Code) VALUES ('B')"), "database is locked");
     compaction->TakePlace();
   }

@@ -3,9 +3,9 @@
 
 #include <fstream>
 
-#include "platform/store/Compaction.h"
 #include "platform/store/Connection.h"
 #include "platform/store/Cursor.h"
+#include "platform/store/Engine.h"
 #include "support/SmallFile.h"
 #include "support/TempDirectory.h"
 
@@ -233,7 +233,7 @@ TEST_F(ConnectionTest, ExpectationsOfIndexesStandBesideEachOtherAndSurviveCompac
     file->Expect("Assets", "By Year", {2000, 60});
   }
   const std::string target = directory.Path("compact.tmp");
-  store::CompactFile(path, target)->TakePlace();
+  store::Engine::Of(path).Compact(path, target)->TakePlace();
   {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(path.c_str(), &db), SQLITE_OK);
@@ -258,10 +258,10 @@ TEST_F(ConnectionTest, CompactsOnlyAFileThatNobodyHasOpen) {
     for (int i = 0; i < 2000; ++i) AddAsset(file, std::to_string(i));
     file->CommitTrans();
     file->Execute("DELETE * FROM Assets WHERE [ID] > 10");
-    EXPECT_EQ(ErrorOf([&] { (void)store::CompactFile(path, target); }), 3196);
+    EXPECT_EQ(ErrorOf([&] { (void)store::Engine::Of(path).Compact(path, target); }), 3196);
   }
   const auto before = std::filesystem::file_size(path);
-  auto closed = store::CompactFile(path, target);
+  auto closed = store::Engine::Of(path).Compact(path, target);
   EXPECT_LT(std::filesystem::file_size(target), before / 2);
   EXPECT_EQ(ErrorOf([&] { test::OpenSmallFile(path); }), 3356);
   closed->TakePlace();

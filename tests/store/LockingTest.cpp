@@ -111,10 +111,10 @@ TEST_F(LockingTest, AHoldEndsWithItsHoldersDeath) {
     auto file = test::OpenSmallFile(path);
     auto row = On(file, "B");
     EXPECT_NE(ErrorOf([&] { row->Edit(); }), 0);
-    EXPECT_EQ(file->Side().Roster().size(), 2u);
+    EXPECT_EQ(file->Holds().Roster().size(), 2u);
     other.Kill();
     EXPECT_EQ(ErrorOf([&] { row->Edit(); }), 0);
-    EXPECT_EQ(file->Side().Roster().size(), 1u);
+    EXPECT_EQ(file->Holds().Roster().size(), 1u);
     EXPECT_EQ(row->Get(row->FieldIndex("Year")), Value(std::int16_t{2020}));
   }
 }

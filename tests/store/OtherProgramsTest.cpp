@@ -18,16 +18,7 @@ namespace fs = std::filesystem;
 using test::AddAsset;
 using test::OtherTool;
 using test::SecondProcess;
-
-/// "done", or the error's number and text.
-std::string Told(const std::function<void()>& work) {
-  try {
-    work();
-    return "done";
-  } catch (const store::StoreError& error) {
-    return std::to_string(error.Number()) + " " + error.what();
-  }
-}
+using test::Told;
 
 class OtherPrograms : public testing::Test {
  protected:

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/store/LockSpace.h"
-#include "platform/store/SideFile.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/LockSpace.h"
+#include "platform/store/sqlite/SideFile.h"
 #include "store/SideFileUsers.h"
 
 namespace store {
@@ -37,7 +37,7 @@ TEST_P(RecordLockTest, ARecordHasOneOwnerInEitherWayOfHolding) {
   EXPECT_EQ(other.Ask("edit 3 70"), "yes");
   for (const Hold hold : {Hold::Edit, Hold::Transaction}) {
     EXPECT_EQ(Take(*mine, hold, 3, 70), "ADMIN@OFFICE edit");
-    EXPECT_FALSE(mine->Holds(hold, 3, 70));
+    EXPECT_FALSE(mine->Has(hold, 3, 70));
     EXPECT_EQ(Take(*mine, hold, 3, 69), "yes");
     EXPECT_EQ(Take(*mine, hold, 2, 70), "yes");
   }
@@ -90,9 +90,9 @@ TEST_P(RecordLockTest, AWholeTableIsTakenAroundTheRecordsOfOthers) {
   EXPECT_EQ(Text(mine->TakeTable(2)),
             "2/1 ADMIN@OFFICE edit; 2/30 BOB@YARD edit; 2/899 BOB@YARD transaction; 2/900 ADMIN@OFFICE "
             "transaction; ");
-  EXPECT_TRUE(mine->HoldsTable(2));
-  EXPECT_TRUE(mine->Holds(Hold::Transaction, 2, 31));
-  EXPECT_FALSE(mine->Holds(Hold::Transaction, 2, 30));
+  EXPECT_TRUE(mine->HasTable(2));
+  EXPECT_TRUE(mine->Has(Hold::Transaction, 2, 31));
+  EXPECT_FALSE(mine->Has(Hold::Transaction, 2, 30));
   for (const std::string row : {"2", "29", "31", "500", "898", "901", "4294967294"}) {
     EXPECT_EQ(other.Ask("edit 2 " + row), "ME@HERE transaction table") << row;
     EXPECT_EQ(other.Ask("transact 2 " + row), "ME@HERE transaction table") << row;
@@ -122,7 +122,7 @@ TEST_P(RecordLockTest, AWholeTableIsTakenAroundTheRecordsOfOthers) {
   mine->ReleaseTable(2);
   EXPECT_EQ(third.Ask("edit 2 31"), "yes");
   EXPECT_EQ(third.Ask("transact 2 500"), "ME@HERE edit");
-  EXPECT_FALSE(mine->HoldsTable(2));
+  EXPECT_FALSE(mine->HasTable(2));
 }
 
 TEST_P(RecordLockTest, ATableThatAnotherHoldsIsNotTakenAndLeavesSingleHoldsAsTheyAre) {
@@ -134,9 +134,9 @@ TEST_P(RecordLockTest, ATableThatAnotherHoldsIsNotTakenAndLeavesSingleHoldsAsThe
   EXPECT_EQ(Take(*mine, Hold::Transaction, 4, 10), "yes");
   EXPECT_EQ(other.Ask("table 4"), "4/10 ME@HERE transaction; ");
   EXPECT_EQ(Text(mine->TakeTable(4)), "4/0 ADMIN@OFFICE transaction table; ");
-  EXPECT_FALSE(mine->HoldsTable(4));
-  EXPECT_TRUE(mine->Holds(Hold::Transaction, 4, 10));
-  EXPECT_FALSE(mine->Holds(Hold::Transaction, 4, 11));
+  EXPECT_FALSE(mine->HasTable(4));
+  EXPECT_TRUE(mine->Has(Hold::Transaction, 4, 10));
+  EXPECT_FALSE(mine->Has(Hold::Transaction, 4, 11));
   EXPECT_EQ(third.Ask("edit 4 10"), "ME@HERE transaction");
   EXPECT_EQ(Take(*mine, Hold::Edit, 4, 11), "ADMIN@OFFICE transaction table");
   other.Kill();
@@ -155,13 +155,13 @@ TEST_P(RecordLockTest, NarrowingKeepsTheNamedRecordsAndTheSingleOnes) {
   mine->TakeTable(1);
   mine->TakeTable(2);
   mine->Narrow({{1, {7, 0, 8, 6, 7, 4294967294}}, {2, {}}, {3, {5}}});
-  EXPECT_FALSE(mine->HoldsTable(1));
+  EXPECT_FALSE(mine->HasTable(1));
   for (const std::string row : {"0", "6", "7", "20", "4294967294"}) {
-    EXPECT_TRUE(mine->Holds(Hold::Transaction, 1, std::stoll(row)));
+    EXPECT_TRUE(mine->Has(Hold::Transaction, 1, std::stoll(row)));
     EXPECT_EQ(other.Ask("edit 1 " + row), "ME@HERE transaction") << row;
   }
   for (const std::string row : {"1", "5", "8", "9", "19", "21", "4294967293"}) {
-    EXPECT_FALSE(mine->Holds(Hold::Transaction, 1, std::stoll(row)));
+    EXPECT_FALSE(mine->Has(Hold::Transaction, 1, std::stoll(row)));
     EXPECT_EQ(other.Ask("transact 1 " + row), "yes") << row;
   }
   EXPECT_EQ(other.Ask("table 2"), "");
@@ -201,7 +201,7 @@ TEST_P(RecordLockTest, NoTwoEverHoldTheSame) {
       const std::int64_t row = done % 2;
       if (done % 5 == number) {
         side->TakeTable(1);
-        if (side->Holds(Hold::Transaction, 1, row)) use(static_cast<std::size_t>(row)), ++done;
+        if (side->Has(Hold::Transaction, 1, row)) use(static_cast<std::size_t>(row)), ++done;
         side->ReleaseTable(1);
       } else if (number == 0) {
         if (!side->Take(Hold::Transaction, 1, row, nullptr)) {

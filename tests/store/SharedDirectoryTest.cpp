@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/store/Compaction.h"
 #include "platform/store/Connection.h"
 #include "platform/store/Cursor.h"
+#include "platform/store/Engine.h"
 #include "support/SecondProcess.h"
 #include "support/SmallFile.h"
 #include "support/TempDirectory.h"
@@ -20,16 +20,7 @@ namespace fs = std::filesystem;
 using test::AddAsset;
 using test::Ask;
 using test::SecondProcess;
-
-/// "done", or the error's number and text.
-std::string Told(const std::function<void()>& work) {
-  try {
-    work();
-    return "done";
-  } catch (const store::StoreError& error) {
-    return std::to_string(error.Number()) + " " + error.what();
-  }
-}
+using test::Told;
 
 std::unique_ptr<store::Cursor> EditFirst(const std::shared_ptr<store::Connection>& file) {
   auto asset = store::Cursor::OpenTable(file, "Assets", store::Locking::Pessimistic);
@@ -66,7 +57,9 @@ TEST_F(OtherNames, UsersWhoComeByOtherPathsMeetInOneFile) {
        {directory_.Path("LINK.MDB"), directory_.Path("AGAIN.MDB"), directory_.Path("branch/DW.MDB"),
         directory_.Path("office/../branch/DW.MDB"), std::string("DW.MDB"), std::string("../LINK.MDB")}) {
     EXPECT_EQ(Told([&] { EditFirst(test::OpenSmallFile(name)); }).substr(0, 5), "3218 ") << name;
-    EXPECT_EQ(Told([&] { (void)store::CompactFile(name, directory_.Path("copy")); }).substr(0, 5), "3196 ")
+    EXPECT_EQ(
+        Told([&] { (void)store::Engine::Of(name).Compact(name, directory_.Path("copy")); }).substr(0, 5),
+        "3196 ")
         << name;
   }
   // A path that was resolved once does not depend on the directory of the process any more.
@@ -86,7 +79,9 @@ TEST_F(OtherNames, AFileWithTwoNamesIsRefusedInWords) {
     const std::string told = Told([&] { test::OpenSmallFile(name); });
     EXPECT_EQ(told.substr(0, 5), "3051 ");
     EXPECT_NE(told.find("has 2 names"), std::string::npos) << told;
-    EXPECT_EQ(Told([&] { (void)store::CompactFile(name, directory_.Path("copy")); }).substr(0, 5), "3051 ");
+    EXPECT_EQ(
+        Told([&] { (void)store::Engine::Of(name).Compact(name, directory_.Path("copy")); }).substr(0, 5),
+        "3051 ");
   }
   fs::remove(directory_.Path("office/SECOND.MDB"));
   EXPECT_EQ(AddAsset(test::OpenSmallFile(path_), "B"), 2);
@@ -198,7 +193,7 @@ TEST_F(OfficeTest, ACompactionByOneLeavesTheFileToAll) {
   for (const uid_t user : {kBob, kAnn}) {
     SecondProcess process([&](SecondProcess::Channel& channel) {
       Become(user);
-      channel.Say(Told([&] { store::CompactFile(path_, path_ + ".copy")->TakePlace(); }));
+      channel.Say(Told([&] { store::Engine::Of(path_).Compact(path_, path_ + ".copy")->TakePlace(); }));
     });
     EXPECT_EQ(process.Talk().Hear(), "done");
     EXPECT_EQ(process.Join(), 0);

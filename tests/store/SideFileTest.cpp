@@ -1,4 +1,4 @@
-#include "platform/store/SideFile.h"
+#include "platform/store/sqlite/SideFile.h"
 
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -44,10 +44,10 @@ TEST_F(SideFileTest, ExclusiveAndSharedUsersShutEachOtherOut) {
   EXPECT_EQ(enter(Share::Exclusive), "slot 0");
   EXPECT_TRUE(mine->Take(Hold::Edit, 1, 1, nullptr));
   EXPECT_TRUE(mine->TakeTable(1).empty());
-  EXPECT_TRUE(mine->Holds(Hold::Transaction, 1, 2));
+  EXPECT_TRUE(mine->Has(Hold::Transaction, 1, 2));
   mine->Narrow({{1, {5}}});
-  EXPECT_FALSE(mine->Holds(Hold::Transaction, 1, 2));
-  EXPECT_TRUE(mine->Holds(Hold::Transaction, 1, 5));
+  EXPECT_FALSE(mine->Has(Hold::Transaction, 1, 2));
+  EXPECT_TRUE(mine->Has(Hold::Transaction, 1, 5));
 }
 
 TEST_F(SideFileTest, WhatKeepsOneFromEnteringHasItsOwnNumber) {

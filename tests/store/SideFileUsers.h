@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/store/SideFile.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/SideFile.h"
 #include "support/SecondProcess.h"
 #include "support/TempDirectory.h"
 

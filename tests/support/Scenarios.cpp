@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "platform/runtime/Text.h"
-#include "platform/store/Functions.h"
+#include "platform/store/sqlite/Functions.h"
 
 namespace test {
 namespace {

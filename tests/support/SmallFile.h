@@ -5,6 +5,7 @@
 
 #include "platform/store/Connection.h"
 #include "platform/store/Cursor.h"
+#include "platform/store/StoreError.h"
 
 namespace test {
 
@@ -49,6 +50,17 @@ inline std::int32_t AddAsset(const std::shared_ptr<store::Connection>& file, con
 inline rt::Value Ask(const std::shared_ptr<store::Connection>& file, const std::string& sql) {
   auto rows = store::Cursor::OpenQuery(file, sql, store::Locking::ReadOnly);
   return rows->AtEnd() ? rt::Value() : rows->Get(0);
+}
+
+/// "done", or the number and the text of the StoreError that `work` throws.
+template <class Work>
+std::string Told(Work work) {
+  try {
+    work();
+    return "done";
+  } catch (const store::StoreError& error) {
+    return std::to_string(error.Number()) + " " + error.what();
+  }
 }
 
 /// The number of the StoreError that `work` throws; 0 if it throws none.

@@ -38,7 +38,7 @@ std::string CheckMainFile(const std::string& path, bool readOnly) {
   for (const dw::CostDifference& found : dw::CheckCosts(*file))
     faults.Add("costs: " + found.table + " " + found.key + " " + found.column + " is " + found.stored +
                " instead of " + found.expected);
-  faults.Equal(file->Side().Roster().size(), std::size_t{1}, "users of the file");
+  faults.Equal(file->Holds().Roster().size(), std::size_t{1}, "users of the file");
   return faults.Text();
 }
 

@@ -80,7 +80,7 @@ void CheckFile(const std::string& file, Findings& findings) {
       findings.Add(file, "structure", difference);
   });
   if (file != kDataFiles.front()) return;
-  if (connection->Side().Roster().size() > 1)
+  if (connection->Holds().Roster().size() > 1)
     std::cerr << "Others have " << file << " open: what they post now may show as a difference." << std::endl;
   Attempt(findings, file, "costs", [&] {
     for (const CostDifference& difference : CheckCosts(*connection)) findings.Add(file, difference);

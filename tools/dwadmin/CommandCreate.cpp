@@ -10,12 +10,14 @@
 #include <iostream>
 #include <vector>
 
+#include "data/Attempt.h"
 #include "data/BrackenfelGlobals.h"
 #include "data/Catalogue.h"
 #include "data/GenericTools.h"
 #include "data/Version.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
+#include "platform/store/Engine.h"
 #include "tools/dwadmin/Commands.h"
 #include "tools/dwadmin/RowWriter.h"
 #include "tools/dwadmin/Sample.h"
@@ -87,8 +89,7 @@ void MakeFiles(const fs::path& directory, const std::function<void(const std::st
       delivered.push_back(directory / file);
     }
   } catch (...) {
-    std::error_code ignored;
-    for (const fs::path& file : delivered) fs::remove(file, ignored);
+    for (const fs::path& file : delivered) Try([&] { store::Engine::Of(file).Drop(file); });
     throw;
   }
 }

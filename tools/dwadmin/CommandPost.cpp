@@ -40,7 +40,7 @@ std::map<std::int64_t, std::string> HoldersOfTransactions(store::Connection& con
   const store::TableInfo* transactions = schema->Find("Maintenance Transactions");
   std::map<std::int64_t, std::string> holders;
   if (!transactions) return holders;
-  for (const store::HeldRecord& held : connection.Side().HeldByOthers({transactions->number}))
+  for (const store::HeldRecord& held : connection.Holds().HeldByOthers({transactions->number}))
     holders[held.row] = "user '" + held.holder.user + "' on machine '" + held.holder.computer + "'";
   return holders;
 }

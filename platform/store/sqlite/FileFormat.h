@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <limits>
 #include <string>
 
 namespace store {
@@ -15,9 +14,6 @@ class StoreError;
 constexpr std::int64_t kApplicationId = 0x44575254;
 /// The version of the way in which tables are laid down in the file.
 constexpr std::int64_t kFormatVersion = 1;
-
-/// The key of a row that is not there: the far side of an outer join.
-constexpr std::int64_t kNoKey = std::numeric_limits<std::int64_t>::min();
 
 /// The bytes that a data file begins with.
 constexpr std::size_t kHeaderBytes = 100;

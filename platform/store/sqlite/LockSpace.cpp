@@ -1,4 +1,4 @@
-#include "platform/store/LockSpace.h"
+#include "platform/store/sqlite/LockSpace.h"
 
 #include <fcntl.h>
 #include <sys/vfs.h>

@@ -1,5 +1,5 @@
 // Entering and leaving a data file, and the roster of those who are in.
-#include "platform/store/SideFile.h"
+#include "platform/store/sqlite/SideFile.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -16,10 +16,10 @@
 #include <thread>
 
 #include "platform/runtime/Letters.h"
-#include "platform/store/FileFormat.h"
-#include "platform/store/Rights.h"
-#include "platform/store/SideFileState.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/FileFormat.h"
+#include "platform/store/sqlite/Rights.h"
+#include "platform/store/sqlite/SideFileState.h"
 
 namespace store {
 namespace {

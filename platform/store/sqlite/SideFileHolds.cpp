@@ -5,9 +5,9 @@
 #include <thread>
 #include <utility>
 
-#include "platform/store/SideFile.h"
-#include "platform/store/SideFileState.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/SideFile.h"
+#include "platform/store/sqlite/SideFileState.h"
 
 namespace store {
 namespace {
@@ -150,7 +150,7 @@ void SideFile::Release(Hold hold, int table, std::int64_t row) {
   if (share_ == Share::Shared && !covered) state_->locks.UnlockBetween(hold, table, row - 1, row + 1);
 }
 
-bool SideFile::Holds(Hold hold, int table, std::int64_t row) const {
+bool SideFile::Has(Hold hold, int table, std::int64_t row) const {
   const State::Record record{table, row};
   return state_->CountsOf(hold).contains(record) || (hold == Hold::Transaction && state_->Covers(record));
 }
@@ -213,7 +213,7 @@ std::vector<HeldRecord> SideFile::TakeTable(int table) {
   return others;
 }
 
-bool SideFile::HoldsTable(int table) const { return state_->tables.contains(table); }
+bool SideFile::HasTable(int table) const { return state_->tables.contains(table); }
 
 void SideFile::ReleaseTable(int table) {
   CheckRecord(table, 0);

@@ -1,4 +1,4 @@
-#include "platform/store/FileFormat.h"
+#include "platform/store/sqlite/FileFormat.h"
 
 #include <sys/stat.h>
 
@@ -6,9 +6,9 @@
 #include <cstring>
 #include <filesystem>
 
-#include "platform/store/Connection.h"
-#include "platform/store/Handle.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/Handle.h"
+#include "platform/store/sqlite/SideFile.h"
 
 namespace store {
 

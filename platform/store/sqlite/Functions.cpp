@@ -1,12 +1,14 @@
-#include "platform/store/Functions.h"
+#include "platform/store/sqlite/Functions.h"
 
 #include <memory>
 #include <string>
 
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
-#include "platform/store/Handle.h"
+#include "platform/store/Dialect.h"
 #include "platform/store/RowList.h"
+#include "platform/store/Values.h"
+#include "platform/store/sqlite/Cells.h"
 
 namespace store {
 namespace {
@@ -38,7 +40,7 @@ void DateFunction(sqlite3_context* context, int, sqlite3_value**) {
   ResultText(context, rt::Today().ToIso());
 }
 
-// Results have the form in which Use::Bind gives the same values to the file.
+// Results have the form in which PreparedStatement::Bind gives the same values to the file.
 struct Result {
   sqlite3_context* context;
   void operator()(rt::Null) const { sqlite3_result_null(context); }
@@ -59,7 +61,7 @@ struct Result {
 
 /// See RowList.
 void ValueFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
-  auto* rows = static_cast<RowList*>(sqlite3_value_pointer(arguments[0], RowList::kPointerType));
+  auto* rows = static_cast<RowList*>(sqlite3_value_pointer(arguments[0], kRowsPointer));
   const rt::Value* value =
       rows ? rows->At(sqlite3_value_int64(arguments[1]), sqlite3_value_int64(arguments[2])) : nullptr;
   if (!value) return sqlite3_result_error(context, "a record to be written has no values", -1);
@@ -87,7 +89,8 @@ void FitFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
     const ColumnInfo* column = ColumnOf(context, arguments);
     if (!column) return sqlite3_result_error_nomem(context);
     RawRow cell;
-    cell.Read(arguments[kValue]);
+    cell.Start(1);
+    PutCell(cell, 0, ArgumentSource{arguments[kValue]});
     const auto form = static_cast<ColumnType>(sqlite3_value_int(arguments[kForm]));
     std::visit(Result{context}, FitToColumn(*column, cell.Decode(0, form)).Data());
   } catch (const StoreError& error) {

@@ -1,4 +1,4 @@
-#include "platform/store/Rights.h"
+#include "platform/store/sqlite/Rights.h"
 
 #include <fcntl.h>
 #include <grp.h>
@@ -9,7 +9,7 @@
 #include <array>
 #include <filesystem>
 
-#include "platform/store/SideFile.h"
+#include "platform/store/sqlite/SideFile.h"
 
 namespace store {
 namespace {

@@ -2,14 +2,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
-#include <set>
 #include <utility>
 
 #include "platform/runtime/Text.h"
-#include "platform/store/Handle.h"
-#include "platform/store/IndexName.h"
-#include "platform/store/LockSpace.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/Handle.h"
+#include "platform/store/sqlite/IndexName.h"
 
 namespace store {
 namespace {
@@ -33,12 +31,12 @@ void AddPrimaryKey(TableInfo& table, std::vector<std::pair<std::int64_t, std::st
 }
 
 /// The tables in the order in which they were made, with their columns and primary keys.
-std::vector<TableInfo> ReadTables(Handle& handle) {
+std::vector<TableInfo> TablesAndKeys(Handle& handle) {
   std::vector<TableInfo> tables;
   std::vector<std::pair<std::int64_t, std::string>> key;
-  Use columns(handle,
-              "SELECT t.name, t.sql, c.name, c.type, c.\"notnull\", c.pk FROM sqlite_schema AS t "
-              "JOIN pragma_table_info(t.name) AS c WHERE t.type = 'table' ORDER BY t.rowid, c.cid");
+  Use columns(
+      handle.Prepare("SELECT t.name, t.sql, c.name, c.type, c.\"notnull\", c.pk FROM sqlite_schema AS t "
+                     "JOIN pragma_table_info(t.name) AS c WHERE t.type = 'table' ORDER BY t.rowid, c.cid"));
   while (columns.Step()) {
     const std::string name = columns.Text(0);
     if (IsSystemTable(name)) continue;
@@ -73,13 +71,13 @@ bool IsRequired(const TableInfo& table, const IndexInfo& index) {
   });
 }
 
-void ReadIndexes(Handle& handle, std::vector<TableInfo>& tables) {
+void AddIndexes(Handle& handle, std::vector<TableInfo>& tables) {
   std::map<std::string, TableInfo*> byName;
   for (TableInfo& table : tables) byName.emplace(table.name, &table);
-  Use columns(handle,
-              "SELECT t.name, i.name, i.\"unique\", i.partial, c.name, c.seqno FROM sqlite_schema AS t "
-              "JOIN pragma_index_list(t.name) AS i JOIN pragma_index_info(i.name) AS c "
-              "WHERE t.type = 'table' AND i.origin = 'c' ORDER BY t.rowid, i.seq DESC, c.seqno");
+  Use columns(handle.Prepare(
+      "SELECT t.name, i.name, i.\"unique\", i.partial, c.name, c.seqno FROM sqlite_schema AS t "
+      "JOIN pragma_index_list(t.name) AS i JOIN pragma_index_info(i.name) AS c "
+      "WHERE t.type = 'table' AND i.origin = 'c' ORDER BY t.rowid, i.seq DESC, c.seqno"));
   while (columns.Step()) {
     const auto found = byName.find(columns.Text(0));
     if (found == byName.end()) continue;
@@ -111,27 +109,10 @@ std::string IndexNameOf(std::string_view table, std::string_view stored) {
   return std::string(stored);
 }
 
-/// The numbers by which tables are locked follow from their names: everybody finds the same ones, whatever
-/// another tool does to the rows of the engine's catalogue.
-void NumberTables(std::vector<TableInfo>& tables) {
-  std::map<std::string, TableInfo*> byName;
-  for (TableInfo& table : tables) byName.emplace(rt::LowerCase(table.name), &table);
-  std::set<int> taken;
-  for (auto& [name, table] : byName) {
-    std::uint32_t hash = 2166136261U;  // FNV-1a
-    for (const char letter : name) hash = (hash ^ static_cast<unsigned char>(letter)) * 16777619U;
-    int number = static_cast<int>(hash % static_cast<std::uint32_t>(kLastTable)) + 1;
-    while (!taken.insert(number).second) number = number % kLastTable + 1;
-    table->number = number;
-  }
-}
-
-Schema ReadSchema(Handle& handle) {
-  Schema schema;
-  schema.tables = ReadTables(handle);
-  ReadIndexes(handle, schema.tables);
-  NumberTables(schema.tables);
-  return schema;
+std::vector<TableInfo> ReadTables(Handle& handle) {
+  std::vector<TableInfo> tables = TablesAndKeys(handle);
+  AddIndexes(handle, tables);
+  return tables;
 }
 
 }  // namespace store

@@ -1,4 +1,4 @@
-#include "platform/store/Compaction.h"
+#include "platform/store/sqlite/DataFiles.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,10 +11,12 @@
 #include <filesystem>
 
 #include "platform/store/Connection.h"
-#include "platform/store/FileFormat.h"
-#include "platform/store/Handle.h"
-#include "platform/store/Rights.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/FileFormat.h"
+#include "platform/store/sqlite/Handle.h"
+#include "platform/store/sqlite/Rights.h"
+#include "platform/store/sqlite/SideFile.h"
+#include "platform/store/sqlite/TemporaryFile.h"
 
 namespace store {
 namespace {
@@ -37,9 +39,24 @@ void FlushFolder(const std::string& folder) {
   close(fd);
 }
 
-}  // namespace
+class FileCompaction : public Compaction {
+ public:
+  FileCompaction(const std::string& path, const std::string& target);
+  void TakePlace() override;
 
-Compaction::Compaction(const std::string& path, const std::string& target) {
+ private:
+  void CloseToOthers();
+  void WriteBack();
+  void SpoilOldFile();
+
+  std::string source_;
+  std::unique_ptr<SideFile> alone_;
+  std::unique_ptr<Handle> handle_;
+  std::unique_ptr<TemporaryFile> copy_;
+  bool sameRights_ = false;
+};
+
+FileCompaction::FileCompaction(const std::string& path, const std::string& target) {
   CheckFile(path);
   source_ = RealPath(path);
   if (access(source_.c_str(), W_OK) != 0)
@@ -56,7 +73,7 @@ Compaction::Compaction(const std::string& path, const std::string& target) {
   // Some kinds of damage are copied without complaint; a file that is not sound must not replace its
   // original.
   {
-    Use check(*handle_, "PRAGMA quick_check(1)");
+    Use check(handle_->Prepare("PRAGMA quick_check(1)"));
     if (check.Step() && check.Text(0) != "ok")
       throw StoreError(kBadFormat, "Unrecognized data base format '" + source_ + "': it is damaged (" +
                                        check.Text(0) + ").");
@@ -73,7 +90,7 @@ Compaction::Compaction(const std::string& path, const std::string& target) {
   if (!sameRights_) fchmod(copy_->Descriptor(), 0600);
   const std::string full = "Not enough space on the disk to compact '" + source_ + "'.";
   try {
-    Use copy(*handle_, "VACUUM INTO ?1");
+    Use copy(handle_->Prepare("VACUUM INTO ?1"));
     copy.Bind(1, rt::Value(target));
     copy.Step();
   } catch (const StoreError& error) {
@@ -85,10 +102,8 @@ Compaction::Compaction(const std::string& path, const std::string& target) {
     throw StoreError(kCannotCompactDiskFull, "The compacted copy of '" + source_ + "' could not be stored.");
 }
 
-Compaction::~Compaction() = default;
-
 // From here to the end no other program can write what the copy would lack.
-void Compaction::CloseToOthers() {
+void FileCompaction::CloseToOthers() {
   try {
     handle_ = Handle::Acquire(source_, false);
     handle_->SetPatience(kPatience);
@@ -101,7 +116,7 @@ void Compaction::CloseToOthers() {
   }
 }
 
-void Compaction::TakePlace() {
+void FileCompaction::TakePlace() {
   // A file of this user's would take the place of another's, who might then be kept out; so its content alone
   // is written back. The same from another disk, where a change of names cannot reach.
   if (!sameRights_) return WriteBack();
@@ -115,7 +130,7 @@ void Compaction::TakePlace() {
   SpoilOldFile();
 }
 
-void Compaction::WriteBack() {
+void FileCompaction::WriteBack() {
   sqlite3* copy = nullptr;
   int code =
       sqlite3_open_v2(copy_->Path().c_str(), &copy, SQLITE_OPEN_READONLY | SQLITE_OPEN_EXRESCODE, nullptr);
@@ -137,7 +152,7 @@ void Compaction::WriteBack() {
 
 // Another tool may have the old file open still. What it wrote there would be lost without a word; without
 // its first page the tool finds out.
-void Compaction::SpoilOldFile() {
+void FileCompaction::SpoilOldFile() {
   if (!handle_->IsReplaced()) return;
   sqlite3_file* file = nullptr;
   sqlite3_file_control(handle_->Db(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
@@ -146,11 +161,13 @@ void Compaction::SpoilOldFile() {
   file->pMethods->xWrite(file, nothing.data(), static_cast<int>(nothing.size()), 0);
 }
 
+}  // namespace
+
 std::shared_ptr<Compaction> CompactFile(const std::string& path, const std::string& target) {
-  return std::make_shared<Compaction>(path, target);
+  return std::make_shared<FileCompaction>(path, target);
 }
 
-bool InUse(const std::string& path) {
+bool FileInUse(const std::string& path) {
   const std::string real = RealPath(path);
   struct stat side {};
   if (stat(SideFile::PathFor(real).c_str(), &side) != 0) return false;
@@ -162,7 +179,7 @@ bool InUse(const std::string& path) {
   }
 }
 
-void Connection::Create(const std::string& path) {
+void CreateFile(const std::string& path) {
   CheckName(path);
   struct stat there {};
   if (lstat(path.c_str(), &there) == 0)
@@ -205,6 +222,25 @@ void Connection::Create(const std::string& path) {
     throw StoreError(kCannotStart, "Cannot create '" + path + "': " + std::strerror(error) + ".");
   half.Keep();
   FlushFolder(folder);
+}
+
+void DropFile(const std::string& path) {
+  const std::string real = RealPath(path);
+  std::unique_ptr<SideFile> alone;
+  try {
+    alone = SideFile::Enter(real, Share::Exclusive, IdentityComputer(), IdentityUser());
+  } catch (const StoreError& error) {
+    // Nobody else is in where the disk is too full for this user's entry alone; deleting makes room.
+    if (error.Number() != kDiskFull) throw;
+  }
+  Handle::DropParked(real);
+  if (unlink(real.c_str()) != 0) {
+    const int error = errno;
+    if (error == ENOENT) throw StoreError(kFileNotFound, "Could not find file '" + path + "'.");
+    throw StoreError(kCannotStart, "Could not delete '" + real + "': " + std::strerror(error) + ".");
+  }
+  // A journal that stays behind would be applied to the next file of this name.
+  unlink((real + "-journal").c_str());
 }
 
 }  // namespace store

@@ -1,4 +1,4 @@
-#include "platform/store/TemporaryFile.h"
+#include "platform/store/sqlite/TemporaryFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,9 +13,9 @@
 #include <random>
 #include <vector>
 
-#include "platform/store/FileFormat.h"
-#include "platform/store/LockSpace.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/FileFormat.h"
+#include "platform/store/sqlite/LockSpace.h"
 
 namespace store {
 namespace {

@@ -7,8 +7,8 @@
 #include <set>
 #include <utility>
 
-#include "platform/store/LockSpace.h"
-#include "platform/store/SideFile.h"
+#include "platform/store/sqlite/LockSpace.h"
+#include "platform/store/sqlite/SideFile.h"
 
 namespace store {
 

@@ -11,15 +11,12 @@
 #include <optional>
 #include <vector>
 
-#include "platform/store/SideFile.h"
+#include "platform/store/Holds.h"
 
 namespace store {
 
 /// A 256th slot would lock all bytes of a row and melt into the next row's lock.
 inline constexpr int kSlotCount = 255;
-inline constexpr int kLastTable = (1 << 20) - 1;
-/// The last row that a lock on a whole table covers.
-inline constexpr std::int64_t kLastRow = (std::int64_t{1} << 32) - 2;
 
 /// A length of 0 reaches to the end of all offsets.
 struct ByteRange {
