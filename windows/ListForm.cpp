@@ -40,16 +40,18 @@ bool detail::MayOpenDetail(const char* form, ui::DataGrid& grid, bool add, std::
   return true;
 }
 
-void BindToMainFile(ui::Adodc& data, const std::string& query) {
+void BindToMainFile(ui::Adodc& data, const std::string& query) { BindToFile(data, query, kMainFile); }
+
+void BindToFile(ui::Adodc& data, const std::string& query, const BoundFile& file) {
   data.onError = [](int number, const std::string&, bool& cancelDisplay) {
     cancelDisplay = AdoIgnoreDataError(number);
   };
   // A window that is already open may have asked for the file meanwhile; then the path is known.
-  data.onMissingFile = [](const std::string& tried) {
-    if (tried == DataConnect) LocateFile(BareFileName(DataFile));
-    return DataConnect;
+  data.onMissingFile = [&file](const std::string& tried) {
+    if (tried == file.connect) LocateFile(BareFileName(file.path));
+    return file.connect;
   };
-  ui::AdoBindDataControl(data, DataConnect, query, ado::adLockOptimistic, 10);
+  ui::AdoBindDataControl(data, file.connect, query, ado::adLockOptimistic, 10);
 }
 
 ListForm::ListForm(ListDefinition definition)
@@ -88,7 +90,7 @@ void ListForm::AddAbove(QWidget& control) {
 }
 
 void ListForm::OnLoad() {
-  BindToMainFile(data_, definition_.emptyQuery);
+  BindToFile(data_, definition_.emptyQuery, *definition_.file);
   grid_->SetColumns(definition_.columns);
   grid_->SetDataSource(data_);
   data_.Refresh();

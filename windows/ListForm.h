@@ -9,6 +9,7 @@
 #include "platform/controls/Adodc.h"
 #include "platform/controls/DataGrid.h"
 #include "platform/controls/Form.h"
+#include "windows/BoundFile.h"
 #include "windows/OpenDetailForm.h"
 
 class QPushButton;
@@ -35,6 +36,7 @@ struct ListDefinition {
   std::string emptyQuery;               ///< shows the columns and no row, at load
   std::string query;                    ///< all rows, at each activation
   std::vector<ui::GridColumn> columns;  ///< the first is the record's ID
+  const BoundFile* file = &kMainFile;
 };
 
 /// Space and double click open the record, Insert adds one, Delete deletes it. Each activation reads the rows
@@ -89,8 +91,7 @@ class ListForm : public ui::Form {
   ui::DataGrid* grid_;
 };
 
-/// Sets up a data control of the main file for a grid: query, lock type 3, 10 rows at a time. Errors that are
-/// not worth a box get none. If the file is missing, asks the user for it once.
+/// BindToFile with the main file.
 void BindToMainFile(ui::Adodc& data, const std::string& query);
 
 }  // namespace dw

@@ -11,7 +11,6 @@
 #include "platform/controls/Layout.h"
 #include "platform/runtime/Clock.h"
 #include "windows/AuditLine.h"
-#include "windows/ListForm.h"
 
 namespace dw {
 namespace {
@@ -19,7 +18,7 @@ namespace {
 constexpr int kWidth = 84;  ///< in characters: what most records need
 
 std::unique_ptr<RecordHold> MakeHold(ui::Form& form, const RecordDefinition& definition) {
-  RecordSource source{definition.data, definition.table};
+  RecordSource source{definition.data, definition.table, definition.file};
   if (definition.lockField)
     return std::make_unique<TransactionHold>(form, std::move(source), definition.lockField);
   return std::make_unique<EditHold>(form, std::move(source));
@@ -127,7 +126,7 @@ AroundRecord RecordForm::Around() {
 void RecordForm::OnLoad() {
   RemoveCloseCommand();
   for (InnerGrid& inner : innerGrids_) {
-    BindToMainFile(inner.data, inner.emptyQuery);
+    BindToFile(inner.data, inner.emptyQuery, *definition_.file);
     inner.grid.SetDataSource(inner.data);
   }
   const screen::Hourglass hourglass;
@@ -164,12 +163,12 @@ void RecordForm::LoadRecord() {
     Unload();
   };
   if (!hold_->HasRow()) {
-    screen::MessageBox(RereadWords());
+    ReportVanished();
     leave();
     return;
   }
   const Taken taken = hold_->Take();
-  if (taken == Taken::Failed) {
+  if (taken == Taken::Failed && !StaysUnheld()) {
     leave();
     return;
   }
@@ -181,6 +180,8 @@ void RecordForm::LoadRecord() {
   RecordLoaded();
   if (taken == Taken::Held) hold_->KeepHeld();
 }
+
+void RecordForm::ReportVanished() { screen::MessageBox(RereadWords()); }
 
 std::string RecordForm::RereadWords() const {
   return std::string("Internal Error. Unable to re-read ") + definition_.recordWords +

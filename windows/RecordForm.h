@@ -46,6 +46,9 @@ struct RecordDefinition {
   const char* updatedBy = "Updated By";
   const char* lastUpdated = "Last Updated";
   const char* ok = "OKButton";  ///< name of the button
+  /// The file of the record and of the inner grids; only a window that holds by a transaction may have
+  /// another one than the main file.
+  const BoundFile* file = &kMainFile;
 };
 
 /// A field in a row of its own, beside its prompt.
@@ -100,6 +103,11 @@ class RecordForm : public ui::Form {
   virtual bool StoreMore() { return true; }
   /// The message about a vanished record.
   virtual std::string RereadWords() const;
+  /// Shows that message.
+  virtual void ReportVanished();
+  /// Whether the window stays open for reading if taking the record failed for another reason than a hold
+  /// elsewhere.
+  virtual bool StaysUnheld() const { return false; }
 
   void Bind(ui::BoundControl& control, std::string column, std::string label = {}) {
     hold_->Bind(control, std::move(column), std::move(label));

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/runtime/Value.h"
+#include "windows/BoundFile.h"
 
 namespace ui {
 class BoundControl;
@@ -18,6 +19,7 @@ namespace dw {
 struct RecordSource {
   const char* data;  ///< name of the data control
   std::string table;
+  const BoundFile* file = &kMainFile;
   /// The query for the record with this number; -1 finds none.
   std::string Query(std::int32_t id) const {
     return "SELECT * FROM " + table + " WHERE [ID] = " + std::to_string(id);

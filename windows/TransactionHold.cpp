@@ -6,7 +6,8 @@
 #include "data/FailureBox.h"
 #include "data/GenericADO.h"
 #include "platform/controls/DisableEntry.h"
-#include "windows/ListForm.h"
+#include "platform/controls/Form.h"
+#include "windows/BoundFile.h"
 
 namespace dw {
 namespace {
@@ -59,7 +60,7 @@ void TransactionHold::Show() {
 }
 
 void TransactionHold::OpenBlank(const AroundRecord&) {
-  BindToMainFile(data_, source_.Query(-1));
+  BindToFile(data_, source_.Query(-1), *source_.file);
   // From the first change on others cannot change the record.
   data_.LockType = ado::adLockPessimistic;
   data_.Refresh();

@@ -1,11 +1,11 @@
 #include "fleet/forms/frmSchedMaintAsset.h"
 
 #include "data/BrackenfelGlobals.h"
-#include "data/GenericTools.h"
 #include "fleet/ScheduleLines.h"
 #include "platform/controls/Layout.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
+#include "windows/ProperWords.h"
 
 namespace dw {
 namespace {
@@ -16,17 +16,6 @@ void FillOnEntry(ui::TextBox& field, const char* zero) {
     if (field.Text().empty()) field.SetText(zero);
   };
   field.SelectOnEntry();
-}
-
-/// Each word gets a capital while it is typed; the caret stays where typing has left it.
-void CapitalizeWords(ui::TextBox& field) {
-  field.onChange = [&field] {
-    const std::string proper = ProperCase(field.Text());
-    if (proper == field.Text()) return;
-    const int caret = field.cursorPosition();
-    field.SetText(proper);
-    field.setCursorPosition(caret);
-  };
 }
 
 }  // namespace

@@ -10,9 +10,9 @@ namespace print {
 
 /// Where the pages of a report go, and on what.
 struct PrinterChoice {
-  std::string printer;  ///< name of the queue; empty: the default printer
-  std::string paper;    ///< "Letter" or "A4"
-  std::string pdfFile;  ///< not empty: the pages go to this PDF file instead of to a printer
+  std::string printer = {};  ///< name of the queue; empty: the default printer
+  std::string paper = {};    ///< "Letter" or "A4"
+  std::string pdfFile = {};  ///< not empty: the pages go to this PDF file instead of to a printer
   int copies = 1;
   bool collate = true;
 };
@@ -58,11 +58,11 @@ struct PrintDialogRequest {
 
 /// How a print dialog ended.
 struct PrintDialogResult {
-  bool chosen = false;               ///< false: canceled, or it failed
-  std::optional<DialogError> error;  ///< why it failed; nothing after a plain Cancel
-  PrinterChoice choice;              ///< if chosen
-  int firstPage = 0;                 ///< 0: from the first
-  int lastPage = 0;                  ///< 0: to the last
+  bool chosen = false;                    ///< false: canceled, or it failed
+  std::optional<DialogError> error = {};  ///< why it failed; nothing after a plain Cancel
+  PrinterChoice choice = {};              ///< if chosen
+  int firstPage = 0;                      ///< 0: from the first
+  int lastPage = 0;                       ///< 0: to the last
 };
 
 /// Lets a person choose a printer, pages, copies and paper.
