@@ -12,6 +12,8 @@
 #include "fleet/forms/frmMaintenanceDueReport.h"
 #include "fleet/forms/frmOdometerList.h"
 #include "fleet/forms/frmScheduleTypesList.h"
+#include "reports/forms/DateRangeForm.h"
+#include "reports/forms/Launch.h"
 #include "shell/forms/MenuTree.h"
 
 namespace dw {
@@ -37,6 +39,15 @@ void RegisterForms() {
   Register<frmFuelTypesList>("frmFuelTypesList");
   Register<frmScheduleTypesList>("frmScheduleTypesList");
   Register<frmRePost>("frmRePost");
+  Register<frmRptDWR004>("frmRptDWR004");
+  Register<frmRptDWR006>("frmRptDWR006");
+  Register<frmRptDWR009>("frmRptDWR009");
+  Register<frmRptDWR013>("frmRptDWR013");
+  Register<frmRptDWR016>("frmRptDWR016");
+  Register<frmRptDWR017>("frmRptDWR017");
+  for (const ReportEntry& report : ReportTable())
+    if (report.route != ReportRoute::DateRange)
+      InstallMenuTarget(report.menuItem, [&report] { LaunchFromMenu(report); });
 }
 
 }  // namespace dw

@@ -178,10 +178,7 @@ void frmInventoryMaint::AddTabs() {
   txtDue.setAccessibleName("Maintenance Due");
   pages.addTab(Page(horizon, txtDue), "Maintenance Due");
 
-  const QString later = "Will print what this asset has cost; the cost reports come with a later version.";
-  cmdPrint->setEnabled(false);
-  cmdPrint->setToolTip(later);
-  cmdPrint->setStatusTip(later);
+  cmdPrint->setToolTip("Prints what this asset has cost");
   auto* choice = new QHBoxLayout;
   choice->addWidget(&chkNonFuelOnly);
   choice->addStretch(1);
@@ -197,6 +194,11 @@ void frmInventoryMaint::AddTabs() {
   EnterMakesLines(notes);
   const std::pair<const char*, int> turns[] = {
       {"Ctrl+Tab", 1}, {"Ctrl+PgDown", 1}, {"Ctrl+Shift+Tab", -1}, {"Ctrl+PgUp", -1}};
+  // Two buttons have this key. It moves the focus between them and presses neither, so that an aim at the one
+  // never presses the other.
+  for (QPushButton* button : {cmdPrint, cmdUnpost}) button->setShortcut({});
+  auto* either = new QShortcut(QKeySequence("Alt+P"), this);
+  connect(either, &QShortcut::activated, this, [this] { ui::Guard([this] { FocusPrintOrUnpost(); }); });
   for (const auto& [keys, step] : turns) {
     auto* turn = new QShortcut(QKeySequence(QString(keys)), this);
     connect(turn, &QShortcut::activated, this, [this, by = step] { ui::Guard([&] { TurnPage(by); }); });
@@ -213,6 +215,16 @@ void frmInventoryMaint::TurnPage(int step) {
   for (QWidget* content : contents)
     if (pages.currentWidget()->isAncestorOf(content))
       (content->isEnabled() ? content : pages.tabBar())->setFocus(Qt::ShortcutFocusReason);
+}
+
+void frmInventoryMaint::FocusPrintOrUnpost() {
+  if (cmdPrint->hasFocus() && cmdUnpost->isEnabled()) {
+    cmdUnpost->setFocus(Qt::ShortcutFocusReason);
+    return;
+  }
+  pages.setCurrentIndex(1);
+  // A field whose content is refused keeps its page and the focus.
+  if (pages.currentIndex() == 1) cmdPrint->setFocus(Qt::ShortcutFocusReason);
 }
 
 void frmInventoryMaint::PutTogether() {

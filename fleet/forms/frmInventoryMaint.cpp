@@ -23,6 +23,7 @@
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/Text.h"
+#include "reports/forms/DateRangeForm.h"
 #include "windows/ListForm.h"
 
 namespace dw {
@@ -114,6 +115,7 @@ frmInventoryMaint::frmInventoryMaint()
   cmdUnpost->setEnabled(false);
   ui::OnClick(*cmdRename, [this] { Rename(); });
   ui::OnClick(*cmdUnpost, [this] { Unpost(); });
+  ui::OnClick(*cmdPrint, [this] { PrintCosts(); });
   ui::OnClick(*cmdDue, [this] { RunDue(); });
   ui::OnClick(chkNonFuelOnly, [this] { RefreshMaintenance(); });
   ui::OnClick(*cmdPicture[0], [this] { OpenAssetPicture(DataID); });
@@ -361,6 +363,11 @@ void frmInventoryMaint::Rename() {
   Rearm();
   RenameAsset(assetCode.Text());
   OnActivate();
+}
+
+void frmInventoryMaint::PrintCosts() {
+  const std::string asset = assetCode.Text();
+  if (SaveForChild()) ShowCostsOfAsset(asset);
 }
 
 void frmInventoryMaint::Unpost() {

@@ -100,6 +100,9 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   void RestoreFocus();
   void Rename();
   void Unpost();
+  /// Saves the asset and asks for the dates of the report of its costs.
+  void PrintCosts();
+  void FocusPrintOrUnpost();
   void AddChild(int page);
   void ShowChild(int page);
   void OpenChild(int page, bool add, std::int32_t id);

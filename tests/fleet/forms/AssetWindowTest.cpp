@@ -8,6 +8,7 @@
 #include "data/BrackenfelGlobals.h"
 #include "fleet/forms/frmInventoryMaint.h"
 #include "platform/runtime/Clock.h"
+#include "reports/forms/DateRangeForm.h"
 #include "support/OtherUser.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFleet.h"
@@ -397,6 +398,47 @@ TEST_F(AssetWindowTest, APictureComesInAndGoesOut) {
   EXPECT_EQ(Pictures(), "1") << "until OK";
   test::Click(window, "OKButton");
   EXPECT_EQ(Pictures(), "0");
+}
+
+TEST_F(AssetWindowTest, PrintSavesTheAssetAndAsksForTheDatesOfItsCosts) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  auto& window = Open(id);
+  test::Type(window, "Text9", "Grader");
+  ShowPage(window, 1);
+  test::Click(window, "cmdPrint");
+  auto& dates = dynamic_cast<dw::frmRptDWR006&>(test::Open("frmRptDWR006"));
+  EXPECT_EQ(dates.AssetID, "TRK-1");
+  EXPECT_EQ(Ask("Description", id), "Grader");
+  EXPECT_TRUE(Free(id)) << "saved and released";
+  test::Click(dates, "cmdCancel");
+  EXPECT_EQ(ui::ActiveForm(), &window);
+  EXPECT_FALSE(Free(id)) << "taken again";
+
+  test::Type(window, "Text14", "");
+  screen_->Expect(kNoCode, Icon::Information);
+  window.assetCode.SetText("");
+  test::Click(window, "cmdPrint");
+  EXPECT_FALSE(ui::FindForm("frmRptDWR006"));
+  window.assetCode.SetText("TRK-1");
+}
+
+TEST_F(AssetWindowTest, TheKeyOfPrintAndUnpostPressesNeither) {
+  const std::int32_t id = fleet_.AddAsset("TRK-1");
+  fleet_.AddTransaction("TRK-1", 2026, 3);
+  Post();
+  auto& window = Open(id);
+  ASSERT_TRUE(window.cmdUnpost->isEnabled());
+  ASSERT_TRUE(window.cmdPrint->text().contains("&P") && window.cmdUnpost->text().contains("&p"));
+  for (int i = 0; i < 2; ++i) {
+    QTest::keyClick(&window, Qt::Key_P, Qt::AltModifier);
+    test::Settle();
+    EXPECT_EQ(window.focusWidget(), window.cmdPrint) << "its page comes forward";
+    QTest::keyClick(&window, Qt::Key_P, Qt::AltModifier);
+    test::Settle();
+    EXPECT_EQ(window.focusWidget(), window.cmdUnpost);
+  }
+  EXPECT_FALSE(ui::FindForm("frmRptDWR006"));
+  EXPECT_EQ(fleet_.Ask("SELECT COUNT(*) FROM [Maintenance Transactions] WHERE [When Posted] IS NULL"), "0");
 }
 
 }  // namespace

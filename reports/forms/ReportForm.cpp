@@ -1,0 +1,211 @@
+#include "reports/forms/ReportForm.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericADO.h"
+#include "data/GenericDAO.h"
+#include "platform/controls/Layout.h"
+#include "platform/runtime/Waits.h"
+#include "reports/DWGlobals.h"
+#include "reports/PrintCalls.h"
+#include "reports/SelectAndSort.h"
+#include "reports/forms/frmCriteriaList.h"
+
+namespace dw {
+namespace {
+
+constexpr int kTitleWidth = 56;  ///< in characters
+/// How often a run looks whether its preview is still open.
+constexpr int kLookMilliseconds = 50;
+
+template <class Button>
+void SetUp(Button& button, const char* name, const char* caption) {
+  button.setObjectName(name);
+  button.setText(caption);
+}
+
+}  // namespace
+
+ReportForm::ReportForm()
+    : Form(kName),
+      SelectButton(new QPushButton("&Select and Sort")),
+      ProceedButton(new QPushButton("&Proceed")),
+      CancelButton(new QPushButton("Cancel")) {
+  RptQueryID = 0;
+  setWindowTitle("Report Parameters");
+  for (const char* name : {"Text1(0)", "Text1(1)", "Text1(2)", "Text1(3)"}) Text1.emplace_back(name);
+  SetUp(Option1, "Option1", "Screen");
+  SetUp(Option2, "Option2", "Printer");
+  SetUp(Option3, "Option3", "e-mail");
+  SetUp(Check1, "Check1", "Summary Only");
+  SelectButton->setObjectName("SelectButton");
+  ProceedButton->setObjectName("ProceedButton");
+  CancelButton->setObjectName("CancelButton");
+  Option1.setChecked(true);
+
+  QGroupBox* titles = ui::Group("Report Title Lines", LayOutTitles());
+  titles->setObjectName("Frame1");
+  QGroupBox* output = ui::Group("&Output To...", LayOutOutput());
+  output->setObjectName("Frame2");
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(titles);
+  column->addWidget(output);
+  column->addWidget(&Check1);
+  column->addStretch(1);
+  column->addLayout(ui::ButtonRow({SelectButton, ProceedButton, CancelButton}));
+
+  ui::OnClick(*SelectButton, [this] { Select(); });
+  ui::OnClick(*ProceedButton, [this] { Proceed(); });
+  ui::OnClick(*CancelButton, [this] { Cancel(); });
+  SetDefault(ProceedButton);
+  SetCancel(CancelButton);
+}
+
+QLayout* ReportForm::LayOutTitles() {
+  auto* rows = new QVBoxLayout;
+  int line = 0;
+  for (ui::TextBox& title : Text1) {
+    title.setAccessibleName("Title Line " + QString::number(++line));
+    title.setMinimumWidth(fontMetrics().averageCharWidth() * kTitleWidth);
+    rows->addWidget(&title);
+  }
+  return rows;
+}
+
+QLayout* ReportForm::LayOutOutput() {
+  auto* row = new QHBoxLayout;
+  for (QRadioButton* option : {&Option1, &Option2, &Option3}) row->addWidget(option);
+  row->addStretch(1);
+  return row;
+}
+
+void ReportForm::OnLoad() {
+  setWindowTitle(QString::fromStdString(RptTitle));
+  if (!UseAddress || !TitlesFromAddress()) PresetTitles();
+  HasSelection = !RptSelection.empty();
+  HasSort = !RptSort.empty();
+  EngineOpen = Engine().PEOpenEngine();
+  if (!EngineOpen) {
+    screen::MessageBox("Crystal Reports print engine is not available.");
+    Unload();
+    return;
+  }
+  if (RptQueryID != 0 && Text1[2].Text().empty())
+    if (const auto description = DescriptionOf(RptQueryID)) Text1[2].SetText(*description);
+}
+
+bool ReportForm::TitlesFromAddress() {
+  AdoConnectionPtr connection;
+  if (!AdoOpenConnection(connection, DataConnect, false)) return false;
+  AdoRecordsetPtr row = AdoOpenRecordset(connection, "SELECT * FROM [Parameters] WHERE [ID] = 1");
+  const bool found = row && !row->AtEnd();
+  if (found) {
+    const char* const columns[] = {"Organization Name", "Address Line 1", "Address Line 2", "Contact Phone"};
+    for (std::size_t i = 0; i < Text1.size(); ++i)
+      if (const rt::Value text = row->Get(columns[i]); !text.IsNull()) Text1[i].SetText(text.AsText());
+  }
+  CloseObject(row);
+  CloseObject(connection);
+  return found;
+}
+
+void ReportForm::PresetTitles() {
+  const std::string* const titles[] = {&Title1, &Title2, &Title3, &Title4};
+  for (std::size_t i = 0; i < Text1.size(); ++i)
+    Text1[i].SetText(!titles[i]->empty() ? *titles[i] : i == 0 ? RptTitle : std::string());
+}
+
+void ReportForm::Select() {
+  if (HasSelection) {
+    screen::MessageBox("You cannot specify your own select criteria.");
+    return;
+  }
+  const QPointer<ReportForm> form(this);
+  SetPointer(screen::Pointer::Hourglass);
+  auto& definitions = ui::The<frmCriteriaList>();
+  definitions.LoadForm();
+  definitions.ReportID = RptPrimaryTable;
+  definitions.ShowModal();
+  if (form) form->SetPointer(screen::Pointer::Normal);
+}
+
+ReportOptions ReportForm::Options() const {
+  ReportOptions options;
+  options.output = Option1.isChecked()   ? ReportOutput::Screen
+                   : Option2.isChecked() ? ReportOutput::Printer
+                   : Option3.isChecked() ? ReportOutput::Mail
+                                         : ReportOutput::None;
+  for (std::size_t i = 0; i < Text1.size(); ++i) options.titles[i] = Text1[i].Text();
+  options.aux = {Aux1, Aux2, Aux3, Aux4, Aux5, Aux6, Aux7};
+  options.summaryOnly = Check1.isChecked();
+  options.sectionPageBreak = SectionPageBreak;
+  options.a4 = ReportsOnA4();
+  const QRect area = screen()->availableGeometry();
+  options.window = {area.left(), area.top(), area.width(), area.height()};
+  options.parent = winId();
+  options.printer = ReportPrinter;
+  return options;
+}
+
+void ReportForm::Proceed() {
+  if (running_) return;
+  running_ = true;
+  for (QPushButton* button : {SelectButton, ProceedButton}) button->setEnabled(false);
+  starting_ = std::make_unique<screen::Hourglass>();
+  const QPointer<ReportForm> form(this);
+  ReportOptions options = Options();
+  options.whilePreviewed = [form] { return form && form->WaitForPreview(); };
+  RunReport(options);
+  if (!form) return;
+  form->starting_.reset();
+  form->running_ = false;
+  form->Unload();
+}
+
+/// Lets events run for a moment. False if the form is to end, or has ended.
+bool ReportForm::WaitForPreview() {
+  starting_.reset();
+  const QPointer<ReportForm> form(this);
+  rt::AboutToWait();
+  QTimer moment;
+  moment.setSingleShot(true);
+  moment.start(kLookMilliseconds);
+  QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+  return form && form->Loaded() && !form->stopped_;
+}
+
+void ReportForm::Cancel() {
+  // The run ends at its next look, and the form with it.
+  if (running_)
+    stopped_ = true;
+  else
+    Unload();
+}
+
+void ReportForm::closeEvent(QCloseEvent* event) {
+  if (!running_) {
+    Form::closeEvent(event);
+    return;
+  }
+  event->ignore();
+  stopped_ = true;
+}
+
+void ReportForm::OnUnload() {
+  starting_.reset();
+  if (EngineOpen) Engine().PECloseEngine();
+  EngineOpen = false;
+  if (RptQueryID != 0) RemoveTemporaryDefinition(RptQueryID);
+}
+
+}  // namespace dw

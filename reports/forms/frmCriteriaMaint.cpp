@@ -1,0 +1,239 @@
+#include "reports/forms/frmCriteriaMaint.h"
+
+#include <QCoreApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLocale>
+#include <QPointer>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <thread>
+
+#include "data/GenericTools.h"
+#include "platform/controls/Layout.h"
+#include "platform/runtime/Error.h"
+#include "reports/DWGlobals.h"
+#include "reports/DefinitionRows.h"
+#include "reports/PrintCalls.h"
+#include "reports/SelectionWords.h"
+#include "reports/forms/OpenCriteriaForm.h"
+#include "reports/forms/frmSelectMaint.h"
+#include "reports/forms/frmSortMaint.h"
+#include "shell/DataLocation.h"
+#include "windows/OpenDetailForm.h"
+
+namespace dw {
+namespace {
+
+constexpr const char* kSelection = "Selection Criteria";
+constexpr const char* kSort = "Sort Criteria";
+
+std::string NoLines(const char* table) {
+  return std::string("SELECT * FROM [") + table + "] WHERE [ID] = -1";
+}
+
+std::function<std::string(RecordHold&)> LinesOf(const char* table) {
+  return [table](RecordHold& hold) {
+    return std::string("SELECT * FROM [") + table +
+           "] WHERE [Query ID] = " + std::to_string(hold.Get("ID").AsLong()) + " ORDER BY [Line Number]";
+  };
+}
+
+std::vector<ui::GridColumn> SelectionColumns() {
+  return {{"ID"},
+          {.field = "Line Number", .caption = "Line"},
+          {.field = "Open Parentheses", .caption = "("},
+          {"Table Name"},
+          {"Field Name"},
+          {.field = "Comparison Operator", .caption = "Compare"},
+          {"Value"},
+          {.field = "Get Value at Runtime", .caption = "Prompt?"},
+          {"Runtime Value Prompt"},
+          {.field = "Close Parentheses", .caption = ")"},
+          {"Connector"},
+          {"Field Function"}};
+}
+
+std::vector<ui::GridColumn> SortColumns() {
+  return {{"ID"},
+          {.field = "Line Number", .caption = "Line"},
+          {"Table Name"},
+          {"Field Name"},
+          {.field = "Ascending or Descending", .caption = "Order"}};
+}
+
+QString InWords(std::int64_t count) {
+  const QLocale american(QLocale::English, QLocale::UnitedStates);
+  if (count > PrintCalls::kMostCounted)
+    return "More than " + american.toString(qlonglong{PrintCalls::kMostCounted}) + " records match now.";
+  return count == 1 ? "1 record matches now." : american.toString(qlonglong{count}) + " records match now.";
+}
+
+QLabel* Note(const char* name) {
+  QLabel* label = ui::Caption("");
+  label->setObjectName(name);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  return label;
+}
+
+}  // namespace
+
+frmCriteriaMaint::frmCriteriaMaint()
+    : RecordForm({.form = kName,
+                  .title = "Select and Sort Criteria",
+                  .data = "QueryData",
+                  .table = "[Select and Sort Queries]",
+                  .recordWords = "record #",
+                  .lockField = "Description",
+                  .ok = "OkButton",
+                  .file = &kDefinitionsFile}),
+      lblWords(Note("lblWords")),
+      lblCount(Note("lblCount")),
+      lblFault(Note("lblFault")),
+      select_(AddInnerGrid("SelectGrid", "SelectData", SelectionColumns(), NoLines(kSelection),
+                           LinesOf(kSelection))),
+      sort_(AddInnerGrid("SortGrid", "SortData", SortColumns(), NoLines(kSort), LinesOf(kSort))) {
+  LayOutAll();
+  select_.grid.onAdd = [this] { OpenSelect(true, -1); };
+  select_.grid.onDetail = [this] { UpdateSelect(); };
+  select_.grid.onDelete = [this] { RemoveItSelect(); };
+  sort_.grid.onAdd = [this] { OpenSort(true, -1); };
+  sort_.grid.onDetail = [this] { UpdateSort(); };
+  sort_.grid.onDelete = [this] { RemoveItSort(); };
+}
+
+frmCriteriaMaint::~frmCriteriaMaint() {
+  if (counting_) *counting_ = false;
+}
+
+void frmCriteriaMaint::LayOutAll() {
+  ShowNumber(Text2);
+  Bind(Text1, "Description", "Description");
+  Bind(Text2, "ID");
+  Bind(Check1, "Permanent");
+  auto* fields = new ui::FieldRows;
+  fields->Row("Description", {&Text1});
+  fields->Row("Database ID", {&Text2});
+  fields->addWidget(&Check1, fields->rowCount(), 1);
+
+  const auto group = [](const char* title, ui::DataGrid& grid) {
+    grid.setAccessibleName(title);
+    grid.setMinimumHeight(grid.fontMetrics().height() * 6);
+    auto* inside = new QVBoxLayout;
+    inside->addWidget(&grid);
+    return ui::Group(title, inside);
+  };
+  auto* meaning = new QVBoxLayout;
+  for (QLabel* label : {lblWords, lblCount, lblFault}) meaning->addWidget(label);
+  QFont bold = lblFault->font();
+  bold.setBold(true);
+  lblFault->setFont(bold);
+  QGroupBox* words = ui::Group("What Will Be Asked", meaning);
+  words->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+  LayOut(fields, {words, group("Selection", select_.grid), group("Sort", sort_.grid)});
+}
+
+void frmCriteriaMaint::FillPlaceholder() { Hold().Set("Primary Table", ReportID); }
+
+void frmCriteriaMaint::ReportVanished() { ShowReReadError(DataID); }
+
+bool frmCriteriaMaint::Refreshed() {
+  RefreshGrid();
+  ShowMeaning();
+  return true;
+}
+
+void frmCriteriaMaint::OpenSelect(bool add, std::int32_t id) {
+  OpenCriteriaForm<frmSelectMaint>(*this, add, id, [this](frmSelectMaint& form) {
+    form.QueryID = DataID;
+    form.ReportID = ReportID;
+  });
+}
+
+void frmCriteriaMaint::OpenSort(bool add, std::int32_t id) {
+  OpenCriteriaForm<frmSortMaint>(*this, add, id, [this](frmSortMaint& form) {
+    form.QueryID = DataID;
+    form.ReportID = ReportID;
+  });
+}
+
+void frmCriteriaMaint::Update(InnerGrid& lines, void (frmCriteriaMaint::*open)(bool, std::int32_t)) {
+  if (!lines.data.HasRows()) {
+    ReportNoRecords();
+    return;
+  }
+  if (const auto id = RowNumber(lines.grid, [this] { Refreshed(); })) (this->*open)(false, *id);
+}
+
+void frmCriteriaMaint::UpdateSelect() { Update(select_, &frmCriteriaMaint::OpenSelect); }
+void frmCriteriaMaint::UpdateSort() { Update(sort_, &frmCriteriaMaint::OpenSort); }
+
+void frmCriteriaMaint::Remove(InnerGrid& lines, const char* table) {
+  if (!lines.data.HasRows()) {
+    ReportNoRecords();
+    return;
+  }
+  const auto id = RowNumber(lines.grid, [this] { Refreshed(); });
+  if (id && DeleteLine(table, *id)) Refreshed();
+}
+
+void frmCriteriaMaint::RemoveItSelect() { Remove(select_, kSelection); }
+void frmCriteriaMaint::RemoveItSort() { Remove(sort_, kSort); }
+
+void frmCriteriaMaint::ShowMeaning() {
+  const std::string primary = StripBrackets(ReportID);
+  const auto definition = ReadLines(DataID, primary);
+  if (!definition) return;
+  const auto& lines = definition->selection;
+  std::string words = SelectionInWords(lines, primary);
+  const std::string order = SortInWords(definition->sort, primary);
+  if (!order.empty()) words += "\n" + order;
+  lblWords->setText(QString::fromStdString(words));
+
+  const std::string fault =
+      SharedEngine()->SelectionFault(RptFile, SelectionFormula(WithSampleValues(lines, primary), primary));
+  lblFault->setVisible(!fault.empty());
+  lblFault->setText(QString::fromStdString("The report would refuse this selection: " + fault));
+  const bool asks = std::ranges::any_of(lines, &SelectionLine::askAtRuntime);
+  if (counting_) *counting_ = false;
+  lblCount->setVisible(fault.empty());
+  if (!fault.empty()) return;
+  if (asks)
+    lblCount->setText("How many records match depends on the answers.");
+  else
+    StartCounting(SelectionFormula(lines, primary));
+}
+
+/// Counts in a thread of its own, so that nobody waits for the count of a large fleet.
+void frmCriteriaMaint::StartCounting(const std::string& formula) {
+  lblCount->setText("Counting the records that match...");
+  const auto goOn = std::make_shared<std::atomic<bool>>(true);
+  counting_ = goOn;
+  const QPointer<frmCriteriaMaint> form(this);
+  std::thread([goOn, form, formula, file = RptFile, engine = SharedEngine()] {
+    QString text;
+    try {
+      const auto count = engine->CountRows(file, formula, [&] { return goOn->load(); });
+      if (count) text = InWords(*count);
+    } catch (const rt::Error& error) {
+      text = QString::fromUtf8(error.what());
+    }
+    if (!*goOn) return;
+    // The form may be gone by then; its own thread finds out.
+    QMetaObject::invokeMethod(
+        qApp,
+        [goOn, form, text] {
+          if (!*goOn || !form) return;
+          form->lblCount->setText(text);
+          form->lblCount->setVisible(!text.isEmpty());
+        },
+        Qt::QueuedConnection);
+  }).detach();
+}
+
+void frmCriteriaMaint::OnUnload() {
+  if (counting_) *counting_ = false;
+}
+
+}  // namespace dw

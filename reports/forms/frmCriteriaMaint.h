@@ -1,0 +1,62 @@
+// One select and sort definition: its name, its conditions and its order.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/controls/CheckBox.h"
+#include "windows/RecordForm.h"
+
+class QLabel;
+
+namespace dw {
+
+/// Beside the grids stands in plain words what will be asked, how many rows the report has with it now, and
+/// why the engine would refuse it.
+class frmCriteriaMaint : public RecordForm {
+ public:
+  static constexpr const char* kName = "frmCriteriaMaint";
+  frmCriteriaMaint();
+  ~frmCriteriaMaint() override;
+
+  std::string ReportID;  ///< the primary table of the report
+
+  ui::TextBox Text1{"Text1"};  ///< `Description`
+  ui::TextBox Text2{"Text2"};  ///< `ID`
+  ui::CheckBox Check1{"Check1", "Keep this Query Permanently"};
+  QLabel* lblWords;  ///< the selection and the order in words
+  QLabel* lblCount;  ///< how many rows the report has with it
+  QLabel* lblFault;  ///< what the engine would say to it
+
+  ui::DataGrid& SelectGrid() { return select_.grid; }
+  ui::DataGrid& SortGrid() { return sort_.grid; }
+  /// These open the window of the grid's row, and delete it.
+  void UpdateSelect();
+  void UpdateSort();
+  void RemoveItSelect();
+  void RemoveItSort();
+
+ protected:
+  void FillPlaceholder() override;
+  void ReportVanished() override;
+  bool StaysUnheld() const override { return true; }
+  bool Refreshed() override;
+  void OnUnload() override;
+
+ private:
+  void LayOutAll();
+  void OpenSelect(bool add, std::int32_t id);
+  void OpenSort(bool add, std::int32_t id);
+  void Update(InnerGrid& lines, void (frmCriteriaMaint::*open)(bool, std::int32_t));
+  void Remove(InnerGrid& lines, const char* table);
+  void ShowMeaning();
+  void StartCounting(const std::string& formula);
+
+  InnerGrid& select_;
+  InnerGrid& sort_;
+  std::shared_ptr<std::atomic<bool>> counting_;  ///< false ends the count that runs
+};
+
+}  // namespace dw

@@ -1,0 +1,305 @@
+// The windows of select and sort definitions.
+#include <QLabel>
+#include <QTimer>
+
+#include "reports/forms/ReportsTest.h"
+#include "reports/forms/frmCriteriaList.h"
+#include "reports/forms/frmCriteriaMaint.h"
+#include "reports/forms/frmSelectMaint.h"
+#include "reports/forms/frmSortMaint.h"
+#include "support/OtherUser.h"
+#include "support/desktop/TypeFast.h"
+
+namespace {
+
+using screen::Answer;
+using screen::Buttons;
+using screen::Icon;
+
+constexpr const char* kHeld =
+    "This record is apparently being updated elsewhere. You will not be able to change any information at "
+    "this "
+    "time.";
+
+/// Starts the second process before any file is open.
+struct WithOther {
+  test::OtherUser other_;
+};
+
+class Criteria : public WithOther, public test::ReportsTest {
+ protected:
+  Criteria() {
+    dw::SetReportGlobals(dw::ReportOf("DW_RptInventory"));
+    engine_->tables = {"Vehicles", "Divisions"};
+  }
+  dw::frmCriteriaList& List(const char* table = "Vehicles") {
+    auto& list = ui::The<dw::frmCriteriaList>();
+    list.LoadForm();
+    list.ReportID = table;
+    list.ShowForm();
+    test::Settle();
+    list.Grid().SetRow(0);
+    return list;
+  }
+  template <class Window>
+  Window& Opened(QWidget& grid, Qt::Key key) {
+    test::Press(grid, key);
+    return dynamic_cast<Window&>(test::Open(Window::kName));
+  }
+  dw::frmCriteriaMaint& OpenFirst() { return Opened<dw::frmCriteriaMaint>(List().Grid(), Qt::Key_Space); }
+  void ExpectSure(Answer answer) {
+    screen_->Expect("Are you sure you want to delete this record?", Icon::Question, Buttons::YesNo, answer);
+  }
+  std::string Queries() { return Sands("SELECT COUNT(*) FROM [Select and Sort Queries]"); }
+  std::string OfLine(const char* column, const char* table = "Selection Criteria") {
+    return Sands(std::string("SELECT [") + column + "] FROM [" + table + "] ORDER BY [ID] DESC");
+  }
+  static std::string Shown(QLabel* label) { return label->text().toStdString(); }
+};
+
+TEST_F(Criteria, TheListHasTheDefinitionsOfItsTable) {
+  auto& list = List();
+  EXPECT_EQ(list.windowTitle(), "Select and Sort Definitions");
+  screen_->Expect("You must first create or click on a query row.", Icon::Information);
+  test::Click(list, "UseButton");
+  EXPECT_TRUE(list.Grid().hasFocus());
+  for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Delete}) {
+    screen_->Expect("There are no records for which to display detail.", Icon::None);
+    test::Press(list.Grid(), key);
+  }
+  list.Unload();
+  test::Settle();
+  Definition("Others", true, "Divisions");
+  const std::int32_t mine = Definition("Mine", true);
+  Condition(mine, {{"Line Number", 1}});
+  Condition(mine + 1, {{"Line Number", 1}});
+  auto& filled = List();
+  EXPECT_EQ(filled.Grid().RecordCount(), 1);
+  EXPECT_EQ(filled.Grid().CellText(1), "Mine");
+  ExpectSure(Answer::Yes);
+  test::Press(filled.Grid(), Qt::Key_Delete);
+  EXPECT_EQ(filled.Grid().RecordCount(), 0);
+  EXPECT_EQ(Queries(), "1");
+  EXPECT_EQ(Sands("SELECT COUNT(*) FROM [Selection Criteria]"), "1");
+  filled.Unload();
+  test::Settle();
+  EXPECT_EQ(List("[Divisions],[Vehicles]").Grid().RecordCount(), 1) << "up to the comma, without brackets";
+}
+
+TEST_F(Criteria, ANewDefinitionIsStoredAtOnceAndGoesWithCancel) {
+  auto& form = Opened<dw::frmCriteriaMaint>(List().Grid(), Qt::Key_Insert);
+  EXPECT_EQ(Sands("SELECT [Primary Table] FROM [Select and Sort Queries]"), "Vehicles");
+  EXPECT_EQ(form.Text2.Text(), std::to_string(form.DataID));
+  EXPECT_EQ(Shown(form.lblWords), "All records.");
+  ASSERT_TRUE(form.focusWidget());
+  EXPECT_EQ(form.focusWidget()->objectName(), "Text1");
+  test::Click(form, "CancelButton");
+  EXPECT_EQ(Queries(), "0");
+
+  auto& kept = Opened<dw::frmCriteriaMaint>(List().Grid(), Qt::Key_Insert);
+  test::Type(kept, "Text1", "Old trucks");
+  test::Click(kept, "Check1");
+  test::Press(kept.Text1, Qt::Key_Return);
+  EXPECT_EQ(
+      Sands("SELECT [Description] & [Created By] FROM [Select and Sort Queries] WHERE [Permanent] = TRUE "
+            "AND [Updated By] IS NULL"),
+      "Old trucksTESTER");
+  EXPECT_EQ(ui::Existing<dw::frmCriteriaList>()->Grid().CellText(1), "Old trucks") << "the list shows it";
+
+  auto& changed = OpenFirst();
+  test::Type(changed, "Text1", "Trucks");
+  test::Click(changed, "CancelButton");
+  EXPECT_EQ(Sands("SELECT [Description] FROM [Select and Sort Queries]"), "Old trucks");
+}
+
+TEST_F(Criteria, AConditionIsEnteredChecksItsFieldsAndStoresItsLiteral) {
+  const std::int32_t query = Definition("Trucks", true);
+  Condition(query, {{"Line Number", 4},
+                    {"Field Name", "Class ID"},
+                    {"Comparison Operator", "="},
+                    {"Value", "'TRK'"},
+                    {"Connector", "AND"}});
+  engine_->rows = 1234;
+  auto& form = OpenFirst();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Shown(form.lblCount) == "1,234 records match now."; }, 5000))
+      << Shown(form.lblCount);
+  auto& line = Opened<dw::frmSelectMaint>(form.SelectGrid(), Qt::Key_Insert);
+  EXPECT_EQ(line.windowTitle(), "New Selection Row");
+  EXPECT_EQ(line.Text2.Text(), "5");
+  EXPECT_EQ(OfLine("Query ID"), "Null") << "a run meanwhile does not see it";
+  EXPECT_EQ(line.Combo4.Text(), "Vehicles");
+  EXPECT_TRUE(line.Combo4.HasItem("Divisions"));
+  EXPECT_TRUE(line.Combo1.HasItem("Purchase Date"));
+
+  screen_->Expect("You must select a field.", Icon::Critical);
+  test::Click(line, "OkButton");
+  test::Type(line, "Combo1", "No such");
+  screen_->Expect("The field name does not exist in the table. Select from the dropdown list.",
+                  Icon::Information);
+  test::Enter(line, "Combo2");
+  EXPECT_TRUE(line.Combo1.hasFocus());
+  test::Enter(line, "Combo1");
+  line.Combo1.lineEdit()->selectAll();
+  QTest::keyClicks(&line.Combo1, "purchase d");
+  test::Enter(line, "Combo2");
+  EXPECT_EQ(line.Combo1.Text(), "Purchase Date") << "completed";
+  screen_->Expect("You must select a comparison operator.", Icon::Critical);
+  test::Enter(line, "Text1");
+  screen_->Expect("You must select a comparison operator.", Icon::Critical);
+  test::Click(line, "OkButton");
+  line.Combo2.SetText(">=");
+  test::Type(line, "Text1", "1/1/99");
+  test::Enter(line, "Text3");
+  EXPECT_EQ(line.Text1.Text(), "Date(1999,1,1)");
+  test::Type(line, "Text3", "(");
+  test::Type(line, "Text5", "since when");
+  EXPECT_EQ(line.Text5.Text(), "Since When");
+  test::Type(line, "Text1", "1/2/1999");
+  test::Press(line.Text1, Qt::Key_Return);
+  EXPECT_FALSE(IsOpen("frmSelectMaint"));
+  EXPECT_EQ(OfLine("Field Name") + OfLine("Table Name") + OfLine("Value") + OfLine("Open Parentheses") +
+                OfLine("Comparison Operator") + OfLine("Runtime Value Prompt") + OfLine("Created By"),
+            "Purchase DateVehiclesDate(1999,1,2)(>=Since WhenTESTER");
+  EXPECT_EQ(OfLine("Query ID"), std::to_string(query));
+  EXPECT_EQ(Shown(form.lblWords), "Class ID is TRK and (Purchase Date is on or after 1/2/1999");
+  EXPECT_EQ(form.SelectGrid().RecordCount(), 2);
+
+  // The engine's fault is told where the definition is made.
+  engine_->fault = "Selection formula, column 60: ')' is missing.";
+  form.SelectGrid().SetRow(1);
+  auto& again = Opened<dw::frmSelectMaint>(form.SelectGrid(), Qt::Key_Space);
+  EXPECT_EQ(again.windowTitle(), "Selection Row");
+  test::Type(again, "Combo4", "Nowhere");
+  screen_->Expect("You must enter a valid table from the list.", Icon::None);
+  test::Enter(again, "Text2");
+  EXPECT_TRUE(again.Combo4.hasFocus());
+  test::Click(again, "CancelButton");
+  EXPECT_EQ(Shown(form.lblFault),
+            "The report would refuse this selection: Selection formula, column 60: ')' is missing.");
+  EXPECT_EQ(engine_->asked.back(),
+            "{Vehicles.Class ID} = 'TRK' AND ({Vehicles.Purchase Date} >= Date(1999,1,2)  ");
+  EXPECT_FALSE(form.lblCount->isVisible());
+
+  engine_->fault.clear();
+  ExpectSure(Answer::Yes);
+  form.SelectGrid().SetRow(1);
+  test::Press(form.SelectGrid(), Qt::Key_Delete);
+  EXPECT_EQ(Shown(form.lblWords), "Class ID is TRK and (nothing)");
+  EXPECT_EQ(Sands("SELECT COUNT(*) FROM [Selection Criteria]"), "1");
+}
+
+TEST_F(Criteria, ASortFieldIsEnteredAndTurnedRound) {
+  const std::int32_t query = Definition("Trucks", true);
+  auto& form = OpenFirst();
+  screen_->Expect("There are no records for which to display detail.", Icon::None);
+  test::Press(form.SortGrid(), Qt::Key_Space);
+  auto& line = Opened<dw::frmSortMaint>(form.SortGrid(), Qt::Key_Insert);
+  EXPECT_EQ(line.windowTitle(), "New Sort Row");
+  EXPECT_TRUE(line.Option1.isChecked());
+  line.TableCombo.SetText("Divisions");
+  screen_->Expect("You must select a field.", Icon::Critical);
+  test::Click(line, "OkButton");
+  test::Type(line, "FieldCombo", "Class ID");
+  screen_->Expect("The field name does not exist in the table. Select from the dropdown list.",
+                  Icon::Information);
+  test::Click(line, "OkButton");
+  EXPECT_TRUE(line.FieldCombo.hasFocus());
+  line.FieldCombo.SetText("Division ID");
+  test::Click(line, "Option2");
+  test::Click(line, "OkButton");
+  EXPECT_EQ(OfLine("Field Name", "Sort Criteria") + OfLine("Ascending or Descending", "Sort Criteria") +
+                OfLine("Line Number", "Sort Criteria"),
+            "Division IDD1");
+  EXPECT_EQ(Shown(form.lblWords), "All records.\nSorted by Division ID of Divisions (descending)");
+  auto& again = Opened<dw::frmSortMaint>(form.SortGrid(), Qt::Key_Space);
+  EXPECT_TRUE(again.Option2.isChecked());
+  test::Click(again, "Option1");
+  test::Click(again, "OkButton");
+  EXPECT_EQ(OfLine("Ascending or Descending", "Sort Criteria") + OfLine("Updated By", "Sort Criteria"),
+            "ATESTER");
+  EXPECT_EQ(OfLine("Query ID", "Sort Criteria"), std::to_string(query));
+}
+
+TEST_F(Criteria, WhatSomebodyElseHoldsIsForReading) {
+  const std::int32_t query = Definition("Trucks", true);
+  Condition(query, {{"Line Number", 1}, {"Field Name", "Class ID"}});
+  other_.Hold(fleet_.Path(kSands), "SELECT * FROM [Select and Sort Queries]");
+  screen_->Expect(kHeld, Icon::Information);
+  screen_->ExpectPart("Current Computers In Use:", Icon::Information);
+  auto& form = OpenFirst();
+  EXPECT_FALSE(form.OkButton->isEnabled());
+  EXPECT_FALSE(form.Text1.isEnabled());
+  EXPECT_EQ(form.SelectGrid().RecordCount(), 1);
+  test::Click(form, "CancelButton");
+  EXPECT_EQ(Queries(), "1");
+  other_.Leave();
+
+  auto& mine = OpenFirst();
+  EXPECT_TRUE(mine.OkButton->isEnabled());
+  EXPECT_THROW(fleet_.Run("UPDATE [Select and Sort Queries] SET [Description] = 'x'", kSands),
+               store::StoreError)
+      << "held until OK or Cancel";
+  mine.Unload();
+}
+
+TEST_F(Criteria, AVanishedDefinitionAndAVanishedLineAreTold) {
+  const std::int32_t query = Definition("Trucks", true);
+  const std::int32_t id = Condition(query, {{"Line Number", 1}});
+  auto& form = OpenFirst();
+  fleet_.Run("DELETE * FROM [Selection Criteria]", kSands);
+  screen_->Expect("Internal Error: Unable to re-read record #" + std::to_string(id) + ".", Icon::Information);
+  test::Press(form.SelectGrid(), Qt::Key_Space);
+  EXPECT_FALSE(IsOpen("frmSelectMaint"));
+  EXPECT_EQ(form.SelectGrid().RecordCount(), 0);
+  test::Click(form, "CancelButton");
+  auto& list = List();
+  fleet_.Run("DELETE * FROM [Select and Sort Queries]", kSands);
+  screen_->Expect("Internal Error: Unable to re-read record #" + std::to_string(query) + ".",
+                  Icon::Information);
+  test::Press(list.Grid(), Qt::Key_Space);
+  EXPECT_FALSE(IsOpen("frmCriteriaMaint"));
+}
+
+TEST_F(Criteria, TheWindowsOfAModalListTakeInputAndASecondOneKeepsItsRecord) {
+  const std::int32_t first = Definition("A first", true);
+  Definition("B second", true);
+  auto& list = ui::The<dw::frmCriteriaList>();
+  list.LoadForm();
+  list.ReportID = "Vehicles";
+  QTimer::singleShot(0, [&] {
+    list.Grid().SetRow(0);
+    auto& form = Opened<dw::frmCriteriaMaint>(list.Grid(), Qt::Key_Space);
+    auto& line = Opened<dw::frmSelectMaint>(form.SelectGrid(), Qt::Key_Insert);
+    test::Click(line, "CancelButton");
+    EXPECT_FALSE(IsOpen("frmSelectMaint"));
+    // Back in the list, another record does not take the place of the one that is open.
+    list.activateWindow();
+    list.Grid().SetRow(1);
+    test::Press(list.Grid(), Qt::Key_Space);
+    EXPECT_EQ(form.DataID, first);
+    EXPECT_EQ(ui::ActiveForm(), &form);
+    test::Click(form, "OkButton");
+    test::Click(list, "CloseButton");
+  });
+  list.ShowModal();
+  EXPECT_FALSE(IsOpen("frmCriteriaMaint"));
+}
+
+TEST_F(Criteria, KeysTypedWithoutALookReachTheirWindows) {
+  test::Settle();
+  List().Grid().setFocus();
+  test::Settle();
+  std::vector<test::Key> keys{{Qt::Key_Insert}};
+  for (const test::Key& key : test::Letters("Fast")) keys.push_back(key);
+  keys.push_back({Qt::Key_Return});
+  keys.push_back({Qt::Key_Space});
+  keys.push_back({Qt::Key_End});
+  for (const test::Key& key : test::Letters("er")) keys.push_back(key);
+  keys.push_back({Qt::Key_Return});
+  EXPECT_EQ(test::TypeFast(keys, 1), 0);
+  EXPECT_FALSE(IsOpen("frmCriteriaMaint"));
+  EXPECT_EQ(Sands("SELECT [Description] FROM [Select and Sort Queries]"), "Faster");
+  EXPECT_EQ(Queries(), "1");
+}
+
+}  // namespace
