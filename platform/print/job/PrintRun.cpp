@@ -129,13 +129,16 @@ std::shared_ptr<ReportRun> MakeRun(const PrintJob& job) {
 
 /// Only characters that every file system takes.
 std::string FileNameOf(const std::string& title) {
+  constexpr std::size_t kLongest = 80;
   std::string name;
-  for (const char c : title.substr(0, 80)) {
+  for (const char c : title.substr(0, kLongest)) {
     const bool odd = static_cast<unsigned char>(c) < ' ' || std::strchr("/\\:*?\"<>|%", c) != nullptr;
     name += odd ? '-' : c;
   }
-  // The cut may have gone through a character.
-  while (!name.empty() && static_cast<unsigned char>(name.back()) >= 0x80) name.pop_back();
+  if (title.size() > kLongest) {
+    // The cut may have gone through a character.
+    while (!name.empty() && rt::IsContinuation(title[name.size()])) name.pop_back();
+  }
   while (!name.empty() && (name.back() == ' ' || name.back() == '.')) name.pop_back();
   return name.empty() || name.front() == '.' || name.front() == '-' ? "Report" + name : name;
 }
