@@ -11,6 +11,7 @@
 #include "platform/controls/DataControl.h"
 #include "platform/controls/Form.h"
 #include "platform/controls/QtScreen.h"
+#include "platform/print/job/CupsQueue.h"
 #include "platform/print/job/Destinations.h"
 #include "platform/print/job/PrintDialog.h"
 #include "platform/print/view/DesktopMailer.h"
@@ -52,6 +53,7 @@ std::shared_ptr<screen::Screen> Desktop() {
 void InstallReportDestinations() {
   print::InstallViewer(std::make_shared<print::PreviewViewer>());
   print::InstallPrintDialog(std::make_shared<print::QtPrintDialog>(kApplicationCode));
+  print::InstallPrinterQueue(print::MakeCupsQueue());
   print::InstallMailer(std::make_shared<print::DesktopMailer>());
 }
 
