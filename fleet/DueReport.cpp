@@ -156,8 +156,13 @@ class Run {
     log_.Line(kRule);
     log_.Line("");
     // A full disk ends the loop early; closing the log reports it.
-    for (std::size_t ahead = 1; !assets.AtEnd() && log_.Healthy(); ahead = std::min(ahead * 4, kMostAhead))
-      for (const AssetRow& row : Ahead(assets, ahead)) WriteAsset(row);
+    for (; !assets.AtEnd() && log_.Healthy(); assets.MoveNext()) {
+      // Another user may have deleted it.
+      const auto row = UnlessDeleted([&] {
+        return AssetRow{assetID_.Of(assets), description_.Of(assets), purchaseDate_.Of(assets)};
+      });
+      if (row) WriteAsset(*row);
+    }
     log_.Line(kRule);
     log_.Line("--- End of Schedule ---");
     log_.Line(kRule);
@@ -172,25 +177,10 @@ class Run {
     rt::Value description;
     rt::Value purchaseDate;
   };
-  static constexpr std::size_t kMostAhead = 64;
 
   AdoRecordsetPtr Opened(const std::string& sql) {
     auto rows = std::make_shared<ado::Recordset>();
     rows->Open(sql, connection_, ado::adOpenKeyset, ado::adLockReadOnly);
-    return rows;
-  }
-
-  /// The next rows in one look, without those that another user has deleted. Only a few at first: a change of
-  /// a row that has been read ahead goes unseen.
-  std::vector<AssetRow> Ahead(ado::Recordset& assets, std::size_t count) {
-    const store::Reading reading(connection_->Store());
-    std::vector<AssetRow> rows;
-    for (; !assets.AtEnd() && rows.size() < count; assets.MoveNext()) {
-      auto row = UnlessDeleted([&] {
-        return AssetRow{assetID_.Of(assets), description_.Of(assets), purchaseDate_.Of(assets)};
-      });
-      if (row) rows.push_back(std::move(*row));
-    }
     return rows;
   }
 

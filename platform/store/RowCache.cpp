@@ -86,7 +86,8 @@ bool RowCache::CanReadAll() const {
 RowCache::Asked RowCache::NoteMissing(const rt::Value& leading) {
   if (!canReadAll_) return Asked::Once;
   const auto [asked, first] = asked_.emplace(KeyOf({leading}), Asked::Once);
-  return first || asked->second != Asked::Once ? asked->second : Asked::Again;
+  if (first) return alone_ ? Asked::Again : Asked::Once;
+  return asked->second == Asked::Once ? Asked::Again : asked->second;
 }
 
 bool RowCache::IsKey(std::size_t column) const {

@@ -44,18 +44,23 @@ class RowCache {
   bool Retired() const { return retired_; }
   void Retire() { retired_ = true; }
 
-  /// How often a record was missing here that has this value in the first field of its key.
+  /// What was asked before about the records with this value in the first field of their key.
   enum class Asked {
-    Once,      ///< or the other records with this value cannot be read in advance
-    Again,     ///< whoever asks for two of these records will ask for more, so that all should be read now
+    Once,      ///< for one record; or the others cannot be read in advance
+    Again,     ///< so much that all of them should be read now
     All,       ///< they have all been read: one that is missing is not in the file
     OneByOne,  ///< they cannot all be read: there are too many of them, or one has an impossible value
   };
+  /// A record is missing here. As long as this connection is alone in writing, what is read stays true, and
+  /// the first one is enough for Again. Otherwise it takes two.
   Asked NoteMissing(const rt::Value& leading);
   /// What an attempt to read all records with this value has come to.
   void NoteRead(const rt::Value& leading, Asked result) { asked_[KeyOf({leading})] = result; }
-  /// Forgets which records have been read.
-  void ForgetRead() { asked_.clear(); }
+  /// Somebody else has written, or the rows are given up: forgets which records have been read.
+  void ForgetRead() {
+    asked_.clear();
+    alone_ = false;
+  }
 
   /// A change of all columns but the key, for rows as they are kept here.
   const RecordUpdate& Update() const { return *update_; }
@@ -80,6 +85,7 @@ class RowCache {
   std::string insertMany_;
   std::shared_ptr<const std::string> insertOne_;
   bool canReadAll_;
+  bool alone_ = true;                             ///< nobody else has written since the cache began
   std::unordered_map<std::string, Asked> asked_;  ///< by the first value of the key
   std::unordered_map<std::string, std::shared_ptr<CachedRow>> rows_;
   std::vector<std::shared_ptr<CachedRow>> dirty_;

@@ -8,10 +8,35 @@
 namespace store {
 namespace {
 
-/// How long others may have to wait before they can commit.
-constexpr std::chrono::milliseconds kLongestLook{4};
+using Clock = std::chrono::steady_clock;
+
 /// The clock is asked once for this many records: that takes as long as reading one of them.
 constexpr int kRecordsBetweenClocks = 64;
+
+/// Says when a look at the file has to end because others want to commit.
+class Look {
+ public:
+  explicit Look(const Holds& others) : others_(others) {}
+  void Begin() {
+    end_ = Clock::now() + kLongest;
+    nextQuestion_ = Clock::now() + kBetweenQuestions;
+  }
+  bool Over() {
+    const auto now = Clock::now();
+    if (now < nextQuestion_) return false;
+    nextQuestion_ = now + kBetweenQuestions;
+    return now > end_ || others_.OthersWait();
+  }
+
+ private:
+  static constexpr std::chrono::microseconds kBetweenQuestions{500};
+  /// Other tools cannot show that they wait.
+  static constexpr std::chrono::milliseconds kLongest{25};
+
+  const Holds& others_;
+  Clock::time_point end_;
+  Clock::time_point nextQuestion_;
+};
 
 std::string ScanStatement(const Statements& texts, const TableInfo& table,
                           const std::vector<std::string>& columns) {
@@ -36,24 +61,23 @@ std::string_view ScannedRecord::Text(int column) const { return statement_.View(
 void ScanTable(const std::shared_ptr<Connection>& connection, std::string_view table,
                const std::vector<std::string>& columns,
                const std::function<void(const ScannedRecord&)>& look) {
-  using Clock = std::chrono::steady_clock;
-  const auto schema = connection->Tables();
+  Connection::Impl& impl = connection->Internals();
+  const auto schema = impl..Tables();
   const TableInfo* info = schema->Find(table);
   if (!info) throw StoreError(kTableNotFound, "There is no table '" + std::string(table) + "'.");
-  Connection::Impl& impl = connection->Internals();
   const std::string sql = ScanStatement(impl.Texts(), *info, columns);
   std::int64_t reached = std::numeric_limits<std::int64_t>::min();
   for (bool more = true; more;) {
     Question use(impl, *info, sql);
     use.Bind(1, reached);
-    Clock::time_point end;
+    Look current(impl.Holds());
     for (int seen = 0; (more = use.Step()); ++seen) {
       // The first step may have waited for another's commit, which is no part of the look.
-      if (seen == 0) end = Clock::now() + kLongestLook;
+      if (seen == 0) current.Begin();
       const ScannedRecord record(use.Statement());
       reached = record.Key();
       look(record);
-      if (seen % kRecordsBetweenClocks == kRecordsBetweenClocks - 1 && Clock::now() > end) break;
+      if (seen % kRecordsBetweenClocks == kRecordsBetweenClocks - 1 && current.Over()) break;
     }
   }
 }
