@@ -34,6 +34,10 @@ class Connection::Impl {
   /// See Session.
   std::shared_ptr<const QueryPlan> Plan(const Normalized& statement);
   std::shared_ptr<const Schema> TablesNow();
+  std::shared_ptr<const Schema> Tables() {
+    Ready();
+    return session_->Tables();
+  }
   std::vector<std::string> Check();
   std::int64_t Version() { return session_->Version(); }
   /// A definition has changed, until the end of the transaction or its rollback.

@@ -62,7 +62,7 @@ void ScanTable(const std::shared_ptr<Connection>& connection, std::string_view t
                const std::vector<std::string>& columns,
                const std::function<void(const ScannedRecord&)>& look) {
   Connection::Impl& impl = connection->Internals();
-  const auto schema = impl..Tables();
+  const auto schema = impl.Tables();
   const TableInfo* info = schema->Find(table);
   if (!info) throw StoreError(kTableNotFound, "There is no table '" + std::string(table) + "'.");
   const std::string sql = ScanStatement(impl.Texts(), *info, columns);
