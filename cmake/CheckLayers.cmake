@@ -103,7 +103,7 @@ may_use(tools/dwadmin ${rules} ${engine} platform/print/job shell costing fleet 
 may_use(tools/picture Qt)
 may_use(tools/release data)
 may_use(tools/screenshots ${widgets} program shell/forms costing/forms fleet/forms reports reports/forms tools/dwadmin)
-may_use(bench ${rules} costing fleet tools/dwadmin sqlite3 support)
+may_use(bench ${engine} ${rules} costing fleet tools/dwadmin sqlite3 support)
 may_use(bench/desktop ${widgets} bench program shell/forms costing/forms fleet/forms)
 
 # Tests may include everything.
