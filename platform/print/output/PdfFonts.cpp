@@ -141,7 +141,8 @@ void PdfFont::AppendString(std::string& out, std::string_view line) {
     }
     i += bytes;
     if (code == '\t') code = ' ';
-    if (FontTable::IsInvisible(code)) continue;
+    const bool plain = code >= 0x20 && code < 0x7F;
+    if (!plain && FontTable::IsInvisible(code)) continue;
     const std::uint16_t number = CharacterNumber(code);
     AppendByte(out, number >> 8U);
     AppendByte(out, number & 0xFFU);
