@@ -17,6 +17,8 @@ class Keeper : public BandSink {
   void Detail(BuiltBand detail) override;
   void CloseGroup(int group, BuiltBand footer) override;
   void ReportFooter(BuiltBand footer);
+  /// What comes next begins a page.
+  void BreakNext() { breakNext_ = true; }
   /// Places all that is held back.
   void Flush();
 

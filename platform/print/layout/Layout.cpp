@@ -99,6 +99,7 @@ void LayOut(const ReportDefinition& report, const ReportRows& rows, const Layout
   const bool any = rows.rows.Count() > 0;
 
   BuiltBand header = composer.ReportHeader();
+  if (header.newPageAfter) keeper.BreakNext();
   if (header.Seen()) paginator.Place(std::move(header));
   if (!composer.Run(keeper)) {
     paginator.Abandon();
