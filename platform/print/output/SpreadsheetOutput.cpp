@@ -90,7 +90,7 @@ class SpreadsheetRows {
       for (const Cell* cell : titles) {
         const std::string text = texts_.Joined(*cell);
         if (text.empty()) continue;
-        CellLook look;
+        SheetLook look;
         look.style = cell->style;
         book_.Text(column++, text, look);
       }
@@ -105,7 +105,7 @@ class SpreadsheetRows {
   void WriteHeadings() {
     const int row = book_.Row();
     for (const Cell& cell : headings_) {
-      CellLook look;
+      SheetLook look;
       look.style = cell.style;
       look.align = cell.align;
       look.wrapped = true;
@@ -156,7 +156,7 @@ class SpreadsheetRows {
     const rt::Value value = texts_.Value(cell);
     // A subreport's numbers would be counted by the sums of the rows around them.
     const std::optional<double> number = band.subreport > 0 ? std::nullopt : NumberOf(value);
-    CellLook look;
+    SheetLook look;
     look.style = cell.style;
     look.align = cell.align;
     look.lineAbove = HasLineAbove(band, cell);
@@ -174,7 +174,7 @@ class SpreadsheetRows {
   }
 
   void WriteNumber(const PlacedBand& band, const Cell& cell, const rt::Value& value, int column,
-                   double number, int lastRow, const CellLook& look) {
+                   double number, int lastRow, const SheetLook& look) {
     const auto place = static_cast<std::size_t>(column);
     const bool inTable = place < table_.All().size();
     if (band.kind == BandKind::Detail) {

@@ -132,7 +132,7 @@ void WorkbookFile::NewSheet() {
   worksheet_set_footer(sheet_, "&RPage &P of &N");
 }
 
-lxw_format* WorkbookFile::Format(const CellLook& look) {
+lxw_format* WorkbookFile::Format(const SheetLook& look) {
   const LookKey key{static_cast<int>(look.style.face),
                     look.style.size > 11 * kPoint ? look.style.size : 0,
                     ColorNumber(look.style.color),
@@ -161,18 +161,18 @@ lxw_format* WorkbookFile::Format(const CellLook& look) {
   return format;
 }
 
-void WorkbookFile::Text(int column, const std::string& text, const CellLook& look) {
+void WorkbookFile::Text(int column, const std::string& text, const SheetLook& look) {
   const std::string fitting = Fitting(text);
   worksheet_write_string(sheet_, static_cast<lxw_row_t>(row_), static_cast<lxw_col_t>(column),
                          fitting.c_str(), Format(look));
 }
 
-void WorkbookFile::Number(int column, double number, const CellLook& look) {
+void WorkbookFile::Number(int column, double number, const SheetLook& look) {
   worksheet_write_number(sheet_, static_cast<lxw_row_t>(row_), static_cast<lxw_col_t>(column), number,
                          Format(look));
 }
 
-void WorkbookFile::Sum(int column, int first, int last, double number, const CellLook& look) {
+void WorkbookFile::Sum(int column, int first, int last, double number, const SheetLook& look) {
   std::array<char, LXW_MAX_CELL_RANGE_LENGTH> range{};
   lxw_rowcol_to_range(range.data(), static_cast<lxw_row_t>(first), static_cast<lxw_col_t>(column),
                       static_cast<lxw_row_t>(last), static_cast<lxw_col_t>(column));

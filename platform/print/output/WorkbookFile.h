@@ -18,7 +18,7 @@ struct lxw_worksheet;
 namespace print {
 
 /// How a cell looks.
-struct CellLook {
+struct SheetLook {
   TextStyle style;
   Align align = Align::Left;
   std::string numbers;  ///< a spreadsheet's number format; empty: general
@@ -40,11 +40,11 @@ class WorkbookFile {
   /// The number of the sheet, from 1.
   int Sheet() const { return sheetNumber_; }
   /// A text, never taken for a formula.
-  void Text(int column, const std::string& text, const CellLook& look);
-  void Number(int column, double number, const CellLook& look);
+  void Text(int column, const std::string& text, const SheetLook& look);
+  void Number(int column, double number, const SheetLook& look);
   /// The sum of the rows from `first` to `last` in the column, which is `number`; sums among these rows are
   /// not counted twice.
-  void Sum(int column, int first, int last, double number, const CellLook& look);
+  void Sum(int column, int first, int last, double number, const SheetLook& look);
   /// Ends the row; `level` is its depth in the outline.
   void NextRow(int level);
   /// The rows down to the present one stay on the screen and stand on each printed page.
@@ -54,7 +54,7 @@ class WorkbookFile {
 
  private:
   void NewSheet();
-  lxw_format* Format(const CellLook& look);
+  lxw_format* Format(const SheetLook& look);
   void CheckTemporaryRoom();
 
   const ReportFacts& facts_;
