@@ -120,7 +120,10 @@ class CsvRows {
           if (key.ordinal > 0) label += "." + std::to_string(key.ordinal + 1);
         }
         Name(key, label);
-        keys_[key] = Seen(PlainValue(cell->value, texts_.Joined(*cell)));
+        std::string text = PlainValue(cell->value, texts_.Joined(*cell));
+        // A code joined with a description that is missing.
+        while (text.ends_with(' ')) text.pop_back();
+        keys_[key] = Seen(text);
         label.clear();
       }
     }
@@ -161,7 +164,10 @@ class CsvRows {
   }
 
   void EndRow(bool write) {
-    if (rowOpen_ && write) {
+    // A form's blank lines are no rows.
+    const bool blank =
+        std::all_of(row_.begin(), row_.end(), [](const auto& entry) { return entry.second.empty(); });
+    if (rowOpen_ && write && !blank) {
       std::vector<std::string> fields(columns_.size());
       for (const auto* values : {&keys_, &row_})
         for (const auto& [key, text] : *values)

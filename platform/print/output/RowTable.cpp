@@ -1,6 +1,7 @@
 #include "platform/print/output/RowTable.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 
 #include "platform/print/fonts/Fonts.h"
@@ -16,12 +17,14 @@ bool IsRow(const PlacedBand& band) { return band.kind == BandKind::Detail && ban
 
 TableColumns::TableColumns(const PageStore& pages) {
   std::set<int> used;
+  std::set<int> usedByRows;
   std::map<Length, TableColumn> free;
   ReadThrough(pages, {}, [&](const Page&, const PlacedBand& band) {
     hasDetails_ = hasDetails_ || IsRow(band);
     if (band.subreport == 0) innermostGroup_ = std::max(innermostGroup_, band.group);
     for (const Cell& cell : band.cells) {
       if (cell.column >= 0) used.insert(cell.column);
+      if (cell.column >= 0 && IsRow(band) && !cell.heading) usedByRows.insert(cell.column);
       if (cell.column >= 0 || !IsRow(band)) continue;
       TableColumn& column = free[cell.box.left];
       column.left = cell.box.left;
@@ -40,7 +43,18 @@ TableColumns::TableColumns(const PageStore& pages) {
     const ReportFacts::Column& column = known[static_cast<std::size_t>(place)];
     found.push_back({{Clean(column.heading), column.left, column.width, column.align, column.format}, place});
   }
-  for (const auto& [left, column] : free) found.push_back({column, -1});
+  // A free cell below a heading whose column has no cells of its own is what the heading means.
+  std::map<Length, int> under;
+  for (const auto& [left, column] : free) {
+    const auto heading = std::find_if(found.begin(), found.end(), [&, edge = left](const Found& entry) {
+      return entry.definition >= 0 && !usedByRows.contains(entry.definition) &&
+             std::abs(entry.column.left - edge) <= kTolerance;
+    });
+    if (heading == found.end())
+      found.push_back({column, -1});
+    else
+      under[left] = heading->definition;
+  }
   if (found.empty()) found.push_back({{"", 0, pages.Facts().pageWidth, Align::Left, ""}, -1});
   std::stable_sort(found.begin(), found.end(),
                    [](const Found& a, const Found& b) { return a.column.left < b.column.left; });
@@ -52,6 +66,7 @@ TableColumns::TableColumns(const PageStore& pages) {
     else
       ofFree_[entry.column.left] = place;
   }
+  for (const auto& [left, definition] : under) ofFree_[left] = ofColumn_.at(definition);
 }
 
 int TableColumns::PlaceOf(const Cell& cell) const {

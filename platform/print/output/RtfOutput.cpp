@@ -135,7 +135,8 @@ class RtfDocument {
     if (const int space = SpaceBefore(page, band, row, place); space > 0)
       properties += "\\sb" + std::to_string(space);
     if (band.kind == BandKind::GroupHeader) properties += "\\keepn";
-    if (borders.above) properties += "\\brdrt\\brdrs\\brdrw10";
+    // Like paragraphs in a row would share one line above all of them without the one between.
+    if (borders.above) properties += "\\brdrt\\brdrs\\brdrw10\\brdrbtw\\brdrs\\brdrw10";
     if (borders.below) properties += "\\brdrb\\brdrs\\brdrw10";
     const bool lined =
         band.kind != BandKind::Detail && std::any_of(row.begin(), row.end(), [&](const Cell* cell) {

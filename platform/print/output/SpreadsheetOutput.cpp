@@ -166,7 +166,8 @@ class SpreadsheetRows {
       return true;
     }
     const bool whole = value.Type() == rt::ValueType::Text && cell.format.empty();
-    const std::string text = whole ? CleanLines(value.AsText()) : texts_.Joined(cell);
+    std::string text = whole ? CleanLines(value.AsText()) : texts_.Joined(cell);
+    while (text.ends_with(' ') || text.ends_with('\n')) text.pop_back();
     if (text.empty()) return false;
     look.wrapped = cell.lines.size() > 1;
     book_.Text(column, text, look);

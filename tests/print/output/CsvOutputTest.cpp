@@ -110,6 +110,21 @@ TEST(CsvOutput, HasTheSumsOfTheGroupsWhereRowsAreHidden) {
                                                    {"Wagons", "", "", "", "-1"}}));
 }
 
+TEST(CsvOutput, FreeCellsBelowAHeadingAreItsColumn) {
+  test::SampleReport report;
+  report.Row(rt::DateTime(2026, 1, 2), "a", 1, "1", "$1.00");
+  report.Last().cells.front() =
+      test::TextCell(36 * test::kPt, report.Last().box.top, 60 * test::kPt, "BUS-1");
+  // A row of a form that people fill in.
+  report.Row(rt::DateTime(2026, 1, 2), "", 1, "1", "$1.00");
+  for (Cell& cell : report.Last().cells) {
+    cell.lines = {""};
+    cell.value = {};
+  }
+  report.Last().cells.erase(report.Last().cells.begin());
+  EXPECT_EQ(AsCsv(report.Finish()), "Date,Notes,Miles,Cost\r\nBUS-1,a,1,1\r\n");
+}
+
 TEST(CsvOutput, IsMarkedOnlyWhereItMustBe) {
   test::SampleReport plain;
   plain.Row(rt::DateTime(2026, 1, 2), "plain", 1, "1", "$1.00");
