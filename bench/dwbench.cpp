@@ -1,4 +1,4 @@
-// Measures the system on fleets that it makes itself: dwbench posting|list|due|statements [size], dwbench
+// Measures the system on fleets that it makes itself: dwbench posting|list|due|statements|rows [size], dwbench
 // walk [seconds], dwbench micro [benchmark options].
 #include <cstdio>
 #include <cstdlib>
@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
     if (what == "list") return bench::Lists(size > 0 ? size : 1000000);
     if (what == "due") return bench::Due(size > 0 ? size : 10000);
     if (what == "statements") return bench::Statements(size > 0 ? size : 835);
+    if (what == "rows") return bench::ReportRows(size > 0 ? size : 1000000);
 #ifdef DWBENCH_WALK
     if (what == "walk") return bench::Walk(size > 0 ? size : 10);
 #endif
@@ -25,7 +26,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   std::fprintf(stderr,
-               "usage: dwbench posting|list|due|statements [size]\n       dwbench walk [seconds]\n"
+               "usage: dwbench posting|list|due|statements|rows [size]\n       dwbench walk [seconds]\n"
                "       dwbench micro [benchmark options]\n");
   return 2;
 }

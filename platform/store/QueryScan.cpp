@@ -12,14 +12,17 @@ rt::Value QueriedRow::Value(int column) const {
   return row_.Decode(column, types_[static_cast<std::size_t>(column)]);
 }
 
-bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view sql,
+bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view sql, Ties ties,
                const std::function<bool(const QueriedRow&)>& look) {
   std::vector<rt::Value> parameters;
   const auto plan = connection->Plan(sql, &parameters);
   if (plan->translation.kind != StatementKind::Select)
     throw StoreError(kSelectNotExecuted, "Only a SELECT gives rows: " + std::string(sql));
   Connection::Impl& impl = connection->Internals();
-  const std::string statement = plan->keyed ? impl.Texts().RowsInOrder(plan->translation) : plan->whole;
+  const Statements& texts = impl.Texts();
+  const std::string statement = !plan->keyed           ? plan->whole
+                                : ties == Ties::ByKeys ? texts.RowsInOrder(plan->translation)
+                                                       : texts.RowsInAnyOrder(plan->translation);
   const int keys = plan->keyed ? static_cast<int>(plan->translation.tables.size()) : 0;
   Question use(impl, plan->translation, statement);
   use.BindAll(parameters);

@@ -31,13 +31,19 @@ class QueriedRow {
   const std::vector<ColumnType>& types_;
 };
 
-/// Calls `look` for each row of a SELECT, in its order and, where that leaves rows equal, by ascending keys.
+/// What decides among rows that a query's own order leaves equal.
+enum class Ties {
+  ByKeys,  ///< ascending keys
+  Any,     ///< nothing: the quickest way through the tables
+};
+
+/// Calls `look` for each row of a SELECT, in its order and, where that leaves rows equal, as `ties` says.
 /// All rows are of one moment; others cannot commit until the reading ends. It ends early, and returns false,
 /// if `look` returns false. `look` must not use the connection, nor write to the file by another one.
 ///
 /// Throws StoreError as Connection::Plan does, 3065 for a statement that gives no rows, and what reading a
 /// file can give.
-bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view sql,
+bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view sql, Ties ties,
                const std::function<bool(const QueriedRow&)>& look);
 
 }  // namespace store

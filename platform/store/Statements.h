@@ -26,6 +26,8 @@ class Statements {
   virtual std::string KeysInOrder(const Translation& query) const = 0;
   /// The keys and columns of all rows, in the order of KeysInOrder.
   virtual std::string RowsInOrder(const Translation& query) const = 0;
+  /// The same where only the query's own order counts.
+  virtual std::string RowsInAnyOrder(const Translation& query) const = 0;
   enum class WhichKeys { All, One };
   /// The leading keys of all rows, ascending, each once. With `One`: the key :k0 where that row is among
   /// them.

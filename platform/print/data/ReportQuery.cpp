@@ -1,6 +1,7 @@
 #include "platform/print/data/ReportQuery.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "platform/print/PrintError.h"
@@ -87,7 +88,7 @@ class RunReader {
         warnings_(warnings),
         now_(rt::Now()),
         connection_(store::Connection::Open({request.dataFile, store::Share::Shared, true})),
-        look_(connection_),
+        look_(std::in_place, connection_),
         schema_(connection_->Tables()) {}
 
   std::unique_ptr<ReportRows> Read(const ReportDefinition& report) {
@@ -107,22 +108,43 @@ class RunReader {
     }
     RowCollector collector(source, report.fields.size(), now_);
     for (const auto& subreport : report.subreports) collector.Collect(subreport.outerField);
-    Prepare(report, collector, keys);
+    Prepare(report, collector, std::move(keys));
     if (!selection.Empty()) collector.AddTest(&selection);
     const std::string condition = Joined(Pushed(report.rowTest, source), Pushed(selection, source));
-    if (!ReadAll(source, condition, OrderOf(keys, source), collector)) return nullptr;
+    if (!ReadAll(source, condition, collector)) return nullptr;
+    Row blank = BlankRow(report, source);
+    std::vector<std::unique_ptr<InnerReading>> inner;
+    for (std::size_t i = 0; i < report.subreports.size(); ++i) {
+      inner.push_back(
+          std::make_unique<InnerReading>(*report.subreports[i].report, *schema_, request_.dataFile, now_));
+      if (!ReadInner(report.subreports[i], collector.Collected(i), *inner.back())) return nullptr;
+    }
+    // Ordering takes its time, in which others may write.
+    look_.reset();
+    connection_.reset();
     collector.Report(warnings_);
     auto rows = collector.Finish();
-    rows->blank = BlankRow(report, source);
-    for (std::size_t i = 0; i < report.subreports.size(); ++i) {
-      auto inner = ReadInner(report.subreports[i], collector.Collected(i));
-      if (!inner.rows) return nullptr;
-      rows->subreports.push_back(std::move(inner));
+    rows->blank = std::move(blank);
+    for (std::size_t i = 0; i < inner.size(); ++i) {
+      inner[i]->collector.Report(warnings_);
+      ReportRows::Inner found;
+      found.rows = inner[i]->collector.Finish();
+      found.find = FinderOf(found.rows->rows, report.subreports[i].innerField);
+      rows->subreports.push_back(std::move(found));
     }
     return rows;
   }
 
  private:
+  /// The rows of a subreport until they are in order.
+  struct InnerReading {
+    InnerReading(const ReportDefinition& report, const store::Schema& schema, const std::string& dataFile,
+                 rt::DateTime now)
+        : source(report, schema, dataFile), collector(source, report.fields.size(), now) {}
+    QuerySource source;
+    RowCollector collector;
+  };
+
   static std::vector<RowKey> GroupKeys(const ReportDefinition& report) {
     std::vector<RowKey> keys;
     for (const auto& group : report.groups) {
@@ -160,29 +182,11 @@ class RunReader {
     return key;
   }
 
-  void Prepare(const ReportDefinition& report, RowCollector& collector,
-               const std::vector<RowKey>& keys) const {
+  void Prepare(const ReportDefinition& report, RowCollector& collector, std::vector<RowKey> keys) const {
     if (!report.rowTest.Empty()) collector.AddTest(&report.rowTest);
-    if (!InSql(keys)) collector.OrderBy(keys);
+    collector.OrderBy(std::move(keys));
     for (std::size_t i = 1; i < report.tables.size(); ++i)
       if (!FindsOne(report.tables[i], *schema_)) collector.ShowEachOnce();
-  }
-
-  /// SQL orders by fields; a formula among the keys makes all of them a matter of memory.
-  static bool InSql(const std::vector<RowKey>& keys) {
-    return std::all_of(keys.begin(), keys.end(), [](const RowKey& key) { return key.field >= 0; });
-  }
-
-  static std::string OrderOf(const std::vector<RowKey>& keys, const QuerySource& source) {
-    if (!InSql(keys)) return {};
-    std::string order;
-    for (const auto& key : keys) {
-      // A picture has no order.
-      const QueryColumn column = source.ColumnOf(key.field);
-      if (column.type == store::ColumnType::LongBinary) continue;
-      order += (order.empty() ? "" : ", ") + column.name + (key.descending ? " DESC" : "");
-    }
-    return order;
   }
 
   std::string Pushed(const Formula& selection, const QuerySource& source) const {
@@ -195,12 +199,11 @@ class RunReader {
     return a.empty() || b.empty() ? a + b : a + " AND " + b;
   }
 
-  bool ReadAll(const QuerySource& source, const std::string& condition, const std::string& order,
-               RowCollector& collector) {
+  /// Rows come as the file has them: to order them here would keep others waiting longer.
+  bool ReadAll(const QuerySource& source, const std::string& condition, RowCollector& collector) {
     const std::string sql = "SELECT " + source.ColumnList() + " FROM " + source.From() +
-                            (condition.empty() ? "" : " WHERE " + condition) +
-                            (order.empty() ? "" : " ORDER BY " + order);
-    return store::ReadQuery(connection_, sql, [&](const store::QueriedRow& row) {
+                            (condition.empty() ? "" : " WHERE " + condition);
+    return store::ReadQuery(connection_, sql, store::Ties::Any, [&](const store::QueriedRow& row) {
       collector.Take(row);
       constexpr std::int64_t kRowsBetween = 256;
       return ++seen_ % kRowsBetween != 0 || !progress_ || progress_(collector.Count());
@@ -225,7 +228,7 @@ class RunReader {
       if (places.empty()) continue;
       const std::string sql = "SELECT " + list + " FROM " + source.OneTable(static_cast<int>(table)) +
                               " WHERE " + source.JoinCondition(static_cast<int>(table));
-      store::ReadQuery(connection_, sql, [&](const store::QueriedRow& row) {
+      store::ReadQuery(connection_, sql, store::Ties::ByKeys, [&](const store::QueriedRow& row) {
         for (std::size_t i = 0; i < places.size(); ++i)
           blank[places[i]] = checker.Checked(row, static_cast<int>(i), static_cast<int>(places[i]));
         return false;
@@ -234,26 +237,21 @@ class RunReader {
     return blank;
   }
 
-  /// The rows of a subreport, ordered by the linking field, for the values that the outer rows have.
-  ReportRows::Inner ReadInner(const SubreportDefinition& subreport, const std::vector<rt::Value>& values) {
+  /// Reads the rows of a subreport for the values that the outer rows have.
+  bool ReadInner(const SubreportDefinition& subreport, const std::vector<rt::Value>& values,
+                 InnerReading& reading) {
     const ReportDefinition& report = *subreport.report;
-    QuerySource source(report, *schema_, request_.dataFile);
     std::vector<RowKey> keys(1);
     keys[0].field = subreport.innerField;
     auto groups = GroupKeys(report);
     keys.insert(keys.end(), groups.begin(), groups.end());
     AddOrder(report, keys);
-    RowCollector collector(source, report.fields.size(), now_);
-    Prepare(report, collector, keys);
-    const std::string own = Pushed(report.rowTest, source);
-    const std::string order = OrderOf(keys, source);
-    for (const auto& condition : LinkConditions(source.ColumnOf(subreport.innerField), values))
-      if (!ReadAll(source, Joined(own, condition), order, collector)) return {};
-    collector.Report(warnings_);
-    ReportRows::Inner inner;
-    inner.rows = collector.Finish();
-    inner.find = FinderOf(inner.rows->rows, subreport.innerField);
-    return inner;
+    Prepare(report, reading.collector, std::move(keys));
+    const std::string own = Pushed(report.rowTest, reading.source);
+    const auto conditions = LinkConditions(reading.source.ColumnOf(subreport.innerField), values);
+    return std::all_of(conditions.begin(), conditions.end(), [&](const std::string& condition) {
+      return ReadAll(reading.source, Joined(own, condition), reading.collector);
+    });
   }
 
   /// Conditions that find the rows of some values, in their order. Of many values, and of those that SQL has
@@ -291,10 +289,6 @@ class RunReader {
       if (links.empty() || !SameKey(links.back().value, value)) links.push_back({value, i, 0});
       ++links.back().count;
     }
-    // Values of the wrong kind may have come in another place of the order.
-    std::stable_sort(links.begin(), links.end(), [](const LinkedRows& a, const LinkedRows& b) {
-      return SortOrder(a.value, b.value) < 0;
-    });
     return [links = std::move(links)](const rt::Value& value) -> std::pair<std::int64_t, std::int64_t> {
       if (value.IsNull()) return {0, 0};
       const auto found =
@@ -311,7 +305,7 @@ class RunReader {
   rt::DateTime now_;
   std::int64_t seen_ = 0;
   std::shared_ptr<store::Connection> connection_;
-  store::Reading look_;
+  std::optional<store::Reading> look_;
   std::shared_ptr<const store::Schema> schema_;
 };
 

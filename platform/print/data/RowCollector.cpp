@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 #include "platform/print/formula/ValueRules.h"
 #include "platform/runtime/Letters.h"
@@ -75,6 +74,22 @@ bool RowCollector::Passes(std::int64_t key) {
   }
 }
 
+void RowCollector::AddKeys(std::int64_t row) {
+  sortKeys_.BeginRow();
+  for (const auto& key : keys_) {
+    try {
+      sortKeys_.Add(
+          key.field >= 0 ? row_[static_cast<std::size_t>(key.field)] : key.formula.Evaluate(values_),
+          key.descending);
+    } catch (const PrintError& error) {
+      sortKeys_.Add(rt::Null{}, key.descending);
+      Note(untested_, ShownRow(row) + ": " + error.what());
+    }
+  }
+  // Keys of rows fit into a Double.
+  sortKeys_.Add(static_cast<double>(row), false);
+}
+
 void RowCollector::Take(const store::QueriedRow& read) {
   const std::size_t fields = source_.Fields().size();
   row_.resize(fields);
@@ -82,18 +97,7 @@ void RowCollector::Take(const store::QueriedRow& read) {
   values_.SetRow(row_);
   if (!Passes(read.Key())) return;
   if (once_ && SeenBefore(read.Key())) return Note(doubled_, ShownRow(read.Key()));
-  if (!keys_.empty()) {
-    Row& key = keyValues_.emplace_back();
-    for (const auto& part : keys_) {
-      try {
-        key.push_back(part.field >= 0 ? row_[static_cast<std::size_t>(part.field)]
-                                      : part.formula.Evaluate(values_));
-      } catch (const PrintError& error) {
-        key.emplace_back();
-        Note(untested_, ShownRow(read.Key()) + ": " + error.what());
-      }
-    }
-  }
+  AddKeys(read.Key());
   for (auto& collection : collected_) {
     const auto& value = row_[static_cast<std::size_t>(collection.field)];
     if (value.IsNull() || (!collection.values.empty() && SameKey(collection.values.back(), value))) continue;
@@ -118,24 +122,10 @@ const std::vector<rt::Value>& RowCollector::Collected(std::size_t n) {
 }
 
 std::unique_ptr<ReportRows> RowCollector::Finish() {
-  if (keys_.empty()) return std::move(rows_);
-  std::vector<std::uint32_t> order(keyValues_.size());
-  std::iota(order.begin(), order.end(), 0U);
-  std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
-      const int compared = SortOrder(keyValues_[a][i], keyValues_[b][i]);
-      if (compared != 0) return keys_[i].descending ? compared > 0 : compared < 0;
-    }
-    return false;
-  });
-  auto ordered = std::make_unique<ReportRows>();
-  for (const auto place : order) {
-    spool_->Read(place, row_);
-    ordered->rows.Append(row_);
-  }
-  keyValues_ = {};
-  rows_ = nullptr;
-  return ordered;
+  auto order = sortKeys_.Order();
+  sortKeys_ = {};
+  if (!order.empty()) spool_->Arrange(std::move(order));
+  return std::move(rows_);
 }
 
 void RowCollector::Report(std::vector<std::string>* warnings) const {

@@ -9,6 +9,7 @@
 
 #include "platform/print/data/QueryText.h"
 #include "platform/print/data/Rows.h"
+#include "platform/print/data/SortKeys.h"
 #include "platform/print/formula/Formula.h"
 #include "platform/store/QueryScan.h"
 
@@ -38,7 +39,7 @@ class RowValues : public FormulaValues {
   rt::DateTime now_;
 };
 
-/// One key of the order. Keys that SQL cannot say are formulas.
+/// One key of the order: a field, or a formula of the row.
 struct RowKey {
   int field = -1;
   Formula formula;  ///< where `field` is -1
@@ -59,7 +60,7 @@ class RowCollector {
       : source_(source), width_(width), values_(now), oddities_(source.Fields().size()) {}
 
   void AddTest(const Formula* test) { tests_.push_back(test); }
-  /// Keys in memory; without them rows stay in the order in which they come.
+  /// The order of the rows; what it leaves equal goes by the key of the primary table.
   void OrderBy(std::vector<RowKey> keys) { keys_ = std::move(keys); }
   /// A row of the primary table is shown once, even if a joined table has two rows for it.
   void ShowEachOnce() { once_ = true; }
@@ -69,7 +70,7 @@ class RowCollector {
   void Take(const store::QueriedRow& read);
   /// Rows that were taken and passed.
   std::int64_t Count() const { return spool_->Count(); }
-  /// Orders the rows in memory where that is asked for.
+  /// Puts the rows in order. Needs the data file no more.
   std::unique_ptr<ReportRows> Finish();
   /// The values of the nth collected field in their order, without Null.
   const std::vector<rt::Value>& Collected(std::size_t n);
@@ -87,6 +88,7 @@ class RowCollector {
   };
   bool SeenBefore(std::int64_t key);
   bool Passes(std::int64_t key);
+  void AddKeys(std::int64_t row);
   static void SortOut(Collection& collection);
   std::string ShownRow(std::int64_t key) const;
 
@@ -95,7 +97,7 @@ class RowCollector {
   RowValues values_;
   std::vector<const Formula*> tests_;
   std::vector<RowKey> keys_;
-  std::vector<Row> keyValues_;
+  SortKeys sortKeys_;
   std::vector<Collection> collected_;
   std::unique_ptr<ReportRows> rows_ = std::make_unique<ReportRows>();
   RowSpool* spool_ = &rows_->rows;

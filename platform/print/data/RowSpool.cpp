@@ -206,9 +206,20 @@ class RowSpool::Impl {
 
   std::int64_t Count() const { return count_; }
 
+  void Arrange(std::vector<std::uint32_t> order) {
+    if (static_cast<std::int64_t>(order.size()) != count_)
+      throw PrintError("An order of the rows that does not have each row once.");
+    // In memory, rows need not lie in their order to be read in it.
+    if (file_)
+      Rewrite(order);
+    else
+      order_ = std::move(order);
+  }
+
   void Read(std::int64_t place, Row& row) const {
     if (place < 0 || place >= count_)
       throw PrintError("The report has no row " + std::to_string(place + 1) + ".");
+    if (!order_.empty()) place = order_[static_cast<std::size_t>(place)];
     const auto after =
         std::upper_bound(blocks_.begin(), blocks_.end(), place,
                          [](std::int64_t wanted, const Block& block) { return wanted < block.first; });
@@ -254,10 +265,53 @@ class RowSpool::Impl {
     return one.bytes.data();
   }
 
-  const std::uint64_t number_ = NextNumber();
+  void AppendPacked(std::string_view packed) {
+    if (blocks_.empty() || blocks_.back().bytes.size() >= kBlockBytes) BeginBlock();
+    Block& block = blocks_.back();
+    block.rows.push_back(static_cast<std::uint32_t>(block.bytes.size()));
+    block.bytes += packed;
+    inMemory_ += packed.size();
+    ++count_;
+  }
+
+  /// Writes the rows into another file in their new order, as many at a time as memory may hold; for each
+  /// such part the file is read through once, because single rows here and there would take far longer.
+  void Rewrite(const std::vector<std::uint32_t>& order) {
+    constexpr std::uint64_t kPartBytes = 32 * 1024 * 1024;
+    const std::uint64_t average = std::max<std::uint64_t>(1, inMemory_ / static_cast<std::uint64_t>(count_));
+    const std::size_t part = std::max<std::size_t>(1, kPartBytes / average);
+    std::vector<std::uint32_t> target(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i) target[order[i]] = static_cast<std::uint32_t>(i);
+    Impl ordered;
+    std::string bytes;
+    for (std::size_t from = 0; from < order.size(); from += part) {
+      std::vector<std::pair<std::size_t, std::size_t>> rows(std::min(part, order.size() - from));
+      bytes.clear();
+      for (std::size_t index = 0; index < blocks_.size(); ++index) {
+        const Block& block = blocks_[index];
+        const char* content = BytesOf(block, index);
+        const std::size_t size = block.bytes.empty() ? block.size : block.bytes.size();
+        for (std::size_t i = 0; i < block.rows.size(); ++i) {
+          const std::size_t place = target[static_cast<std::size_t>(block.first) + i] - from;
+          if (place >= rows.size()) continue;  // of another part
+          const std::size_t end = i + 1 < block.rows.size() ? block.rows[i + 1] : size;
+          rows[place] = {bytes.size(), end - block.rows[i]};
+          bytes.append(content + block.rows[i], end - block.rows[i]);
+        }
+      }
+      for (const auto& [start, size] : rows)
+        ordered.AppendPacked(std::string_view(bytes).substr(start, size));
+    }
+    number_ = ordered.number_;
+    blocks_ = std::move(ordered.blocks_);
+    file_ = std::move(ordered.file_);
+  }
+
+  std::uint64_t number_ = NextNumber();
+  std::vector<std::uint32_t> order_;  ///< empty: as they came
   std::vector<Block> blocks_;
   std::unique_ptr<UnnamedFile> file_;
-  std::size_t inMemory_ = 0;
+  std::size_t inMemory_ = 0;  ///< bytes of all rows; once they pass the limit they go to the file
   std::int64_t count_ = 0;
 };
 
@@ -265,6 +319,7 @@ RowSpool::RowSpool() : impl_(std::make_unique<Impl>()) {}
 RowSpool::~RowSpool() = default;
 void RowSpool::Append(const Row& row) { impl_->Append(row); }
 std::int64_t RowSpool::Count() const { return impl_->Count(); }
+void RowSpool::Arrange(std::vector<std::uint32_t> order) { impl_->Arrange(std::move(order)); }
 void RowSpool::Read(std::int64_t place, Row& row) const { impl_->Read(place, row); }
 
 }  // namespace print

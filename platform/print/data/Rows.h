@@ -26,6 +26,9 @@ class RowSpool {
   /// Throws PrintError if the temporary disk is full.
   void Append(const Row& row);
   std::int64_t Count() const;
+  /// Puts the rows in another order: `order` has, for each place, the row that belongs there. Only after the
+  /// last row. Throws PrintError if the temporary disk is full.
+  void Arrange(std::vector<std::uint32_t> order);
   /// The row with this place, from 0, into `row`, which keeps its memory. In order it costs next to nothing.
   void Read(std::int64_t place, Row& row) const;
 

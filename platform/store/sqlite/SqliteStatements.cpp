@@ -33,11 +33,14 @@ std::string FromOneRow(const Translation& query) {
   return sql;
 }
 
+std::string AllOrderedBy(const Translation& query, const std::string& list, const std::string& order) {
+  return "SELECT " + list + " FROM " + query.from + (query.where.empty() ? "" : " WHERE " + query.where) +
+         (order.empty() ? "" : " ORDER BY " + order) + (query.top ? Limit(*query.top) : "");
+}
+
 /// All rows of a query in its order; what it leaves equal goes by the keys.
 std::string AllInOrder(const Translation& query, const std::string& list) {
-  return "SELECT " + list + " FROM " + query.from + (query.where.empty() ? "" : " WHERE " + query.where) +
-         " ORDER BY " + (query.orderBy.empty() ? "" : query.orderBy + ", ") + KeysOf(query) +
-         (query.top ? Limit(*query.top) : "");
+  return AllOrderedBy(query, list, (query.orderBy.empty() ? "" : query.orderBy + ", ") + KeysOf(query));
 }
 
 std::string ListWithKeys(const Translation& query) {
@@ -67,6 +70,10 @@ std::string SqliteStatements::KeysInOrder(const Translation& query) const {
 
 std::string SqliteStatements::RowsInOrder(const Translation& query) const {
   return AllInOrder(query, ListWithKeys(query));
+}
+
+std::string SqliteStatements::RowsInAnyOrder(const Translation& query) const {
+  return AllOrderedBy(query, ListWithKeys(query), query.orderBy);
 }
 
 std::string SqliteStatements::KeysWhere(const Translation& query, WhichKeys which) const {

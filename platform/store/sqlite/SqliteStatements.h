@@ -9,6 +9,7 @@ class SqliteStatements : public Statements {
  public:
   std::string KeysInOrder(const Translation& query) const override;
   std::string RowsInOrder(const Translation& query) const override;
+  std::string RowsInAnyOrder(const Translation& query) const override;
   std::string KeysWhere(const Translation& query, WhichKeys which) const override;
   std::string RowByKeys(const Translation& query) const override;
   std::string RowsByKeys(const Translation& query) const override;

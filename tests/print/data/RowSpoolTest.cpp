@@ -2,13 +2,17 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <numeric>
 #include <random>
 #include <thread>
 
 #include "platform/print/PrintError.h"
 #include "platform/print/data/Rows.h"
+#include "platform/print/data/SortKeys.h"
+#include "platform/print/formula/ValueRules.h"
 #include "support/SecondProcess.h"
 #include "support/TempDirectory.h"
 
@@ -58,6 +62,77 @@ TEST(RowSpoolTest, GivesBackWhatItGotBeyondItsMemory) {
   Row row;
   EXPECT_THROW(spool.Read(kRows, row), PrintError);
   EXPECT_THROW(spool.Read(-1, row), PrintError);
+}
+
+TEST(RowSpoolTest, TakesAnotherOrderInMemoryAndInTheFile) {
+  for (const std::int64_t rows : {1'000, 26'000}) {
+    constexpr std::size_t kTextSize = 6'000;
+    RowSpool spool;
+    for (std::int64_t i = 0; i < rows; ++i) spool.Append(RowOf(i, kTextSize));
+    std::vector<std::uint32_t> order(static_cast<std::size_t>(rows));
+    std::iota(order.begin(), order.end(), 0U);
+    std::shuffle(order.begin(), order.end(), std::mt19937(20261122));
+    spool.Arrange(order);
+    Row row;
+    int wrong = 0;
+    for (std::int64_t i = 0; i < rows; i += 3) {
+      spool.Read(i, row);
+      if (row != RowOf(order[static_cast<std::size_t>(i)], kTextSize)) ++wrong;
+    }
+    EXPECT_EQ(wrong, 0) << rows;
+    EXPECT_EQ(spool.Count(), rows);
+    EXPECT_THROW(spool.Arrange({0}), PrintError);
+  }
+}
+
+// The bytes of keys compare as SortOrder does.
+TEST(SortKeysTest, OrdersAsSortOrderDoes) {
+  const std::vector<Value> values{Value(),
+                                  false,
+                                  true,
+                                  std::int16_t{-3},
+                                  std::int32_t{40},
+                                  -0.0,
+                                  2.5F,
+                                  -1e300,
+                                  1e300,
+                                  rt::Currency::FromUnits(INT64_MAX),
+                                  rt::Currency::FromUnits(INT64_MAX - 1),
+                                  rt::Currency::FromUnits(-1),
+                                  rt::DateTime(),
+                                  rt::DateTime(1850, 1, 1),
+                                  "",
+                                  "a",
+                                  "AB",
+                                  "b",
+                                  std::string("a\0b", 3),
+                                  std::string("a\0", 2),
+                                  "_",
+                                  "\xC3\xBC",
+                                  "\xFF",
+                                  rt::Binary{},
+                                  rt::Binary{0, 1},
+                                  rt::Binary{0xFF}};
+  for (const bool descending : {false, true}) {
+    for (const auto& a : values) {
+      for (const auto& b : values) {
+        // A Boolean and a number do not meet in one column.
+        if (a.Type() != b.Type() && SortOrder(a, b) != 0 &&
+            (a.Type() == rt::ValueType::Boolean || b.Type() == rt::ValueType::Boolean) && !a.IsNull() &&
+            !b.IsNull())
+          continue;
+        SortKeys keys;
+        for (const auto* value : {&a, &b}) {
+          keys.BeginRow();
+          keys.Add(*value, descending);
+          keys.Add("same", false);
+        }
+        const int order = descending ? -SortOrder(a, b) : SortOrder(a, b);
+        EXPECT_EQ(keys.Order().empty(), order <= 0)
+            << static_cast<int>(a.Type()) << " " << static_cast<int>(b.Type());
+      }
+    }
+  }
 }
 
 TEST(RowSpoolTest, OneRowMayBeLargerThanABlock) {
