@@ -18,6 +18,7 @@
 #include "platform/print/view/PreviewWindow.h"
 #include "platform/print/view/QtPrintDialog.h"
 #include "program/FormTable.h"
+#include "reports/PrintEngineCalls.h"
 #include "shell/forms/AppIcon.h"
 #include "shell/forms/CloseChildForm.h"
 #include "shell/forms/GetDataPath.h"
@@ -49,8 +50,9 @@ std::shared_ptr<screen::Screen> Desktop() {
   return desktop;
 }
 
-/// Reports are shown, printed and mailed through these.
-void InstallReportDestinations() {
+/// Reports are made, shown, printed and mailed through these.
+void InstallReportEngine() {
+  InstallPrintCalls(PrintEngineCalls());
   print::InstallViewer(std::make_shared<print::PreviewViewer>());
   print::InstallPrintDialog(std::make_shared<print::QtPrintDialog>(kApplicationCode));
   print::InstallPrinterQueue(print::MakeCupsQueue());
@@ -75,7 +77,7 @@ void SetUpProgram(ui::Application& application) {
   ui::InstallLastFormGone(QuitOnceIdle);
   InstallLocators();
   ui::InstallDatabaseOpener(OpenForDataControl);
-  InstallReportDestinations();
+  InstallReportEngine();
   InstallHelpKey(application);
   RegisterForms();
 }

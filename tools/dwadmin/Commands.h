@@ -68,6 +68,25 @@ int Costs(const std::string& asset, CostSpan by, Format format);
 int Who(Format format);
 /// Returns 1 if the files differ from what they should be.
 int Check(Format format);
+struct ReportRequest {
+  std::string number;  ///< "006" or "6"
+  std::string from;    ///< a date as typed; empty: as the report's window offers it
+  std::string to;      ///< a date as typed; empty: today
+  std::string asset;   ///< for report 006: its only asset
+  std::string select;  ///< name of a stored select and sort definition
+  bool summary = false;
+  std::string paper;   ///< "letter" or "a4"; empty: as the user's settings have it
+  std::string out;     ///< a file, whose ending chooses the format, or "-"; empty: "-"
+  std::string format;  ///< an ending without its point
+  std::string user;    ///< the name that the report shows; empty: the login's
+};
+/// Makes a report and writes its pages.
+int MakeReport(const ReportRequest& request);
+int ListReports(Format format);
+/// Writes each fault of a definition file with its line and column. Returns 1 if there are any. Tables and
+/// fields are compared with the data directory's main file, if there is one.
+int CheckReport(const std::string& definitionFile);
+
 /// A table by its name, or a SELECT.
 int Export(const std::string& source, Format format);
 

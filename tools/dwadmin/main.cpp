@@ -51,6 +51,8 @@ struct Arguments {
   dw::SignOnRequest signOn;
   dw::SampleRequest sample;
   dw::DueRequest due;
+  dw::ReportRequest report;
+  std::string definition;
   dw::CostSpan by = dw::CostSpan::Life;
 
   dw::Format Form() const { return json ? dw::Format::Json : dw::Format::Text; }
@@ -70,6 +72,7 @@ class CommandLine {
     AddMakers();
     AddChangers();
     AddViewers();
+    AddReports();
   }
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
@@ -197,6 +200,62 @@ class CommandLine {
         ->type_name("TABLE|QUERY")
         ->required();
     table->add_flag("--csv", arguments_.csv, "Comma-separated values, as without it")->excludes("--json");
+  }
+
+  void AddReports() {
+    CLI::App* report = AddViewer("report",
+                                 "Make a report, list the reports (report list), or look for faults in a "
+                                 "definition file (report check "
+                                 "FILE.rpt).",
+                                 [this](const auto&) { return Report(); });
+    report->add_option("what", arguments_.report.number, "Number of the report, \"list\" or \"check\"")
+        ->type_name("NUMBER|list|check")
+        ->required();
+    report->add_option("file", arguments_.definition, "Definition file to check")->type_name("FILE");
+    report
+        ->add_option("--from", arguments_.report.from,
+                     "First day, M/d/yyyy, of reports with dates (default: as the program offers it)")
+        ->type_name("DATE");
+    report->add_option("--to", arguments_.report.to, "Last day (default: today)")->type_name("DATE");
+    report->add_option("--asset", arguments_.report.asset, "One asset only; for report 006")
+        ->type_name("CODE");
+    report
+        ->add_option("--select", arguments_.report.select,
+                     "A stored select and sort definition of the report's table, in addition to the dates")
+        ->type_name("NAME");
+    report->add_flag("--summary", arguments_.report.summary, "Sums without the rows");
+    report
+        ->add_option("--paper", arguments_.report.paper,
+                     "Paper (default: what the print dialog was last set to)")
+        ->type_name("letter|a4")
+        ->check(CLI::IsMember({"letter", "a4"}).description(""));
+    report
+        ->add_option(
+            "--out", arguments_.report.out,
+            "File for the pages, whose ending chooses the format: .pdf, .rtf, .xlsx, .csv, .html, .txt; "
+            "- is standard output (default)")
+        ->type_name("FILE");
+    report
+        ->add_option("--format", arguments_.report.format,
+                     "Format, whatever the ending (default on standard output: text)")
+        ->type_name("text|csv|html|pdf|rtf|xlsx")
+        ->check(CLI::IsMember({"text", "csv", "html", "pdf", "rtf", "xlsx"}).description(""));
+    report->add_option("--user", arguments_.report.user, "Name that the report shows (default: your login)")
+        ->type_name("NAME");
+  }
+
+  int Report() {
+    const std::string& what = arguments_.report.number;
+    if (what == "list") return dw::ListReports(arguments_.Form());
+    const bool check = what == "check";
+    if (check == arguments_.definition.empty()) {
+      std::cerr
+          << (check ? "report check: name the definition file.\n"
+                    : "report: only check takes a definition file; --out names the file for the pages.\n");
+      return kUsage;
+    }
+    if (check) return dw::CheckReport(arguments_.definition);
+    return dw::MakeReport(arguments_.report);
   }
 
   CLI::App app_{"dwadmin works with the data files of Drovewright from a console or a script.", "dwadmin"};
