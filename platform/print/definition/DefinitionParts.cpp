@@ -73,7 +73,9 @@ void UseParts(XmlElement& root, const std::string& path, Faults& faults) {
     if (!part) continue;
     PlaceAll(*part, child.place);
     for (XmlElement& shared : part->children) {
-      if (shared.name == "data") {
+      if (shared.name == "use") {
+        faults.Add(child.place, "A part has no element <use>.");
+      } else if (shared.name == "data") {
         tables.insert(tables.end(), shared.children.begin(), shared.children.end());
       } else if (!HasOwn(root, shared)) {
         children.push_back(std::move(shared));

@@ -1,11 +1,15 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <random>
 
 #include "print/job/ReportFixture.h"
+#include "robustness/FullDisk.h"
+#include "support/SecondProcess.h"
 
 namespace print::test {
 namespace {
@@ -374,6 +378,33 @@ TEST_F(PrintEngine, MailsTheReportUnderItsTitle) {
   options.formatDLLName = "crxf_rtf";
   options.destinationDLLName = "u2ddisk";
   EXPECT_FALSE(PEExportTo(job, options));
+}
+
+TEST_F(PrintEngine, AFullTemporaryDiskIsAClearText) {
+  const files::path temporary = directory.Path("temporary");
+  files::create_directory(temporary);
+  std::mt19937 dice(1);
+  fleet.AddTransactions(3000, [&](int number, ::test::Row& row) {
+    std::string notes;
+    for (int i = 0; i < 40; ++i) notes += static_cast<char>('a' + dice() % 26);
+    row.emplace_back("Notes", notes);
+    return std::string(number % 2 == 0 ? "A-1" : "B-1");
+  });
+  // A process of its own, whose files cannot grow beyond 50 KB.
+  ::test::SecondProcess other([&](auto& channel) {
+    setenv("TMPDIR", temporary.c_str(), 1);
+    const int job = Open(Definition("dwr006.rpt"), fleet.Path());
+    const ::test::Disk disk(::test::DiskKind::FileLimit, temporary);
+    const rlimit limit{50'000, 50'000};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    PEOutputToPrinter(job, 1);
+    const bool printed = PEStartPrintJob(job, true);
+    channel.Say(printed ? "printed" : Error(job));
+    channel.Say(files::is_empty(temporary) ? "nothing left" : "files left");
+  });
+  const std::string told = other.Talk().Hear();
+  EXPECT_TRUE(Mentions(told, "temporary")) << told;
+  EXPECT_EQ(other.Talk().Hear(), "nothing left");
 }
 
 TEST_F(PrintEngine, WithoutAWindowSystemThereIsNoWindow) {
