@@ -7,12 +7,6 @@
 #include "platform/screen/Screen.h"
 
 namespace dw {
-void RequireDataFile() {
-  if (FileExists(DataFile)) return;
-  throw dao::StoreError(store::kPathNotFound,
-                        "'" + DataFile + "' is no longer there. Everything posted so far is complete.");
-}
-
 namespace {
 
 bool SameAsset(const rt::Value& a, const rt::Value& b) {

@@ -9,10 +9,6 @@
 
 namespace dw {
 
-/// Throws StoreError 3044 if the data file is no longer at its place. The engine notices that only when it
-/// writes, and then each record would fail with a box of its own.
-void RequireDataFile();
-
 /// Posts transactions of one run, each in an engine transaction of its own. A record that another user holds
 /// does not roll anything back: it is reported and left unchanged, and a re-post that clears first makes the
 /// sums complete again.

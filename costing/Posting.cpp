@@ -1,7 +1,6 @@
 #include "costing/Posting.h"
 
 #include <algorithm>
-#include <chrono>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,20 +33,6 @@ void TellStatus(const PostingProgress& progress, const char* text) {
 void TellPercent(const PostingProgress& progress, int percent) {
   if (progress.percent) progress.percent(percent);
 }
-
-/// RequireDataFile for a loop: looks every few milliseconds at most.
-class FileWatch {
- public:
-  void Look() {
-    const auto now = std::chrono::steady_clock::now();
-    if (now - last_ < std::chrono::milliseconds(5)) return;
-    last_ = now;
-    RequireDataFile();
-  }
-
- private:
-  std::chrono::steady_clock::time_point last_;
-};
 
 /// The transaction at which an error ended the run, if it can still be read.
 std::string PlaceOf(dao::Recordset& transactions) {
@@ -83,10 +68,8 @@ void PostEachRow(MainFile& file, dao::Recordset& transactions, const Accumulator
     rows = transactions.RecordCount();
   }
   RowGroup group(file.Workspace());
-  FileWatch watch;
   while (!transactions.AtEnd()) {
     ++counts.seen;
-    watch.Look();
     if (PostIfWaiting(poster, group, counts)) ++counts.posted;
     // Rows that others add meanwhile are walked too, so the count can exceed the number of rows at the start.
     TellPercent(progress,

@@ -3,6 +3,8 @@
 #include <exception>
 
 #include "costing/CostRows.h"
+#include "data/BrackenfelGlobals.h"
+#include "data/GenericTools.h"
 
 namespace dw {
 
@@ -23,6 +25,21 @@ RowTransaction::~RowTransaction() {
 void RowTransaction::Commit() {
   workspace_.CommitTrans(how_);
   committed_ = true;
+}
+
+void RequireDataFile() {
+  if (FileExists(DataFile)) return;
+  throw dao::StoreError(store::kPathNotFound,
+                        "'" + DataFile + "' is no longer there. What the run has done so far is complete.");
+}
+
+void RowGroup::Enter() {
+  const auto now = std::chrono::steady_clock::now();
+  if (now - looked_ >= std::chrono::milliseconds(5)) {
+    looked_ = now;
+    RequireDataFile();
+  }
+  workspace_.EnterGroup();
 }
 
 RowGroup::~RowGroup() {

@@ -1,6 +1,7 @@
 // What runs over many transactions share: engine transactions, groups of commits, and the assets' fuel types.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,6 +10,10 @@
 #include "data/GenericDAO.h"
 
 namespace dw {
+
+/// Throws StoreError 3044 if the data file is no longer at its place. The engine notices that only when it
+/// begins to write, and then each record would fail with a box of its own.
+void RequireDataFile();
 
 /// An engine transaction that is rolled back completely unless Commit is reached.
 class RowTransaction {
@@ -34,13 +39,15 @@ class RowGroup {
   RowGroup(const RowGroup&) = delete;
   RowGroup& operator=(const RowGroup&) = delete;
 
-  /// Called before each row: nobody else can commit from here until the group's commit.
-  void Enter() { workspace_.EnterGroup(); }
+  /// Called before each row: nobody else can commit from here until the group's commit. Looks for the data
+  /// file every few milliseconds; see RequireDataFile.
+  void Enter();
   /// Puts everything on the disk. Errors of the engine come out here.
   void Finish() { workspace_.FinishGroup(); }
 
  private:
   dao::Workspace& workspace_;
+  std::chrono::steady_clock::time_point looked_;
 };
 
 /// The fuel types of assets. Each is asked for once, for as long as nobody else can have changed it.

@@ -75,6 +75,7 @@ void UnpostRow(dao::Workspace& workspace, dao::Recordset& transactions, Subtract
     if (transactions.Editing()) transactions.CancelUpdate();
   }
   marking.Commit();
+  if (error != 0) RequireDataFile();
   if (error != 0) screen::MessageBox("Unable to mark transaction as unposted.", screen::Icon::Critical);
 }
 

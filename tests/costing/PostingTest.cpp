@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "data/BrackenfelGlobals.h"
 #include "platform/runtime/Clock.h"
 #include "platform/store/StoreError.h"
+#include "store/OtherTool.h"
 #include "support/ScreenScript.h"
 #include "support/SmallFleet.h"
 
@@ -268,6 +270,28 @@ TEST(Posting, EngineErrorsEndTheRunAndKeepWhatIsPosted) {
   EXPECT_EQ(ErrorOfRun(false, &words), 3075);  // the query contains the apostrophe as it is
   EXPECT_TRUE(words.ends_with("The run was at transaction " + std::to_string(quoted) + " of asset 'O'NEIL'."))
       << words;
+}
+
+TEST(Posting, RowsThatAnotherProgramHasSpoiledCostOnlyThemselves) {
+  test::SmallFleet fleet;
+  fleet.AddAsset("TRK-1");
+  fleet.AddTransaction("TRK-1", 2026, 1, {{"Oil Cost", Money(1)}});
+  fleet.AddTransaction("TRK-1", 2026, 2, {{"Oil Cost", Money(2)}});
+  Post();
+  {
+    test::OtherTool tool(dw::DataFile);
+    EXPECT_EQ(tool.Run("UPDATE \"Assets Period Costs\" SET \"Oil Cost\" = 1e300 WHERE Period = 1"),
+              "not an error");
+    EXPECT_EQ(tool.Run("INSERT INTO \"Assets Period Costs\" (\"Asset ID\", \"Fiscal Year\", Period) VALUES "
+                       "('TRK-1', x'2026', 7)"),
+              "not an error");
+  }
+  for (const int period : {2, 3, 3, 4}) fleet.AddTransaction("TRK-1", 2026, period, {{"Oil Cost", Money(4)}});
+  Post();
+  EXPECT_EQ(fleet.Sum("Assets Period Costs", {"TRK-1", 2026, 2}, "Oil Cost"), "6");
+  EXPECT_EQ(fleet.Sum("Assets Period Costs", {"TRK-1", 2026, 3}, "Oil Cost"), "8");
+  EXPECT_EQ(fleet.Sum("Assets Period Costs", {"TRK-1", 2026, 4}, "Oil Cost"), "4");
+  EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"TRK-1"}, "Oil Cost"), "19");
 }
 
 }  // namespace

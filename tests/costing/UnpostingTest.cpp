@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -300,6 +301,38 @@ TEST(Unposting, CostRowsThatAreHeldKeepTheFigures) {
   EXPECT_EQ(other.Join(), 0);
   EXPECT_EQ(fleet.OfTransaction(id, "When Posted"), "Null");
   EXPECT_EQ(fleet.Sum("Assets Lifetime Costs", {"TRK-1"}, "Oil Cost"), "5");
+}
+
+TEST(Unposting, ADirectoryThatIsMovedAwayEndsTheRunWithOneError) {
+  test::SmallFleet fleet;
+  fleet.AddAsset("TRK-1");
+  fleet.AddTransactions(2000, [](int, test::Row& row) {
+    row = Figures();
+    row.emplace_back("Year", std::int16_t{2026});
+    row.emplace_back("Period", std::int16_t{3});
+    return std::string("TRK-1");
+  });
+  Post();
+  const auto home = std::filesystem::path(fleet.Path()).parent_path();
+  const auto away = home.string() + ".away";
+  test::ScreenScript script;
+  bool moved = false;
+  try {
+    dw::UnpostAll([&](int percent) {
+      if (percent < 30 || moved) return;
+      moved = true;
+      std::filesystem::rename(home, away);
+    });
+    ADD_FAILURE() << "the run did not end";
+  } catch (const dao::StoreError& error) {
+    EXPECT_EQ(error.Number(), store::kPathNotFound) << error.what();
+  }
+  std::filesystem::rename(away, home);
+  EXPECT_GT(
+      std::stoi(fleet.Ask("SELECT COUNT(*) FROM [Maintenance Transactions] WHERE [When Posted] IS NOT NULL")),
+      0);
+  EXPECT_TRUE(dw::CheckCosts(*store::Connection::Open({.path = dw::DataFile})).empty())
+      << "what was taken out is whole";
 }
 
 }  // namespace

@@ -40,6 +40,22 @@ void DateFunction(sqlite3_context* context, int, sqlite3_value**) {
   ResultText(context, rt::Today().ToIso());
 }
 
+/// The year, month or day of a date in the file's own form, by the letter y, m or d; Null for everything
+/// else.
+void PartFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+  if (sqlite3_value_type(arguments[0]) != SQLITE_TEXT) return;
+  const auto date = rt::DateTime::FromIso(ArgumentText(arguments[0]));
+  if (!date) return;
+  switch (ArgumentText(arguments[1]).front()) {
+    case 'y':
+      return sqlite3_result_int(context, date->Year());
+    case 'm':
+      return sqlite3_result_int(context, date->Month());
+    default:
+      return sqlite3_result_int(context, date->Day());
+  }
+}
+
 // Results have the form in which PreparedStatement::Bind gives the same values to the file.
 struct Result {
   sqlite3_context* context;
@@ -113,6 +129,7 @@ void AddFunctions(sqlite3* db, std::optional<StoreError>& refused) {
   add("dw_like", 2, plain, LikeFunction);
   add("dw_now", 0, SQLITE_UTF8, NowFunction);
   add("dw_date", 0, SQLITE_UTF8, DateFunction);
+  add("dw_part", 2, plain, PartFunction);
   add("dw_value", 3, SQLITE_UTF8, ValueFunction);
   add("dw_fit", kFitArguments, plain, FitFunction);
 }

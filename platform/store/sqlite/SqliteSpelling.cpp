@@ -51,10 +51,8 @@ class SqliteSpelling : public Spelling {
   }
 
   Fragment Part(DatePart part, const Fragment& date) const override {
-    const char* opening = part == DatePart::Year    ? "CAST(strftime('%Y', "
-                          : part == DatePart::Month ? "CAST(strftime('%m', "
-                                                    : "CAST(strftime('%d', ";
-    return Build(Level::Atom, ValueKind::Whole, {opening, date, ") AS INTEGER)"});
+    const char* letter = part == DatePart::Year ? "'y')" : part == DatePart::Month ? "'m')" : "'d')";
+    return Build(Level::Atom, ValueKind::Whole, {"dw_part(", date, ", ", std::string_view(letter)});
   }
   Fragment Now() const override { return Build(Level::Atom, ValueKind::Date, {"dw_now()"}); }
   Fragment Today() const override { return Build(Level::Atom, ValueKind::Date, {"dw_date()"}); }
