@@ -17,7 +17,8 @@ double Luminance(const QColor& color) {
 }  // namespace
 
 double Contrast(const QColor& one, const QColor& other) {
-  const auto [darker, lighter] = std::minmax(Luminance(one), Luminance(other));
+  // The list makes minmax return values; of two arguments it would return references to what is gone.
+  const auto [darker, lighter] = std::minmax({Luminance(one), Luminance(other)});
   return (lighter + 0.05) / (darker + 0.05);
 }
 

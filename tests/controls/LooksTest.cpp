@@ -106,7 +106,6 @@ TEST(Looks, AFirstFieldIsOvertyped) {
   auto* form = new ui::Form("First");
   ui::TextBox field("code");
   (new QVBoxLayout(form))->addWidget(&field);
-  form->AtUnload([&] { field.setParent(nullptr); });
   field.ShowValue(rt::Value("before"));
   form->ShowForm();
   test::Settle();
