@@ -49,10 +49,8 @@ class Stack : public BandSink {
     for (PlacedBand& part : inner.parts) {
       part.box.top += top_;
       for (Rule& rule : part.rules) rule.box.top += top_;
-      for (Cell& cell : part.cells) {
-        cell.box.top += top_;
-        cell.column = -1;
-      }
+      for (Cell& cell : part.cells) cell.box.top += top_;
+      if (inner.deferred.empty()) TakeColumns(part);
       band_.parts.push_back(std::move(part));
     }
     for (DeferredCell& cell : inner.deferred) {
@@ -64,6 +62,14 @@ class Stack : public BandSink {
   Length Height() const { return top_ - first_; }
 
  private:
+  /// A figure that lies in a column of the report stands in the row itself, as outputs of tables want it.
+  void TakeColumns(PlacedBand& part) {
+    std::vector<Cell>& own = band_.parts.front().cells;
+    for (Cell& cell : part.cells)
+      if (cell.column >= 0) own.push_back(cell);
+    std::erase_if(part.cells, [](const Cell& cell) { return cell.column >= 0; });
+  }
+
   BuiltBand& band_;
   Length top_;
   Length first_;
@@ -135,7 +141,7 @@ Length Composer::AddText(const ItemPlan& plan, Length top, BandValues& values, c
   cell.align = plan.align;
   cell.style = plan.style;
   cell.format = plan.look.format;
-  cell.column = around_.depth == 0 ? plan.item->column : -1;
+  cell.column = plan.column;
   cell.columnTotal = plan.columnTotal && around_.depth == 0;
   const rt::Value value = Evaluate(plan.value, values, pageTotals);
   const bool waits =
@@ -193,6 +199,8 @@ Length Composer::AddHeadings(const ItemPlan& plan, Length top, PlacedBand& part)
     cell.box.top = top + height - cell.box.height;
     part.cells.push_back(std::move(cell));
   }
+  if (plan.item->lineAbove) part.rules.push_back({{plan.left, top, plan.width, kLine}, kLineColor});
+  if (plan.item->lineBelow) part.rules.push_back({{plan.left, top + height, plan.width, kLine}, kLineColor});
   return height;
 }
 

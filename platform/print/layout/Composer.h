@@ -33,6 +33,7 @@ struct ItemPlan {
   CellLook look;
   Length left = 0;  ///< from the left edge of the page
   Length width = 0;
+  int column = -1;  ///< of the report itself
   bool columnTotal = false;
   bool label = false;  ///< its text depends on nothing
   int subreport = -1;
@@ -53,7 +54,9 @@ struct Surroundings {
   double scale = 1;  ///< from widths of the definition to widths on this paper
   Length left = 0;   ///< of the report's own left edge, from the page's
   Length right = 0;  ///< of the right margin, from the page's left edge
-  int depth = 0;     ///< 0 for the report itself, 1 for its subreports
+  /// Of the report around a subreport: what lies in a column of the same name belongs to it.
+  const std::vector<ColumnDefinition>* outerColumns = nullptr;
+  int depth = 0;  ///< 0 for the report itself, 1 for its subreports
   Warn warn;
   const std::atomic<bool>* cancel = nullptr;
 };
@@ -94,6 +97,7 @@ class Composer {
   PlannedFormula PlanFormula(const Formula& formula, BandKind kind, int group);
   TotalUse PlanTotal(const Total& total, BandKind kind, int group);
   bool TotalsDetailColumn(const ItemDefinition& item) const;
+  int ColumnOf(const ItemDefinition& item) const;
 
   BandValues ValuesAt(const RowWalk& walk) const;
   BandValues ValuesAtRow(std::int64_t row) const;

@@ -52,6 +52,7 @@ Composer::Composer(const ReportDefinition& report, const ReportRows& rows, Surro
     const SubreportDefinition& inner = report_.subreports[i];
     Surroundings within = around_;
     ++within.depth;
+    within.outerColumns = around_.depth == 0 ? &report_.columns : nullptr;
     within.run.reportName = inner.report->name;
     const Length left = around_.left;
     for (const BandDefinition* band : {&report_.detail, &report_.reportFooter})
@@ -100,6 +101,7 @@ ItemPlan Composer::PlanItem(const ItemDefinition& item, BandKind kind, int group
   plan.item = &item;
   plan.value = PlanFormula(item.value, kind, group);
   plan.visible = PlanFormula(item.visible, kind, group);
+  plan.column = ColumnOf(item);
   const auto styleAt = std::min(static_cast<std::size_t>(std::max(item.style, 0)), styles_.size() - 1);
   plan.style = styles_[styleAt];
   if (styleAt < report_.styles.size()) {
@@ -134,6 +136,15 @@ ItemPlan Composer::PlanItem(const ItemDefinition& item, BandKind kind, int group
   if (plan.look.format.empty() && root != nullptr && root->kind == NodeKind::Field)
     plan.look.format = report_.fields.at(static_cast<std::size_t>(root->place)).format;
   return plan;
+}
+
+int Composer::ColumnOf(const ItemDefinition& item) const {
+  if (item.column < 0 || around_.depth == 0) return item.column;
+  if (around_.outerColumns == nullptr) return -1;
+  const std::string& name = report_.columns[static_cast<std::size_t>(item.column)].name;
+  for (std::size_t i = 0; i < around_.outerColumns->size(); ++i)
+    if ((*around_.outerColumns)[i].name == name) return static_cast<int>(i);
+  return -1;
 }
 
 bool Composer::TotalsDetailColumn(const ItemDefinition& item) const {

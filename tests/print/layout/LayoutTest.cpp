@@ -270,6 +270,34 @@ TEST(Layout, SubreportsGrowBelowTheirRows) {
   EXPECT_GE(bands[4].box.top, bands[3].box.top + bands[3].box.height);
 }
 
+TEST(Layout, AFigureOfASubreportStandsInTheColumnOfItsName) {
+  ReportBuilder inner;
+  inner.report.columns = {{"Money", 0, 90 * kPoint, "", 2}};
+  ReportBuilder::Fill(inner.report.reportFooter, {inner.Cell(0, "Count({T.Number})"), inner.Text("'free'")});
+  ReportBuilder builder;
+  ItemDefinition item;
+  item.kind = ItemDefinition::Kind::Subreport;
+  item.subreport = "Tasks";
+  item.left = 70 * kPoint;
+  ReportBuilder::Fill(builder.report.detail, {builder.Cell(0, "{T.Number}"), item});
+  SubreportDefinition tasks;
+  tasks.name = "Tasks";
+  tasks.report = std::make_shared<ReportDefinition>(inner.report);
+  tasks.innerField = tasks.outerField = kNumber;
+  builder.report.subreports.push_back(tasks);
+  ReportRows rows;
+  rows.rows.Append(MakeRow("", "", "", 7));
+  ReportRows::Inner all;
+  all.rows = std::make_unique<ReportRows>();
+  for (int i = 0; i < 3; ++i) all.rows->rows.Append(MakeRow("", "", "", 7));
+  all.find = [](const rt::Value&) { return std::pair<std::int64_t, std::int64_t>(0, 3); };
+  rows.subreports.push_back(std::move(all));
+  const Result result = LayOutRows(builder.report, rows);
+  EXPECT_EQ(result.Bands(), (Texts{"7|3", "free"}));
+  EXPECT_EQ(result.pages[0].bands[0].cells[1].column, 1);
+  EXPECT_EQ(result.pages[0].bands[1].cells[0].column, -1);
+}
+
 TEST(Layout, AFaultyCellCostsOnlyItself) {
   ReportBuilder builder;
   ReportBuilder::Fill(builder.report.detail,
