@@ -130,7 +130,7 @@ void PreviewWindow::OnLoad() {
 
   const Habits& kept = Kept();
   const int letter = fontMetrics().averageCharWidth();
-  splitter_->setSizes(kept.widths.isEmpty() ? QList<int>{letter * 26, letter * 120} : kept.widths);
+  splitter_->setSizes(kept.widths.isEmpty() ? QList<int>{letter * 34, letter * 120} : kept.widths);
   side_->setVisible(kept.side);
   showSide_->setChecked(kept.side);
   twoPages_->setChecked(kept.twoPages);
@@ -142,7 +142,10 @@ void PreviewWindow::OnLoad() {
 
   MinWidth = letter * 60;
   MinHeight = fontMetrics().height() * 16;
-  if (kept.place.isValid()) setGeometry(kept.place);
+  if (kept.place.isValid()) {
+    resize(kept.place.size());
+    move(kept.place.topLeft());
+  }
 
   connect(&refresh_, &QTimer::timeout, this, [this] { ui::Guard([this] { Refresh(); }); });
   refresh_.start(kRefresh);
@@ -299,7 +302,8 @@ void PreviewWindow::OnUnload() {
   refresh_.stop();
   searchOn_.stop();
   Habits& kept = Kept();
-  kept.place = geometry();
+  // The frame counts, or the window would move down by its title at each opening.
+  kept.place = QRect(pos(), size());
   kept.zoom = pages->ZoomKind();
   kept.scale = pages->Scale();
   kept.twoPages = pages->TwoPages();
@@ -546,7 +550,11 @@ std::uintptr_t PreviewViewer::Open(std::shared_ptr<RunningReport> report, const 
                                    int top, int width, int height) {
   auto* window = new PreviewWindow(std::move(report), title);
   const bool first = !Kept().place.isValid();
-  if (first && width > 0 && height > 0) window->setGeometry(left, top, width, height);
+  if (first && width > 0 && height > 0) {
+    // The title must stay in reach, whatever the caller knows of this screen.
+    window->resize(QSize(width, height).boundedTo(ui::RoomFor(*window)));
+    window->move(std::max(0, left), std::max(0, top));
+  }
   window->ShowForm();
   return reinterpret_cast<std::uintptr_t>(static_cast<ui::Form*>(window));
 }
