@@ -17,11 +17,12 @@ DateRangeForm::DateRangeForm(const char* name)
     : Form(name),
       cmdProceed(new QPushButton("Proceed")),
       cmdCancel(new QPushButton("Cancel")),
-      lblNote(ui::Caption("")) {
+      lblNote(new QLabel) {
   setWindowTitle(DateRangeOf(name).caption);
   cmdProceed->setObjectName("cmdProceed");
   cmdCancel->setObjectName("cmdCancel");
   lblNote->setObjectName("lblNote");
+  lblNote->setTextFormat(Qt::PlainText);
   lblNote->hide();
   auto* rows = new ui::FieldRows;
   rows->Row("Start Date", {&txtStartDate});
@@ -68,9 +69,11 @@ void DateRangeForm::Proceed() {
 }
 
 void frmRptDWR006::OnActivate() {
+  lblNote->setText(
+      QString::fromStdString("Asset " + AssetID + " only. For all assets, close this window first."));
   lblNote->setVisible(!AssetID.empty());
-  lblNote->setText(QString::fromStdString("Costs of asset " + AssetID +
-                                          " only. For all assets, close this window and open it again."));
+  layout()->activate();
+  resize(size().expandedTo(minimumSizeHint()));
 }
 
 void ShowCostsOfAsset(const std::string& assetID) {

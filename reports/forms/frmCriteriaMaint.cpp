@@ -29,6 +29,8 @@ namespace {
 constexpr const char* kSelection = "Selection Criteria";
 constexpr const char* kSort = "Sort Criteria";
 
+constexpr int kWidth = 124;  ///< in characters: most columns of a condition
+
 std::string NoLines(const char* table) {
   return std::string("SELECT * FROM [") + table + "] WHERE [ID] = -1";
 }
@@ -119,7 +121,7 @@ void frmCriteriaMaint::LayOutAll() {
 
   const auto group = [](const char* title, ui::DataGrid& grid) {
     grid.setAccessibleName(title);
-    grid.setMinimumHeight(grid.fontMetrics().height() * 6);
+    grid.setMinimumHeight(grid.fontMetrics().height() * 7);
     auto* inside = new QVBoxLayout;
     inside->addWidget(&grid);
     return ui::Group(title, inside);
@@ -131,7 +133,13 @@ void frmCriteriaMaint::LayOutAll() {
   lblFault->setFont(bold);
   QGroupBox* words = ui::Group("What Will Be Asked", meaning);
   words->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
-  LayOut(fields, {words, group("Selection", select_.grid), group("Sort", sort_.grid)});
+  auto* grids = new QWidget;
+  auto* both = new QVBoxLayout(grids);
+  both->setContentsMargins(0, 0, 0, 0);
+  both->addWidget(group("Selection", select_.grid), 3);
+  both->addWidget(group("Sort", sort_.grid), 2);
+  LayOut(fields, {words, grids});
+  resize(fontMetrics().averageCharWidth() * kWidth, height());
 }
 
 void frmCriteriaMaint::FillPlaceholder() { Hold().Set("Primary Table", ReportID); }

@@ -81,6 +81,17 @@ TEST_F(HelpPagesTest, EveryWindowHasItsPage) {
                              "frmAssetPicture",
                              "frmGetPictureFile",
                              "PreviewWindow",
+                             "ReportForm",
+                             "frmRptDWR004",
+                             "frmRptDWR006",
+                             "frmRptDWR009",
+                             "frmRptDWR013",
+                             "frmRptDWR016",
+                             "frmRptDWR017",
+                             "frmCriteriaList",
+                             "frmCriteriaMaint",
+                             "frmSelectMaint",
+                             "frmSortMaint",
                              "PrintForm"}) {
     const std::string page = dw::PageOf(window);
     EXPECT_TRUE(Leads(page, {})) << window << ": " << page;

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
@@ -27,6 +28,11 @@
 #include "platform/controls/Form.h"
 #include "platform/store/Connection.h"
 #include "platform/store/Cursor.h"
+#include "reports/DWGlobals.h"
+#include "reports/forms/DateRangeForm.h"
+#include "reports/forms/Launch.h"
+#include "reports/forms/frmCriteriaList.h"
+#include "reports/forms/frmCriteriaMaint.h"
 #include "shell/forms/BFLogon.h"
 #include "shell/forms/GetDataPath.h"
 #include "shell/forms/HelpWindow.h"
@@ -162,6 +168,38 @@ void TakeAssets(Album& album) {
   Settle();
 }
 
+void TakeReports(Album& album) {
+  TakeAlone<dw::frmRptDWR004>(album);
+  dw::ShowCostsOfAsset("TRK-001");
+  TakeFront(album);
+  TakeAlone<dw::frmRptDWR009>(album);
+  TakeAlone<dw::frmRptDWR013>(album);
+  TakeAlone<dw::frmRptDWR016>(album);
+  TakeAlone<dw::frmRptDWR017>(album);
+  dw::LaunchFromMenu(dw::ReportOf("DW_RptInventory"));
+  TakeFront(album);
+  auto& list = ui::The<dw::frmCriteriaList>();
+  list.LoadForm();
+  list.ReportID = dw::RptPrimaryTable;
+  list.ShowForm();
+  Settle();
+  list.Grid().SetRow(0);
+  album.Take(list, list.Name());
+  PressSpace(list.Grid());
+  Settle();
+  auto& definition = dynamic_cast<dw::frmCriteriaMaint&>(*ui::ActiveForm());
+  while (definition.lblCount->text().startsWith("Counting")) Settle();
+  album.Take(definition, definition.Name());
+  for (ui::DataGrid* grid : {&definition.SelectGrid(), &definition.SortGrid()}) {
+    grid->SetRow(0);
+    PressSpace(*grid);
+    TakeFront(album);
+  }
+  Leave(definition);
+  list.Unload();
+  Settle();
+}
+
 /// The main window with a list and one of its records in front of it, as a clerk sees them.
 void TakeDesk(Album& album) {
   auto& menu = ui::The<dw::mnuDW>();
@@ -239,6 +277,7 @@ void TakeAll(Album& album) {
   TakeAlone<dw::frmRePost>(album);
   TakeAlone<dw::frmMaintenanceDueReport>(album);
   TakeAssets(album);
+  TakeReports(album);
   TakeShell(album);
   TakeDesk(album);
 }

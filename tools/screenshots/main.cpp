@@ -15,6 +15,7 @@
 #include "platform/screen/ScriptedScreen.h"
 #include "platform/system/Settings.h"
 #include "program/FormTable.h"
+#include "reports/PrintEngineCalls.h"
 #include "tools/dwadmin/Sample.h"
 #include "tools/screenshots/Shots.h"
 
@@ -73,6 +74,7 @@ int main(int argc, char** argv) {
     dw::CurrentUserName = "ADMIN";
     dw::IsAdministrator = true;
     dw::RegisterForms();
+    dw::InstallPrintCalls(dw::PrintEngineCalls());
     dw::WorkstationName = "OFFICE";
     shots::Album album(argv[1]);
     shots::TakeAll(album);
