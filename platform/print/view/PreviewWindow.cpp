@@ -325,6 +325,8 @@ void PreviewWindow::Refresh() {
   if (ended) {
     settled_ = true;
     refresh_.stop();
+    // A report without groups has no tree to offer.
+    side_->setTabVisible(side_->indexOf(groups), groupsShown_ > 0);
   }
   ShowState();
   ShowPlace();
