@@ -17,14 +17,19 @@ constexpr std::size_t kMostParameters = 30000;
 /// Puts together what the parser has found for one statement.
 class Translator {
  public:
-  Translator(const Statement& statement, const Schema& schema, std::string_view key)
-      : statement_(statement), schema_(schema), key_(key), scope_(schema), emitter_(scope_, key) {}
+  Translator(const Statement& statement, const Schema& schema, const Spelling& spelled, std::string_view key)
+      : statement_(statement),
+        schema_(schema),
+        spelled_(spelled),
+        key_(key),
+        scope_(schema),
+        emitter_(scope_, spelled, key) {}
 
   Translation Run() {
     result_.kind = statement_.kind;
     switch (statement_.kind) {
       case StatementKind::Select:
-        QueryTranslator(schema_, key_).Translate(statement_.query, result_);
+        QueryTranslator(schema_, spelled_, key_).Translate(statement_.query, result_);
         break;
       case StatementKind::Insert:
         Insert();
@@ -95,7 +100,7 @@ class Translator {
     const auto columns = Columns();
     for (std::size_t i = 0; i < columns.size(); ++i) {
       const Fragment value = emitter_.Emit(*statement_.values[i], Totals::Forbidden);
-      result_.assignments.emplace_back(columns[i]->name, Stored(value, *columns[i]));
+      result_.assignments.emplace_back(columns[i]->name, Stored(spelled_, value, *columns[i]));
     }
     Condition();
   }
@@ -107,14 +112,14 @@ class Translator {
     if (statement_.hasQuery) return InsertQuery(columns);
     // The values of a new record cannot come from the columns of the table.
     const Scope none(schema_);
-    Emitter emitter(none, key_);
+    Emitter emitter(none, spelled_, key_);
     for (std::size_t i = 0; i < columns.size(); ++i)
       result_.insertValues.push_back(
-          Stored(emitter.Emit(*statement_.values[i], Totals::Forbidden), *columns[i]));
+          Stored(spelled_, emitter.Emit(*statement_.values[i], Totals::Forbidden), *columns[i]));
   }
 
   void InsertQuery(const std::vector<const ColumnInfo*>& columns) {
-    QueryTranslator translator(schema_, key_);
+    QueryTranslator translator(schema_, spelled_, key_);
     Translation query;
     translator.Translate(statement_.query, query);
     if (query.columns.size() != columns.size())
@@ -128,19 +133,20 @@ class Translator {
     if (!query.groupBy.empty()) sql += " GROUP BY " + query.groupBy;
     if (!query.having.empty()) sql += " HAVING " + query.having;
     if (!query.orderBy.empty()) sql += " ORDER BY " + query.orderBy;
-    if (query.top) sql += Spelled().Limit(*query.top);
+    sql += query.limit;
   }
 
-  static std::string Selected(const Fragment& value, const ColumnInfo& column, bool distinct) {
+  std::string Selected(const Fragment& value, const ColumnInfo& column, bool distinct) const {
     Fragment stored;
     stored.kind = KindOf(column.type);
-    stored.text = Stored(value, column);
+    stored.text = Stored(spelled_, value, column);
     // Finds doubles without regard to case.
-    return distinct ? WithoutCase(stored).text : stored.text;
+    return distinct ? WithoutCase(spelled_, stored).text : stored.text;
   }
 
   const Statement& statement_;
   const Schema& schema_;
+  const Spelling& spelled_;
   std::string_view key_;
   Scope scope_;
   Emitter emitter_;
@@ -157,11 +163,11 @@ bool IsQuery(std::string_view source) {
   return false;
 }
 
-Translation Translate(const Normalized& statement, const Schema& schema) {
+Translation Translate(const Normalized& statement, const Schema& schema, const Spelling& spelled) {
   if (statement.parameters.size() > kMostParameters)
     throw StoreError(kSyntax, "The statement has too many values.");
   const Statement parsed = Parser(statement.key).Parse();
-  return Translator(parsed, schema, statement.key).Run();
+  return Translator(parsed, schema, spelled, statement.key).Run();
 }
 
 }  // namespace store

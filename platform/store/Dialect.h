@@ -12,6 +12,10 @@
 
 namespace store {
 
+namespace dialect {
+class Spelling;
+}
+
 /// A statement with its literals taken out, so that statements which differ in their values alone share one
 /// translation. A literal becomes a '?' with a letter for its type, because what is done with it may depend
 /// on that: ?t text, ?l Long, ?f Double, ?d date. A number behind TOP and the numbers of CREATE and ALTER
@@ -67,12 +71,12 @@ struct Translation {
   std::vector<ResultColumn> columns;
   bool distinct = false;
   bool grouped = false;  ///< has an aggregate, GROUP BY or HAVING: its rows have no keys
-  std::optional<std::int64_t> top;
-  std::string from;     ///< behind FROM: tables and joins, quoted, aliased
-  std::string where;    ///< condition, or empty
-  std::string groupBy;  ///< list, or empty
-  std::string having;   ///< condition, or empty
-  std::string orderBy;  ///< list, or empty
+  std::string from;      ///< behind FROM: tables and joins, quoted, aliased
+  std::string where;     ///< condition, or empty
+  std::string groupBy;   ///< list, or empty
+  std::string having;    ///< condition, or empty
+  std::string orderBy;   ///< list, or empty
+  std::string limit;     ///< what follows for the rows of a TOP, or empty
 
   // Insert, Update and Delete; for Update and Delete `where` is the condition
   std::string target;                                            ///< the table's own spelling
@@ -87,7 +91,7 @@ struct Translation {
   IndexInfo index;                     ///< CreateIndex, DropIndex; CreateTable with a PRIMARY KEY clause
 };
 
-/// Translates a normalized statement against the tables of a file.
+/// Translates a normalized statement against the tables of a file, into the words of its engine.
 ///
 /// Understood: SELECT [DISTINCT] [TOP n] list FROM tables with INNER, LEFT and RIGHT JOIN … ON, WHERE, GROUP
 /// BY, HAVING, ORDER BY; INSERT INTO t (columns) VALUES (…) or SELECT …; UPDATE t SET …  WHERE; DELETE [*]
@@ -110,7 +114,7 @@ struct Translation {
 ///
 /// Throws StoreError 3075 for what is not understood (with the place), 3078 for an unknown table, 3061 for an
 /// unknown column, 3079 for a column name that two tables share.
-Translation Translate(const Normalized& statement, const Schema& schema);
+Translation Translate(const Normalized& statement, const Schema& schema, const dialect::Spelling& spelled);
 
 /// LIKE, without regard to the case of letters: * any text, ? any one character, # any digit, [a-z] one of a
 /// list, [!a-z] one that is not in the list. A list that is not closed matches nothing.

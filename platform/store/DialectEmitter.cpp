@@ -187,13 +187,13 @@ Fragment Emitter::Compare(const Expr& expr, std::string_view sign) {
   const Fragment first = AtLeast(Level::Add, left);
   if (!NeedsNoCase(left, right))
     return Build(Level::Compare, ValueKind::Boolean, {first, sign, AtLeast(Level::Add, right)});
-  return Build(Level::Compare, ValueKind::Boolean, {first, sign, Spelled().WithoutCase(right)});
+  return Build(Level::Compare, ValueKind::Boolean, {first, sign, spelled_.WithoutCase(right)});
 }
 
 // A Null counts as the empty text here, and only here.
 Fragment Emitter::JoinTexts(const Expr& expr) {
   const auto side = [&](std::size_t index) {
-    Fragment text = AsText(Operand(expr, index));
+    Fragment text = AsText(spelled_, Operand(expr, index));
     if (text.neverNull) return text;
     return Build(Level::Atom, ValueKind::Text, {"COALESCE(", text, ", '')"});
   };
@@ -210,8 +210,9 @@ Fragment Emitter::Add(const Expr& expr) {
   const Fragment right = Operand(expr, 1);
   if (left.kind != ValueKind::Text && right.kind != ValueKind::Text)
     return Calculate(left, right, Level::Add, " + ");
-  Fragment result = Build(Level::Join, ValueKind::Text,
-                          {AtLeast(Level::Join, AsText(left)), " || ", AtLeast(Level::Atom, AsText(right))});
+  Fragment result = Build(
+      Level::Join, ValueKind::Text,
+      {AtLeast(Level::Join, AsText(spelled_, left)), " || ", AtLeast(Level::Atom, AsText(spelled_, right))});
   result.neverNull = left.neverNull && right.neverNull;
   return result;
 }
@@ -232,15 +233,15 @@ Fragment Emitter::Divide(const Expr& expr) {
   const Fragment right = AtLeast(Level::Join, AsNumber(Operand(expr, 1)));
   Fragment result =
       left.floating ? Build(Level::Multiply, ValueKind::Real, {AtLeast(Level::Multiply, left), " / ", right})
-                    : Build(Level::Multiply, ValueKind::Real, {Spelled().Floating(left), " / ", right});
+                    : Build(Level::Multiply, ValueKind::Real, {spelled_.Floating(left), " / ", right});
   result.floating = true;
   return result;
 }
 
 Fragment Emitter::Like(const Expr& expr) {
-  const Fragment text = AsText(Operand(expr, 0));
-  const Fragment pattern = AsText(Operand(expr, 1));
-  return Negated(expr, Spelled().Like(pattern, text));
+  const Fragment text = AsText(spelled_, Operand(expr, 0));
+  const Fragment pattern = AsText(spelled_, Operand(expr, 1));
+  return Negated(expr, spelled_.Like(pattern, text));
 }
 
 Fragment Emitter::Between(const Expr& expr) {
@@ -251,7 +252,7 @@ Fragment Emitter::Between(const Expr& expr) {
   CheckComparable(value, upper);
   const bool noCase = NeedsNoCase(value, lower) || NeedsNoCase(value, upper);
   return Negated(expr, Build(Level::Compare, ValueKind::Boolean,
-                             {noCase ? Spelled().WithoutCase(value) : AtLeast(Level::Add, value), " BETWEEN ",
+                             {noCase ? spelled_.WithoutCase(value) : AtLeast(Level::Add, value), " BETWEEN ",
                               AtLeast(Level::Add, lower), " AND ", AtLeast(Level::Add, upper)}));
 }
 
@@ -268,7 +269,7 @@ Fragment Emitter::In(const Expr& expr) {
   }
   return Negated(
       expr, Build(Level::Compare, ValueKind::Boolean,
-                  {noCase ? Spelled().WithoutCase(value) : AtLeast(Level::Add, value), " IN (", list, ")"}));
+                  {noCase ? spelled_.WithoutCase(value) : AtLeast(Level::Add, value), " IN (", list, ")"}));
 }
 
 Fragment Emitter::Is(const Expr& expr, std::string_view word) {

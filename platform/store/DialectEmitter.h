@@ -15,7 +15,8 @@ enum class Totals { Forbidden, Allowed };
 
 class Emitter {
  public:
-  Emitter(const Scope& scope, std::string_view key) : scope_(scope), key_(key) {}
+  Emitter(const Scope& scope, const Spelling& spelled, std::string_view key)
+      : scope_(scope), spelled_(spelled), key_(key) {}
 
   /// The expression, with names from table `first` on. A bare Currency column and its MIN, MAX and SUM come
   /// in units.
@@ -67,6 +68,7 @@ class Emitter {
   void CheckTotal(const Expr& expr) const;
 
   const Scope& scope_;
+  const Spelling& spelled_;
   std::string_view key_;
   Inside inside_ = Inside::NoTotals;
   int first_ = 0;

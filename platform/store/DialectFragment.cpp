@@ -112,12 +112,12 @@ Fragment Plain(const Fragment& fragment) {
   return amount;
 }
 
-Fragment AsText(const Fragment& fragment) {
+Fragment AsText(const Spelling& spelled, const Fragment& fragment) {
   if (fragment.kind == ValueKind::Date || fragment.kind == ValueKind::Binary)
     NotPossible("This cannot be used as a text", fragment);
   Fragment value = Plain(fragment);
   if (value.kind != ValueKind::Real) return value;
-  return Spelled().NumberText(value, fragment.column && fragment.column->type == ColumnType::Single);
+  return spelled.NumberText(value, fragment.column && fragment.column->type == ColumnType::Single);
 }
 
 Fragment AsNumber(const Fragment& fragment) {
@@ -141,9 +141,9 @@ void CheckComparable(const Fragment& a, const Fragment& b) {
   if (b.kind == ValueKind::Date && !open(a)) NotPossible("A date cannot be compared with this", a);
 }
 
-Fragment WithoutCase(const Fragment& fragment) {
+Fragment WithoutCase(const Spelling& spelled, const Fragment& fragment) {
   if (!fragment.MayBeText() || fragment.column) return fragment;
-  return Spelled().WithoutCase(fragment);
+  return spelled.WithoutCase(fragment);
 }
 
 namespace {
@@ -172,7 +172,7 @@ ColumnType FormOf(const Fragment& value) {
 }
 
 /// Throws 3075 for a value of a kind that is never meant for such a column.
-void CheckMeant(const Fragment& value, ValueKind column) {
+void CheckMeant(const Spelling& spelled, const Fragment& value, ValueKind column) {
   switch (column) {
     case ValueKind::Boolean:
       AsCondition(value);
@@ -183,7 +183,7 @@ void CheckMeant(const Fragment& value, ValueKind column) {
       AsNumber(value);
       break;
     case ValueKind::Text:
-      AsText(value);
+      AsText(spelled, value);
       break;
     default:
       break;
@@ -192,12 +192,12 @@ void CheckMeant(const Fragment& value, ValueKind column) {
 
 }  // namespace
 
-std::string Stored(const Fragment& value, const ColumnInfo& column) {
+std::string Stored(const Spelling& spelled, const Fragment& value, const ColumnInfo& column) {
   const bool flag = column.type == ColumnType::Boolean;
   if (value.kind == ValueKind::Null) return flag ? "0" : value.text;
   if (flag && value.kind == ValueKind::Boolean && value.neverNull && !value.column) return value.text;
-  CheckMeant(value, KindOf(column.type));
-  return Spelled().Fitted(value, FormOf(value), column).text;
+  CheckMeant(spelled, value, KindOf(column.type));
+  return spelled.Fitted(value, FormOf(value), column).text;
 }
 
 }  // namespace store::dialect

@@ -9,6 +9,8 @@
 
 namespace store::dialect {
 
+class Spelling;
+
 /// How tightly the outermost operator binds in the file's SQL. An operand that binds more loosely gets
 /// parentheses.
 enum class Level { Or, And, Not, Compare, Add, Multiply, Join, Atom };
@@ -57,7 +59,7 @@ Fragment AtLeast(Level level, const Fragment& fragment);
 Fragment Plain(const Fragment& fragment);
 /// The plain value as a text: numbers without a needless ".0". Throws 3075 for dates and binaries, whose form
 /// in the file is not the one that people know.
-Fragment AsText(const Fragment& fragment);
+Fragment AsText(const Spelling& spelled, const Fragment& fragment);
 /// The plain value, to calculate with. Throws 3075 for dates and binaries.
 Fragment AsNumber(const Fragment& fragment);
 /// The plain value, to decide with. Throws 3075 for texts, dates and binaries.
@@ -65,12 +67,12 @@ Fragment AsCondition(const Fragment& fragment);
 /// Throws 3075 if a date is compared with something that is not a date.
 void CheckComparable(const Fragment& a, const Fragment& b);
 /// A text expression for sorting and grouping without regard to case; columns do that by themselves.
-Fragment WithoutCase(const Fragment& fragment);
+Fragment WithoutCase(const Spelling& spelled, const Fragment& fragment);
 
 /// The expression that stores a value in a column: converted as a recordset converts it, see FitToColumn,
 /// with a statement that fails if the value does not fit. Throws 3075 for a text that is to become a flag,
 /// and for a date that is to become a text or a number.
-std::string Stored(const Fragment& value, const ColumnInfo& column);
+std::string Stored(const Spelling& spelled, const Fragment& value, const ColumnInfo& column);
 
 /// Throws 3075.
 [[noreturn]] void NotPossible(std::string_view reason, const Fragment& fragment);

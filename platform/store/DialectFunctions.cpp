@@ -30,23 +30,23 @@ const Emitter::Function* Emitter::FindFunction(std::string_view name) {
   using E = Emitter&;
   using C = const Expr&;
   static constexpr Function kFunctions[] = {
-      {"UCASE", 1, 1, [](E e, C c) { return Spelled().Upper(AsText(e.Operand(c, 0))); }},
-      {"LCASE", 1, 1, [](E e, C c) { return Spelled().Lower(AsText(e.Operand(c, 0))); }},
-      {"TRIM", 1, 1, [](E e, C c) { return Spelled().Trimmed(AsText(e.Operand(c, 0))); }},
-      {"LEN", 1, 1, [](E e, C c) { return Spelled().Length(AsText(e.Operand(c, 0))); }},
+      {"UCASE", 1, 1, [](E e, C c) { return e.spelled_.Upper(AsText(e.spelled_, e.Operand(c, 0))); }},
+      {"LCASE", 1, 1, [](E e, C c) { return e.spelled_.Lower(AsText(e.spelled_, e.Operand(c, 0))); }},
+      {"TRIM", 1, 1, [](E e, C c) { return e.spelled_.Trimmed(AsText(e.spelled_, e.Operand(c, 0))); }},
+      {"LEN", 1, 1, [](E e, C c) { return e.spelled_.Length(AsText(e.spelled_, e.Operand(c, 0))); }},
       {"LEFT", 2, 2, [](E e, C c) { return e.Left(c); }},
       {"RIGHT", 2, 2, [](E e, C c) { return e.Right(c); }},
       {"MID", 2, 3, [](E e, C c) { return e.Middle(c); }},
       {"IIF", 3, 3, [](E e, C c) { return e.Choice(c); }},
       {"NZ", 1, 2, [](E e, C c) { return e.Fallback(c); }},
       {"ISNULL", 1, 1, [](E e, C c) { return e.Is(c, "NULL"); }},
-      {"ABS", 1, 1, [](E e, C c) { return Spelled().Absolute(AsNumber(e.Operand(c, 0))); }},
-      {"INT", 1, 1, [](E e, C c) { return Spelled().Floor(AsNumber(e.Operand(c, 0))); }},
-      {"YEAR", 1, 1, [](E e, C c) { return Spelled().Part(DatePart::Year, e.Date(c)); }},
-      {"MONTH", 1, 1, [](E e, C c) { return Spelled().Part(DatePart::Month, e.Date(c)); }},
-      {"DAY", 1, 1, [](E e, C c) { return Spelled().Part(DatePart::Day, e.Date(c)); }},
-      {"NOW", 0, 0, [](E, C) { return Spelled().Now(); }},
-      {"DATE", 0, 0, [](E, C) { return Spelled().Today(); }},
+      {"ABS", 1, 1, [](E e, C c) { return e.spelled_.Absolute(AsNumber(e.Operand(c, 0))); }},
+      {"INT", 1, 1, [](E e, C c) { return e.spelled_.Floor(AsNumber(e.Operand(c, 0))); }},
+      {"YEAR", 1, 1, [](E e, C c) { return e.spelled_.Part(DatePart::Year, e.Date(c)); }},
+      {"MONTH", 1, 1, [](E e, C c) { return e.spelled_.Part(DatePart::Month, e.Date(c)); }},
+      {"DAY", 1, 1, [](E e, C c) { return e.spelled_.Part(DatePart::Day, e.Date(c)); }},
+      {"NOW", 0, 0, [](E e, C) { return e.spelled_.Now(); }},
+      {"DATE", 0, 0, [](E e, C) { return e.spelled_.Today(); }},
       {"COUNT", 1, 1,
        [](E e, C c) {
          Fragment count = Build(Level::Atom, ValueKind::Whole, {"COUNT(", e.Totalled(c), ")"});
@@ -72,21 +72,21 @@ Fragment Emitter::Call(const Expr& expr) {
 }
 
 Fragment Emitter::Left(const Expr& expr) {
-  const Fragment text = AsText(Operand(expr, 0));
-  return Spelled().Left(text, AsNumber(Operand(expr, 1)));
+  const Fragment text = AsText(spelled_, Operand(expr, 0));
+  return spelled_.Left(text, AsNumber(Operand(expr, 1)));
 }
 
 Fragment Emitter::Right(const Expr& expr) {
-  const Fragment text = AsText(Operand(expr, 0));
-  return Spelled().Right(text, AsNumber(Operand(expr, 1)));
+  const Fragment text = AsText(spelled_, Operand(expr, 0));
+  return spelled_.Right(text, AsNumber(Operand(expr, 1)));
 }
 
 Fragment Emitter::Middle(const Expr& expr) {
-  const Fragment text = AsText(Operand(expr, 0));
+  const Fragment text = AsText(spelled_, Operand(expr, 0));
   const Fragment start = AsNumber(Operand(expr, 1));
   std::optional<Fragment> count;
   if (expr.operands.size() > 2) count = AsNumber(Operand(expr, 2));
-  return Spelled().Middle(text, start, count);
+  return spelled_.Middle(text, start, count);
 }
 
 Fragment Emitter::Choice(const Expr& expr) {
@@ -145,7 +145,7 @@ Fragment Emitter::Total(const Expr& expr, std::string_view opening, ValueKind ki
 Fragment Emitter::Extreme(const Expr& expr, std::string_view opening) {
   const Fragment value = Totalled(expr);
   if (value.kind == ValueKind::Binary) NotPossible("This has no order", value);
-  Fragment result = Build(Level::Atom, value.kind, {opening, WithoutCase(value), ")"});
+  Fragment result = Build(Level::Atom, value.kind, {opening, WithoutCase(spelled_, value), ")"});
   result.units = value.units;
   result.typed = value.typed;
   result.hasAggregate = true;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/runtime/Text.h"
+#include "platform/store/DialectSpelling.h"
 #include "platform/store/Tokenizer.h"
 
 namespace store::dialect {
@@ -38,7 +39,7 @@ ColumnType TypeOf(const Fragment& value) {
 
 void QueryTranslator::Translate(const Query& query, Translation& result) {
   result.distinct = query.distinct;
-  result.top = query.top;
+  if (query.top) result.limit = spelled_.Limit(*query.top);
   result.from = Sources(*query.from);
   result.tables = scope_.Tables();
   if (query.where) result.where = emitter_.EmitCondition(*query.where, Totals::Forbidden).text;
@@ -99,7 +100,7 @@ void QueryTranslator::Items(const Query& query, Translation& result) {
   // Finds doubles without regard to case, as everywhere.
   if (query.distinct)
     for (std::size_t i = 0; i < values_.size(); ++i)
-      result.columns[i].expression = WithoutCase(values_[i]).text;
+      result.columns[i].expression = WithoutCase(spelled_, values_[i]).text;
   NameDoubles(result);
 }
 
@@ -157,7 +158,7 @@ void QueryTranslator::Groups(const Query& query, Translation& result) {
     const Fragment group = emitter_.Emit(*expr, Totals::Forbidden);
     if (!group.hasColumn) NotUnderstood(key_, expr->place, "Only columns can be grouped by");
     groups.push_back(group.text);
-    result.groupBy += (result.groupBy.empty() ? "" : ", ") + WithoutCase(group).text;
+    result.groupBy += (result.groupBy.empty() ? "" : ", ") + WithoutCase(spelled_, group).text;
   }
   bool totalled = totals_ || !groups.empty();
   if (query.having) {
@@ -190,8 +191,8 @@ void QueryTranslator::Order(const Query& query, Translation& result) {
     if (query.distinct && std::none_of(values_.begin(), values_.end(),
                                        [&](const Fragment& listed) { return listed.text == value.text; }))
       NotUnderstood(key_, term.value->place, "Rows without doubles can be sorted by what they show alone");
-    result.orderBy +=
-        (result.orderBy.empty() ? "" : ", ") + WithoutCase(value).text + (term.descending ? " DESC" : "");
+    result.orderBy += (result.orderBy.empty() ? "" : ", ") + WithoutCase(spelled_, value).text +
+                      (term.descending ? " DESC" : "");
   }
 }
 

@@ -12,8 +12,8 @@ namespace store::dialect {
 /// Fills the parts of a Select.
 class QueryTranslator {
  public:
-  QueryTranslator(const Schema& schema, std::string_view key)
-      : scope_(schema), emitter_(scope_, key), key_(key) {}
+  QueryTranslator(const Schema& schema, const Spelling& spelled, std::string_view key)
+      : scope_(schema), spelled_(spelled), emitter_(scope_, spelled, key), key_(key) {}
   void Translate(const Query& query, Translation& result);
   /// The values of the columns, in order, for an Insert that stores them.
   const std::vector<Fragment>& Values() const { return values_; }
@@ -31,6 +31,7 @@ class QueryTranslator {
   void CheckColumns(std::size_t place) const;
 
   Scope scope_;
+  const Spelling& spelled_;
   Emitter emitter_;
   std::string_view key_;
   std::vector<Fragment> values_;

@@ -52,7 +52,4 @@ class Spelling {
   virtual std::string Limit(std::int64_t rows) const = 0;
 };
 
-/// The words of SQLite, the only engine that there is.
-const Spelling& Spelled();
-
 }  // namespace store::dialect

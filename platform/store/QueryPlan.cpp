@@ -1,6 +1,5 @@
 #include "platform/store/QueryPlan.h"
 
-#include "platform/store/DialectSpelling.h"
 #include "platform/store/StoreError.h"
 
 namespace store {
@@ -11,8 +10,6 @@ std::string SelectList(const Translation& t) {
   for (const auto& column : t.columns) list += (list.empty() ? "" : ", ") + column.expression;
   return list;
 }
-
-std::string Limit(const Translation& t) { return t.top ? dialect::Spelled().Limit(*t.top) : ""; }
 
 /// Pictures may be larger than everything else in a file, and few readers of a row look at them. A row says
 /// only whether it has a picture.
@@ -32,7 +29,7 @@ std::string WholeStatement(const Translation& t) {
          (t.from.empty() ? "" : " FROM " + t.from) + (t.where.empty() ? "" : " WHERE " + t.where) +
          (t.groupBy.empty() ? "" : " GROUP BY " + t.groupBy) +
          (t.having.empty() ? "" : " HAVING " + t.having) +
-         (t.orderBy.empty() ? "" : " ORDER BY " + t.orderBy) + Limit(t);
+         (t.orderBy.empty() ? "" : " ORDER BY " + t.orderBy) + t.limit;
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ std::shared_ptr<const QueryPlan> Session::Plan(const Normalized& statement) {
   if (found != plans.end()) return found->second;
   if (plans.size() >= kMostPlans) plans.clear();
   const auto schema = Tables(true);
-  auto plan = MakePlan(Translate(statement, *schema), schema, Texts());
+  auto plan = MakePlan(Translate(statement, *schema, Spelled()), schema, Texts());
   plans[statement.key] = plan;
   return plan;
 }

@@ -15,6 +15,9 @@
 
 namespace store {
 
+namespace dialect {
+class Spelling;
+}
 class RowList;
 class Statements;
 struct Normalized;
@@ -144,6 +147,7 @@ class Session {
   void ForgetTables();
   /// The statement cut into what a cursor needs, kept for statements of the same shape.
   std::shared_ptr<const QueryPlan> Plan(const Normalized& statement);
+  virtual const dialect::Spelling& Spelled() const = 0;
   virtual const Statements& Texts() const = 0;
   /// The engine's own test of the file's structure: one line for each fault, none for a sound file.
   virtual std::vector<std::string> Check() = 0;

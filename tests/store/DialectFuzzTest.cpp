@@ -7,6 +7,7 @@
 
 #include "platform/store/Dialect.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/SqliteSpelling.h"
 #include "support/Scenarios.h"
 
 namespace {
@@ -287,7 +288,7 @@ TEST(DialectFuzz, RefusesOrTranslatesToWhatTheEngineTakes) {
     const std::string sql = maker.Next();
     try {
       const auto statement = store::Normalize(sql);
-      const auto translation = store::Translate(statement, file.schema);
+      const auto translation = store::Translate(statement, file.schema, store::SqliteWords());
       ++translated;
       const std::string whole = test::WholeStatement(translation);
       ASSERT_EQ(whole.empty() ? "" : database.Refusal(whole), "") << "case " << i << ": " << sql << "\n"

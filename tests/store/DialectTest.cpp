@@ -7,12 +7,14 @@
 
 #include "platform/runtime/Clock.h"
 #include "platform/store/StoreError.h"
+#include "platform/store/sqlite/SqliteSpelling.h"
 #include "support/Scenarios.h"
 
 namespace {
 
 using store::ColumnType;
 using store::Normalize;
+using store::SqliteWords;
 using store::StoreError;
 using store::Translation;
 
@@ -111,7 +113,7 @@ class Runner {
     std::string words;
     try {
       statement = Normalize(scenario.sql);
-      translation = Translate(statement, file_.schema);
+      translation = Translate(statement, file_.schema, SqliteWords());
     } catch (const StoreError& error) {
       number = error.Number();
       words = error.what();
@@ -276,7 +278,7 @@ TEST(Dialect, RefusesWhatIsNestedTooDeeply) {
       const std::string sql = select + repeated(open, depth) + middle + repeated(close, depth);
       SCOPED_TRACE(open + " x " + std::to_string(depth));
       try {
-        const auto translation = Translate(Normalize(sql), file.schema);
+        const auto translation = Translate(Normalize(sql), file.schema, SqliteWords());
         ASSERT_EQ(database.Refusal(test::WholeStatement(translation)), "");
       } catch (const StoreError& error) {
         ASSERT_EQ(error.Number(), store::kSyntax);
@@ -286,16 +288,16 @@ TEST(Dialect, RefusesWhatIsNestedTooDeeply) {
     }
     EXPECT_TRUE(refused) << open;
     // Far deeper than any stack: still an error and not a crash.
-    EXPECT_THROW(
-        Translate(Normalize(select + repeated(open, 20000) + middle + repeated(close, 20000)), file.schema),
-        StoreError);
+    EXPECT_THROW(Translate(Normalize(select + repeated(open, 20000) + middle + repeated(close, 20000)),
+                           file.schema, SqliteWords()),
+                 StoreError);
   }
   // The statements that people write are well within the limits.
   std::string wide = "ID = 0";
   for (int i = 1; i < 100; ++i) wide += " OR ID = " + std::to_string(i);
-  EXPECT_NO_THROW(Translate(Normalize(select + wide), file.schema));
-  EXPECT_NO_THROW(
-      Translate(Normalize(select + repeated("(", 20) + "ID = 1" + repeated(")", 20)), file.schema));
+  EXPECT_NO_THROW(Translate(Normalize(select + wide), file.schema, SqliteWords()));
+  EXPECT_NO_THROW(Translate(Normalize(select + repeated("(", 20) + "ID = 1" + repeated(")", 20)), file.schema,
+                            SqliteWords()));
 }
 
 TEST(Dialect, LikePatterns) {

@@ -120,7 +120,7 @@ std::string WholeStatement(const store::Translation& t) {
       for (const auto& column : t.columns) list.push_back(column.expression);
       return std::string("SELECT ") + (t.distinct ? "DISTINCT " : "") + List(list) + " FROM " + t.from +
              Clause(" WHERE ", t.where) + Clause(" GROUP BY ", t.groupBy) + Clause(" HAVING ", t.having) +
-             Clause(" ORDER BY ", t.orderBy) + (t.top ? " LIMIT " + std::to_string(*t.top) : "");
+             Clause(" ORDER BY ", t.orderBy) + t.limit;
     }
     case store::StatementKind::Insert: {
       std::vector<std::string> columns;

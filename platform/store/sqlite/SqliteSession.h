@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/store/sqlite/Handle.h"
+#include "platform/store/sqlite/SqliteSpelling.h"
 #include "platform/store/sqlite/SqliteStatements.h"
 
 namespace store {
@@ -36,6 +37,7 @@ class SqliteSession : public Session {
   std::int64_t LastNumber(const std::string& table) override;
   void KeepNumber(const std::string& table, std::int64_t number) override;
 
+  const dialect::Spelling& Spelled() const override { return SqliteWords(); }
   const Statements& Texts() const override;
   std::vector<std::string> Check() override;
 

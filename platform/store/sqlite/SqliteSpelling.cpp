@@ -1,8 +1,9 @@
-#include "platform/store/DialectSpelling.h"
+#include "platform/store/sqlite/SqliteSpelling.h"
 
 #include "platform/runtime/Text.h"
 
-namespace store::dialect {
+namespace store {
+namespace dialect {
 namespace {
 
 class SqliteSpelling : public Spelling {
@@ -82,9 +83,11 @@ class SqliteSpelling : public Spelling {
 
 }  // namespace
 
-const Spelling& Spelled() {
-  static const SqliteSpelling spelling;
+}  // namespace dialect
+
+const dialect::Spelling& SqliteWords() {
+  static const dialect::SqliteSpelling spelling;
   return spelling;
 }
 
-}  // namespace store::dialect
+}  // namespace store

@@ -1,13 +1,13 @@
 #include "platform/store/sqlite/SqliteStatements.h"
 
-#include "platform/store/DialectSpelling.h"
+#include "platform/store/sqlite/SqliteSpelling.h"
 
 namespace store {
 namespace {
 
 const std::string kKey = "_rowid_";
 
-std::string Limit(std::int64_t rows) { return dialect::Spelled().Limit(rows); }
+std::string Limit(std::int64_t rows) { return SqliteWords().Limit(rows); }
 
 std::string KeyOf(const SourceTable& table) { return QuoteName(table.alias) + "." + kKey; }
 
@@ -35,7 +35,7 @@ std::string FromOneRow(const Translation& query) {
 
 std::string AllOrderedBy(const Translation& query, const std::string& list, const std::string& order) {
   return "SELECT " + list + " FROM " + query.from + (query.where.empty() ? "" : " WHERE " + query.where) +
-         (order.empty() ? "" : " ORDER BY " + order) + (query.top ? Limit(*query.top) : "");
+         (order.empty() ? "" : " ORDER BY " + order) + query.limit;
 }
 
 /// All rows of a query in its order; what it leaves equal goes by the keys.
