@@ -5,7 +5,6 @@
 
 #include "platform/runtime/Waits.h"
 #include "platform/store/Numbers.h"
-#include "platform/store/RowList.h"
 
 namespace store {
 namespace {
@@ -40,7 +39,8 @@ Connection::Impl::Impl(std::unique_ptr<Session> session, std::unique_ptr<store::
       session_(std::move(session)),
       request_(std::move(request)),
       group_(*holds_),
-      records_(*holds_, [this] { YieldSiblings(); }) {
+      records_(*holds_, [this] { YieldSiblings(); }),
+      file_(*session_, *holds_, log_, group_, caches_) {
   static const bool registered = [] {
     rt::BeforeEveryWait(YieldFiles);
     return true;
@@ -61,101 +61,18 @@ Connection::Impl::~Impl() {
 
 void Connection::Impl::YieldSiblings() {
   for (Impl* other : Live())
-    if (other != this && (other->physical_ || other->reading_) && other->request_.path == request_.path)
+    if (other != this && (other->file_.On() || other->file_.Looking()) &&
+        other->request_.path == request_.path)
       other->Yield();
 }
 
-// --- the file's write transaction
-
-void Connection::Impl::NoteTablesChanged() {
-  session_->ForgetTables();
-  tablesChanged_ = true;
-}
-
 void Connection::Impl::BeginPhysical() {
-  if (physical_) return;
-  EndReading();
+  if (file_.On()) return;
+  file_.EndLooking();
   if (request_.readOnly)
     throw StoreError(kReadOnly, "Cannot update. The data base '" + request_.path + "' was opened read-only.");
   YieldSiblings();
-  session_->Begin();
-  physical_ = true;
-  try {
-    holds_->Renew();
-    if (group_.On()) group_.Started();
-    if (Depth() > 0 || group_.On()) session_->SetMark();  // see TakeBack
-    const std::int64_t version = session_->Version();
-    if (version != dataVersion_) {
-      dataVersion_ = version;
-      ++epoch_;
-      caches_.ForgetClean();
-    }
-    log_.Make(Maker());
-  } catch (...) {
-    RollbackPhysical();
-    throw;
-  }
-}
-
-void Connection::Impl::CommitPhysical() {
-  try {
-    log_.Make(Maker());
-    caches_.Store(*session_, GroupCaches::Rows::All);
-    session_->Commit();
-  } catch (...) {
-    RollbackPhysical();
-    throw;
-  }
-  physical_ = false;
-  caches_.Stored(GroupCaches::Rows::All);
-}
-
-void Connection::Impl::RollbackPhysical() {
-  session_->Rollback();
-  physical_ = false;
-  if (tablesChanged_) session_->ForgetTables();
-  log_.Unmake();
-  // What was read in it may have been written in it.
-  caches_.ForgetClean();
-  ++epoch_;
-}
-
-// The numbers that are given to new records here must not be given to others before these are stored. So the
-// file is not let go of before they are in it: whoever came in between would get them again.
-void Connection::Impl::TakeBack() {
-  if (log_.Reserved().empty()) return RollbackPhysical();
-  try {
-    session_->GoToMark();
-    for (const auto& [table, id] : log_.Reserved()) session_->KeepNumber(table, id);
-    session_->Commit();
-  } catch (...) {
-    RollbackPhysical();
-    throw;
-  }
-  RollbackPhysical();
-}
-
-Written Connection::Impl::Run(const Change& change) {
-  try {
-    if (!change.keepsNumber) return session_->Write(*change.sql, change.values);
-    session_->KeepNumber(*change.sql, KeyOf(change.values.front()));
-    return {};
-  } catch (...) {
-    // A full disk makes the database give up the whole transaction; its writes are still in the log.
-    if (!session_->InTransaction()) RollbackPhysical();
-    throw;
-  }
-}
-
-std::int64_t Connection::Impl::RunTogether(std::span<const Change> changes) {
-  RowList rows;
-  for (const Change& change : changes) rows.Add(KeyOf(change.values.back()), change.values);
-  try {
-    return session_->UpdateMany(*changes.front().update, rows);
-  } catch (...) {
-    if (!session_->InTransaction()) RollbackPhysical();
-    throw;
-  }
+  file_.Begin();
 }
 
 // --- one unit of change
@@ -177,22 +94,22 @@ void Connection::Impl::NoteUnstored(const StoreError& error, std::string_view sq
 void Connection::Impl::EndWriting() {
   --writingDepth_;
   if (Depth() > 0 || group_.On() || writingDepth_ > 0) return;
-  CommitPhysical();
+  file_.Commit();
   log_.Clear();
 }
 
 void Connection::Impl::AbandonWriting() {
   --writingDepth_;
   if (Depth() > 0 || group_.On() || writingDepth_ > 0) return;
-  if (physical_) RollbackPhysical();
+  if (file_.On()) file_.Rollback();
   log_.Clear();
 }
 
 std::int64_t Connection::Impl::Write(Change change, std::int64_t* newId, int idParameter) {
   Written written;
   try {
-    log_.MakeOf(change.table, Maker());
-    written = Run(change);
+    log_.MakeOf(change.table, file_.Maker());
+    written = file_.Make(change);
     change.changed = written.changed;
     change.made = true;
   } catch (const StoreError& error) {
@@ -257,7 +174,7 @@ void Connection::Impl::Commit(store::Commit how) {
     log_.Settle();
     undoMarks_.clear();
     caches_.ForgetUndo();
-    if (!group_.On() || (!physical_ && !log_.HasSettled() && !caches_.AnyDirty())) {
+    if (!group_.On() || (!file_.On() && !log_.HasSettled() && !caches_.AnyDirty())) {
       log_.ForgetReserved();
       records_.ReleaseAll();
       return;
@@ -266,9 +183,9 @@ void Connection::Impl::Commit(store::Commit how) {
     if (group_.CountTransaction()) GroupTick();
     return;
   }
-  if (physical_ || !log_.Empty() || caches_.AnyDirty()) {
+  if (file_.On() || !log_.Empty() || caches_.AnyDirty()) {
     BeginPhysical();
-    CommitPhysical();
+    file_.Commit();
   }
   EndTransactions();
 }
@@ -279,7 +196,7 @@ void Connection::Impl::EndTransactions() {
   undoMarks_.clear();
   caches_.ForgetUndo();
   records_.ReleaseAll();
-  tablesChanged_ = false;
+  file_.Ended();
 }
 
 void Connection::Impl::Rollback() {
@@ -289,15 +206,15 @@ void Connection::Impl::Rollback() {
   const bool made = log_.Cut();
   if (Depth() > 0 || group_.On()) {
     // What was written before it in the same write transaction is written again when the work goes on.
-    if (made && physical_) TakeBack();
+    if (made && file_.On()) file_.TakeBack();
     if (Depth() > 0) return;
-    if (physical_ || log_.HasSettled() || caches_.AnyDirty())
+    if (file_.On() || log_.HasSettled() || caches_.AnyDirty())
       records_.SettleTransaction();
     else
       records_.ReleaseAll();
     return;
   }
-  if (physical_) RollbackPhysical();
+  if (file_.On()) file_.Rollback();
   EndTransactions();
 }
 
@@ -316,7 +233,7 @@ void Connection::Impl::FinishGroup() {
 
 void Connection::Impl::AbandonGroup() {
   if (!group_.On() || Depth() > 0) return;
-  if (physical_) RollbackPhysical();
+  if (file_.On()) file_.Rollback();
   group_.Leave();
   caches_.ForgetAll();
   EndTransactions();
@@ -327,10 +244,10 @@ void Connection::Impl::GroupTick() {
 }
 
 void Connection::Impl::FlushGroup(bool pause) {
-  if (physical_ || !log_.Empty() || caches_.AnyDirty()) {
+  if (file_.On() || !log_.Empty() || caches_.AnyDirty()) {
     BeginPhysical();
     const auto start = std::chrono::steady_clock::now();
-    CommitPhysical();
+    file_.Commit();
     group_.Committed(std::chrono::steady_clock::now() - start);
   }
   EndTransactions();
@@ -339,37 +256,17 @@ void Connection::Impl::FlushGroup(bool pause) {
 }
 
 void Connection::Impl::Yield() {
-  EndReading();
+  file_.EndLooking();
   if (writingDepth_ > 0) return;
   if (Depth() == 0) {
     if (group_.On()) FlushGroup(false);
     return;
   }
   const bool settled = log_.HasSettled() || caches_.AnyCommittedDirty();
-  if (physical_ && (log_.HasOpen() || !settled)) TakeBack();
-  if (settled) CommitSettled();
+  if (file_.On() && (log_.HasOpen() || !settled)) file_.TakeBack();
+  if (settled) file_.CommitSettled();
   // Others may have everything back but the records of the transaction that is still open.
   records_.KeepTransactionOnly();
-}
-
-/// Commits the transactions that have ended as part of the group, and leaves out the one that is open.
-void Connection::Impl::CommitSettled() {
-  try {
-    if (!physical_) {
-      session_->Begin();
-      physical_ = true;
-      holds_->Renew();
-    }
-    log_.MakeSettled(Maker());
-    caches_.Store(*session_, GroupCaches::Rows::Committed);
-    session_->Commit();
-  } catch (...) {
-    RollbackPhysical();
-    throw;
-  }
-  physical_ = false;
-  caches_.Stored(GroupCaches::Rows::Committed);
-  log_.ForgetSettled();
 }
 
 // --- records
@@ -400,21 +297,13 @@ std::vector<std::string> Connection::Impl::Check() {
 }
 
 void Connection::Impl::StartReading() {
-  if (physical_ || reading_ || !log_.Empty()) return;
-  session_->StartReading();
-  reading_ = true;
-}
-
-void Connection::Impl::EndReading() {
-  if (!reading_) return;
-  reading_ = false;
-  session_->EndReading();
+  if (!file_.On() && !file_.Looking() && log_.Empty()) file_.StartLooking();
 }
 
 void Connection::Impl::BeforeRead(int table, CachedRows cached) {
   if (!log_.Empty()) {
     BeginPhysical();
-    log_.MakeOf(table, Maker());
+    log_.MakeOf(table, file_.Maker());
   }
   if (cached == CachedRows::Store) SpillCache(table);
 }
@@ -429,7 +318,7 @@ void Connection::Impl::BeforeRead(const Translation& query) {
 void Connection::Impl::BeforeReadOfAll() {
   if (!log_.Empty()) {
     BeginPhysical();
-    log_.Make(Maker());
+    log_.Make(file_.Maker());
   }
   if (caches_.Empty()) return;
   for (const auto& table : session_->Tables()->tables) SpillCache(table.number);
@@ -437,7 +326,7 @@ void Connection::Impl::BeforeReadOfAll() {
 
 std::uint64_t Connection::Impl::EpochOf(int table) const {
   const auto own = tableEpochs_.find(table);
-  return epoch_ + (own == tableEpochs_.end() ? 0 : own->second);
+  return file_.Epoch() + (own == tableEpochs_.end() ? 0 : own->second);
 }
 
 // --- rows kept in memory within a group
@@ -467,7 +356,7 @@ void Connection::Impl::SpillCache(int table) {
   const std::string name = caches_.Of(table)->Table().name;
   const auto keep = [&](Change change, bool settled) {
     const bool adds = change.values.back().IsNull();
-    const std::int64_t id = Run(change).lastKey;
+    const std::int64_t id = file_.Make(change).lastKey;
     if (adds) {
       change.values.back() = KeyValue(id);
       log_.Reserve(name, id);

@@ -11,6 +11,7 @@
 
 #include "platform/store/CommitGroup.h"
 #include "platform/store/Connection.h"
+#include "platform/store/FileTransaction.h"
 #include "platform/store/GroupCaches.h"
 #include "platform/store/RecordHolds.h"
 #include "platform/store/Session.h"
@@ -41,7 +42,7 @@ class Connection::Impl {
   std::vector<std::string> Check();
   std::int64_t Version() { return session_->Version(); }
   /// A definition has changed, until the end of the transaction or its rollback.
-  void NoteTablesChanged();
+  void NoteTablesChanged() { file_.NoteTablesChanged(); }
 
   // --- one unit of change; see Writing
   void StartWriting();
@@ -66,7 +67,7 @@ class Connection::Impl {
   void EnterGroup();
   void FinishGroup();
   void AbandonGroup();
-  bool InGroup() const { return group_.On() && physical_; }
+  bool InGroup() const { return group_.On() && file_.On(); }
   /// Ends the group's commit where its time is over; called between two transactions.
   void GroupTick();
   /// Lets other users write: commits what is whole, takes back what is not.
@@ -80,7 +81,7 @@ class Connection::Impl {
   // --- reading; see Question
   /// See store::Reading.
   void StartReading();
-  void EndReading();
+  void EndReading() { file_.EndLooking(); }
   enum class CachedRows { Store, Keep };
   /// Makes everything that waits visible to a reading of this table.
   void BeforeRead(int table, CachedRows cached = CachedRows::Store);
@@ -92,9 +93,9 @@ class Connection::Impl {
   void NoteChange(int table) { ++tableEpochs_[table]; }
   /// What NoteChange counts, for one who asks often.
   std::uint64_t& ChangesOf(int table) { return tableEpochs_[table]; }
-  std::uint64_t EpochWith(std::uint64_t changes) const { return epoch_ + changes; }
+  std::uint64_t EpochWith(std::uint64_t changes) const { return file_.Epoch() + changes; }
   /// See Connection::Glance.
-  std::uint64_t Glance() const { return physical_ ? epoch_ : 0; }
+  std::uint64_t Glance() const { return file_.On() ? file_.Epoch() : 0; }
 
   // --- rows kept in memory within a group
   /// The cache of a table by this index; null outside a group, in a transaction within another, and for an
@@ -131,19 +132,7 @@ class Connection::Impl {
   }
   void NoteUnstored(const StoreError& error, std::string_view sql);
   void BeginPhysical();
-  void CommitPhysical();
-  void RollbackPhysical();
-  /// Takes back what is written since BeginPhysical and lets go of the file.
-  void TakeBack();
-  Written Run(const Change& change);
-  std::int64_t RunTogether(std::span<const Change> changes);
-  TransactionLog::Maker Maker() {
-    return [this](std::span<Change> changes) {
-      return changes.size() == 1 ? Run(changes.front()).changed : RunTogether(changes);
-    };
-  }
   void FlushGroup(bool pause);
-  void CommitSettled();
   void EndTransactions();
   std::int64_t NumbersLeft(const TableInfo& table);
   void HoldBulk(const QueryPlan& plan, int table, const std::vector<rt::Value>& parameters);
@@ -152,19 +141,15 @@ class Connection::Impl {
   std::unique_ptr<Session> session_;  ///< rows are read from it by a Question alone
   OpenRequest request_;
 
-  bool reading_ = false;   ///< several readings share one look at the file
-  bool physical_ = false;  ///< the database underneath has a write transaction open
-  bool tablesChanged_ = false;
   int writingDepth_ = 0;
   TransactionLog log_;
   std::vector<std::size_t> undoMarks_;  ///< for each open transaction: where its changes of cached rows begin
   CommitGroup group_;
   GroupCaches caches_;
   RecordHolds records_;
+  FileTransaction file_;
 
-  std::uint64_t epoch_ = 1;
   std::unordered_map<int, std::uint64_t> tableEpochs_;
-  std::int64_t dataVersion_ = -1;
 };
 
 /// One unit of change: part of the running transaction, or committed by Done; undone when it ends without
