@@ -395,6 +395,9 @@ class TableCursor : public RecordCursor {
     noMatch_ = !cachedRow_;
     place_ = cachedRow_ ? Place::Row : Place::End;
     if (cachedRow_) key_ = cachedRow_->id;
+    // What was read ahead, and the place in the index, belong to the row before.
+    windowEpoch_ = 0;
+    orderRead_ = false;
   }
 
   std::shared_ptr<CachedRow> ForCache(std::int64_t key, const RawRow& read) {
