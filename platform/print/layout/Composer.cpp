@@ -14,6 +14,7 @@ RowSource Composer::AllRows() const { return {&rows_.rows, 0, rows_.rows.Count()
 BandValues Composer::ValuesAt(const RowWalk& walk) const {
   BandValues values(around_.run, source_);
   values.SetRow(walk.Place(), walk.Current());
+  values.SetNeighbors(walk.Previous(), walk.Following());
   values.SetGroupEdges(walk.Begins(), walk.Ends());
   return values;
 }
@@ -45,13 +46,13 @@ RowValues Composer::Arguments(const BandValues& values, int onlyLevel) const {
   RowValues arguments(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
     if (onlyLevel != kAllLevels && entries[i].level != onlyLevel) continue;
-    bool known = false;
-    for (std::size_t j = 0; j < i && !known; ++j) {
-      known = entries[j].total->argument == entries[i].total->argument &&
-              (onlyLevel == kAllLevels || entries[j].level == onlyLevel);
-      if (known) arguments[i] = arguments[j];
+    // An entry of another level was skipped, and its value is not there.
+    const int same = entries[i].same;
+    if (same >= 0 &&
+        (onlyLevel == kAllLevels || entries[static_cast<std::size_t>(same)].level == onlyLevel)) {
+      arguments[i] = arguments[static_cast<std::size_t>(same)];
+      continue;
     }
-    if (known) continue;
     try {
       arguments[i] = EvaluateArgument(*entries[i].total, values);
     } catch (const rt::Error& error) {

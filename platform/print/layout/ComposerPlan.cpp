@@ -31,12 +31,6 @@ bool IsComplete(BandKind kind, int group, int level) {
 
 bool IsPageBand(BandKind kind) { return kind == BandKind::PageHeader || kind == BandKind::PageFooter; }
 
-bool SameTree(const FormulaNode* a, const FormulaNode* b) {
-  if (a == b) return true;
-  return a != nullptr && b != nullptr && a->kind == NodeKind::Field && b->kind == NodeKind::Field &&
-         a->place == b->place;
-}
-
 }  // namespace
 
 Composer::Composer(const ReportDefinition& report, const ReportRows& rows, Surroundings surroundings)
@@ -154,7 +148,7 @@ bool Composer::TotalsDetailColumn(const ItemDefinition& item) const {
   if (total.kind != TotalKind::Sum || total.scope != TotalScope::Band) return false;
   return std::any_of(
       report_.detail.items.begin(), report_.detail.items.end(), [&](const ItemDefinition& detail) {
-        return detail.column == item.column && SameTree(detail.value.Root(), total.argument.get());
+        return detail.column == item.column && SameArgument(detail.value.Root(), total.argument.get());
       });
 }
 

@@ -32,6 +32,7 @@ bool RowWalk::Next() {
   if (!next_) return false;
   const int groups = static_cast<int>(report_.groups.size());
   begins_ = current_ ? ends_ : firstBegins_;
+  previous_ = std::move(current_);
   current_ = next_;
   keys_ = nextKeys_;
   ++place_;

@@ -27,6 +27,9 @@ class RowWalk {
   bool Next();
   std::int64_t Place() const { return place_; }
   const std::shared_ptr<const Row>& Current() const { return current_; }
+  /// The rows around it, where the walk knows them.
+  const std::shared_ptr<const Row>& Previous() const { return previous_; }
+  std::shared_ptr<const Row> Following() const { return next_; }
   /// The outermost group that begins with the current row; the number of groups if none does.
   int Begins() const { return begins_; }
   /// The outermost group that ends with the current row; the number of groups if none does.
@@ -45,6 +48,7 @@ class RowWalk {
   int firstBegins_;
   int begins_ = 0;
   int ends_ = 0;
+  std::shared_ptr<const Row> previous_;
   std::shared_ptr<const Row> current_;
   std::shared_ptr<Row> next_;
   std::vector<rt::Value> keys_;

@@ -56,15 +56,24 @@ rt::Value Accumulator::Result() const {
 
 void Accumulator::Reset() { *this = Accumulator(kind_); }
 
+bool SameArgument(const FormulaNode* a, const FormulaNode* b) {
+  if (a == b) return true;
+  return a != nullptr && b != nullptr && a->kind == NodeKind::Field && b->kind == NodeKind::Field &&
+         a->place == b->place;
+}
+
 int TotalsPlan::Require(const Total& total, TotalKind kind, int level, bool ahead) {
+  int same = -1;
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     Entry& entry = entries_[i];
-    if (entry.total->argument == total.argument && entry.kind == kind && entry.level == level) {
+    if (!SameArgument(entry.total->argument.get(), total.argument.get())) continue;
+    if (same < 0) same = static_cast<int>(i);
+    if (entry.kind == kind && entry.level == level) {
       entry.ahead = entry.ahead || ahead;
       return static_cast<int>(i);
     }
   }
-  entries_.push_back({&total, kind, level, ahead});
+  entries_.push_back({&total, kind, level, ahead, same});
   return static_cast<int>(entries_.size()) - 1;
 }
 

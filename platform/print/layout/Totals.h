@@ -43,6 +43,9 @@ struct TotalUse {
   bool ownRow = false;  ///< for a share: the row's own value is divided
 };
 
+/// Whether two arguments are the same: one tree, or one field.
+bool SameArgument(const FormulaNode* a, const FormulaNode* b);
+
 /// All totals of a report's bands. Formulas that ask for the same total share one accumulator.
 class TotalsPlan {
  public:
@@ -51,6 +54,7 @@ class TotalsPlan {
     TotalKind kind = TotalKind::Sum;
     int level = kReportLevel;
     bool ahead = false;
+    int same = -1;  ///< an earlier entry with the same argument; -1 if this is the first
   };
   /// The place of the accumulator for this total at this level.
   int Require(const Total& total, TotalKind kind, int level, bool ahead);

@@ -17,6 +17,8 @@ const rt::Value& BandValues::Field(int place) const { return At(row_ ? row_.get(
 rt::Value BandValues::Neighbor(int place, int distance) const {
   const std::int64_t other = place_ + distance;
   if (place_ < 0 || other < source_.first || other >= source_.first + source_.count) return rt::Null();
+  if (distance == -1 && before_) return At(before_.get(), place);
+  if (distance == 1 && after_) return At(after_.get(), place);
   Row row;
   source_.spool->Read(other, row);
   return At(&row, place);

@@ -36,6 +36,11 @@ class BandValues : public FormulaValues {
     place_ = place;
     row_ = std::move(row);
   }
+  /// The rows before and after it, if they are at hand; otherwise they are read when they are asked for.
+  void SetNeighbors(std::shared_ptr<const Row> before, std::shared_ptr<const Row> after) {
+    before_ = std::move(before);
+    after_ = std::move(after);
+  }
   /// The groups up to here begin (end) with this row: the outermost that does, the number of groups if none.
   void SetGroupEdges(int begins, int ends) {
     begins_ = begins;
@@ -54,7 +59,11 @@ class BandValues : public FormulaValues {
 
   std::int64_t RowPlace() const { return place_; }
   /// Gives the row up, where no formula reads it any more.
-  void DropRow() { row_.reset(); }
+  void DropRow() {
+    row_.reset();
+    before_.reset();
+    after_.reset();
+  }
 
   const rt::Value& Field(int place) const override;
   rt::Value Neighbor(int place, int distance) const override;
@@ -74,6 +83,8 @@ class BandValues : public FormulaValues {
   RowSource source_;
   std::int64_t place_ = -1;
   std::shared_ptr<const Row> row_;
+  std::shared_ptr<const Row> before_;
+  std::shared_ptr<const Row> after_;
   int begins_ = 0;
   int ends_ = 0;
   std::vector<rt::Value> totals_;
