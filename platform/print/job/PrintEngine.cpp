@@ -136,7 +136,8 @@ bool PESetFormula(int job, const std::string& name, const std::string& text) {
 bool PESetSelectionFormula(int job, const std::string& text) {
   return OnJob(job, [&](PrintJob& print) {
     const std::string selection = ArgumentText(text);
-    if (!selection.empty()) {
+    // As long as no table has a place there is nothing to hold the selection against.
+    if (!selection.empty() && !DataFileOf(print).empty()) {
       const std::string fault = SelectionFault(*print.report, DataFileOf(print), selection);
       if (!fault.empty()) throw PrintError(fault);
     }
@@ -160,7 +161,7 @@ bool PESetNthSortField(int job, int n, const std::string& name, int direction) {
     const std::string field = ArgumentText(name);
     if (field.size() < 3 || field.front() != '{' || field.back() != '}')
       throw PrintError("The sort field \"" + field + "\" does not have the form {Table.Field}.");
-    ReadDefinition(print.file, "", print.formulas, {field});
+    ReadDefinition(print.file, DataFileOf(print), print.formulas, {field});
     if (static_cast<std::size_t>(n) == print.sort.size()) print.sort.emplace_back();
     print.sort[static_cast<std::size_t>(n)] = {field, direction == 0};
   });

@@ -196,6 +196,8 @@ TEST_F(PrintEngine, SortFieldsTakeTheirPlaceBehindTheGroups) {
   EXPECT_FALSE(PESetNthSortField(job, 1, "Asset ID", 1));
   EXPECT_FALSE(PESetNthSortField(job, 1, "{Divisions.Asset ID}", 1));
   EXPECT_TRUE(Mentions(Error(job), "Divisions")) << Error(job);
+  EXPECT_FALSE(PESetNthSortField(job, 1, "{Vehicles.No Such}", 1));
+  EXPECT_TRUE(Mentions(Error(job), "No Such")) << Error(job);
   EXPECT_TRUE(PESetNthSortField(job, 1, "{Inventory Classes.Description}   ", 1)) << Error(job);
 }
 
