@@ -143,9 +143,7 @@ bool CostTable::AddRow(const CostFigures& figures) {
 }
 
 bool CostTable::ChangeRow(const CostFigures& figures, Direction direction) {
-  std::int16_t error = 0;
-  DaoEditRecord(*rows_, error);
-  if (error != 0) return false;
+  if (DaoEditRecord(*rows_) != 0) return false;
   for (std::size_t i = 0; i < sumFields_.size(); ++i) {
     const rt::Value sum = rows_->Get(sumFields_[i]);
     const rt::Value& figure = Figure(figures, i);

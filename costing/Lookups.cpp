@@ -72,20 +72,20 @@ rt::Currency GetOilCost(float units, const std::string& date) {
                   "Go to Options and click Internal Pricing button to set up.");
 }
 
-void GetFiscalPeriod(const rt::DateTime& date, std::int16_t& year, std::int16_t& period) {
-  year = 0;
-  period = 0;
+FiscalPeriod GetFiscalPeriod(const rt::DateTime& date) {
+  FiscalPeriod found;
   MainFile file;
-  if (!file.IsOpen()) return;
+  if (!file.IsOpen()) return found;
   const std::string day = rt::ShortDate(date);
   dao::Recordset& periods = file.Read("SELECT * FROM [Fiscal Periods] WHERE #" + day +
                                       "# >= [Start Date] AND #" + day + "# <= [End Date]");
-  if (periods.AtEnd()) return;
+  if (periods.AtEnd()) return found;
   // A period may have been saved without its numbers; 0 means that the date is in no fiscal period.
-  const rt::Value yearFound = periods.Get("Fiscal Year");
-  const rt::Value periodFound = periods.Get("Period");
-  if (!yearFound.IsNull()) year = yearFound.AsInteger();
-  if (!periodFound.IsNull()) period = periodFound.AsInteger();
+  const rt::Value year = periods.Get("Fiscal Year");
+  const rt::Value period = periods.Get("Period");
+  if (!year.IsNull()) found.year = year.AsInteger();
+  if (!period.IsNull()) found.period = period.AsInteger();
+  return found;
 }
 
 std::int32_t GetAssetFuelType(const std::string& assetID) {

@@ -20,8 +20,12 @@ rt::Currency GetInternalFuelCost(std::int32_t fuelType, float units, const std::
 rt::Currency GetLaborCost(float hours, const std::string& date);
 /// Units times `Oil Price`, looked up in the same way as labor.
 rt::Currency GetOilCost(float units, const std::string& date);
+struct FiscalPeriod {
+  std::int16_t year = 0;
+  std::int16_t period = 0;
+};
 /// Both 0 if the date is in no row of `Fiscal Periods`. If periods overlap, the lowest ID counts.
-void GetFiscalPeriod(const rt::DateTime& date, std::int16_t& year, std::int16_t& period);
+FiscalPeriod GetFiscalPeriod(const rt::DateTime& date);
 /// `Fuel Type` of the asset, 0 with a message if it is not on file.
 std::int32_t GetAssetFuelType(const std::string& assetID);
 

@@ -41,9 +41,7 @@ bool TransactionPoster::PostTransaction(PostingCounts& counts) {
   if (!fuelType) return false;
 
   RowTransaction row(workspace_, dao::Commit::WithGroup);
-  std::int16_t error = 0;
-  DaoEditRecord(transactions_, error);
-  if (error != 0) {
+  if (DaoEditRecord(transactions_) != 0) {
     RequireDataFile();
     screen::MessageBox("Unable to lock transaction for updating.", screen::Icon::Critical);
     row.Commit();

@@ -117,7 +117,9 @@ TransactionDay CheckTransactionDate(const std::string& text, bool adding) {
     Tell("That date is before the transaction close out date.");
     return day;
   }
-  GetFiscalPeriod(date, day.year, day.period);
+  const FiscalPeriod fiscal = GetFiscalPeriod(date);
+  day.year = fiscal.year;
+  day.period = fiscal.period;
   if (day.year != 0 && day.period != 0) {
     day.verdict = DateVerdict::Good;
     return day;

@@ -67,16 +67,16 @@ void UnpostRow(dao::Workspace& workspace, dao::Recordset& transactions, Subtract
     return;
   }
   RowTransaction marking(workspace, dao::Commit::WithGroup);
-  std::int16_t error = 0;
-  DaoEditRecord(transactions, error);
-  if (error == 0) {
+  const bool held = DaoEditRecord(transactions) == 0;
+  if (held) {
     MarkUnposted(transactions);
     DaoUpdateRecord(transactions);
     if (transactions.Editing()) transactions.CancelUpdate();
   }
   marking.Commit();
-  if (error != 0) RequireDataFile();
-  if (error != 0) screen::MessageBox("Unable to mark transaction as unposted.", screen::Icon::Critical);
+  if (held) return;
+  RequireDataFile();
+  screen::MessageBox("Unable to mark transaction as unposted.", screen::Icon::Critical);
 }
 
 }  // namespace
@@ -100,9 +100,7 @@ bool UnpostHeldTransaction(const DaoRecordsetPtr& transaction, const std::functi
   DaoUpdateRecord(*transaction);
   if (transaction->Editing()) return false;
   transaction->FindFirst("[ID]=" + std::to_string(id));
-  std::int16_t error = 0;
-  DaoEditRecord(*transaction, error);
-  if (error != 0) {
+  if (DaoEditRecord(*transaction) != 0) {
     screen::MessageBox("Unable to retrieve transaction after unposting.", screen::Icon::Critical);
     return false;
   }

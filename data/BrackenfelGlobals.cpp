@@ -27,19 +27,34 @@ std::string ServerConnect(const std::string& server, const std::string& database
          ";Persist Security Info=False;Initial Catalog=" + database + ";UID=" + id + ";Pwd=" + password + ";";
 }
 
+void SetDataFile(DataKind kind, const std::string& path) {
+  const auto set = [&](std::string& file, std::string& connect) {
+    file = path;
+    connect = kind == DataKind::Main ? MainFileConnect(path) : FileConnect(path);
+  };
+  switch (kind) {
+    case DataKind::Main:
+      return set(DataFile, DataConnect);
+    case DataKind::Users:
+      return set(UsersFile, UsersConnect);
+    case DataKind::SelectAndSort:
+      return set(SandsFile, SandsConnect);
+    case DataKind::Lists:
+      return set(ListsFile, ListsConnect);
+    case DataKind::System:
+      return set(SystemFile, SystemConnect);
+  }
+}
+
 void SetDataPath(const std::string& directory) {
   DataPath = directory;
   if (DataPath.empty() || (DataPath.back() != '/' && DataPath.back() != '\\')) DataPath += '/';
 
   const std::string stem = DataPath + kApplicationCode;
-  DataFile = stem + ".MDB";
-  DataConnect = MainFileConnect(DataFile);
-  ListsFile = stem + "_LISTS.MDB";
-  ListsConnect = FileConnect(ListsFile);
-  UsersFile = stem + "_USERS.MDB";
-  UsersConnect = FileConnect(UsersFile);
-  SandsFile = stem + "_SANDS.MDB";
-  SandsConnect = FileConnect(SandsFile);
+  SetDataFile(DataKind::Main, stem + ".MDB");
+  SetDataFile(DataKind::Lists, stem + "_LISTS.MDB");
+  SetDataFile(DataKind::Users, stem + "_USERS.MDB");
+  SetDataFile(DataKind::SelectAndSort, stem + "_SANDS.MDB");
 }
 
 }  // namespace dw

@@ -37,6 +37,10 @@ inline bool LocalDataInUse = false;
 inline std::string OrganisationName;
 inline std::string AppVersion;
 
+/// The files that data is kept in.
+enum class DataKind { Main, Users, SelectAndSort, Lists, System };
+/// Sets where a file is and, from that, how it is opened: its path and its connection string above.
+void SetDataFile(DataKind kind, const std::string& path);
 /// Sets the data directory and from it the four files and their connection strings, as sign-on does once the
 /// directory is known. Adds a missing separator at the end. The files need not exist.
 void SetDataPath(const std::string& directory);

@@ -250,22 +250,21 @@ bool AdoFieldExists(const AdoConnectionPtr& connection, const std::string& table
   return columnFound;
 }
 
-void AdoGetFieldType(const std::string& connectionString, const std::string& table, const std::string& column,
-                     std::int16_t& fieldType, bool& done) {
-  fieldType = 0;
-  done = false;
+std::optional<std::int16_t> AdoGetFieldType(const std::string& connectionString, const std::string& table,
+                                            const std::string& column) {
+  std::int16_t fieldType = 0;
   AdoConnectionPtr connection;
-  if (!AdoOpenConnection(connection, connectionString, false)) return;
+  if (!AdoOpenConnection(connection, connectionString, false)) return std::nullopt;
   const Failure failure = Try([&] {
     for (const ado::Column& candidate : ado::Catalog(connection).Columns(table))
       if (candidate.name == column) fieldType = static_cast<std::int16_t>(candidate.type);
   });
   CloseObject(connection);
-  if (failure)
-    screen::MessageBox("Error " + Number(failure.number) + " getting type of field for " + table + "." +
-                           column + "\r" + failure.description,
-                       Icon::Information);
-  done = !failure;
+  if (!failure) return fieldType;
+  screen::MessageBox("Error " + Number(failure.number) + " getting type of field for " + table + "." +
+                         column + "\r" + failure.description,
+                     Icon::Information);
+  return std::nullopt;
 }
 
 void AdoAddColumn(ado::Catalog& catalog, const std::string& table, const std::string& name, int typeCode) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -36,9 +37,9 @@ bool AdoCancelUpdateRS(ado::Recordset& recordset);
 int AdoTestRecordLock(ado::Field field, bool showMessage, const AdoConnectionPtr& connection = nullptr);
 bool AdoTableExists(const AdoConnectionPtr& connection, std::string_view table);
 bool AdoFieldExists(const AdoConnectionPtr& connection, const std::string& table, std::string_view column);
-/// The type code of a column, 0 if not found. Not `done` if the query itself failed, which is reported.
-void AdoGetFieldType(const std::string& connectionString, const std::string& table, const std::string& column,
-                     std::int16_t& fieldType, bool& done);
+/// The type code of a column, 0 if not found. Nothing if the query itself failed, which is reported.
+std::optional<std::int16_t> AdoGetFieldType(const std::string& connectionString, const std::string& table,
+                                            const std::string& column);
 /// A Boolean column is true in all rows, any other may be Null. Reports a failure.
 void AdoAddColumn(ado::Catalog& catalog, const std::string& table, const std::string& name, int typeCode);
 /// True for the data control errors 3661 and 16389, whose boxes are not shown.

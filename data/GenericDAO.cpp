@@ -172,25 +172,25 @@ void DaoAddRecord(dao::Recordset& recordset) {
   dao::DBEngine::Idle(1);
 }
 
-void DaoGetRecord(dao::Recordset& recordset, int& error) {
+int DaoGetRecord(dao::Recordset& recordset) {
   for (;;) {
     const Failure failure = Try([&] { recordset.Edit(); });
-    error = failure.number;
-    if (error == 0) return;
+    const int error = failure.number;
+    if (error == 0) return error;
     const bool locked = error == store::kEditLocked || error == store::kRecordLocked;
     if (locked)
       screen::MessageBox("Record is currently locked elsewhere.", Icon::Information);
     else
       screen::MessageBox("Error #" + Number(error) + "\r" + failure.description, Icon::Critical);
-    if (locked || error == store::kBadFormat) return;
+    if (locked || error == store::kBadFormat) return error;
     if (screen::MessageBox("Try again to get record?", Icon::Exclamation, Buttons::RetryCancel) !=
         Answer::Retry)
-      return;
+      return error;
   }
 }
 
-void DaoEditRecord(dao::Recordset& recordset, std::int16_t& error) {
-  error = WaitForRecord(
+int DaoEditRecord(dao::Recordset& recordset) {
+  return WaitForRecord(
       recordset, [&] { recordset.Edit(); }, " during record edit.", LockWait::Events::LetRun);
 }
 

@@ -26,13 +26,13 @@ bool DaoOpenDatabase(std::string path, bool exclusive, const std::string& user, 
 
 /// AddNew, with a retry prompt after each failure.
 void DaoAddRecord(dao::Recordset& recordset);
-/// Edit that does not wait for a lock: `error` is 0 if the record is now held, otherwise 3218, 3260 or 3343
-/// at once.
-void DaoGetRecord(dao::Recordset& recordset, int& error);
-/// Edit that waits for as long as another user's transaction holds the record; `error` is 0 if it is now
-/// held. A hold of this program's own ends the wait at once, here and in the next two functions, with a
-/// message.
-void DaoEditRecord(dao::Recordset& recordset, std::int16_t& error);
+/// Edit that does not wait for a lock: returns 0 if the record is now held, otherwise 3218, 3260 or 3343 at
+/// once.
+int DaoGetRecord(dao::Recordset& recordset);
+/// Edit that waits for as long as another user's transaction holds the record; returns 0 if it is now held,
+/// otherwise the number of the error. A hold of this program's own ends the wait at once, here and in the
+/// next two functions, with a message.
+int DaoEditRecord(dao::Recordset& recordset);
 /// Update that waits for the lock.
 void DaoUpdateRecord(dao::Recordset& recordset);
 /// Delete that waits for the lock.

@@ -59,7 +59,7 @@ RenameResult RenameAssetTo(const std::string& assetID, const std::string& newID)
   const std::string oldText = QuoteSQL(assetID);
   if (newID.empty()) {
     screen::MessageBox("Rename cancelled. No new ID given.", screen::Icon::Information);
-    return RenameResult::Cancelled;
+    return RenameResult::Canceled;
   }
 
   const std::string newText = QuoteSQL(newID);

@@ -5,7 +5,7 @@
 
 namespace dw {
 
-enum class RenameResult { Cancelled, InUse, RolledBack, Renamed };
+enum class RenameResult { Canceled, InUse, RolledBack, Renamed };
 
 /// Asks for the new code and renames in ten tables, all or none. A failure in the middle is rolled back
 /// silently.

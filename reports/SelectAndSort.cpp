@@ -121,10 +121,7 @@ std::string GetRuntimeValue(const SelectionLine& line, const std::string& primar
     answer = screen::InputBox("Enter " + line.label + ":", title);
   else
     answer = screen::InputBox("Enter Value:", title);
-  std::int16_t type = 0;
-  bool done = false;
-  AdoGetFieldType(DataConnect, table, line.field, type, done);
-  return FormatLiteral(answer, type);
+  return FormatLiteral(answer, AdoGetFieldType(DataConnect, table, line.field).value_or(0));
 }
 
 bool UseDefinition(std::int32_t queryID, const std::string& reportID) {

@@ -12,7 +12,7 @@ namespace dw {
 namespace {
 
 constexpr const char* kParametersQuery = "SELECT * FROM [Parameters] WHERE [ID] = 1";
-constexpr std::array<const char*, 4> kOrganisationColumns{"Organization Name", "Address Line 1",
+constexpr std::array<const char*, 4> kOrganizationColumns{"Organization Name", "Address Line 1",
                                                           "Address Line 2", "Address Line 3"};
 
 /// The main file, closed again in every case.
@@ -30,7 +30,7 @@ void AddParameters(dao::Recordset& rows) {
   DaoAddRecord(rows);
   if (!rows.Editing()) return;
   rows.Set("ID", 1);
-  for (const char* column : kOrganisationColumns) rows.Set(column, "");
+  for (const char* column : kOrganizationColumns) rows.Set(column, "");
   rows.Set("Date Installed", rt::Today());
   DaoUpdateRecord(rows);
 }
@@ -63,9 +63,9 @@ AboutFacts LoadAboutBox() {
     // The engine's message has said why there is none.
     if (file.rows->AtEnd()) return facts;
   }
-  for (std::size_t i = 0; i < facts.organisation.size(); ++i)
-    facts.organisation[i] = file.rows->Get(kOrganisationColumns[i]).Shown();
-  OrganisationName = facts.organisation[0];
+  for (std::size_t i = 0; i < facts.organization.size(); ++i)
+    facts.organization[i] = file.rows->Get(kOrganizationColumns[i]).Shown();
+  OrganisationName = facts.organization[0];
   facts.dateInstalled = DateShown(file.rows->Get("Date Installed"));
   return facts;
 }

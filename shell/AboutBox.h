@@ -7,7 +7,7 @@
 namespace dw {
 
 struct AboutFacts {
-  std::array<std::string, 4> organisation;  ///< name and three lines of address
+  std::array<std::string, 4> organization;  ///< name and three lines of address
   std::string dateInstalled;                ///< in the short form; empty if none is on file
 };
 

@@ -54,20 +54,20 @@ bool ConnectToServer(const ApplicationFacts& facts) {
 }
 
 bool ConnectToFile(const ApplicationFacts& facts) {
-  DataFile = FindFile(DataPath, facts.mainFile);
+  SetDataFile(DataKind::Main, FindFile(DataPath, facts.mainFile));
   if (!FileExists(DataFile)) {
     LocateFile(facts.mainFile);
     return false;
   }
   ClearReadOnly(DataFile);
-  DataConnect = MainFileConnect(DataFile);
   return true;
 }
 
-void SetCompanion(const std::string& name, std::string& path, std::string& connect) {
-  path = FindFile(DataPath, name);
+/// Uses the file of this name in a directory.
+void UseFile(DataKind kind, const std::string& directory, const std::string& name) {
+  const std::string path = FindFile(directory, name);
+  SetDataFile(kind, path);
   ClearReadOnly(path);
-  connect = FileConnect(path);
 }
 
 }  // namespace
@@ -147,9 +147,8 @@ void CleanOldSettings(const std::string& code) {
     sys::DeleteSetting(code, kSystemCode, kSystemPathKey);
 }
 
-void LocateData(bool& ok, const std::string& code) {
+bool LocateData(const std::string& code) {
   const ApplicationFacts facts = FactsOf(code);
-  ok = false;
   if (sys::SettingsDamaged())
     screen::MessageBox("The settings file " + sys::SettingsFile() +
                            " is damaged. Settings that it kept may be missing; correct or remove the file.",
@@ -159,40 +158,33 @@ void LocateData(bool& ok, const std::string& code) {
     DataPath = WithSeparator(sys::GetSetting(code, kDataSection, DataPathKey(code), sys::ProgramDirectory()));
   } while (!(UseAccess ? ConnectToFile(facts) : ConnectToServer(facts)));
   SetCompanionFiles(code);
-  ok = true;
+  return true;
 }
 
 void SetCompanionFiles(const std::string& code) {
-  if (FactsOf(code).hasListsFile) SetCompanion(code + "_LISTS.MDB", ListsFile, ListsConnect);
-  SetCompanion(code + "_USERS.MDB", UsersFile, UsersConnect);
-  SetCompanion(code + "_SANDS.MDB", SandsFile, SandsConnect);
+  if (FactsOf(code).hasListsFile) UseFile(DataKind::Lists, DataPath, code + "_LISTS.MDB");
+  UseFile(DataKind::Users, DataPath, code + "_USERS.MDB");
+  UseFile(DataKind::SelectAndSort, DataPath, code + "_SANDS.MDB");
 
   const std::string systemPath = sys::GetSetting(kSystemCode, kDataSection, kSystemPathKey);
   HasSystemData = !systemPath.empty();
   if (!HasSystemData) return;
   SystemPath = WithSeparator(systemPath);
-  SystemFile = FindFile(SystemPath, kSystemFile);
-  SystemConnect = FileConnect(SystemFile);
-  ClearReadOnly(SystemFile);
+  UseFile(DataKind::System, SystemPath, kSystemFile);
 }
 
 void TakeDirectory(const std::string& directory, const std::string& fileName, const std::string& code) {
   if (code != kSystemCode && rt::EqualNoCase(fileName, kSystemFile)) {
     SystemPath = WithSeparator(directory);
-    SystemFile = FindFile(SystemPath, kSystemFile);
-    SystemConnect = FileConnect(SystemFile);
-    ClearReadOnly(SystemFile);
+    UseFile(DataKind::System, SystemPath, kSystemFile);
     KeepSetting(kSystemCode, kDataSection, kSystemPathKey, SystemPath);
     return;
   }
   DataPath = WithSeparator(directory);
-  DataFile = FindFile(DataPath, code + ".mdb");
+  UseFile(DataKind::Main, DataPath, code + ".mdb");
   const std::string server = sys::GetSetting(code, kDataSection, "Server Name");
-  DataConnect = server.empty() ? MainFileConnect(DataFile) : DriverConnect(server);
-  ClearReadOnly(DataFile);
-  UsersFile = FindFile(DataPath, code + "_users.mdb");
-  ClearReadOnly(UsersFile);
-  UsersConnect = FileConnect(UsersFile);
+  if (!server.empty()) DataConnect = DriverConnect(server);
+  UseFile(DataKind::Users, DataPath, code + "_users.mdb");
   ListsFile = FindFile(DataPath, code + "_lists.mdb");
   ClearReadOnly(ListsFile);
   SandsFile = FindFile(DataPath, code + "_sands.mdb");

@@ -42,11 +42,11 @@ void SetDataSourceKind(const std::string& code = kApplicationCode);
 /// two older ones. If an older one names another directory, the present one counts and the user is told so.
 void CleanOldSettings(const std::string& code = kApplicationCode);
 
-/// Finds the data and builds the paths and connection strings of all files; `ok` is true then. Shows the
-/// locator form again as long as the main file is missing, and the server form as long as no server is known;
-/// the only other way out is ApplicationEnd. Paths of existing files are spelled as in the file system;
-/// missing companion files get their standard names.
-void LocateData(bool& ok, const std::string& code = kApplicationCode);
+/// Finds the data and sets the paths and connection strings of all files; true then. Shows the locator form
+/// again as long as the main file is missing, and the server form as long as no server is known; the only
+/// other way out is ApplicationEnd. Paths of existing files are spelled as in the file system; missing
+/// companion files get their standard names.
+bool LocateData(const std::string& code = kApplicationCode);
 /// The last steps of LocateData, for a data directory that is known: paths and connection strings of the
 /// companion files in DataPath, and of the shared system file.
 void SetCompanionFiles(const std::string& code = kApplicationCode);

@@ -70,9 +70,9 @@ CopyEnd CopyDataFile(const std::string& source, const std::string& target) {
   const ReplaceQuestion question;
   const int code = inUse ? kSharingViolation : sys::ShellCopy(source, target);
   if (code == sys::kShellDone) return CopyEnd::Copied;
-  if (code == sys::kShellCancelled) {
+  if (code == sys::kShellCanceled) {
     screen::MessageBox("Copy of " + source + " to " + target + " cancelled.", Icon::Information);
-    return CopyEnd::Cancelled;
+    return CopyEnd::Canceled;
   }
   const Answer answer = screen::MessageBox(
       "Copy failed with a code of " + std::to_string(code) + ". Press OK to do it the old fashioned way.",
@@ -116,12 +116,10 @@ bool CopyDataFromCD(const ReleaseDisc& disc, const std::string& driveRoot, const
 
   std::string path = copy(code + ".MDB");
   if (path.empty()) return false;
-  DataFile = path;
-  DataConnect = MainFileConnect(path);
+  SetDataFile(DataKind::Main, path);
   path = copy(code + "_USERS.MDB");
   if (path.empty()) return false;
-  UsersFile = path;
-  UsersConnect = FileConnect(path);
+  SetDataFile(DataKind::Users, path);
   path = copy(code + "_SANDS.MDB");
   if (path.empty()) return false;
   SandsFile = path;
@@ -138,8 +136,7 @@ bool CopyDataFromCD(const ReleaseDisc& disc, const std::string& driveRoot, const
   if (path.empty()) return true;
   KeepSetting(kSystemCode, kDataSection, DataPathKey(kSystemCode), systemDirectory);
   SystemPath = systemDirectory;
-  SystemFile = path;
-  SystemConnect = FileConnect(path);
+  SetDataFile(DataKind::System, path);
   return true;
 }
 

@@ -13,8 +13,8 @@ namespace dw {
 
 enum class CopyEnd {
   Copied,
-  Cancelled,  ///< the user did not want an existing file to be replaced, which was reported
-  Failed,     ///< reported; the user did not want the plain copy either, or it failed too
+  Canceled,  ///< the user did not want an existing file to be replaced, which was reported
+  Failed,    ///< reported; the user did not want the plain copy either, or it failed too
 };
 /// Copies a data file and makes the folder of the target. Asks before it replaces a file. Neither copies nor
 /// replaces a file that somebody has open. If the copy fails, offers a plain copy.

@@ -57,9 +57,7 @@ std::optional<std::int32_t> EditHold::AddRow(const std::function<void()>& fill) 
 }
 
 Taken EditHold::Take() {
-  int error = 0;
-  DaoGetRecord(*data_.Recordset(), error);
-  if (error == 0) return Taken::Held;
+  if (DaoGetRecord(*data_.Recordset()) == 0) return Taken::Held;
   ReportHeldElsewhere();
   return Taken::HeldElsewhere;
 }

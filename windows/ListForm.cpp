@@ -56,20 +56,20 @@ void BindToFile(ui::Adodc& data, const std::string& query, const BoundFile& file
 
 ListForm::ListForm(ListDefinition definition)
     : Form(definition.form),
-      CloseButton(new QPushButton("Close")),
+      closeButton(new QPushButton("Close")),
       definition_(std::move(definition)),
       data_(*this, definition_.data),
       grid_(new ui::DataGrid(definition_.grid)) {
   setWindowTitle(definition_.title);
-  CloseButton->setObjectName("CloseButton");
+  closeButton->setObjectName("CloseButton");
   grid_->setAccessibleName(definition_.title);
   auto* column = new QVBoxLayout(this);
   column->addWidget(grid_, 1);
-  column->addLayout(ui::ButtonRow({CloseButton}));
+  column->addLayout(ui::ButtonRow({closeButton}));
   resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 26);
 
-  ui::OnClick(*CloseButton, [this] { Unload(); });
-  SetCancel(CloseButton);
+  ui::OnClick(*closeButton, [this] { Unload(); });
+  SetCancel(closeButton);
   grid_->onAdd = [this] { AddItem(); };
   grid_->onDetail = [this] { ShowDetail(); };
   grid_->onDelete = [this] { DeleteItem(); };
@@ -78,10 +78,10 @@ ListForm::ListForm(ListDefinition definition)
 void ListForm::AddButton(QPushButton& button) {
   // The buttons are last.
   auto* row = static_cast<QHBoxLayout*>(layout()->itemAt(layout()->count() - 1)->layout());
-  row->insertWidget(row->indexOf(CloseButton), &button);
+  row->insertWidget(row->indexOf(closeButton), &button);
   // Behind the grid, before "Close".
   QWidget::setTabOrder(grid_, &button);
-  QWidget::setTabOrder(&button, CloseButton);
+  QWidget::setTabOrder(&button, closeButton);
 }
 
 void ListForm::AddAbove(QWidget& control) {
@@ -98,7 +98,7 @@ void ListForm::OnLoad() {
 }
 
 void ListForm::OnActivate() {
-  if (!Minimised()) RefreshList();
+  if (!Minimized()) RefreshList();
 }
 
 void ListForm::RefreshList() {

@@ -53,7 +53,7 @@ class ListForm : public ui::Form {
   ui::DataGrid& Grid() { return *grid_; }
   ui::Adodc& Data() { return data_; }
   std::int32_t CurrentRow = 0;  ///< the row at the last add, detail or delete
-  QPushButton* CloseButton;
+  QPushButton* closeButton;
 
  protected:
   void OnLoad() override;

@@ -28,22 +28,22 @@ std::unique_ptr<RecordHold> MakeHold(ui::Form& form, const RecordDefinition& def
 
 RecordForm::RecordForm(const RecordDefinition& definition)
     : Form(definition.form),
-      OkButton(new QPushButton("&OK")),
-      CancelButton(new QPushButton("Cancel")),
+      okButton(new QPushButton("&OK")),
+      cancelButton(new QPushButton("Cancel")),
       definition_(definition),
       hold_(MakeHold(*this, definition)) {
   setWindowTitle(definition.title);
-  OkButton->setObjectName(definition.ok);
-  CancelButton->setObjectName("CancelButton");
+  okButton->setObjectName(definition.ok);
+  cancelButton->setObjectName("CancelButton");
   for (const char* name : {"Label4(0)", "Label4(1)", "Label4(2)", "Label4(3)"})
     auditLabels.emplace_back(name);
   const char* const columns[] = {definition.createdBy, definition.dateCreated, definition.updatedBy,
                                  definition.lastUpdated};
   for (std::size_t i = 0; i < auditLabels.size(); ++i) Bind(auditLabels[i], columns[i]);
-  ui::OnClick(*OkButton, [this] { Ok(); });
-  ui::OnClick(*CancelButton, [this] { Cancel(); });
-  SetDefault(OkButton);
-  SetCancel(CancelButton);
+  ui::OnClick(*okButton, [this] { Ok(); });
+  ui::OnClick(*cancelButton, [this] { Cancel(); });
+  SetDefault(okButton);
+  SetCancel(cancelButton);
 }
 
 RecordForm::InnerGrid& RecordForm::AddInnerGrid(const char* gridName, const char* dataName,
@@ -80,8 +80,8 @@ void RecordForm::LayOut(QLayout* fields, std::initializer_list<QWidget*> room,
 
   auto* buttons = ui::ButtonRow({});
   for (QWidget* button : extra) buttons->addWidget(button);
-  buttons->addWidget(OkButton);
-  buttons->addWidget(CancelButton);
+  buttons->addWidget(okButton);
+  buttons->addWidget(cancelButton);
   column->addLayout(buttons);
   const QSize hint = sizeHint();
   resize(std::max(hint.width(), fontMetrics().averageCharWidth() * kWidth), hint.height());
@@ -101,7 +101,7 @@ QWidget* RecordForm::NotesGroup(ui::NotesBox& notes, const char* frame) {
 void RecordForm::EnterMakesLines(ui::NotesBox& notes) {
   notes.onEnter = [this] { SetDefault(nullptr); };
   notes.onLeave = [this] {
-    SetDefault(OkButton);
+    SetDefault(okButton);
     return true;
   };
 }
@@ -111,7 +111,7 @@ void RecordForm::ShowNumber(ui::TextBox& field) {
   ui::SetWidth(field, ui::kNumberWidth);
 }
 
-bool RecordForm::ReadOnly() const { return !OkButton->isEnabled(); }
+bool RecordForm::ReadOnly() const { return !okButton->isEnabled(); }
 
 bool RecordForm::Refuse(QWidget& field, const std::string& words, screen::Icon icon) {
   screen::MessageBox(words, icon);
@@ -136,7 +136,7 @@ void RecordForm::OnLoad() {
 void RecordForm::OnActivate() {
   do {
     if (!Activated) LoadRecord();
-    if (!LoadedOK || Minimised()) return;
+    if (!LoadedOK || Minimized()) return;
   } while (!Refreshed());
 }
 
@@ -175,7 +175,7 @@ void RecordForm::LoadRecord() {
   // Another user may have changed the record after it was read and before it was held.
   if (taken == Taken::Held) hold_->Show();
   // A window may take its record more than once.
-  OkButton->setEnabled(taken == Taken::Held);
+  okButton->setEnabled(taken == Taken::Held);
   const screen::Hourglass hourglass;
   RecordLoaded();
   if (taken == Taken::Held) hold_->KeepHeld();

@@ -77,8 +77,8 @@ class RecordForm : public ui::Form {
   void Ok();
   void Cancel();
 
-  QPushButton* OkButton;
-  QPushButton* CancelButton;
+  QPushButton* okButton;
+  QPushButton* cancelButton;
   /// Created By, Date Created, Updated By, Last Updated; "Label4(0)" to "Label4(3)".
   std::deque<ui::BoundLabel> auditLabels;
 

@@ -76,7 +76,7 @@ class AssetOnScreen {
         settled = before;
       }
       if (one.Whole() < best.Whole()) best = one;
-      ui::The<dw::frmInventoryMaint>().CancelButton->click();
+      ui::The<dw::frmInventoryMaint>().cancelButton->click();
       desk_.Settle();
     }
     Tell("asset's window, " + what + ": opened and painted", best.Whole(), "ms");
@@ -152,7 +152,8 @@ class AssetOnScreen {
     });
     opening.paint = whole - opening.load - opening.show;
     auto& window = ui::The<dw::frmInventoryMaint>();
-    if (window.grdMaintenance.RecordCount() != kTransactions || window.grdOdometer.RecordCount() != kReadings)
+    if (window.transactionGrid.RecordCount() != kTransactions ||
+        window.readingGrid.RecordCount() != kReadings)
       throw std::runtime_error("the asset has not the rows that were to be measured");
     return opening;
   }

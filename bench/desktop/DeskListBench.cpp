@@ -163,7 +163,7 @@ class ListOnScreen {
       there = std::min(there, desk_.UntilPainted(dw::frmTransactionMaint::kName,
                                                  [&] { desk_.Press(Grid(), Qt::Key_Space, " "); }));
       back = std::min(
-          back, desk_.UntilPainted(kList, [] { ui::The<dw::frmTransactionMaint>().CancelButton->click(); }));
+          back, desk_.UntilPainted(kList, [] { ui::The<dw::frmTransactionMaint>().cancelButton->click(); }));
       desk_.Settle();
     }
     Tell("Space until the transaction's window is painted", there, "ms");

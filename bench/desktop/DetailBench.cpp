@@ -30,7 +30,7 @@ void Pair(Desk& desk) {
   for (int round = 0; round < kRounds; ++round) {
     auto& grid = ui::The<List>().Grid();
     there = std::min(there, desk.UntilPainted(detail, [&] { desk.Press(grid, Qt::Key_Space, " "); }));
-    back = std::min(back, desk.UntilPainted(list, [] { ui::The<Detail>().CancelButton->click(); }));
+    back = std::min(back, desk.UntilPainted(list, [] { ui::The<Detail>().cancelButton->click(); }));
     desk.Settle();
   }
   Tell("  Space until " + detail + " is painted", there, "ms");

@@ -75,11 +75,11 @@ class StartSteps : public QObject {
     if (window == "BFLogon") {
       Tell("start until the sign-on window is painted");
       auto& logon = ui::The<dw::BFLogon>();
-      logon.Text1.SetText("ADMIN");
-      Click(logon.OKButton);
+      logon.userName.SetText("ADMIN");
+      Click(logon.okButton);
     } else if (window == "Startup") {
       Tell("its OK until the \"About\" window is painted");
-      Click(ui::The<dw::Startup>().OKButton);
+      Click(ui::The<dw::Startup>().okButton);
     } else if (window == "mnuDW") {
       Tell("its OK until the main window is painted");
       Answer();

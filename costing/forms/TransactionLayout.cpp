@@ -58,9 +58,9 @@ void MakeHeadings(std::array<QLabel*, N>& labels, const char* name,
 }  // namespace
 
 QLayout* frmTransactionMaint::Header() {
-  lblAssetSerial->setObjectName("lblAssetSerial");
-  lblAssetSerial->setTextFormat(Qt::PlainText);
-  lblAssetSerial->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  assetSerial->setObjectName("lblAssetSerial");
+  assetSerial->setTextFormat(Qt::PlainText);
+  assetSerial->setTextInteractionFlags(Qt::TextSelectableByMouse);
   for (ui::TextBox* field : {&assetCode, &workOrder}) ui::SetWidth(*field, ui::kCodeWidth);
   ui::SetWidth(transactionDate, ui::kDateWidth);
   ui::SetWidth(fiscalYear, 5);
@@ -77,7 +77,7 @@ QLayout* frmTransactionMaint::Header() {
   auto* header = new QGridLayout;
   header->addWidget(ui::Prompt("Asset ID", assetCode), 0, 0);
   header->addWidget(&assetCode, 0, 1);
-  header->addWidget(lblAssetSerial, 0, 2, 1, 2);
+  header->addWidget(assetSerial, 0, 2, 1, 2);
   header->addWidget(ui::Prompt("Database ID", recordNumber), 0, 4);
   header->addWidget(&recordNumber, 0, 5);
   header->addWidget(ui::Prompt("Date", transactionDate), 1, 0);
@@ -97,32 +97,33 @@ QLayout* frmTransactionMaint::Header() {
 
 QWidget* frmTransactionMaint::TasksGroup() {
   auto* inside = new QVBoxLayout;
-  inside->addWidget(&grdTasks);
-  grdTasks.setAccessibleName("Fixed Recurring Maintenance Items");
-  grdTasks.setMinimumHeight(grdTasks.fontMetrics().lineSpacing() * 4);
+  inside->addWidget(&taskGrid);
+  taskGrid.setAccessibleName("Fixed Recurring Maintenance Items");
+  taskGrid.setMinimumHeight(taskGrid.fontMetrics().lineSpacing() * 4);
   return ui::Group("Fixed Recurring Maintenance Items", inside);
 }
 
 void frmTransactionMaint::PutTogether() {
-  cmdUnpost->setObjectName("cmdUnpost");
-  MakeHeadings<5>(lblExternals, "lblExternals", {"Quantity", "Cost", "Other Costs", "Oil", "Fuel"});
-  MakeHeadings<6>(lblInternals, "lblInternals", {"Fuel", "Oil", "Cost", "Quantity", "Labor", "Other Costs"});
-  fraTab[0] = CostTable("External Costs ", "fraTab(0)", lblExternals[0], lblExternals[1],
-                        {{lblExternals[4], &outsideFuelUnits, &outsideFuelCost},
-                         {lblExternals[3], &outsideOilUnits, &outsideOilCost},
-                         {lblExternals[2], nullptr, &outsideCost}});
-  fraTab[1] = CostTable("Internal Costs ", "fraTab(1)", lblInternals[3], lblInternals[2],
-                        {{lblInternals[0], &internalFuelUnits, &internalFuelCost},
-                         {lblInternals[1], &internalOilUnits, &internalOilCost},
-                         {lblInternals[4], &laborHours, &laborCost},
-                         {lblInternals[5], nullptr, &partsCost}});
+  unpostButton->setObjectName("cmdUnpost");
+  MakeHeadings<5>(externalHeadings, "lblExternals", {"Quantity", "Cost", "Other Costs", "Oil", "Fuel"});
+  MakeHeadings<6>(internalHeadings, "lblInternals",
+                  {"Fuel", "Oil", "Cost", "Quantity", "Labor", "Other Costs"});
+  costGroups[0] = CostTable("External Costs ", "fraTab(0)", externalHeadings[0], externalHeadings[1],
+                            {{externalHeadings[4], &outsideFuelUnits, &outsideFuelCost},
+                             {externalHeadings[3], &outsideOilUnits, &outsideOilCost},
+                             {externalHeadings[2], nullptr, &outsideCost}});
+  costGroups[1] = CostTable("Internal Costs ", "fraTab(1)", internalHeadings[3], internalHeadings[2],
+                            {{internalHeadings[0], &internalFuelUnits, &internalFuelCost},
+                             {internalHeadings[1], &internalOilUnits, &internalOilCost},
+                             {internalHeadings[4], &laborHours, &laborCost},
+                             {internalHeadings[5], nullptr, &partsCost}});
   auto* costs = new QHBoxLayout;
-  costs->addWidget(fraTab[1], 1);
-  costs->addWidget(fraTab[0], 1);
+  costs->addWidget(costGroups[1], 1);
+  costs->addWidget(costGroups[0], 1);
   auto* fields = new QVBoxLayout;
   fields->addLayout(Header());
   fields->addLayout(costs);
-  LayOut(fields, {NotesGroup(notes), TasksGroup()}, {cmdUnpost});
+  LayOut(fields, {NotesGroup(notes), TasksGroup()}, {unpostButton});
 }
 
 void frmTransactionMaint::SetTabOrder() {
@@ -145,10 +146,10 @@ void frmTransactionMaint::SetTabOrder() {
                  &outsideOilCost,
                  &outsideCost,
                  &notes,
-                 &grdTasks,
-                 cmdUnpost,
-                 OkButton,
-                 CancelButton});
+                 &taskGrid,
+                 unpostButton,
+                 okButton,
+                 cancelButton});
 }
 
 }  // namespace dw

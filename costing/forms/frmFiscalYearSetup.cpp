@@ -37,15 +37,15 @@ std::optional<std::int16_t> YearOf(const std::string& text) {
 
 frmFiscalYearSetup::frmFiscalYearSetup()
     : Form("frmFiscalYearSetup"),
-      Label1(
+      instructions(
           ui::Caption("This option lets you define a 12 period fiscal year starting at the date you enter. "
                       "There will be 12 periods set up for the specified fiscal year.")) {
   setWindowTitle("New Fiscal Year Setup");
-  Label1->setObjectName("Label1");
-  cmdProceed.setObjectName("cmdProceed");
-  cmdProceed.setText("&Proceed");
-  cmdCancel.setObjectName("cmdCancel");
-  cmdCancel.setText("Cancel");
+  instructions->setObjectName("Label1");
+  proceedButton.setObjectName("cmdProceed");
+  proceedButton.setText("&Proceed");
+  cancelButton.setObjectName("cmdCancel");
+  cancelButton.setText("Cancel");
   ui::SetWidth(fiscalYear, ui::kNumberWidth);
   ui::SetWidth(firstDay, ui::kDateWidth);
 
@@ -53,20 +53,20 @@ frmFiscalYearSetup::frmFiscalYearSetup()
   rows->Row("New Fiscal Year", {&fiscalYear});
   rows->Row("Start of Year", {&firstDay});
   auto* column = new QVBoxLayout(this);
-  column->addWidget(Label1);
+  column->addWidget(instructions);
   column->addSpacing(6);
   column->addLayout(rows);
   column->addStretch(1);
   column->addSpacing(6);
-  column->addLayout(ui::ButtonRow({&cmdProceed, &cmdCancel}));
-  Label1->setMinimumWidth(fontMetrics().averageCharWidth() * 52);
+  column->addLayout(ui::ButtonRow({&proceedButton, &cancelButton}));
+  instructions->setMinimumWidth(fontMetrics().averageCharWidth() * 52);
 
-  SetDefault(&cmdProceed);
-  SetCancel(&cmdCancel);
+  SetDefault(&proceedButton);
+  SetCancel(&cancelButton);
   fiscalYear.onLeave = [this] { return YearLeft(); };
   firstDay.onLeave = [this] { return ValidDate(firstDay.Text(), true); };
-  ui::OnClick(cmdProceed, [this] { Proceed(); });
-  ui::OnClick(cmdCancel, [this] { Unload(); });
+  ui::OnClick(proceedButton, [this] { Proceed(); });
+  ui::OnClick(cancelButton, [this] { Unload(); });
 }
 
 bool frmFiscalYearSetup::YearLeft() {

@@ -14,10 +14,10 @@ class frmFiscalYearSetup : public ui::Form {
  public:
   frmFiscalYearSetup();
 
-  QLabel* Label1;
+  QLabel* instructions;
   ui::MaskEdBox fiscalYear{"Text1", {}, ui::Keys::Digits};  ///< the year
   ui::TextBox firstDay{"Text2"};                            ///< its first day
-  QPushButton cmdProceed, cmdCancel;
+  QPushButton proceedButton, cancelButton;
 
  private:
   bool YearLeft();

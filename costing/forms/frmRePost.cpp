@@ -16,42 +16,43 @@ namespace dw {
 
 frmRePost::frmRePost()
     : Form(kName),
-      Label1(ui::Caption("This option lets you post all the transactions on file and optionally rebuilds the "
-                         "asset costs tables.")),
-      chkClear(new QCheckBox("Clear First?")),
-      lblStatus(new QLabel),
-      pnlProgress(new QProgressBar),
-      cmdProceed(new QPushButton("&Proceed")),
-      cmdCancel(new QPushButton("Cancel")) {
+      instructions(
+          ui::Caption("This option lets you post all the transactions on file and optionally rebuilds the "
+                      "asset costs tables.")),
+      clearFirst(new QCheckBox("Clear First?")),
+      status(new QLabel),
+      progress(new QProgressBar),
+      proceedButton(new QPushButton("&Proceed")),
+      cancelButton(new QPushButton("Cancel")) {
   setWindowTitle("Post Transactions ");
-  Label1->setObjectName("Label1");
-  chkClear->setObjectName("chkClear");
-  lblStatus->setObjectName("lblStatus");
-  pnlProgress->setObjectName("pnlProgress");
-  pnlProgress->setAccessibleName("Progress");
-  cmdProceed->setObjectName("cmdProceed");
-  cmdCancel->setObjectName("cmdCancel");
+  instructions->setObjectName("Label1");
+  clearFirst->setObjectName("chkClear");
+  status->setObjectName("lblStatus");
+  progress->setObjectName("pnlProgress");
+  progress->setAccessibleName("Progress");
+  proceedButton->setObjectName("cmdProceed");
+  cancelButton->setObjectName("cmdCancel");
 
   // The bar keeps its room while it is hidden, so that nothing moves when the run begins.
-  QSizePolicy policy = pnlProgress->sizePolicy();
+  QSizePolicy policy = progress->sizePolicy();
   policy.setRetainSizeWhenHidden(true);
-  pnlProgress->setSizePolicy(policy);
-  pnlProgress->setRange(0, 100);
-  pnlProgress->hide();
+  progress->setSizePolicy(policy);
+  progress->setRange(0, 100);
+  progress->hide();
 
-  Label1->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
+  instructions->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
   auto* column = new QVBoxLayout(this);
-  column->addWidget(Label1);
-  column->addWidget(chkClear);
-  column->addWidget(lblStatus);
-  column->addWidget(pnlProgress);
+  column->addWidget(instructions);
+  column->addWidget(clearFirst);
+  column->addWidget(status);
+  column->addWidget(progress);
   column->addStretch(1);
-  column->addLayout(ui::ButtonRow({cmdProceed, cmdCancel}));
+  column->addLayout(ui::ButtonRow({proceedButton, cancelButton}));
 
-  ui::OnClick(*cmdProceed, [this] { Proceed(); });
-  ui::OnClick(*cmdCancel, [this] { Unload(); });
-  SetDefault(cmdProceed);
-  SetCancel(cmdCancel);
+  ui::OnClick(*proceedButton, [this] { Proceed(); });
+  ui::OnClick(*cancelButton, [this] { Unload(); });
+  SetDefault(proceedButton);
+  SetCancel(cancelButton);
 }
 
 void frmRePost::closeEvent(QCloseEvent* event) {
@@ -68,7 +69,7 @@ class frmRePost::Run {
   ~Run() {
     if (!form_) return;
     SetRunning(false);
-    form_->pnlProgress->hide();
+    form_->progress->hide();
   }
   Run(const Run&) = delete;
   Run& operator=(const Run&) = delete;
@@ -77,23 +78,23 @@ class frmRePost::Run {
     return {.status =
                 [this](const std::string& text) {
                   if (!form_) return;
-                  form_->lblStatus->setText(QString::fromStdString(text));
-                  form_->lblStatus->repaint();
+                  form_->status->setText(QString::fromStdString(text));
+                  form_->status->repaint();
                 },
             .percent =
                 [this](int percent) {
                   if (!form_) return;
-                  form_->pnlProgress->setVisible(true);
-                  form_->pnlProgress->setValue(percent);
+                  form_->progress->setVisible(true);
+                  form_->progress->setValue(percent);
                 }};
   }
 
  private:
   void SetRunning(bool running) {
     form_->running_ = running;
-    form_->cmdProceed->setEnabled(!running);
-    form_->cmdCancel->setEnabled(!running);
-    form_->chkClear->setEnabled(!running);
+    form_->proceedButton->setEnabled(!running);
+    form_->cancelButton->setEnabled(!running);
+    form_->clearFirst->setEnabled(!running);
   }
 
   QPointer<frmRePost> form_;
@@ -104,7 +105,7 @@ void frmRePost::Proceed() {
   {
     const Run run(*this);
     try {
-      RunPosting(chkClear->isChecked(), run.Progress());
+      RunPosting(clearFirst->isChecked(), run.Progress());
     } catch (const ClearingRefused& refused) {
       screen::MessageBox("Error #" + std::to_string(refused.Number()) + "\r\r" + refused.what(),
                          screen::Icon::Critical);

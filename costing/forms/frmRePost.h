@@ -16,12 +16,12 @@ class frmRePost : public ui::Form {
   static constexpr const char* kName = "frmRePost";
   frmRePost();
 
-  QLabel* Label1;
-  QCheckBox* chkClear;
-  QLabel* lblStatus;
-  QProgressBar* pnlProgress;
-  QPushButton* cmdProceed;
-  QPushButton* cmdCancel;
+  QLabel* instructions;
+  QCheckBox* clearFirst;
+  QLabel* status;
+  QProgressBar* progress;
+  QPushButton* proceedButton;
+  QPushButton* cancelButton;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

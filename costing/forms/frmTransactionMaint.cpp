@@ -43,15 +43,15 @@ frmTransactionMaint::frmTransactionMaint()
                   .table = "[Maintenance Transactions]",
                   .recordWords = "Transaction #",
                   .ok = "OkButton"}),
-      lblAssetSerial(new QLabel),
-      cmdUnpost(new QPushButton("&Unpost")),
+      assetSerial(new QLabel),
+      unpostButton(new QPushButton("&Unpost")),
       tasks_(AddInnerGrid("grdTasks", "adoSchedule", TaskColumns(), std::string(kTasksQuery) + "-1",
                           [this](RecordHold&) {
                             return kTasksQuery + std::to_string(DataID) +
                                    " ORDER BY [Maintenance Types.Description]";
                           })),
-      grdTasks(tasks_.grid),
-      adoSchedule(tasks_.data) {
+      taskGrid(tasks_.grid),
+      taskRows(tasks_.data) {
   BindFields();
   PutTogether();
   SetTabOrder();
@@ -134,16 +134,16 @@ void frmTransactionMaint::SetRules() {
   filled(outsideFuelUnits, "0.0");
 
   // A double click adds a task wherever it falls; Space shows the selected one.
-  grdTasks.onAdd = grdTasks.onDoubleClick = [this] { AddTask(); };
-  grdTasks.SetDoubleClickAnywhere(true);
-  grdTasks.onDetail = [this] { ShowTask(); };
-  grdTasks.onDelete = [this] { DeleteTask(); };
-  ui::OnClick(*cmdUnpost, [this] { Unpost(); });
+  taskGrid.onAdd = taskGrid.onDoubleClick = [this] { AddTask(); };
+  taskGrid.SetDoubleClickAnywhere(true);
+  taskGrid.onDetail = [this] { ShowTask(); };
+  taskGrid.onDelete = [this] { DeleteTask(); };
+  ui::OnClick(*unpostButton, [this] { Unpost(); });
 }
 
 void frmTransactionMaint::OnActivate() {
   RecordForm::OnActivate();
-  if (LoadedOK && !Minimised()) focus_.Restore(*this);
+  if (LoadedOK && !Minimized()) focus_.Restore(*this);
 }
 
 void frmTransactionMaint::RecordLoaded() {
@@ -159,14 +159,14 @@ void frmTransactionMaint::RecordLoaded() {
            &laborHours, &partsCost, &outsideFuelUnits, &outsideFuelCost, &outsideOilUnits, &outsideOilCost,
            &outsideCost, &transactionDate, &fiscalYear, &fiscalPeriod})
     field->setEnabled(!posted);
-  cmdUnpost->setEnabled(posted);
+  unpostButton->setEnabled(posted);
   // Labor and parts are hidden with the fuel; the fields to their right move into their place.
-  fraTab[1]->setVisible(InternalFuelAvailable());
+  costGroups[1]->setVisible(InternalFuelAvailable());
   ShowAssetSerial();
 }
 
 void frmTransactionMaint::ShowAssetSerial() {
-  lblAssetSerial->setText(QString::fromStdString(AssetSerial(assetCode.Text())));
+  assetSerial->setText(QString::fromStdString(AssetSerial(assetCode.Text())));
 }
 
 bool frmTransactionMaint::CheckDate() {
@@ -237,27 +237,27 @@ void frmTransactionMaint::AddTask() {
 
 void frmTransactionMaint::ShowTask() {
   if (!CommitForTask()) return;
-  if (!adoSchedule.HasRows())
+  if (!taskRows.HasRows())
     ReportNoRecords();
-  else if (const auto id = RowNumber(grdTasks, [this] { RefreshGrid(); }))
+  else if (const auto id = RowNumber(taskGrid, [this] { RefreshGrid(); }))
     return OpenTask(false, *id);
   OnActivate();
 }
 
 void frmTransactionMaint::OpenTask(bool add, std::int32_t id) {
   OpenDetailForm<frmMaintTaskMaint>(
-      grdTasks, add, id, currentTask_, adoSchedule.HasRows(),
+      taskGrid, add, id, currentTask_, taskRows.HasRows(),
       [this](frmMaintTaskMaint& task) { task.MaintenanceID = rt::Value(recordNumber.Text()).AsLong(); });
   // If no window was opened, this one goes on at once and holds its record.
   if (ui::ActiveForm() == this) OnActivate();
 }
 
 void frmTransactionMaint::DeleteTask() {
-  if (!adoSchedule.HasRows()) {
+  if (!taskRows.HasRows()) {
     ReportNoRecords();
     return;
   }
-  const auto id = RowNumber(grdTasks, [this] { RefreshGrid(); });
+  const auto id = RowNumber(taskGrid, [this] { RefreshGrid(); });
   if (id && DeleteRecord(
                 {.recordQuery = "SELECT * FROM [Maintenance_Performed] WHERE [ID] = " + std::to_string(*id)}))
     RefreshGrid();
@@ -310,7 +310,7 @@ void frmTransactionMaint::UnpostAtItsPlace() {
     Data().ShowRecord();
     OnActivate();
   } else if (!Held()) {
-    OkButton->setEnabled(false);
+    okButton->setEnabled(false);
   }
 }
 

@@ -39,7 +39,7 @@ class frmTransactionMaint : public RecordForm {
 
   ui::TextBox recordNumber{"Text1"};                         ///< `ID`
   ui::TextBox assetCode{"txtAssetID", ui::Keys::UpperCase};  ///< `Asset ID`
-  QLabel* lblAssetSerial;
+  QLabel* assetSerial;
   ui::TextBox transactionDate{"Text8"};                          ///< `Transaction Date`
   ui::TextBox workOrder{"Text9"};                                ///< `Work Order Number`
   ui::MaskEdBox fiscalYear{"Text11", {}, ui::Keys::Digits};      ///< `Year`
@@ -58,17 +58,17 @@ class frmTransactionMaint : public RecordForm {
   ui::MaskEdBox outsideOilCost{"MaskedEdit2", ui::kMoneyFormat};         ///< `Outside Oil Cost`
   ui::MaskEdBox outsideCost{"MaskedEdit18", ui::kMoneyFormat};           ///< `Outside Cost`
   ui::NotesBox notes{"Text2"};
-  std::array<QLabel*, 5> lblExternals{};
-  std::array<QLabel*, 6> lblInternals{};
-  std::array<QGroupBox*, 2> fraTab{};  ///< external and internal costs
-  QPushButton* cmdUnpost;
+  std::array<QLabel*, 5> externalHeadings{};
+  std::array<QLabel*, 6> internalHeadings{};
+  std::array<QGroupBox*, 2> costGroups{};  ///< external and internal costs
+  QPushButton* unpostButton;
 
  private:
   InnerGrid& tasks_;
 
  public:
-  ui::DataGrid& grdTasks;
-  ui::Adodc& adoSchedule;
+  ui::DataGrid& taskGrid;
+  ui::Adodc& taskRows;
 
  protected:
   void OnActivate() override;

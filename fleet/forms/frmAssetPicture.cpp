@@ -26,20 +26,20 @@ bool HasPicture(std::int32_t id) {
 
 }  // namespace
 
-frmAssetPicture::frmAssetPicture() : Form("frmAssetPicture"), dtaPicture_(*this, "dtaPicture") {
+frmAssetPicture::frmAssetPicture() : Form("frmAssetPicture"), pictureData_(*this, "dtaPicture") {
   setWindowTitle("Picture of Asset");
-  dtaPicture_.Bind(imgPicture, "Photograph");
-  imgPicture.setFrameStyle(QFrame::NoFrame);
+  pictureData_.Bind(picture, "Photograph");
+  picture.setFrameStyle(QFrame::NoFrame);
   auto* all = new QVBoxLayout(this);
   all->setContentsMargins(0, 0, 0, 0);
-  all->addWidget(&imgPicture);
+  all->addWidget(&picture);
   resize(fontMetrics().averageCharWidth() * kWidth, fontMetrics().height() * kLines);
   auto* escape = new QShortcut(Qt::Key_Escape, this);
   connect(escape, &QShortcut::activated, this, [this] { Unload(); });
 }
 
 void frmAssetPicture::OnLoad() {
-  dtaPicture_.DatabaseName = DataFile;
+  pictureData_.DatabaseName = DataFile;
   Read(-1);
   ui::CenterForm(*this);
 }
@@ -55,8 +55,8 @@ void frmAssetPicture::ReadPicture() {
 
 void frmAssetPicture::Read(std::int32_t id) {
   const screen::Hourglass hourglass;
-  dtaPicture_.RecordSource = "SELECT * FROM Vehicles WHERE ID = " + std::to_string(id);
-  dtaPicture_.Refresh();
+  pictureData_.RecordSource = "SELECT * FROM Vehicles WHERE ID = " + std::to_string(id);
+  pictureData_.Refresh();
 }
 
 void OpenAssetPicture(std::int32_t id) {

@@ -17,7 +17,7 @@ class frmAssetPicture : public ui::Form {
   /// Reads the picture of the asset, as the first activation does by itself.
   void ReadPicture();
 
-  ui::PictureBox imgPicture{"imgPicture"};
+  ui::PictureBox picture{"imgPicture"};
 
  protected:
   void OnLoad() override;
@@ -26,7 +26,7 @@ class frmAssetPicture : public ui::Form {
  private:
   void Read(std::int32_t id);
 
-  ui::DataControl dtaPicture_;
+  ui::DataControl pictureData_;
   bool activated_ = false;
 };
 

@@ -40,41 +40,42 @@ void frmGetPictureFile::NameControls() {
     control.setObjectName(name);
     control.setText(text);
   };
-  set(cmdSelect, "cmdSelect", "Se&lect");
-  set(cmdRemove, "cmdRemove", "&Remove");
-  set(cmdCancel, "cmdCancel", "Cancel");
-  set(cmdScan, "cmdScan", "&Scan");
-  set(chkPreview, "chkPreview", "Preview");
-  set(chkTrace, "chkTrace", "Make Trace Log");
-  set(optCreditCard, "optCreditCard", "Credit Card");
-  set(optPage, "optPage", "Paper");
-  set(optCam, "optCam", "Camera");
-  set(Label1, "Label1",
+  set(selectButton, "cmdSelect", "Se&lect");
+  set(removeButton, "cmdRemove", "&Remove");
+  set(cancelButton, "cmdCancel", "Cancel");
+  set(scanButton, "cmdScan", "&Scan");
+  set(setUpBeforeScan, "chkPreview", "Preview");
+  set(makeTrace, "chkTrace", "Make Trace Log");
+  set(creditCard, "optCreditCard", "Credit Card");
+  set(wholePage, "optPage", "Paper");
+  set(camera, "optCam", "Camera");
+  set(instructions, "Label1",
       "Select the file and click the Select button to use, or click the Cancel button to exit without "
       "choosing.");
-  Frame1.setObjectName("Frame1");
-  Frame1.setTitle("Scan Size");
-  cmdCancel.setToolTip("A file that was clicked or scanned is deleted.");
+  scanSizes.setObjectName("Frame1");
+  scanSizes.setTitle("Scan Size");
+  cancelButton.setToolTip("A file that was clicked or scanned is deleted.");
 }
 
 void frmGetPictureFile::LayOut() {
-  Label1.setTextFormat(Qt::PlainText);
-  Label1.setWordWrap(true);
-  Dir1.setAccessibleName("Directories");
-  File1.setAccessibleName("Files");
-  imgPreview.setAccessibleName("Preview of the file");
-  for (QWidget* list : std::initializer_list<QWidget*>{&Dir1, &File1}) {
+  instructions.setTextFormat(Qt::PlainText);
+  instructions.setWordWrap(true);
+  directories.setAccessibleName("Directories");
+  fileList.setAccessibleName("Files");
+  preview.setAccessibleName("Preview of the file");
+  for (QWidget* list : std::initializer_list<QWidget*>{&directories, &fileList}) {
     list->setMinimumWidth(fontMetrics().averageCharWidth() * 32);
     list->setMinimumHeight(fontMetrics().height() * 16);
   }
   auto* drive = new QHBoxLayout;
-  drive->addWidget(ui::Prompt("&Drive:", Drive1));
-  drive->addWidget(&Drive1, 1);
+  drive->setSpacing(10);
+  drive->addWidget(ui::Prompt("&Drive:", drives));
+  drive->addWidget(&drives, 1);
   auto* grid = new QGridLayout;
-  grid->addWidget(&Label1, 0, 0, 1, 3);
+  grid->addWidget(&instructions, 0, 0, 1, 3);
   grid->addLayout(drive, 1, 0);
-  grid->addWidget(&Dir1, 2, 0);
-  grid->addWidget(&File1, 1, 1, 2, 1);
+  grid->addWidget(&directories, 2, 0);
+  grid->addWidget(&fileList, 1, 1, 2, 1);
   grid->addLayout(LayOutRight(), 1, 2, 2, 1);
   grid->setRowStretch(2, 1);
   for (int column = 0; column < 3; ++column) grid->setColumnStretch(column, 1);
@@ -84,64 +85,65 @@ void frmGetPictureFile::LayOut() {
   auto* all = new QVBoxLayout(this);
   all->addLayout(grid, 1);
   all->addSpacing(6);
-  all->addLayout(ui::ButtonRow({&cmdScan, &cmdSelect, &cmdRemove, &cmdCancel}));
-  ui::TabOrder({&Drive1, &Dir1, &File1, &optCreditCard, &optPage, &optCam, &chkPreview, &chkTrace, &cmdScan,
-                &cmdSelect, &cmdRemove, &cmdCancel});
+  all->addLayout(ui::ButtonRow({&scanButton, &selectButton, &removeButton, &cancelButton}));
+  ui::TabOrder({&drives, &directories, &fileList, &creditCard, &wholePage, &camera, &setUpBeforeScan,
+                &makeTrace, &scanButton, &selectButton, &removeButton, &cancelButton});
   // The Tab key stops at the chosen size alone.
-  for (QRadioButton* size : {&optCreditCard, &optPage, &optCam}) {
+  for (QRadioButton* size : {&creditCard, &wholePage, &camera}) {
     size->setFocusPolicy(Qt::ClickFocus);
     connect(size, &QRadioButton::toggled, size,
             [size](bool on) { size->setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus); });
   }
-  optPage.setChecked(true);
-  SetDefault(&cmdSelect);
-  SetCancel(&cmdCancel);
+  wholePage.setChecked(true);
+  SetDefault(&selectButton);
+  SetCancel(&cancelButton);
 }
 
 QLayout* frmGetPictureFile::LayOutRight() {
-  auto* sizes = new QHBoxLayout(&Frame1);
-  for (QRadioButton* size : {&optCreditCard, &optPage, &optCam}) sizes->addWidget(size);
+  auto* sizes = new QHBoxLayout(&scanSizes);
+  for (QRadioButton* size : {&creditCard, &wholePage, &camera}) sizes->addWidget(size);
   sizes->addStretch(1);
   auto* checks = new QHBoxLayout;
-  checks->addWidget(&chkPreview);
-  checks->addWidget(&chkTrace);
+  checks->addWidget(&setUpBeforeScan);
+  checks->addWidget(&makeTrace);
   checks->addStretch(1);
   auto* column = new QVBoxLayout;
   column->setSpacing(8);
-  column->addWidget(&imgPreview, 1);
-  column->addWidget(&ImgEdit1, 1);
-  column->addWidget(&Frame1);
+  column->addWidget(&preview, 1);
+  column->addWidget(&scanImage, 1);
+  column->addWidget(&scanSizes);
   column->addLayout(checks);
   return column;
 }
 
 void frmGetPictureFile::Connect() {
-  Drive1.onChange = [this] { DriveChosen(); };
-  Dir1.onChange = [this] { DirectoryChosen(); };
+  drives.onChange = [this] { DriveChosen(); };
+  directories.onChange = [this] { DirectoryChosen(); };
   // Selecting a file hands it over, by the mouse or by the keys; the focus alone selects none. A click on the
   // selected file counts again.
-  connect(&File1, &QListWidget::itemSelectionChanged, this, [this] { ui::Guard([&] { FileMarked(); }); });
-  connect(&File1, &QListWidget::itemClicked, this, [this] { SetPhoto(ChosenPath()); });
-  connect(&File1, &QListWidget::itemDoubleClicked, &cmdSelect, &QPushButton::click, Qt::QueuedConnection);
-  connect(&optCam, &QRadioButton::toggled, this, [this](bool on) { chkPreview.setChecked(on); });
-  for (QRadioButton* other : {&optCreditCard, &optPage})
+  connect(&fileList, &QListWidget::itemSelectionChanged, this, [this] { ui::Guard([&] { FileMarked(); }); });
+  connect(&fileList, &QListWidget::itemClicked, this, [this] { SetPhoto(ChosenPath()); });
+  connect(&fileList, &QListWidget::itemDoubleClicked, &selectButton, &QPushButton::click,
+          Qt::QueuedConnection);
+  connect(&camera, &QRadioButton::toggled, this, [this](bool on) { setUpBeforeScan.setChecked(on); });
+  for (QRadioButton* other : {&creditCard, &wholePage})
     connect(other, &QRadioButton::toggled, this, [this](bool on) {
-      if (on) chkPreview.setChecked(false);
+      if (on) setUpBeforeScan.setChecked(false);
     });
-  ui::OnClick(cmdSelect, [this] { Select(); });
-  ui::OnClick(cmdRemove, [this] { Remove(); });
-  ui::OnClick(cmdCancel, [this] { CancelClicked(); });
-  ui::OnClick(cmdScan, [this] { Scan(); });
+  ui::OnClick(selectButton, [this] { Select(); });
+  ui::OnClick(removeButton, [this] { Remove(); });
+  ui::OnClick(cancelButton, [this] { CancelClicked(); });
+  ui::OnClick(scanButton, [this] { Scan(); });
 }
 
 void frmGetPictureFile::OnLoad() {
   const screen::Hourglass hourglass;
   const bool scanner = ImgScan1->Available();
-  cmdScan.setEnabled(scanner);
-  if (!scanner) cmdScan.setToolTip("No scanner was found.");
-  ImgEdit1.setVisible(scanner);
-  if (!Dir1.SetPath(PicturesDirectory())) Dir1.SetPath("/");
-  File1.setFocus();
+  scanButton.setEnabled(scanner);
+  if (!scanner) scanButton.setToolTip("No scanner was found.");
+  scanImage.setVisible(scanner);
+  if (!directories.SetPath(PicturesDirectory())) directories.SetPath("/");
+  fileList.setFocus();
 }
 
 void frmGetPictureFile::closeEvent(QCloseEvent* event) {
@@ -158,19 +160,19 @@ void frmGetPictureFile::CallerGone() {
 
 void frmGetPictureFile::DriveChosen() {
   if (following_) return;
-  if (Dir1.SetPath(Drive1.Drive().empty() ? "/" : Drive1.Drive())) return;
+  if (directories.SetPath(drives.Drive().empty() ? "/" : drives.Drive())) return;
   // The drive is not ready: back to the one that is shown.
   following_ = true;
-  Drive1.SetDrive(Dir1.Path());
+  drives.SetDrive(directories.Path());
   following_ = false;
 }
 
 void frmGetPictureFile::DirectoryChosen() {
   const bool following = std::exchange(following_, true);
-  Drive1.SetDrive(Dir1.Path());
+  drives.SetDrive(directories.Path());
   following_ = following;
-  if (!File1.SetPath(Dir1.Path())) File1.clear();
-  imgPreview.Clear();
+  if (!fileList.SetPath(directories.Path())) fileList.clear();
+  preview.Clear();
 }
 
 void frmGetPictureFile::SetPhoto(const std::string& path) {
@@ -178,30 +180,30 @@ void frmGetPictureFile::SetPhoto(const std::string& path) {
 }
 
 std::string frmGetPictureFile::ChosenPath() const {
-  const std::string file = File1.FileName();
-  return file.empty() ? file : PicturePath(File1.Path(), file);
+  const std::string file = fileList.FileName();
+  return file.empty() ? file : PicturePath(fileList.Path(), file);
 }
 
 void frmGetPictureFile::FileMarked() {
   const std::string path = ChosenPath();
   if (path.empty()) {
-    imgPreview.Clear();
+    preview.Clear();
     return;
   }
   SetPhoto(path);
   const screen::Hourglass hourglass;
-  imgPreview.ShowFile(path);
+  preview.ShowFile(path);
 }
 
 void frmGetPictureFile::Select() {
   const std::string path = ChosenPath();
   if (path.empty()) {
     screen::MessageBox("Select a file name before clicking the Select button.", screen::Icon::Information);
-    File1.setFocus();
+    fileList.setFocus();
     return;
   }
-  if (!imgPreview.LoadFile(path)) {
-    File1.setFocus();
+  if (!preview.LoadFile(path)) {
+    fileList.setFocus();
     return;
   }
   SetPhoto(path);

@@ -34,18 +34,18 @@ class frmGetPictureFile : public ui::Form {
   /// The calling form is about to close.
   void CallerGone();
 
-  ui::DriveListBox Drive1{"Drive1"};
-  ui::DirListBox Dir1{"Dir1"};
-  ui::FileListBox File1{"File1", "*.bmp;*.wmf;*.jpg"};
-  QPushButton cmdSelect, cmdRemove, cmdCancel, cmdScan;
-  QCheckBox chkPreview, chkTrace;
-  QGroupBox Frame1;
-  QRadioButton optCreditCard, optPage, optCam;
-  ui::PictureBox imgPreview{"imgPreview"};
-  QLabel Label1;
+  ui::DriveListBox drives{"Drive1"};
+  ui::DirListBox directories{"Dir1"};
+  ui::FileListBox fileList{"File1", "*.bmp;*.wmf;*.jpg"};
+  QPushButton selectButton, removeButton, cancelButton, scanButton;
+  QCheckBox setUpBeforeScan, makeTrace;
+  QGroupBox scanSizes;
+  QRadioButton creditCard, wholePage, camera;
+  ui::PictureBox preview{"imgPreview"};
+  QLabel instructions;
   std::unique_ptr<sys::Scanner> ImgScan1;
-  ui::ImageEdit ImgEdit1{"ImgEdit1"};
-  ui::PictureConverter WebPic1;
+  ui::ImageEdit scanImage{"ImgEdit1"};
+  ui::PictureConverter converter;
 
  protected:
   void OnLoad() override;

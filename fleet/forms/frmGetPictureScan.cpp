@@ -19,11 +19,11 @@ void Demand(const std::string& fault) {
 
 void frmGetPictureFile::Scan() {
   const auto enable = [this](bool on) {
-    for (QPushButton* button : {&cmdCancel, &cmdSelect, &cmdScan}) button->setEnabled(on);
+    for (QPushButton* button : {&cancelButton, &selectButton, &scanButton}) button->setEnabled(on);
   };
   enable(false);
   scanning_ = true;
-  ScanTrace trace(chkTrace.isChecked());
+  ScanTrace trace(makeTrace.isChecked());
   bool done = false;
   {
     const screen::Hourglass hourglass;
@@ -33,7 +33,7 @@ void frmGetPictureFile::Scan() {
   scanning_ = false;
   enable(true);
   if (!done) {
-    cmdScan.setFocus();
+    scanButton.setFocus();
     return;
   }
   trace.Line("Scanned image has been accepted");
@@ -47,12 +47,12 @@ bool frmGetPictureFile::ScanPicture(ScanTrace& trace) {
   try {
     if (!RunScanner(files->bmp, trace)) return false;
     const std::string path = SaveScan(*files, trace);
-    imgPreview.ShowFile(path);
+    preview.ShowFile(path);
     return true;
   } catch (const sys::ScanError& error) {
     trace.Line(std::string("Scan failed: ") + error.what());
     ImgScan1->CloseScanner();
-    ImgEdit1.ClearDisplay();
+    scanImage.ClearDisplay();
     for (const std::string& half : {files->bmp, files->jpeg}) sys::DeleteFile(half);
     const screen::Pointer pointer = screen::SetPointer(screen::Pointer::Normal);
     screen::MessageBox(std::string("Unable to scan the picture.\r") + error.what(), screen::Icon::Critical);
@@ -62,8 +62,8 @@ bool frmGetPictureFile::ScanPicture(ScanTrace& trace) {
 }
 
 sys::ScanSize frmGetPictureFile::Size() const {
-  if (optCam.isChecked()) return sys::ScanSize::Camera;
-  return optCreditCard.isChecked() ? sys::ScanSize::CreditCard : sys::ScanSize::Paper;
+  if (camera.isChecked()) return sys::ScanSize::Camera;
+  return creditCard.isChecked() ? sys::ScanSize::CreditCard : sys::ScanSize::Paper;
 }
 
 bool frmGetPictureFile::RunScanner(const std::string& bmp, ScanTrace& trace) {
@@ -77,9 +77,9 @@ bool frmGetPictureFile::RunScanner(const std::string& bmp, ScanTrace& trace) {
   trace.Line("Setting Image property.");
   scanner.Image = bmp;
   trace.Line("Setting DestImageControl property.");
-  scanner.DestImageControl = &ImgEdit1;
+  scanner.DestImageControl = &scanImage;
   trace.Line("Setting ShowSetupBeforeScan property.");
-  scanner.ShowSetupBeforeScan = chkPreview.isChecked();
+  scanner.ShowSetupBeforeScan = setUpBeforeScan.isChecked();
   scanner.onSetup = [this](sys::ScanSetup& setup) {
     const screen::Pointer pointer = screen::SetPointer(screen::Pointer::Normal);
     const bool wanted = ui::AskScanSetup(this, setup);
@@ -96,18 +96,18 @@ bool frmGetPictureFile::RunScanner(const std::string& bmp, ScanTrace& trace) {
 
 std::string frmGetPictureFile::SaveScan(const ScanFiles& files, ScanTrace& trace) {
   trace.Line("Saving Picture to " + files.bmp);
-  Demand(ImgEdit1.SetImage(ImgScan1->Image));
-  Demand(ImgEdit1.SaveBmp(files.bmp));
-  ImgEdit1.ClearDisplay();
+  Demand(scanImage.SetImage(ImgScan1->Image));
+  Demand(scanImage.SaveBmp(files.bmp));
+  scanImage.ClearDisplay();
   if (!ReturnJPG) {
     trace.Line("No JPG conversion requested");
     SetPhoto(files.bmp);
     return files.bmp;
   }
   trace.Line("Converting " + files.bmp + " to JPEG Format");
-  Demand(WebPic1.Load(files.bmp));
+  Demand(converter.Load(files.bmp));
   trace.Line("Saving " + files.jpeg + " in JPG Format");
-  Demand(WebPic1.SaveJpeg(files.jpeg, 100));
+  Demand(converter.SaveJpeg(files.jpeg, 100));
   trace.Line("Scan successfully saved. Delete original BMP file");
   SetPhoto(files.jpeg);
   sys::DeleteFile(files.bmp);

@@ -18,9 +18,9 @@ constexpr int kOdometer = 4;
 }  // namespace
 
 void frmInventoryMaint::SetUpGrids() {
-  children_ = {{.grid = &grdMaintenance, .data = &adoMaintenance_},
-               {.grid = &grdSchedule, .data = &adoSchedule_},
-               {.grid = &grdOdometer, .data = &adoOdometers_}};
+  children_ = {{.grid = &transactionGrid, .data = &transactionRows_},
+               {.grid = &scheduleGrid, .data = &scheduleRows_},
+               {.grid = &readingGrid, .data = &readingRows_}};
   for (const int page : {kMaintenance, kSchedule, kOdometer}) {
     ui::DataGrid& grid = *ChildOn(page).grid;
     grid.onAdd = [this, page] { AddChild(page); };
@@ -55,9 +55,9 @@ void frmInventoryMaint::ShowChild(int page) {
 }
 
 void frmInventoryMaint::RefreshChild(Child& child) {
-  if (!child.armed) ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
-  ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
-  child.armed = false;
+  if (!child.place.armed) ui::AdoRefreshGrid(*child.grid, *child.data, child.place);
+  ui::AdoRefreshGrid(*child.grid, *child.data, child.place);
+  child.place.armed = false;
 }
 
 void frmInventoryMaint::OpenChild(int page, bool add, std::int32_t id) {

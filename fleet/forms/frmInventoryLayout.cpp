@@ -100,15 +100,16 @@ void frmInventoryMaint::BindControls() {
   Bind(notInService, "No_Longer_In_Service");
   Bind(notes, "Notes", "Notes");
   Bind(photograph, "Photograph");
-  grdMaintenance.SetColumns(MaintenanceColumns());
-  grdSchedule.SetColumns(ScheduleColumns());
-  grdOdometer.SetColumns(OdometerColumns());
+  transactionGrid.SetColumns(MaintenanceColumns());
+  scheduleGrid.SetColumns(ScheduleColumns());
+  readingGrid.SetColumns(OdometerColumns());
 }
 
 QLayout* frmInventoryMaint::LayOutFields() {
   auto* code = new QHBoxLayout;
+  code->setSpacing(6);
   code->addWidget(&assetCode, 1);
-  code->addWidget(cmdRename);
+  code->addWidget(renameButton);
   auto* left = new ui::FieldRows;
   left->addWidget(ui::Prompt("Asset ID", assetCode), 0, 0);
   left->addLayout(code, 0, 1);
@@ -154,7 +155,7 @@ QLayout* frmInventoryMaint::LayOutFields() {
 QLayout* frmInventoryMaint::LayOutPicture() {
   photograph.setFixedSize(fontMetrics().averageCharWidth() * 28, fontMetrics().height() * 8);
   auto* buttons = new QHBoxLayout;
-  for (QPushButton* button : cmdPicture) buttons->addWidget(button);
+  for (QPushButton* button : pictureButtons) buttons->addWidget(button);
   auto* column = new QVBoxLayout;
   column->addWidget(&photograph);
   column->addLayout(buttons);
@@ -164,39 +165,39 @@ QLayout* frmInventoryMaint::LayOutPicture() {
 
 void frmInventoryMaint::AddTabs() {
   auto* horizon = new QHBoxLayout;
-  horizon->addWidget(ui::Prompt("Due By:", txtDueBy));
-  horizon->addWidget(&txtDueBy);
+  horizon->addWidget(ui::Prompt("Due By:", dueBy));
+  horizon->addWidget(&dueBy);
   horizon->addSpacing(12);
-  horizon->addWidget(ui::Prompt("Extra Usage:", txtUsage));
-  horizon->addWidget(&txtUsage);
+  horizon->addWidget(ui::Prompt("Extra Usage:", dueUsage));
+  horizon->addWidget(&dueUsage);
   horizon->addSpacing(12);
-  horizon->addWidget(cmdDue);
+  horizon->addWidget(dueButton);
   horizon->addStretch(1);
-  ui::SetWidth(txtDueBy, ui::kDateWidth);
-  ui::SetWidth(txtUsage, ui::kNumberWidth);
-  txtDue.setReadOnly(true);
-  txtDue.setAccessibleName("Maintenance Due");
-  pages.addTab(Page(horizon, txtDue), "Maintenance Due");
+  ui::SetWidth(dueBy, ui::kDateWidth);
+  ui::SetWidth(dueUsage, ui::kNumberWidth);
+  due.setReadOnly(true);
+  due.setAccessibleName("Maintenance Due");
+  pages.addTab(Page(horizon, due), "Maintenance Due");
 
-  cmdPrint->setToolTip("Prints what this asset has cost");
+  printButton->setToolTip("Prints what this asset has cost");
   auto* choice = new QHBoxLayout;
-  choice->addWidget(&chkNonFuelOnly);
+  choice->addWidget(&nonFuelOnly);
   choice->addStretch(1);
-  choice->addWidget(cmdPrint);
-  pages.addTab(Page(choice, grdMaintenance), "Maintenance Performed");
-  pages.addTab(Page(nullptr, grdSchedule), "Maintenance Schedule");
+  choice->addWidget(printButton);
+  pages.addTab(Page(choice, transactionGrid), "Maintenance Performed");
+  pages.addTab(Page(nullptr, scheduleGrid), "Maintenance Schedule");
   pages.addTab(Page(nullptr, notes), "Notes");
-  pages.addTab(Page(nullptr, grdOdometer), "Odometer Readings");
-  grdMaintenance.setAccessibleName("Maintenance Performed");
-  grdSchedule.setAccessibleName("Maintenance Schedule");
-  grdOdometer.setAccessibleName("Odometer Readings");
+  pages.addTab(Page(nullptr, readingGrid), "Odometer Readings");
+  transactionGrid.setAccessibleName("Maintenance Performed");
+  scheduleGrid.setAccessibleName("Maintenance Schedule");
+  readingGrid.setAccessibleName("Odometer Readings");
   notes.setAccessibleName("Notes");
   EnterMakesLines(notes);
   const std::pair<const char*, int> turns[] = {
       {"Ctrl+Tab", 1}, {"Ctrl+PgDown", 1}, {"Ctrl+Shift+Tab", -1}, {"Ctrl+PgUp", -1}};
   // Two buttons have this key. It moves the focus between them and presses neither, so that an aim at the one
   // never presses the other.
-  for (QPushButton* button : {cmdPrint, cmdUnpost}) button->setShortcut({});
+  for (QPushButton* button : {printButton, unpostButton}) button->setShortcut({});
   auto* either = new QShortcut(QKeySequence("Alt+P"), this);
   connect(either, &QShortcut::activated, this, [this] { ui::Guard([this] { FocusPrintOrUnpost(); }); });
   for (const auto& [keys, step] : turns) {
@@ -211,20 +212,20 @@ void frmInventoryMaint::TurnPage(int step) {
   // A field whose content is refused keeps its page.
   if (pages.currentIndex() != page) return;
   // The focus goes into the control that fills the page, wherever it was before.
-  QWidget* const contents[] = {&txtDue, &grdMaintenance, &grdSchedule, &notes, &grdOdometer};
+  QWidget* const contents[] = {&due, &transactionGrid, &scheduleGrid, &notes, &readingGrid};
   for (QWidget* content : contents)
     if (pages.currentWidget()->isAncestorOf(content))
       (content->isEnabled() ? content : pages.tabBar())->setFocus(Qt::ShortcutFocusReason);
 }
 
 void frmInventoryMaint::FocusPrintOrUnpost() {
-  if (cmdPrint->hasFocus() && cmdUnpost->isEnabled()) {
-    cmdUnpost->setFocus(Qt::ShortcutFocusReason);
+  if (printButton->hasFocus() && unpostButton->isEnabled()) {
+    unpostButton->setFocus(Qt::ShortcutFocusReason);
     return;
   }
   pages.setCurrentIndex(1);
   // A field whose content is refused keeps its page and the focus.
-  if (pages.currentIndex() == 1) cmdPrint->setFocus(Qt::ShortcutFocusReason);
+  if (pages.currentIndex() == 1) printButton->setFocus(Qt::ShortcutFocusReason);
 }
 
 void frmInventoryMaint::PutTogether() {
@@ -236,7 +237,7 @@ void frmInventoryMaint::PutTogether() {
 
   auto* foot = new QHBoxLayout;
   foot->addLayout(AuditLines(auditLabels), 1);
-  auto* buttons = ui::ButtonRow({cmdUnpost, OkButton, CancelButton});
+  auto* buttons = ui::ButtonRow({unpostButton, okButton, cancelButton});
   foot->addLayout(buttons);
   foot->setAlignment(buttons, Qt::AlignBottom);
 
@@ -248,13 +249,38 @@ void frmInventoryMaint::PutTogether() {
   resize(std::max(hint.width(), fontMetrics().averageCharWidth() * 150),
          std::max(hint.height(), fontMetrics().height() * 36));
 
-  focus_.Follow({&assetCode,      cmdRename,     &description,  &serialNumber,   &assetType,
-                 &modelYear,      &notInService, &division,     &assetClass,     &location,
-                 &fuelType,       &meterType,    &entryDate,    &purchaseDate,   &replacementDate,
-                 &purchasePrice,  cmdPicture[0], cmdPicture[1], pages.tabBar(),  &txtDueBy,
-                 &txtUsage,       cmdDue,        &txtDue,       &chkNonFuelOnly, cmdPrint,
-                 &grdMaintenance, &grdSchedule,  &notes,        &grdOdometer,    cmdUnpost,
-                 OkButton,        CancelButton});
+  focus_.Follow({&assetCode,
+                 renameButton,
+                 &description,
+                 &serialNumber,
+                 &assetType,
+                 &modelYear,
+                 &notInService,
+                 &division,
+                 &assetClass,
+                 &location,
+                 &fuelType,
+                 &meterType,
+                 &entryDate,
+                 &purchaseDate,
+                 &replacementDate,
+                 &purchasePrice,
+                 pictureButtons[0],
+                 pictureButtons[1],
+                 pages.tabBar(),
+                 &dueBy,
+                 &dueUsage,
+                 dueButton,
+                 &due,
+                 &nonFuelOnly,
+                 printButton,
+                 &transactionGrid,
+                 &scheduleGrid,
+                 &notes,
+                 &readingGrid,
+                 unpostButton,
+                 okButton,
+                 cancelButton});
 }
 
 }  // namespace dw

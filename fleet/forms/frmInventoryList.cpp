@@ -51,13 +51,13 @@ frmInventoryList::frmInventoryList()
                             {"Date Created"},
                             {"Updated By"},
                             {"Last Updated"}}}) {
-  chkInService.setObjectName("chkInService");
-  AddAbove(chkInService);
-  ui::OnClick(chkInService, [this] { RefreshList(); });
+  inServiceOnly.setObjectName("chkInService");
+  AddAbove(inServiceOnly);
+  ui::OnClick(inServiceOnly, [this] { RefreshList(); });
 }
 
 std::string frmInventoryList::Query() const {
-  if (!chkInService.isChecked()) return ListForm::Query();
+  if (!inServiceOnly.isChecked()) return ListForm::Query();
   return kAssets + " WHERE No_Longer_In_Service = False" + kByCode;
 }
 

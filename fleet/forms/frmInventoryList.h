@@ -14,7 +14,7 @@ class frmInventoryList : public ListForm {
   /// Removes the asset with the records that belong to it.
   void DeleteItem() override;
 
-  QCheckBox chkInService{"In Service Only"};
+  QCheckBox inServiceOnly{"In Service Only"};
 
  protected:
   void OpenDetail(bool add, std::int32_t id) override;

@@ -89,48 +89,49 @@ frmInventoryMaint::frmInventoryMaint()
                   .table = "Vehicles",
                   .recordWords = "Inventory #",
                   .lockField = "Description"}),
-      cmdRename(Button("cmdRename", "&Rename")),
-      cmdPicture{Button("cmdPicture(0)", "&View Photo"), Button("cmdPicture(1)", "&Add Photo")},
-      cmdUnpost(Button("cmdUnpost", "Un&post")),
-      cmdDue(Button("cmdDue", "ReCalc")),
-      chkNonFuelOnly("Non-Fuel Only"),
-      cmdPrint(Button("cmdPrint", "&Print")),
-      adoDivisions_(*this, "adoDivisions"),
-      adoClasses_(*this, "adoClasses"),
-      adoFuelTypes_(*this, "adoFuelTypes"),
-      adoMaintenance_(*this, "adoMaintenance"),
-      adoSchedule_(*this, "adoSchedule"),
-      adoOdometers_(*this, "adoOdometers") {
+      renameButton(Button("cmdRename", "&Rename")),
+      pictureButtons{Button("cmdPicture(0)", "&View Photo"), Button("cmdPicture(1)", "&Add Photo")},
+      unpostButton(Button("cmdUnpost", "Un&post")),
+      dueButton(Button("cmdDue", "ReCalc")),
+      nonFuelOnly("Non-Fuel Only"),
+      printButton(Button("cmdPrint", "&Print")),
+      divisionRows_(*this, "adoDivisions"),
+      classRows_(*this, "adoClasses"),
+      fuelTypeRows_(*this, "adoFuelTypes"),
+      transactionRows_(*this, "adoMaintenance"),
+      scheduleRows_(*this, "adoSchedule"),
+      readingRows_(*this, "adoOdometers") {
   pages.setObjectName("SSIndexTab1");
-  chkNonFuelOnly.setObjectName("chkNonFuelOnly");
+  nonFuelOnly.setObjectName("chkNonFuelOnly");
   BindControls();
   PutTogether();
   SetUpGrids();
 
-  cmdRename->setEnabled(false);
+  renameButton->setEnabled(false);
   // It unposts all transactions of all assets, so one Tab too many out of a grid must not reach it.
-  cmdUnpost->setFocusPolicy(Qt::ClickFocus);
-  cmdUnpost->setToolTip("Unposts all posted transactions of all assets");
-  cmdUnpost->setAccessibleDescription("Unposts all posted transactions of all assets, not only of this one");
-  cmdUnpost->setEnabled(false);
-  ui::OnClick(*cmdRename, [this] { Rename(); });
-  ui::OnClick(*cmdUnpost, [this] { Unpost(); });
-  ui::OnClick(*cmdPrint, [this] { PrintCosts(); });
-  ui::OnClick(*cmdDue, [this] { RunDue(); });
-  ui::OnClick(chkNonFuelOnly, [this] { RefreshMaintenance(); });
-  ui::OnClick(*cmdPicture[0], [this] { OpenAssetPicture(DataID); });
-  ui::OnClick(*cmdPicture[1], [this] { OpenGetPicture(*this, *this); });
+  unpostButton->setFocusPolicy(Qt::ClickFocus);
+  unpostButton->setToolTip("Unposts all posted transactions of all assets");
+  unpostButton->setAccessibleDescription(
+      "Unposts all posted transactions of all assets, not only of this one");
+  unpostButton->setEnabled(false);
+  ui::OnClick(*renameButton, [this] { Rename(); });
+  ui::OnClick(*unpostButton, [this] { Unpost(); });
+  ui::OnClick(*printButton, [this] { PrintCosts(); });
+  ui::OnClick(*dueButton, [this] { RunDue(); });
+  ui::OnClick(nonFuelOnly, [this] { RefreshMaintenance(); });
+  ui::OnClick(*pictureButtons[0], [this] { OpenAssetPicture(DataID); });
+  ui::OnClick(*pictureButtons[1], [this] { OpenGetPicture(*this, *this); });
 
   for (const DateColumn& date : kDates) CheckDateOnLeaving(this->*date.box);
-  txtDueBy.onLeave = [this] {
-    if (CancelPressed() || comingBack_ || ValidDate(txtDueBy.Text(), false)) return true;
-    ComeBackTo(txtDueBy);
+  dueBy.onLeave = [this] {
+    if (CancelPressed() || comingBack_ || ValidDate(dueBy.Text(), false)) return true;
+    ComeBackTo(dueBy);
     return false;
   };
-  txtUsage.onLeave = [this] {
-    if (CancelPressed() || comingBack_ || rt::IsNumeric(txtUsage.Text())) return true;
+  dueUsage.onLeave = [this] {
+    if (CancelPressed() || comingBack_ || rt::IsNumeric(dueUsage.Text())) return true;
     screen::MessageBox("Usage must be a valid number.", screen::Icon::Information);
-    ComeBackTo(txtUsage);
+    ComeBackTo(dueUsage);
     return false;
   };
   modelYear.SelectOnEntry();
@@ -160,23 +161,23 @@ void frmInventoryMaint::OnLoad() {
     const bool hidden = parameters && !parameters->AtEnd() &&
                         (parameters->Get("Internal_Fuel_Available").IsNull() ||
                          !parameters->Get("Internal_Fuel_Available").AsBoolean());
-    for (const int column : {3, 4}) grdMaintenance.ShowColumn(column, !hidden);
+    for (const int column : {3, 4}) transactionGrid.ShowColumn(column, !hidden);
     CloseObject(parameters);
   }
   const auto bind = [](ui::Adodc& control, const char* query) {
     BindToMainFile(control, query);
     control.Refresh();
   };
-  bind(adoFuelTypes_, "SELECT ID, Description FROM [Fuel Types] WHERE ID = -1");
-  bind(adoClasses_, "SELECT [Class ID], Description FROM [Inventory Classes] WHERE ID = -1");
-  bind(adoDivisions_, "SELECT [Division ID], Description FROM Divisions WHERE ID = -1");
+  bind(fuelTypeRows_, "SELECT ID, Description FROM [Fuel Types] WHERE ID = -1");
+  bind(classRows_, "SELECT [Class ID], Description FROM [Inventory Classes] WHERE ID = -1");
+  bind(divisionRows_, "SELECT [Division ID], Description FROM Divisions WHERE ID = -1");
   RecordForm::OnLoad();
-  bind(adoOdometers_, "SELECT * FROM [Odometer Entries] WHERE ID = -1");
-  bind(adoSchedule_,
+  bind(readingRows_, "SELECT * FROM [Odometer Entries] WHERE ID = -1");
+  bind(scheduleRows_,
        "SELECT * FROM [Maintenance Schedule] LEFT JOIN [Maintenance Types] ON [Maintenance Schedule].[Type "
        "ID] = "
        "[Maintenance Types].ID WHERE [Maintenance Schedule].ID = -1");
-  bind(adoMaintenance_, "SELECT * FROM [Maintenance Transactions] WHERE [ID] = -1");
+  bind(transactionRows_, "SELECT * FROM [Maintenance Transactions] WHERE [ID] = -1");
   for (Child& child : children_) child.grid->SetDataSource(*child.data);
 }
 
@@ -186,10 +187,10 @@ void frmInventoryMaint::FillCombos() {
     rows.Refresh();
     combo.Fill(rows.Recordset().get());
   };
-  fill(fuelType, adoFuelTypes_, "SELECT ID, Description FROM [Fuel Types] ORDER BY Description");
-  fill(assetClass, adoClasses_,
+  fill(fuelType, fuelTypeRows_, "SELECT ID, Description FROM [Fuel Types] ORDER BY Description");
+  fill(assetClass, classRows_,
        "SELECT [Class ID], Description FROM [Inventory Classes] ORDER BY Description");
-  fill(division, adoDivisions_, "SELECT [Division ID], Description FROM Divisions ORDER BY Description");
+  fill(division, divisionRows_, "SELECT [Division ID], Description FROM Divisions ORDER BY Description");
 }
 
 std::string frmInventoryMaint::CodeForQuery() {
@@ -199,39 +200,39 @@ std::string frmInventoryMaint::CodeForQuery() {
 
 void frmInventoryMaint::OpenLists() {
   for (Child& child : children_)
-    if (!child.armed && child.grid->Row() > 0)
-      ui::AdoRefreshGrid(*child.grid, *child.data, child.armed, child.topRow);
+    if (!child.place.armed && child.grid->Row() > 0)
+      ui::AdoRefreshGrid(*child.grid, *child.data, child.place);
   justRead_ = true;
   FillCombos();
   const std::string code = CodeForQuery();
-  adoOdometers_.RecordSource =
+  readingRows_.RecordSource =
       "SELECT * FROM [Odometer Entries] WHERE [Asset ID] = '" + code + "' ORDER BY [Mileage] DESC";
-  adoOdometers_.Refresh();
+  readingRows_.Refresh();
   RefreshMaintenance();
-  adoSchedule_.RecordSource =
+  scheduleRows_.RecordSource =
       "SELECT * FROM [Maintenance Schedule] LEFT JOIN [Maintenance Types] ON [Maintenance Schedule].[Type "
       "ID] = "
       "[Maintenance Types].[ID] WHERE [Asset ID] = '" +
       code + "'";
-  adoSchedule_.Refresh();
+  scheduleRows_.Refresh();
 }
 
 void frmInventoryMaint::RefreshMaintenance() {
-  adoMaintenance_.RecordSource =
+  transactionRows_.RecordSource =
       "SELECT * FROM [Maintenance Transactions] WHERE [Asset ID] = '" + CodeForQuery() +
-      (chkNonFuelOnly.isChecked() ? "' AND ([Internal Fuel Cost] + 0) = 0 AND ([Outside Fuel Cost] + 0) = 0 "
-                                    "ORDER BY [Transaction Date] DESC"
-                                  : "' ORDER BY [Transaction Date] DESC");
-  adoMaintenance_.Refresh();
+      (nonFuelOnly.isChecked() ? "' AND ([Internal Fuel Cost] + 0) = 0 AND ([Outside Fuel Cost] + 0) = 0 "
+                                 "ORDER BY [Transaction Date] DESC"
+                               : "' ORDER BY [Transaction Date] DESC");
+  transactionRows_.Refresh();
 }
 
 void frmInventoryMaint::RecordLoaded() {
   if (!AddMode) {
     assetCode.setEnabled(false);
-    cmdRename->setEnabled(!ReadOnly());
+    renameButton->setEnabled(!ReadOnly());
   }
   // The due text can be read and scrolled in any window.
-  txtDue.setEnabled(true);
+  due.setEnabled(true);
   for (const DateColumn& date : kDates) (this->*date.box).ShowValue(Stored(date.column));
   const rt::Value code = Stored("Asset ID");
   setWindowTitle(QString::fromStdString(code.IsNull() ? "Detail for New Asset"
@@ -248,31 +249,31 @@ void frmInventoryMaint::RecordLoaded() {
 }
 
 void frmInventoryMaint::CheckPosted() {
-  if (!adoMaintenance_.HasRows()) return;
-  const bool posted = ui::FirstRowWhere(adoMaintenance_, "[When Posted] IS NOT NULL").has_value();
-  cmdUnpost->setEnabled(posted);
+  if (!transactionRows_.HasRows()) return;
+  const bool posted = ui::FirstRowWhere(transactionRows_, "[When Posted] IS NOT NULL").has_value();
+  unpostButton->setEnabled(posted);
   // Posted costs are counted under the fuel type that the asset has now, so it must not change.
   fuelType.setEnabled(!posted && !ReadOnly());
 }
 
 void frmInventoryMaint::ProposeDue() {
-  txtUsage.SetText(DefaultExtraUsage(assetCode.Text()));
-  txtDueBy.SetText(DefaultDueBy());
-  txtUsage.repaint();
-  txtDueBy.repaint();
+  dueUsage.SetText(DefaultExtraUsage(assetCode.Text()));
+  dueBy.SetText(DefaultDueBy());
+  dueUsage.repaint();
+  dueBy.repaint();
 }
 
 void frmInventoryMaint::RunDue() {
   const Busy busy(*this);
-  txtDue.SetText("");
-  const auto dueBy = rt::ParseDate(txtDueBy.Text());
-  const auto usage = rt::ParseNumber(txtUsage.Text());
-  if (!dueBy)
+  due.SetText("");
+  const auto until = rt::ParseDate(dueBy.Text());
+  const auto usage = rt::ParseNumber(dueUsage.Text());
+  if (!until)
     screen::MessageBox("That is not a valid date. Please try again.", screen::Icon::Exclamation);
   else if (!usage)
     screen::MessageBox("Usage must be a valid number.", screen::Icon::Information);
   else
-    txtDue.SetText(CalculateDue(assetCode.Text(), *dueBy, static_cast<float>(*usage)));
+    due.SetText(CalculateDue(assetCode.Text(), *until, static_cast<float>(*usage)));
 }
 
 bool frmInventoryMaint::Refreshed() {
@@ -290,7 +291,7 @@ bool frmInventoryMaint::Refreshed() {
   const int page = pages.currentIndex();
   const bool justRead = std::exchange(justRead_, false);
   for (Child& child : children_)
-    if (child.armed || !justRead) RefreshChild(child);
+    if (child.place.armed || !justRead) RefreshChild(child);
   pages.setCurrentIndex(page);
   ShowPictureButtons();
   RestoreFocus();
@@ -310,9 +311,9 @@ bool frmInventoryMaint::TakePhoto() {
 
 void frmInventoryMaint::ShowPictureButtons() {
   const bool picture = photograph.HasPicture();
-  cmdPicture[1]->setText(picture ? "&Update Photo" : "&Add Photo");
-  cmdPicture[1]->setEnabled(!ReadOnly());
-  cmdPicture[0]->setEnabled(picture);
+  pictureButtons[1]->setText(picture ? "&Update Photo" : "&Add Photo");
+  pictureButtons[1]->setEnabled(!ReadOnly());
+  pictureButtons[0]->setEnabled(picture);
 }
 
 void frmInventoryMaint::RestoreFocus() {

@@ -47,21 +47,22 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   ui::TextBox purchaseDate{"Text16"};     ///< `Purchase Date`
   ui::TextBox replacementDate{"Text17"};  ///< `Replacement Date`
   ui::PictureBox photograph{"imgAsset"};
-  QPushButton* cmdRename;
-  std::array<QPushButton*, 2> cmdPicture;  ///< "cmdPicture(0)" shows the picture, "cmdPicture(1)" gets one
-  QPushButton* cmdUnpost;
+  QPushButton* renameButton;
+  std::array<QPushButton*, 2>
+      pictureButtons;  ///< "cmdPicture(0)" shows the picture, "cmdPicture(1)" gets one
+  QPushButton* unpostButton;
 
   QTabWidget pages;
-  ui::NotesBox txtDue{"txtDue"};
-  ui::TextBox txtDueBy{"txtDueBy"};
-  ui::TextBox txtUsage{"txtUsage"};
-  QPushButton* cmdDue;
-  ui::DataGrid grdMaintenance{"grdMaintenance"};
-  QCheckBox chkNonFuelOnly;
-  QPushButton* cmdPrint;
-  ui::DataGrid grdSchedule{"grdSchedule"};
+  ui::NotesBox due{"txtDue"};
+  ui::TextBox dueBy{"txtDueBy"};
+  ui::TextBox dueUsage{"txtUsage"};
+  QPushButton* dueButton;
+  ui::DataGrid transactionGrid{"grdMaintenance"};
+  QCheckBox nonFuelOnly;
+  QPushButton* printButton;
+  ui::DataGrid scheduleGrid{"grdSchedule"};
   ui::NotesBox notes{"Text8"};
-  ui::DataGrid grdOdometer{"OdometerGrid"};
+  ui::DataGrid readingGrid{"OdometerGrid"};
 
  protected:
   void OnLoad() override;
@@ -76,8 +77,7 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   struct Child {
     ui::DataGrid* grid = nullptr;
     ui::Adodc* data = nullptr;
-    long topRow = 0;
-    bool armed = false;  ///< `topRow` is the row to go back to
+    ui::GridPlace place = {};
     std::int32_t currentRow = 0;
   };
 
@@ -117,12 +117,12 @@ class frmInventoryMaint : public RecordForm, public PictureCaller {
   /// The rule of a date field: if its text is not a date, it gets the focus back.
   void CheckDateOnLeaving(ui::TextBox& field);
 
-  ui::Adodc adoDivisions_;
-  ui::Adodc adoClasses_;
-  ui::Adodc adoFuelTypes_;
-  ui::Adodc adoMaintenance_;
-  ui::Adodc adoSchedule_;
-  ui::Adodc adoOdometers_;
+  ui::Adodc divisionRows_;
+  ui::Adodc classRows_;
+  ui::Adodc fuelTypeRows_;
+  ui::Adodc transactionRows_;
+  ui::Adodc scheduleRows_;
+  ui::Adodc readingRows_;
   std::vector<Child> children_;
   bool comingBack_ = false;  ///< the focus is on its way back to a field with a bad text
   bool justRead_ = false;    ///< the grids show the record that was just read

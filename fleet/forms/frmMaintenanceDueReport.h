@@ -14,10 +14,10 @@ class frmMaintenanceDueReport : public ui::Form {
   static constexpr const char* kName = "frmMaintenanceDueReport";
   frmMaintenanceDueReport();
 
-  ui::TextBox Text1{"Text1"};  ///< due by this date
-  ui::MaskEdBox txtUsage{"txtUsage"};
-  QPushButton* cmdProceed;
-  QPushButton* cmdCancel;
+  ui::TextBox dueBy{"Text1"};  ///< due by this date
+  ui::MaskEdBox usage{"txtUsage"};
+  QPushButton* proceedButton;
+  QPushButton* cancelButton;
 
  protected:
   void OnLoad() override;

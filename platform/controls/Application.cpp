@@ -50,14 +50,14 @@ namespace {
 
 /// People still have to read disabled fields: most styles make their text too pale for that.
 void DarkenDisabledText() {
-  QPalette colours = QApplication::palette();
-  const QColor text = colours.color(QPalette::Active, QPalette::Text);
-  const QColor ground = colours.color(QPalette::Active, QPalette::Window);
+  QPalette colors = QApplication::palette();
+  const QColor text = colors.color(QPalette::Active, QPalette::Text);
+  const QColor ground = colors.color(QPalette::Active, QPalette::Window);
   const auto between = [](int a, int b) { return (a * 13 + b * 7) / 20; };
-  colours.setColor(QPalette::Disabled, QPalette::Text,
-                   QColor(between(text.red(), ground.red()), between(text.green(), ground.green()),
-                          between(text.blue(), ground.blue())));
-  QApplication::setPalette(colours);
+  colors.setColor(QPalette::Disabled, QPalette::Text,
+                  QColor(between(text.red(), ground.red()), between(text.green(), ground.green()),
+                         between(text.blue(), ground.blue())));
+  QApplication::setPalette(colors);
 }
 
 bool ChangesByWheel(const QWidget* widget) {

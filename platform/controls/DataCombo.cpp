@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/controls/Application.h"
+#include "platform/controls/Layout.h"
 #include "platform/controls/LeaveRule.h"
 #include "platform/runtime/Text.h"
 
@@ -50,11 +51,16 @@ DataCombo::DataCombo(const char* name, std::string listField, std::string boundC
   setMinimumContentsLength(24);
   setMaxVisibleItems(16);
   // People still have to read a disabled choice, like the text of any other field.
-  QPalette colours = palette();
-  colours.setColor(QPalette::Disabled, QPalette::ButtonText,
-                   colours.color(QPalette::Disabled, QPalette::Text));
-  setPalette(colours);
+  QPalette colors = palette();
+  colors.setColor(QPalette::Disabled, QPalette::ButtonText, colors.color(QPalette::Disabled, QPalette::Text));
+  setPalette(colors);
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) { Picked(index); });
+}
+
+QSize DataCombo::sizeHint() const { return {QComboBox::sizeHint().width(), FieldHeight(*this)}; }
+
+QSize DataCombo::minimumSizeHint() const {
+  return {QComboBox::minimumSizeHint().width(), FieldHeight(*this)};
 }
 
 template <class Rows>

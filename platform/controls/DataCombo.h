@@ -37,6 +37,9 @@ class DataCombo : public QComboBox, public BoundControl {
   rt::Value Content() const override { return value_; }
   void SetUnchanged() override { changed_ = false; }
   QWidget* Widget() override { return this; }
+  /// As high as a text field.
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override;
 
  protected:
   void focusOutEvent(QFocusEvent* event) override;

@@ -6,6 +6,8 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QPointer>
+#include <QProxyStyle>
 #include <QScrollBar>
 #include <QStyleOption>
 #include <QToolTip>
@@ -20,6 +22,32 @@ namespace {
 
 constexpr int kSoughtMilliseconds = 1000;
 constexpr int kRowMargin = 6;
+
+/// Keeps headings as far from the lines between the columns as the cells are.
+class HeadingStyle : public QProxyStyle {
+ public:
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    const auto* header = qstyleoption_cast<const QStyleOptionHeaderV2*>(option);
+    if (element != CE_HeaderLabel || !header)
+      return QProxyStyle::drawControl(element, option, painter, widget);
+    const int inCells = pixelMetric(PM_FocusFrameHMargin, option, widget) + 1;
+    const int more = inCells + 1 - pixelMetric(PM_HeaderMargin, option, widget);
+    QStyleOptionHeaderV2 narrower(*header);
+    if (more > 0) narrower.rect.adjust(more, 0, -more, 0);
+    QProxyStyle::drawControl(element, &narrower, painter, widget);
+  }
+};
+
+/// The application owns it, because its style is built on the application's.
+QStyle& Heading() {
+  static QPointer<HeadingStyle> style;
+  if (!style) {
+    style = new HeadingStyle;
+    style->setParent(qApp);
+  }
+  return *style;
+}
 
 }  // namespace
 
@@ -41,6 +69,7 @@ DataGrid::DataGrid(const char* name, QWidget* parent) : QTableView(parent) {
   QFont regular = font();
   regular.setBold(false);
   horizontalHeader()->setFont(regular);
+  horizontalHeader()->setStyle(&Heading());
   verticalHeader()->setFont(regular);
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
@@ -341,24 +370,24 @@ void DataGrid::FitRowHeight() {
   if (verticalHeader()->defaultSectionSize() != height) verticalHeader()->setDefaultSectionSize(height);
 }
 
-void AdoRefreshGrid(DataGrid& grid, Adodc& rows, bool& armed, long& topRow, bool setFocus) {
-  if (!armed) {
-    topRow = grid.Row();
-    armed = true;
+void AdoRefreshGrid(DataGrid& grid, Adodc& rows, GridPlace& place, bool setFocus) {
+  if (!place.armed) {
+    place.topRow = grid.Row();
+    place.armed = true;
   } else {
     const screen::Hourglass pointer;
     grid.setUpdatesEnabled(false);
     rows.Requery();
-    topRow = std::max(0L, topRow);
+    place.topRow = std::max(0L, place.topRow);
     if (rows.HasRows()) {
       const long count = static_cast<long>(rows.RecordCount());
       const long visible = grid.VisibleRows();
-      const long above = topRow - visible / 2;
+      const long above = place.topRow - visible / 2;
       const long lastTop = count - visible + 1;
       grid.SetRow(above < 1 ? 0 : static_cast<int>(std::min(above, lastTop)) - 1,
                   QAbstractItemView::PositionAtTop);
-      topRow = std::min(topRow, count - 1);
-      grid.SetRow(static_cast<int>(topRow));
+      place.topRow = std::min(place.topRow, count - 1);
+      grid.SetRow(static_cast<int>(place.topRow));
     }
     grid.setUpdatesEnabled(true);
   }

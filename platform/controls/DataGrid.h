@@ -127,9 +127,14 @@ class DataGrid : public QTableView {
   QLabel* soughtShown_ = nullptr;
 };
 
+/// Where a grid was before a change.
+struct GridPlace {
+  bool armed = false;  ///< `topRow` is the row to go back to
+  long topRow = 0;
+};
 /// Keeps a grid's place around a change, in two calls. The first one, with `armed` false, stores the row in
 /// `topRow`. The next ones run the query of its data control again and go back to that row, about in the
 /// middle of the visible rows. `armed` stays set.
-void AdoRefreshGrid(DataGrid& grid, Adodc& rows, bool& armed, long& topRow, bool setFocus = false);
+void AdoRefreshGrid(DataGrid& grid, Adodc& rows, GridPlace& place, bool setFocus = false);
 
 }  // namespace ui

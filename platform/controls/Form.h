@@ -33,7 +33,7 @@ class Form : public QWidget {
   /// Ends the form: runs OnUnload, ends its data and removes it from the collection. The object is deleted
   /// later.
   void Unload();
-  bool Minimised() const { return isMinimized(); }
+  bool Minimized() const { return isMinimized(); }
   /// Whether the form can take keys now: it is shown, and it is neither opening nor closing.
   virtual bool TakesKeys() const { return loaded_ && !unloading_ && !activating_ && isVisible(); }
   /// Only the form's own buttons close the window then: it has no close button, and Alt+F4 does nothing.

@@ -4,6 +4,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QStyle>
 #include <algorithm>
@@ -47,6 +48,7 @@ FieldRows::FieldRows() {
 void FieldRows::Row(const std::string& prompt, std::initializer_list<QWidget*> fields) {
   const int row = rowCount();
   addWidget(Prompt(prompt, **fields.begin()), row, 0);
+  setRowMinimumHeight(row, FieldHeight(**fields.begin()));
   // The space that a field of fixed width leaves goes to its right, never to the prompts.
   auto* side = new QHBoxLayout;
   const int share = fields.size() == 1 ? 1 : 0;
@@ -68,6 +70,12 @@ QHBoxLayout* ButtonRow(std::initializer_list<QWidget*> buttons) {
   row->addStretch(1);
   for (QWidget* button : buttons) row->addWidget(button);
   return row;
+}
+
+int FieldHeight(const QWidget& field) {
+  QLineEdit measured;
+  measured.setFont(field.font());
+  return measured.sizeHint().height();
 }
 
 int DateTimeWidth(const QWidget& field) {

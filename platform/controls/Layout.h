@@ -32,6 +32,9 @@ class FieldRows : public QGridLayout {
 QGroupBox* Group(const std::string& title, QLayout* content);
 /// The buttons in the order given, at the right end of a row.
 QHBoxLayout* ButtonRow(std::initializer_list<QWidget*> buttons);
+/// The height of a text field in the font of this field. Combos have it too, and rows of labels, so that the
+/// rows of fields side by side are level.
+int FieldHeight(const QWidget& field);
 /// The width of any date with its time.
 int DateTimeWidth(const QWidget& field);
 /// Gives the field room for so many characters of its font, digits or letters.

@@ -59,9 +59,9 @@ void TextBox::SetDisplayOnly() {
   setReadOnly(true);
   setFocusPolicy(Qt::ClickFocus);
   setFrame(false);
-  QPalette colours = palette();
-  colours.setColor(QPalette::Base, colours.color(QPalette::Window));
-  setPalette(colours);
+  QPalette colors = palette();
+  colors.setColor(QPalette::Base, colors.color(QPalette::Window));
+  setPalette(colors);
 }
 
 void TextBox::ShowValue(const rt::Value& value) {

@@ -31,7 +31,7 @@ void Put(std::string& text, std::uint32_t number) {
 }  // namespace
 
 bool IsKnown(const ScanPass& pass) {
-  const bool bits = pass.bits == 8 || pass.bits == 16 || (pass.bits == 1 && pass.samples == Samples::Grey);
+  const bool bits = pass.bits == 8 || pass.bits == 16 || (pass.bits == 1 && pass.samples == Samples::Gray);
   if (!bits || pass.width < 1) return false;
   const auto samples = static_cast<std::size_t>(pass.width) * SamplesPerPixel(pass);
   return pass.bytesPerRow >= (samples * static_cast<std::size_t>(pass.bits) + 7) / 8;
@@ -46,11 +46,11 @@ void AddRow(const ScanPass& pass, const std::uint8_t* row, int y, ScannedPicture
   std::uint8_t* pixel = &picture.pixels[start];
   for (std::size_t x = 0; x < width; ++x, pixel += 3) {
     switch (pass.samples) {
-      case Samples::Grey:
+      case Samples::Gray:
         pixel[0] = pixel[1] = pixel[2] = Sample(pass, row, x);
         break;
       case Samples::RedGreenBlue:
-        for (std::size_t colour = 0; colour < 3; ++colour) pixel[colour] = Sample(pass, row, 3 * x + colour);
+        for (std::size_t color = 0; color < 3; ++color) pixel[color] = Sample(pass, row, 3 * x + color);
         break;
       case Samples::Red:
         pixel[0] = Sample(pass, row, x);
@@ -96,8 +96,8 @@ void WriteBmp(const std::string& path, const ScannedPicture& picture) {
   for (std::size_t y = height; y-- > 0 && file;) {
     const std::uint8_t* pixel = &picture.pixels[y * width * 3];
     for (std::size_t x = 0; x < std::size_t{width} * 3; x += 3)
-      for (std::size_t colour = 0; colour < 3; ++colour)
-        row[x + colour] = static_cast<char>(pixel[x + 2 - colour]);
+      for (std::size_t color = 0; color < 3; ++color)
+        row[x + color] = static_cast<char>(pixel[x + 2 - color]);
     file << row;
   }
   file.close();

@@ -11,8 +11,8 @@ namespace sys {
 
 /// The rows of one pass of a device.
 struct ScanPass {
-  enum class Samples { Grey, RedGreenBlue, Red, Green, Blue };
-  Samples samples = Samples::Grey;
+  enum class Samples { Gray, RedGreenBlue, Red, Green, Blue };
+  Samples samples = Samples::Gray;
   int bits = 8;  ///< of each sample: 1 (gray only, a set bit is black), 8, or 16 in the machine's byte order
   int width = 0;
   std::size_t bytesPerRow = 0;

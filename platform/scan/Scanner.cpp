@@ -122,9 +122,9 @@ class SaneScanner : public Scanner {
     const int wanted = Size == ScanSize::CreditCard ? 300 : 150;
     for (const int one : setup.resolutions)
       if (std::abs(one - wanted) <= std::abs(setup.resolution - wanted)) setup.resolution = one;
-    const auto colour = std::find_if(setup.modes.begin(), setup.modes.end(),
-                                     [](const std::string& mode) { return Holds(mode, "color"); });
-    if (colour != setup.modes.end()) setup.mode = *colour;
+    const auto color = std::find_if(setup.modes.begin(), setup.modes.end(),
+                                    [](const std::string& mode) { return Holds(mode, "color"); });
+    if (color != setup.modes.end()) setup.mode = *color;
   }
 
   const SaneLibrary* library_ = nullptr;

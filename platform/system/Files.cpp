@@ -211,7 +211,7 @@ int ShellCopy(const std::string& from, const std::string& to) {
   std::error_code error;
   fs::create_directories(FolderOf(to), error);
   if (error) return error.value() == ENOENT ? 3 : ShellCode(error.value());
-  if (FileExists(to) && Confirm() && !Confirm()(to)) return kShellCancelled;
+  if (FileExists(to) && Confirm() && !Confirm()(to)) return kShellCanceled;
   const int failure = CopyWhole(from, to);
   return failure == 0 ? kShellDone : ShellCode(failure);
 }

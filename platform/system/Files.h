@@ -38,7 +38,7 @@ FileResult CopyFile(const std::string& from, const std::string& to);
 
 /// The results of ShellCopy and ShellDelete that callers look at.
 inline constexpr int kShellDone = 0;
-inline constexpr int kShellCancelled = 7;
+inline constexpr int kShellCanceled = 7;
 
 /// Copies a file as a file manager does: creates the folder of the target if there is none, and asks before
 /// it replaces a target. Returns 0 on success, 7 if the user canceled; anything else is a failure code: 2 no

@@ -113,11 +113,9 @@ bool frmSelectMaint::FieldLeft() {
 }
 
 void frmSelectMaint::FormatValue() {
-  std::int16_t type = 0;
-  bool done = false;
-  AdoGetFieldType(DataConnect, Table(), Combo1.Text(), type, done);
-  if (!done) return;
-  const std::string literal = FormatLiteral(Text1.Text(), type);
+  const auto type = AdoGetFieldType(DataConnect, Table(), Combo1.Text());
+  if (!type) return;
+  const std::string literal = FormatLiteral(Text1.Text(), *type);
   if (literal != Text1.Text()) Text1.SetText(literal);
 }
 

@@ -29,21 +29,21 @@ constexpr int kPictureSize = 48;
 BFLogon::BFLogon() : Form("BFLogon") {
   BeginSignOn();
   setWindowTitle("Brackenfel for Windows Logon");
-  Text1.setToolTip("Enter your Brackenfel user name for this application.");
-  Text2.setToolTip("Enter the password that goes with the user name in this application.");
-  Text2.setEchoMode(QLineEdit::Password);
-  Text2.setStyleSheet("QLineEdit { lineedit-password-character: 42 }");
-  WorkstationLabel.setObjectName("WorkstationLabel");
-  WorkstationLabel.setTextFormat(Qt::PlainText);
-  WorkstationLabel.setToolTip("This is the name of the Brackenfel workstation on which you are logging.");
-  OKButton.setObjectName("OKButton");
-  Cancel.setObjectName("Cancel");
+  userName.setToolTip("Enter your Brackenfel user name for this application.");
+  password.setToolTip("Enter the password that goes with the user name in this application.");
+  password.setEchoMode(QLineEdit::Password);
+  password.setStyleSheet("QLineEdit { lineedit-password-character: 42 }");
+  workstation.setObjectName("WorkstationLabel");
+  workstation.setTextFormat(Qt::PlainText);
+  workstation.setToolTip("This is the name of the Brackenfel workstation on which you are logging.");
+  okButton.setObjectName("OKButton");
+  cancelButton.setObjectName("Cancel");
   LayOut();
 
-  ui::OnClick(OKButton, [this] { SignOn(); });
-  ui::OnClick(Cancel, [this] { Unload(); });
-  SetDefault(&OKButton);
-  SetCancel(&Cancel);
+  ui::OnClick(okButton, [this] { SignOn(); });
+  ui::OnClick(cancelButton, [this] { Unload(); });
+  SetDefault(&okButton);
+  SetCancel(&cancelButton);
 }
 
 void BFLogon::LayOut() {
@@ -51,11 +51,11 @@ void BFLogon::LayOut() {
   picture->setPixmap(ApplicationIcon().pixmap(QSize(kPictureSize, kPictureSize), devicePixelRatioF()));
 
   auto* fields = new ui::FieldRows;
-  for (ui::TextBox* box : {&Text1, &Text2})
+  for (ui::TextBox* box : {&userName, &password})
     box->setMinimumWidth(fontMetrics().averageCharWidth() * (ui::kTextWidth - 8));
-  fields->Row("User Name:", {&Text1});
-  fields->Row("Password:", {&Text2});
-  fields->Row("Workstation:", {&WorkstationLabel});
+  fields->Row("User Name:", {&userName});
+  fields->Row("Password:", {&password});
+  fields->Row("Workstation:", {&workstation});
   fields->setVerticalSpacing(8);
 
   auto* row = new QHBoxLayout;
@@ -67,12 +67,12 @@ void BFLogon::LayOut() {
   all->addLayout(row);
   all->addSpacing(12);
   all->addStretch(1);
-  all->addLayout(ui::ButtonRow({&OKButton, &Cancel}));
-  ui::TabOrder({&Text1, &Text2, &OKButton, &Cancel});
+  all->addLayout(ui::ButtonRow({&okButton, &cancelButton}));
+  ui::TabOrder({&userName, &password, &okButton, &cancelButton});
 }
 
 void BFLogon::EnableControls(bool enable) {
-  for (QWidget* control : std::initializer_list<QWidget*>{&OKButton, &Cancel, &Text1, &Text2})
+  for (QWidget* control : std::initializer_list<QWidget*>{&okButton, &cancelButton, &userName, &password})
     control->setEnabled(enable);
 }
 
@@ -85,59 +85,57 @@ void BFLogon::OnActivate() {
   Activated = true;
   const QPointer<BFLogon> alive(this);
   Start();
-  if (alive && Loaded() && WorkstationLabel.text().isEmpty()) Unload();
+  if (alive && Loaded() && workstation.text().isEmpty()) Unload();
 }
 
 void BFLogon::Start() {
   const QPointer<BFLogon> alive(this);
   SetDataSourceKind();
   CleanOldSettings();
-  bool ok = false;
-  LocateData(ok);
+  const bool located = LocateData();
   // All forms may have been closed during the search for the data.
-  if (!ok || !alive || !Loaded()) return;
+  if (!located || !alive || !Loaded()) return;
 
   const bool known = !CurrentUserName.empty() && CurrentUserName != "UnknownUser";
-  if (known) Text1.SetText(CurrentUserName);
-  (known ? Text2 : Text1).setFocus();
-  WorkstationLabel.setText(QString::fromStdString(sys::GetSetting(kFamily, kFamilySection, kWorkstationKey)));
-  if (WorkstationLabel.text().isEmpty()) {
-    AskWorkstationName(ok);
-    if (!ok || !alive || !Loaded()) return;
+  if (known) userName.SetText(CurrentUserName);
+  (known ? password : userName).setFocus();
+  workstation.setText(QString::fromStdString(sys::GetSetting(kFamily, kFamilySection, kWorkstationKey)));
+  if (workstation.text().isEmpty()) {
+    const bool named = AskWorkstationName();
+    if (!named || !alive || !Loaded()) return;
   }
-  WorkstationName = WorkstationLabel.text().toStdString();
+  WorkstationName = workstation.text().toStdString();
   SettleFirstRun();
 }
 
-void BFLogon::AskWorkstationName(bool& ok) {
+bool BFLogon::AskWorkstationName() {
   const QPointer<BFLogon> alive(this);
-  ok = false;
   for (;;) {
     const std::string answer = screen::InputBox(
         "Your workstation does not have a Brackenfel name.\r\rYou must provide it a name and report it to "
         "your\rSystem Administrator before access is allowed.",
         "Brackenfel for Windows Login Setup");
-    if (!alive) return;
+    if (!alive) return false;
     const QString name = QString::fromStdString(answer);
-    WorkstationLabel.setText(name);
-    if (name.isEmpty()) return;
+    workstation.setText(name);
+    if (name.isEmpty()) return false;
     if (name.size() <= kLongestName) break;
     screen::MessageBox("The workstation name should be 20 characters or less. Please re-enter.",
                        screen::Icon::Information);
   }
-  ok = true;
-  KeepSetting(kFamily, kFamilySection, kWorkstationKey, WorkstationLabel.text().toStdString());
+  KeepSetting(kFamily, kFamilySection, kWorkstationKey, workstation.text().toStdString());
+  return true;
 }
 
 void BFLogon::SignOn() {
   const QPointer<BFLogon> alive(this);
   DisableSignOnControls();
-  const SignOnResult result = CheckSignOn(Text1.Text(), Text2.Text());
+  const SignOnResult result = CheckSignOn(userName.Text(), password.Text());
   if (!alive || !Loaded()) return;
   switch (result) {
     case SignOnResult::Passed:
       // Show the name as the table spells it.
-      Text1.SetText(CurrentUserName);
+      userName.SetText(CurrentUserName);
       Unload();
       break;
     case SignOnResult::Refused:
@@ -146,18 +144,18 @@ void BFLogon::SignOn() {
     case SignOnResult::TryAgain:
       ++Attempts;
       // In a retry, typing replaces the old text.
-      Text1.SelectOnEntry();
-      Text2.SelectOnEntry();
+      userName.SelectOnEntry();
+      password.SelectOnEntry();
       EnableSignOnControls();
-      Text1.setFocus();
-      Text1.selectAll();
+      userName.setFocus();
+      userName.selectAll();
       break;
   }
 }
 
 void BFLogon::OnUnload() {
   if (!SignedOn) return;
-  CurrentUserName = Text1.Text();
+  CurrentUserName = userName.Text();
   WriteAccessLogIn();
   if (ClosingAllForms()) return;
   auto& startup = ui::The<Startup>();

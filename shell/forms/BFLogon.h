@@ -13,18 +13,18 @@ class BFLogon : public ui::Form {
  public:
   BFLogon();
 
-  ui::TextBox Text1{"Text1"};
-  ui::TextBox Text2{"Text2"};
-  QLabel WorkstationLabel;
-  QPushButton OKButton{"&OK"};
-  QPushButton Cancel{"Cancel"};
+  ui::TextBox userName{"Text1"};
+  ui::TextBox password{"Text2"};
+  QLabel workstation;
+  QPushButton okButton{"&OK"};
+  QPushButton cancelButton{"Cancel"};
 
   bool Activated = false;  ///< the first activation has begun
   int Attempts = 0;        ///< failed tries
 
-  /// Asks for this machine's name until it has at most 20 characters, and keeps it. Not `ok` if the user
-  /// enters none.
-  void AskWorkstationName(bool& ok);
+  /// Asks for this machine's name until it has at most 20 characters, and keeps it. False if the user enters
+  /// none.
+  bool AskWorkstationName();
   void DisableSignOnControls() { EnableControls(false); }
   void EnableSignOnControls() { EnableControls(true); }
 

@@ -22,62 +22,62 @@ namespace dw {
 
 GetDataPath::GetDataPath() : Form("GetDataPath") {
   setWindowTitle("Get Database Location");
-  Label1.setText(
+  instructions.setText(
       "The database file name will appear below when you have selected a directory in which it exists.");
-  Label3.setText("WARNING:");
-  Label4.setText(
+  warningHeading.setText("WARNING:");
+  warning.setText(
       "This is part of the Setup procedure for your computer. Please contact your System Administrator on "
       "instructions to procede or click Cancel to quit for now.");
-  cmdOK.setText("&OK");
-  cmdCancel.setText("Cancel");
-  cmdLocate.setText("&Locate");
-  cmdCDInstall.setText("&CD Install");
-  Label1.setObjectName("Label1");
-  Label3.setObjectName("Label3");
-  Label4.setObjectName("Label4");
-  cmdOK.setObjectName("cmdOK");
-  cmdCancel.setObjectName("cmdCancel");
-  cmdLocate.setObjectName("cmdLocate");
-  cmdCDInstall.setObjectName("cmdCDInstall");
+  okButton.setText("&OK");
+  cancelButton.setText("Cancel");
+  locateButton.setText("&Locate");
+  installButton.setText("&CD Install");
+  instructions.setObjectName("Label1");
+  warningHeading.setObjectName("Label3");
+  warning.setObjectName("Label4");
+  okButton.setObjectName("cmdOK");
+  cancelButton.setObjectName("cmdCancel");
+  locateButton.setObjectName("cmdLocate");
+  installButton.setObjectName("cmdCDInstall");
   LayOut();
   Connect();
 }
 
 void GetDataPath::LayOut() {
-  for (QLabel* label : {&Label1, &Label4}) {
+  for (QLabel* label : {&instructions, &warning}) {
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
   }
-  QFont bold = Label3.font();
+  QFont bold = warningHeading.font();
   bold.setBold(true);
-  Label3.setFont(bold);
-  Dir1.setAccessibleName("Directories");
-  File1.setAccessibleName("Files");
+  warningHeading.setFont(bold);
+  directories.setAccessibleName("Directories");
+  files.setAccessibleName("Files");
   const int line = fontMetrics().height();
-  for (QWidget* list : std::initializer_list<QWidget*>{&Dir1, &File1}) {
+  for (QWidget* list : std::initializer_list<QWidget*>{&directories, &files}) {
     list->setMinimumWidth(fontMetrics().averageCharWidth() * 34);
     list->setMinimumHeight(line * 12);
   }
 
   auto* drive = new QHBoxLayout;
-  drive->addWidget(ui::Prompt("Select Drive:", Drive1));
-  drive->addWidget(&Drive1, 1);
+  drive->addWidget(ui::Prompt("Select Drive:", drives));
+  drive->addWidget(&drives, 1);
   auto* path = new QHBoxLayout;
-  path->addWidget(ui::Prompt("Data Path:", txtDataPath));
-  path->addWidget(&txtDataPath, 1);
-  auto* warning = new QHBoxLayout;
-  warning->addWidget(&Label3, 0, Qt::AlignTop);
-  warning->addWidget(&Label4, 1);
+  path->addWidget(ui::Prompt("Data Path:", dataPath));
+  path->addWidget(&dataPath, 1);
+  auto* warned = new QHBoxLayout;
+  warned->addWidget(&warningHeading, 0, Qt::AlignTop);
+  warned->addWidget(&warning, 1);
 
-  for (QHBoxLayout* row : {drive, path, warning}) row->setSpacing(10);
+  for (QHBoxLayout* row : {drive, path, warned}) row->setSpacing(10);
 
   auto* grid = new QGridLayout;
   grid->addLayout(drive, 0, 0);
-  grid->addWidget(&Label1, 0, 1, Qt::AlignBottom);
-  grid->addWidget(&Dir1, 1, 0);
-  grid->addWidget(&File1, 1, 1);
+  grid->addWidget(&instructions, 0, 1, Qt::AlignBottom);
+  grid->addWidget(&directories, 1, 0);
+  grid->addWidget(&files, 1, 1);
   grid->addLayout(path, 2, 0, 1, 2);
-  grid->addLayout(warning, 3, 0, 1, 2);
+  grid->addLayout(warned, 3, 0, 1, 2);
   grid->setRowStretch(1, 1);
   grid->setColumnStretch(0, 1);
   grid->setColumnStretch(1, 1);
@@ -87,24 +87,25 @@ void GetDataPath::LayOut() {
   auto* all = new QVBoxLayout(this);
   all->addLayout(grid, 1);
   all->addSpacing(6);
-  all->addLayout(ui::ButtonRow({&cmdLocate, &cmdCDInstall, &cmdOK, &cmdCancel}));
-  ui::TabOrder({&Drive1, &Dir1, &File1, &txtDataPath, &cmdLocate, &cmdCDInstall, &cmdOK, &cmdCancel});
-  SetDefault(&cmdOK);
-  SetCancel(&cmdCancel);
+  all->addLayout(ui::ButtonRow({&locateButton, &installButton, &okButton, &cancelButton}));
+  ui::TabOrder(
+      {&drives, &directories, &files, &dataPath, &locateButton, &installButton, &okButton, &cancelButton});
+  SetDefault(&okButton);
+  SetCancel(&cancelButton);
 }
 
 void GetDataPath::Connect() {
-  Drive1.onChange = [this] { DriveChosen(); };
-  Dir1.onChange = [this] { DirectoryChosen(); };
-  File1.onChange = [this] { ShowChosen(); };
-  txtDataPath.onChange = [this] { EnableButtons(!busy_); };
-  ui::OnClick(cmdOK, [this] { Accept(); });
-  ui::OnClick(cmdCancel, [this] {
-    cancelled_ = true;
+  drives.onChange = [this] { DriveChosen(); };
+  directories.onChange = [this] { DirectoryChosen(); };
+  files.onChange = [this] { ShowChosen(); };
+  dataPath.onChange = [this] { EnableButtons(!busy_); };
+  ui::OnClick(okButton, [this] { Accept(); });
+  ui::OnClick(cancelButton, [this] {
+    canceled_ = true;
     Unload();
   });
-  ui::OnClick(cmdLocate, [this] { Locate(); });
-  ui::OnClick(cmdCDInstall, [this] { InstallFromDisc(); });
+  ui::OnClick(locateButton, [this] { Locate(); });
+  ui::OnClick(installButton, [this] { InstallFromDisc(); });
 }
 
 void GetDataPath::OnLoad() {
@@ -116,12 +117,12 @@ void GetDataPath::OnActivate() {
   if (activated_) return;
   activated_ = true;
   FileName = BareFileName(FileName);
-  File1.SetPattern(FileName);
+  files.SetPattern(FileName);
   const QString name = QString::fromStdString(FileName);
-  Label1.setText("The " + name +
-                 " file name will appear below when you have selected a directory in which it exists.");
+  instructions.setText("The " + name +
+                       " file name will appear below when you have selected a directory in which it exists.");
   setWindowTitle("Get " + name + " Database Location");
-  Drive1.setFocus();
+  drives.setFocus();
 }
 
 void GetDataPath::OnUnload() { stopped_ = true; }
@@ -137,43 +138,43 @@ void GetDataPath::closeEvent(QCloseEvent* event) {
 
 void GetDataPath::DriveChosen() {
   if (following_) return;
-  const std::string drive = Drive1.Drive();
-  if (Dir1.SetPath(drive.empty() ? "/" : drive)) return;
+  const std::string drive = drives.Drive();
+  if (directories.SetPath(drive.empty() ? "/" : drive)) return;
   // The drive is not ready: back to the one that is shown.
   following_ = true;
-  Drive1.SetDrive(Dir1.Path());
+  drives.SetDrive(directories.Path());
   following_ = false;
 }
 
 void GetDataPath::DirectoryChosen() {
   const bool following = std::exchange(following_, true);
-  Drive1.SetDrive(Dir1.Path());
+  drives.SetDrive(directories.Path());
   following_ = following;
-  if (!File1.SetPath(Dir1.Path())) File1.clear();
+  if (!files.SetPath(directories.Path())) files.clear();
   ShowChosen();
 }
 
 void GetDataPath::ShowChosen() {
   found_.clear();
-  txtDataPath.SetText(File1.count() > 0 ? Dir1.Path() : "");
+  dataPath.SetText(files.count() > 0 ? directories.Path() : "");
   EnableButtons(!busy_);
 }
 
 void GetDataPath::EnableButtons(bool enable) {
   busy_ = !enable;
   // OK needs a directory.
-  cmdOK.setEnabled(enable && !txtDataPath.Text().empty());
-  for (QPushButton* button : {&cmdCancel, &cmdLocate, &cmdCDInstall}) button->setEnabled(enable);
+  okButton.setEnabled(enable && !dataPath.Text().empty());
+  for (QPushButton* button : {&cancelButton, &locateButton, &installButton}) button->setEnabled(enable);
 }
 
 void GetDataPath::Accept() {
-  const std::string directory = ui::PlainPath(txtDataPath.Text());
+  const std::string directory = ui::PlainPath(dataPath.Text());
   if (directory != found_) {
     // A typed directory is accepted only if the lists find the file there.
-    if (directory != Dir1.Path() && !Dir1.SetPath(directory)) return;
+    if (directory != directories.Path() && !directories.SetPath(directory)) return;
     ShowChosen();
-    if (txtDataPath.Text().empty()) {
-      Dir1.setFocus();
+    if (dataPath.Text().empty()) {
+      directories.setFocus();
       return;
     }
   }
@@ -187,10 +188,10 @@ void GetDataPath::Locate() {
   search.code = AppID;
   search.stopped = [alive] { return !alive || alive->stopped_; };
   search.use = [this](const std::string& directory) {
-    Drive1.SetDrive(directory);
-    Dir1.SetPath(directory);
+    drives.SetDrive(directory);
+    directories.SetPath(directory);
     found_ = ui::PlainPath(directory);
-    txtDataPath.SetText(found_);
+    dataPath.SetText(found_);
   };
   EnableButtons(false);
   searching_ = true;
@@ -204,18 +205,18 @@ void GetDataPath::Locate() {
   // If there are no drives, the buttons stay disabled: the window can only be closed.
   if (end == SearchEnd::NoDrives) return;
   EnableButtons(true);
-  (cmdOK.isEnabled() ? cmdOK : cmdLocate).setFocus();
+  (okButton.isEnabled() ? okButton : locateButton).setFocus();
 }
 
 void GetDataPath::InstallFromDisc() {
   if (!AskForReleaseDisc()) return;
   EnableButtons(false);
-  const bool installed = InstallFromReleaseDisc(Drive1.Drive(), AppID);
+  const bool installed = InstallFromReleaseDisc(drives.Drive(), AppID);
   EnableButtons(true);
   if (installed)
     Unload();
   else
-    cmdCDInstall.setFocus();
+    installButton.setFocus();
 }
 
 namespace {
@@ -227,7 +228,7 @@ bool AskForDirectory(const std::string& fileName) {
   auto& form = ui::The<GetDataPath>();
   form.FileName = fileName;
   bool cancelled = false;
-  form.AtUnload([&] { cancelled = form.Cancelled(); });
+  form.AtUnload([&] { cancelled = form.Canceled(); });
   form.ShowModal();
   screen::SetPointer(pointer);
   return cancelled;

@@ -25,15 +25,15 @@ class GetDataPath : public ui::Form {
   std::string FileName;  ///< the file to look for; may come with a path
   std::string AppID;     ///< the application code; the program's own if empty
 
-  ui::DriveListBox Drive1{"Drive1", MachineDrives};
-  ui::DirListBox Dir1{"Dir1"};
-  ui::FileListBox File1{"File1", "bfsys.mdb"};
-  ui::TextBox txtDataPath{"txtDataPath"};
-  QLabel Label1, Label3, Label4;
-  QPushButton cmdOK, cmdCancel, cmdLocate, cmdCDInstall;
+  ui::DriveListBox drives{"Drive1", MachineDrives};
+  ui::DirListBox directories{"Dir1"};
+  ui::FileListBox files{"File1", "bfsys.mdb"};
+  ui::TextBox dataPath{"txtDataPath"};
+  QLabel instructions, warningHeading, warning;
+  QPushButton okButton, cancelButton, locateButton, installButton;
 
   /// The user has given up: without the data the program cannot go on.
-  bool Cancelled() const { return cancelled_; }
+  bool Canceled() const { return canceled_; }
 
  protected:
   void OnLoad() override;
@@ -53,7 +53,7 @@ class GetDataPath : public ui::Form {
   void InstallFromDisc();
 
   bool activated_ = false;
-  bool cancelled_ = false;
+  bool canceled_ = false;
   bool following_ = false;  ///< the drive list is being moved to where the directory list is
   bool searching_ = false;
   bool stopped_ = false;  ///< the window is to close as soon as the search has ended

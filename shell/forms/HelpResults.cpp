@@ -25,10 +25,10 @@ class HitDelegate : public QStyledItemDelegate {
 
     const bool chosen = item.state.testFlag(QStyle::State_Selected);
     const bool enabled = item.state.testFlag(QStyle::State_Enabled);
-    const QColor colour = item.palette.color(enabled ? QPalette::Normal : QPalette::Disabled,
-                                             chosen ? QPalette::HighlightedText : QPalette::Text);
+    const QColor color = item.palette.color(enabled ? QPalette::Normal : QPalette::Disabled,
+                                            chosen ? QPalette::HighlightedText : QPalette::Text);
     QTextDocument document;
-    SetUp(document, item.font, index, item.rect.width(), colour);
+    SetUp(document, item.font, index, item.rect.width(), color);
     painter->save();
     painter->translate(item.rect.topLeft());
     document.drawContents(painter);
@@ -45,12 +45,12 @@ class HitDelegate : public QStyledItemDelegate {
 
  private:
   static void SetUp(QTextDocument& document, const QFont& font, const QModelIndex& index, int width,
-                    const QColor& colour) {
+                    const QColor& color) {
     document.setDefaultFont(font);
     document.setDocumentMargin(kMargin);
     document.setTextWidth(width);
     document.setHtml(QString("<div style=\"color:%1\"><b>%2</b><br>%3</div>")
-                         .arg(colour.name(), index.data().toString().toHtmlEscaped(),
+                         .arg(color.name(), index.data().toString().toHtmlEscaped(),
                               index.data(kExcerptRole).toString().toHtmlEscaped()));
   }
 };

@@ -98,78 +98,78 @@ HelpWindow::HelpWindow() {
 QWidget* HelpWindow::LeftSide() {
   auto* side = new QWidget(this);
   auto* label = new QLabel("&Search for:", side);
-  txtSearch = new QLineEdit(side);
-  txtSearch->setObjectName("txtSearch");
-  txtSearch->setPlaceholderText("Words, or the text of a message");
-  txtSearch->setClearButtonEnabled(true);
-  label->setBuddy(txtSearch);
+  searchField = new QLineEdit(side);
+  searchField->setObjectName("txtSearch");
+  searchField->setPlaceholderText("Words, or the text of a message");
+  searchField->setClearButtonEnabled(true);
+  label->setBuddy(searchField);
 
-  treContents = new QTreeWidget(side);
-  treContents->setObjectName("treContents");
-  treContents->setAccessibleName("Contents");
-  treContents->setHeaderHidden(true);
-  lstResults = new HelpResults(side);
-  lstResults->setObjectName("lstResults");
-  lstResults->setAccessibleName("Pages found");
+  contentsTree = new QTreeWidget(side);
+  contentsTree->setObjectName("treContents");
+  contentsTree->setAccessibleName("Contents");
+  contentsTree->setHeaderHidden(true);
+  results = new HelpResults(side);
+  results->setObjectName("lstResults");
+  results->setAccessibleName("Pages found");
   lists_ = new QStackedWidget(side);
-  lists_->addWidget(treContents);
-  lists_->addWidget(lstResults);
+  lists_->addWidget(contentsTree);
+  lists_->addWidget(results);
 
   auto* layout = new QVBoxLayout(side);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(label);
-  layout->addWidget(txtSearch);
+  layout->addWidget(searchField);
   layout->addWidget(lists_, 1);
 
-  connect(txtSearch, &QLineEdit::textChanged, this, [this] { Search(); });
-  connect(txtSearch, &QLineEdit::returnPressed, this, [this] {
-    if (lists_->currentWidget() != lstResults || lstResults->Found() == 0) return;
-    if (lstResults->currentRow() < 0) lstResults->setCurrentRow(0);
+  connect(searchField, &QLineEdit::textChanged, this, [this] { Search(); });
+  connect(searchField, &QLineEdit::returnPressed, this, [this] {
+    if (lists_->currentWidget() != results || results->Found() == 0) return;
+    if (results->currentRow() < 0) results->setCurrentRow(0);
     OpenResult();
   });
-  connect(lstResults, &QListWidget::currentRowChanged, this, [this](int row) {
+  connect(results, &QListWidget::currentRowChanged, this, [this](int row) {
     if (row >= 0) OpenResult();
   });
-  connect(treContents, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+  connect(contentsTree, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
     const QString page = item == nullptr ? QString() : item->data(0, kPageRole).toString();
     if (!selecting_ && !page.isEmpty()) ShowPage(page.toStdString());
   });
-  txtSearch->installEventFilter(this);
+  searchField->installEventFilter(this);
   return side;
 }
 
 QWidget* HelpWindow::RightSide() {
   auto* side = new QWidget(this);
-  cmdBack = PageButton(side, QStyle::SP_ArrowBack, "&Back", "cmdBack", "The page before (Alt+Left)");
-  cmdForward = PageButton(side, QStyle::SP_ArrowForward, "&Forward", "cmdForward",
-                          "The page that you came back from (Alt+Right)");
-  cmdContents = PageButton(side, QStyle::SP_DirHomeIcon, "&Contents", "cmdContents",
-                           "The list of all pages (Alt+Home)");
-  cmdBack->setEnabled(false);
-  cmdForward->setEnabled(false);
+  backButton = PageButton(side, QStyle::SP_ArrowBack, "&Back", "cmdBack", "The page before (Alt+Left)");
+  forwardButton = PageButton(side, QStyle::SP_ArrowForward, "&Forward", "cmdForward",
+                             "The page that you came back from (Alt+Right)");
+  contentsButton = PageButton(side, QStyle::SP_DirHomeIcon, "&Contents", "cmdContents",
+                              "The list of all pages (Alt+Home)");
+  backButton->setEnabled(false);
+  forwardButton->setEnabled(false);
 
-  txtPage = new PageView(side);
-  txtPage->setObjectName("txtPage");
-  txtPage->setAccessibleName("Page");
-  txtPage->document()->setDocumentMargin(kPageMargin);
+  pageView = new PageView(side);
+  pageView->setObjectName("txtPage");
+  pageView->setAccessibleName("Page");
+  pageView->document()->setDocumentMargin(kPageMargin);
 
   auto* buttons = new QHBoxLayout;
-  for (QToolButton* button : {cmdBack, cmdForward, cmdContents}) buttons->addWidget(button);
+  for (QToolButton* button : {backButton, forwardButton, contentsButton}) buttons->addWidget(button);
   buttons->addStretch(1);
   auto* layout = new QVBoxLayout(side);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addLayout(buttons);
-  layout->addWidget(txtPage, 1);
+  layout->addWidget(pageView, 1);
 
-  connect(cmdBack, &QToolButton::clicked, this, [this] { txtPage->backward(); });
-  connect(cmdForward, &QToolButton::clicked, this, [this] { txtPage->forward(); });
-  connect(cmdContents, &QToolButton::clicked, this, [this] {
+  connect(backButton, &QToolButton::clicked, this, [this] { pageView->backward(); });
+  connect(forwardButton, &QToolButton::clicked, this, [this] { pageView->forward(); });
+  connect(contentsButton, &QToolButton::clicked, this, [this] {
     ShowContents();
     ShowPage(kHelpContentsPage);
   });
-  connect(txtPage, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
-  connect(txtPage, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);
-  connect(txtPage, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) { PageShown(url); });
+  connect(pageView, &QTextBrowser::backwardAvailable, backButton, &QWidget::setEnabled);
+  connect(pageView, &QTextBrowser::forwardAvailable, forwardButton, &QWidget::setEnabled);
+  connect(pageView, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) { PageShown(url); });
   return side;
 }
 
@@ -180,53 +180,54 @@ void HelpWindow::AddKeys() {
     connect(action, &QAction::triggered, this, work);
     addAction(action);
   };
-  add({QKeySequence(Qt::ALT | Qt::Key_Left), QKeySequence(Qt::Key_Back)}, [this] { txtPage->backward(); });
-  add({QKeySequence(Qt::ALT | Qt::Key_Right), QKeySequence(Qt::Key_Forward)}, [this] { txtPage->forward(); });
-  add({QKeySequence(Qt::ALT | Qt::Key_Home)}, [this] { cmdContents->click(); });
+  add({QKeySequence(Qt::ALT | Qt::Key_Left), QKeySequence(Qt::Key_Back)}, [this] { pageView->backward(); });
+  add({QKeySequence(Qt::ALT | Qt::Key_Right), QKeySequence(Qt::Key_Forward)},
+      [this] { pageView->forward(); });
+  add({QKeySequence(Qt::ALT | Qt::Key_Home)}, [this] { contentsButton->click(); });
   add({QKeySequence::Find}, [this] { EnterSearch(); });
-  add({QKeySequence::ZoomIn, QKeySequence(Qt::CTRL | Qt::Key_Equal)}, [this] { txtPage->zoomIn(); });
-  add({QKeySequence::ZoomOut}, [this] { txtPage->zoomOut(); });
+  add({QKeySequence::ZoomIn, QKeySequence(Qt::CTRL | Qt::Key_Equal)}, [this] { pageView->zoomIn(); });
+  add({QKeySequence::ZoomOut}, [this] { pageView->zoomOut(); });
 }
 
 void HelpWindow::FillContents() {
   for (const HelpSection& section : HelpContents()) {
-    auto* head = new QTreeWidgetItem(treContents, {QString::fromStdString(section.title)});
+    auto* head = new QTreeWidgetItem(contentsTree, {QString::fromStdString(section.title)});
     head->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
     for (const HelpEntry& entry : section.entries) {
       auto* item = new QTreeWidgetItem(head, {QString::fromStdString(entry.title)});
       item->setData(0, kPageRole, QString::fromStdString(entry.page));
     }
   }
-  treContents->expandAll();
+  contentsTree->expandAll();
 }
 
 void HelpWindow::ShowPage(const std::string& page) {
-  txtPage->setSource(PageUrl(QString::fromStdString(page)));
+  pageView->setSource(PageUrl(QString::fromStdString(page)));
 }
 
 void HelpWindow::ShowContents() {
-  txtSearch->clear();
-  lists_->setCurrentWidget(treContents);
+  searchField->clear();
+  lists_->setCurrentWidget(contentsTree);
 }
 
 void HelpWindow::EnterSearch() {
-  txtSearch->setFocus(Qt::ShortcutFocusReason);
-  txtSearch->selectAll();
+  searchField->setFocus(Qt::ShortcutFocusReason);
+  searchField->selectAll();
 }
 
 void HelpWindow::Search() {
-  const std::string words = txtSearch->text().toStdString();
+  const std::string words = searchField->text().toStdString();
   if (HelpSearchWords(words).empty()) {
-    lists_->setCurrentWidget(treContents);
+    lists_->setCurrentWidget(contentsTree);
     MarkWords();
     return;
   }
-  lstResults->Fill(SearchHelp(words));
-  lists_->setCurrentWidget(lstResults);
+  results->Fill(SearchHelp(words));
+  lists_->setCurrentWidget(results);
 }
 
 void HelpWindow::OpenResult() {
-  const std::string page = lstResults->CurrentPage();
+  const std::string page = results->CurrentPage();
   if (page.empty()) return;
   ShowPage(page);
   MarkWords();
@@ -237,43 +238,43 @@ void HelpWindow::MarkWords() {
   QTextCharFormat format;
   format.setBackground(palette().highlight());
   format.setForeground(palette().highlightedText());
-  const std::vector<std::string> words = HelpSearchWords(txtSearch->text().toStdString());
+  const std::vector<std::string> words = HelpSearchWords(searchField->text().toStdString());
   for (const std::string& word : words) {
     const QString text = QString::fromStdString(word);
-    for (QTextCursor at = txtPage->document()->find(text); !at.isNull();
-         at = txtPage->document()->find(text, at))
+    for (QTextCursor at = pageView->document()->find(text); !at.isNull();
+         at = pageView->document()->find(text, at))
       marks.push_back({at, format});
   }
-  txtPage->setExtraSelections(marks);
+  pageView->setExtraSelections(marks);
   if (marks.isEmpty()) return;
   // Latin-1 has one byte for each character of the page, so that positions are the same.
-  const std::string text = txtPage->document()->toPlainText().toLatin1().toStdString();
-  QTextCursor place(txtPage->document());
+  const std::string text = pageView->document()->toPlainText().toLatin1().toStdString();
+  QTextCursor place(pageView->document());
   place.movePosition(QTextCursor::End);
-  txtPage->setTextCursor(place);
+  pageView->setTextCursor(place);
   place.setPosition(static_cast<int>(BestHelpPlace(text, words)));
-  txtPage->setTextCursor(place);
+  pageView->setTextCursor(place);
   // The cursor comes from the end, so the place is at the top edge. Scrolling back a little shows some text
   // above it.
-  QScrollBar* bar = txtPage->verticalScrollBar();
+  QScrollBar* bar = pageView->verticalScrollBar();
   bar->setValue(bar->value() - 3 * bar->singleStep());
 }
 
 void HelpWindow::PageShown(const QUrl& url) {
-  const QString title = txtPage->documentTitle();
+  const QString title = pageView->documentTitle();
   // The title of the page of contents is that of the whole help.
   const QString whole = "Drovewright Help";
   setWindowTitle(title.isEmpty() || title == whole ? whole : title + " - " + whole);
-  txtPage->setExtraSelections({});
+  pageView->setExtraSelections({});
   SelectInContents(url.fileName());
 }
 
 void HelpWindow::SelectInContents(const QString& page) {
   selecting_ = true;
-  treContents->setCurrentItem(nullptr);
-  for (QTreeWidgetItemIterator it(treContents); *it != nullptr; ++it)
+  contentsTree->setCurrentItem(nullptr);
+  for (QTreeWidgetItemIterator it(contentsTree); *it != nullptr; ++it)
     if ((*it)->data(0, kPageRole).toString().section('#', 0, 0) == page) {
-      treContents->setCurrentItem(*it);
+      contentsTree->setCurrentItem(*it);
       break;
     }
   selecting_ = false;
@@ -313,15 +314,15 @@ bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
     LeaveModal();
     return false;
   }
-  if (watched == txtSearch && event->type() == QEvent::KeyPress) {
+  if (watched == searchField && event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key == Qt::Key_Escape && !txtSearch->text().isEmpty()) {
-      txtSearch->clear();
+    if (key == Qt::Key_Escape && !searchField->text().isEmpty()) {
+      searchField->clear();
       return true;
     }
     if (key == Qt::Key_Down) {
       lists_->currentWidget()->setFocus(Qt::TabFocusReason);
-      if (lists_->currentWidget() == lstResults && lstResults->currentRow() < 0) lstResults->setCurrentRow(0);
+      if (lists_->currentWidget() == results && results->currentRow() < 0) results->setCurrentRow(0);
       return true;
     }
   }
@@ -363,7 +364,7 @@ void ShowHelpContents() {
   window->ShowContents();
   window->ShowPage(kHelpContentsPage);
   window->BringForward();
-  window->treContents->setFocus();
+  window->contentsTree->setFocus();
 }
 
 void ShowHelpSearch() {
@@ -380,7 +381,7 @@ void ShowHelpFor(const std::string& name) {
   window->ShowContents();
   window->ShowPage(page.empty() ? kHelpContentsPage : page);
   window->BringForward();
-  window->txtPage->setFocus();
+  window->pageView->setFocus();
 }
 
 }  // namespace dw

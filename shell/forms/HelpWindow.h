@@ -32,13 +32,13 @@ class HelpWindow : public QWidget {
   /// closes.
   void BringForward();
 
-  QLineEdit* txtSearch = nullptr;
-  QTreeWidget* treContents = nullptr;
-  HelpResults* lstResults = nullptr;
-  QTextBrowser* txtPage = nullptr;
-  QToolButton* cmdBack = nullptr;
-  QToolButton* cmdForward = nullptr;
-  QToolButton* cmdContents = nullptr;
+  QLineEdit* searchField = nullptr;
+  QTreeWidget* contentsTree = nullptr;
+  HelpResults* results = nullptr;
+  QTextBrowser* pageView = nullptr;
+  QToolButton* backButton = nullptr;
+  QToolButton* forwardButton = nullptr;
+  QToolButton* contentsButton = nullptr;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

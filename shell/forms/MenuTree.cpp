@@ -87,7 +87,7 @@ constexpr std::array kTree{
     MenuEntry{2, "DW_Search", "&Search for Help on ...", "", "The help pages, by words"},
     MenuEntry{2, "DW_Fill3", "", "", ""},
     MenuEntry{2, "DW_TechSupport", "&Technical Support", "", "Whom to ask about the program"},
-    MenuEntry{2, "DW_About", "&About", "", "Version, organisation and user"},
+    MenuEntry{2, "DW_About", "&About", "", "Version, organization and user"},
 };
 
 }  // namespace

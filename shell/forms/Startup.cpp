@@ -30,15 +30,15 @@ QFrame* Line() {
 Startup::Startup() : Form("Startup") {
   setWindowTitle("About Drovewright");
   NameLabels();
-  lblPrompt[0].setText("Drovewright");
-  lblPrompt[1].setText("Brackenfel for Windows");
-  lblPrompt[2].setText(supplier::kName);
-  lblPrompt[3].setText(supplier::kAddress);
-  OKButton.setObjectName("OKButton");
+  product[0].setText("Drovewright");
+  product[1].setText("Brackenfel for Windows");
+  product[2].setText(supplier::kName);
+  product[3].setText(supplier::kAddress);
+  okButton.setObjectName("OKButton");
   LayOut();
-  ui::OnClick(OKButton, [this] { Unload(); });
-  SetDefault(&OKButton);
-  SetCancel(&OKButton);
+  ui::OnClick(okButton, [this] { Unload(); });
+  SetDefault(&okButton);
+  SetCancel(&okButton);
   // The window can be closed only by its button, whose checks must run.
   RemoveCloseCommand();
 }
@@ -48,14 +48,14 @@ void Startup::NameLabels() {
     label.setObjectName(objectName);
     label.setTextFormat(Qt::PlainText);
   };
-  name(VersionLabel, "VersionLabel");
-  name(lblCurrentUser, "lblCurrentUser");
-  name(Label12, "Label12");
-  name(lblStatus, "lblStatus");
-  for (std::size_t i = 0; i < lblOrganisation.size(); ++i)
-    name(lblOrganisation[i], "lblOrganisation" + QString::number(i));
-  for (std::size_t i = 0; i < lblPrompt.size(); ++i) name(lblPrompt[i], "lblPrompt" + QString::number(i));
-  for (QLabel* label : {&VersionLabel, &lblCurrentUser, &Label12})
+  name(version, "VersionLabel");
+  name(currentUser, "lblCurrentUser");
+  name(dateInstalled, "Label12");
+  name(status, "lblStatus");
+  for (std::size_t i = 0; i < organization.size(); ++i)
+    name(organization[i], "lblOrganisation" + QString::number(i));
+  for (std::size_t i = 0; i < product.size(); ++i) name(product[i], "lblPrompt" + QString::number(i));
+  for (QLabel* label : {&version, &currentUser, &dateInstalled})
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
 }
 
@@ -65,40 +65,40 @@ void Startup::LayOut() {
   QFont title = font();
   title.setPointSizeF(title.pointSizeF() * 2);
   title.setBold(true);
-  lblPrompt[0].setFont(title);
+  product[0].setFont(title);
   QFont strong = font();
   strong.setBold(true);
-  lblOrganisation[0].setFont(strong);
+  organization[0].setFont(strong);
 
-  auto* product = new QVBoxLayout;
-  product->setSpacing(3);
-  product->addWidget(&lblPrompt[0]);
-  product->addWidget(&lblPrompt[1]);
-  product->addWidget(&VersionLabel);
-  product->addSpacing(8);
-  product->addWidget(&lblPrompt[2]);
-  product->addWidget(&lblPrompt[3]);
-  product->addStretch(1);
+  auto* about = new QVBoxLayout;
+  about->setSpacing(3);
+  about->addWidget(&product[0]);
+  about->addWidget(&product[1]);
+  about->addWidget(&version);
+  about->addSpacing(8);
+  about->addWidget(&product[2]);
+  about->addWidget(&product[3]);
+  about->addStretch(1);
   auto* top = new QHBoxLayout;
   top->setSpacing(20);
   top->addWidget(picture, 0, Qt::AlignTop);
-  top->addLayout(product, 1);
+  top->addLayout(about, 1);
 
   auto* facts = new QGridLayout;
   facts->setHorizontalSpacing(12);
   facts->setVerticalSpacing(5);
   facts->setColumnStretch(1, 1);
   int row = 0;
-  for (QLabel& line : lblOrganisation) facts->addWidget(&line, row++, 0, 1, 2);
+  for (QLabel& line : organization) facts->addWidget(&line, row++, 0, 1, 2);
   facts->setRowMinimumHeight(row++, 6);
-  facts->addWidget(ui::Prompt("Date Installed", Label12), row, 0);
-  facts->addWidget(&Label12, row++, 1);
-  facts->addWidget(ui::Prompt("Current User:", lblCurrentUser), row, 0);
-  facts->addWidget(&lblCurrentUser, row++, 1);
+  facts->addWidget(ui::Prompt("Date Installed", dateInstalled), row, 0);
+  facts->addWidget(&dateInstalled, row++, 1);
+  facts->addWidget(ui::Prompt("Current User:", currentUser), row, 0);
+  facts->addWidget(&currentUser, row++, 1);
 
   auto* bottom = new QHBoxLayout;
-  bottom->addWidget(&lblStatus, 1);
-  bottom->addWidget(&OKButton);
+  bottom->addWidget(&status, 1);
+  bottom->addWidget(&okButton);
 
   auto* all = new QVBoxLayout(this);
   all->setContentsMargins(20, 18, 20, 14);
@@ -119,13 +119,13 @@ void Startup::OnActivate() {
 void Startup::Fill() {
   CompleteMainFile();
   const AboutFacts facts = LoadAboutBox();
-  lblCurrentUser.setText(QString::fromStdString(CurrentUserName));
-  for (std::size_t i = 0; i < lblOrganisation.size(); ++i)
-    lblOrganisation[i].setText(QString::fromStdString(facts.organisation[i]));
-  Label12.setText(QString::fromStdString(facts.dateInstalled));
-  VersionLabel.setText("Version " + QString::fromStdString(AppVersion));
+  currentUser.setText(QString::fromStdString(CurrentUserName));
+  for (std::size_t i = 0; i < organization.size(); ++i)
+    organization[i].setText(QString::fromStdString(facts.organization[i]));
+  dateInstalled.setText(QString::fromStdString(facts.dateInstalled));
+  version.setText("Version " + QString::fromStdString(AppVersion));
   Loaded = true;
-  OKButton.setFocus();
+  okButton.setFocus();
 }
 
 void Startup::OnUnload() {

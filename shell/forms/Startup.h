@@ -16,11 +16,11 @@ class Startup : public ui::Form {
  public:
   Startup();
 
-  QLabel VersionLabel, lblCurrentUser, Label12, lblStatus;
-  std::array<QLabel, 4> lblOrganisation;
+  QLabel version, currentUser, dateInstalled, status;
+  std::array<QLabel, 4> organization;
   /// Title of the product, name of the family, and two lines of the maker.
-  std::array<QLabel, 4> lblPrompt;
-  QPushButton OKButton{"&OK"};
+  std::array<QLabel, 4> product;
+  QPushButton okButton{"&OK"};
 
   bool Loaded = false;      ///< the contents have been filled
   bool Aborted = false;     ///< the start was refused: the main menu is not shown

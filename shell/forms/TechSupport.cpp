@@ -20,12 +20,12 @@ TechSupport::TechSupport() : Form("TechSupport") {
   setWindowTitle("Technical Support");
   auto* picture = new QLabel;
   picture->setPixmap(ApplicationIcon().pixmap(QSize(kPictureSize, kPictureSize), devicePixelRatioF()));
-  lblPrompt.setObjectName("lblPrompt");
-  lblPrompt.setTextFormat(Qt::PlainText);
-  lblPrompt.setText(
+  introduction.setObjectName("lblPrompt");
+  introduction.setTextFormat(Qt::PlainText);
+  introduction.setText(
       "If the help pages do not answer your question, ask your System\n"
       "Administrator first, then your supplier:");
-  OKButton.setObjectName("OKButton");
+  okButton.setObjectName("OKButton");
 
   auto* facts = new QGridLayout;
   facts->setHorizontalSpacing(14);
@@ -49,7 +49,7 @@ TechSupport::TechSupport() : Form("TechSupport") {
 
   auto* column = new QVBoxLayout;
   column->setSpacing(12);
-  column->addWidget(&lblPrompt);
+  column->addWidget(&introduction);
   column->addLayout(facts);
   auto* row = new QHBoxLayout;
   row->setSpacing(18);
@@ -59,13 +59,13 @@ TechSupport::TechSupport() : Form("TechSupport") {
   all->setContentsMargins(18, 16, 18, 14);
   all->addLayout(row, 1);
   all->addSpacing(12);
-  all->addLayout(ui::ButtonRow({&OKButton}));
+  all->addLayout(ui::ButtonRow({&okButton}));
 
-  ui::OnClick(OKButton, [this] { Unload(); });
-  SetDefault(&OKButton);
-  SetCancel(&OKButton);
+  ui::OnClick(okButton, [this] { Unload(); });
+  SetDefault(&okButton);
+  SetCancel(&okButton);
   // The values can be selected with the keyboard, but the button gets the focus first.
-  OKButton.setFocus();
+  okButton.setFocus();
 }
 
 }  // namespace dw

@@ -12,8 +12,8 @@ class TechSupport : public ui::Form {
  public:
   TechSupport();
 
-  QLabel lblPrompt;
-  QPushButton OKButton{"&OK"};
+  QLabel introduction;
+  QPushButton okButton{"&OK"};
 };
 
 }  // namespace dw

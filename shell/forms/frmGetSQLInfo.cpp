@@ -8,90 +8,91 @@ namespace dw {
 
 frmGetSQLInfo::frmGetSQLInfo() : Form("frmGetSQLInfo") {
   setWindowTitle("SQL Server Information");
-  chkTrusted.setText("Use Trusted Connection?");
-  chkTrusted.setObjectName("chkTrusted");
-  TestButton.setText("&Test Connection");
-  TestButton.setObjectName("TestButton");
-  OKButton.setText("&OK");
-  OKButton.setObjectName("OKButton");
-  CancelButton.setText("Cancel");
-  CancelButton.setObjectName("CancelButton");
-  lblPrompts.setText(
+  trusted.setText("Use Trusted Connection?");
+  trusted.setObjectName("chkTrusted");
+  testButton.setText("&Test Connection");
+  testButton.setObjectName("TestButton");
+  okButton.setText("&OK");
+  okButton.setObjectName("OKButton");
+  cancelButton.setText("Cancel");
+  cancelButton.setObjectName("CancelButton");
+  instructions.setText(
       "Enter the SQL Server Name, and the User ID and Password you will use to access the SQL database used "
       "in this application. If you do not know what to enter here, contact your System Administrator for "
       "assistance.");
-  lblPrompts.setObjectName("lblPrompts");
-  Text3.setEchoMode(QLineEdit::Password);
-  Text4.setEchoMode(QLineEdit::Password);
+  instructions.setObjectName("lblPrompts");
+  password.setEchoMode(QLineEdit::Password);
+  confirmedPassword.setEchoMode(QLineEdit::Password);
   LayOut();
 
-  Text2.onLeave = [this] { return Left(); };
-  Text4.onLeave = [this] { return Left(); };
-  ui::OnClick(chkTrusted, [this] { EnableLogin(); });
-  ui::OnClick(TestButton, [this] { TestServerLogin(Login(), SQLDB); });
-  ui::OnClick(OKButton, [this] {
+  userId.onLeave = [this] { return Left(); };
+  confirmedPassword.onLeave = [this] { return Left(); };
+  ui::OnClick(trusted, [this] { EnableLogin(); });
+  ui::OnClick(testButton, [this] { TestServerLogin(Login(), SQLDB); });
+  ui::OnClick(okButton, [this] {
     if (!Validate()) return;
     SaveServerLogin(AppID, Login());
     Unload();
   });
-  ui::OnClick(CancelButton, [this] { Unload(); });
+  ui::OnClick(cancelButton, [this] { Unload(); });
 }
 
 void frmGetSQLInfo::LayOut() {
-  lblPrompts.setTextFormat(Qt::PlainText);
-  lblPrompts.setWordWrap(true);
-  for (ui::TextBox* field : {&Text1, &Text2, &Text3, &Text4}) {
+  instructions.setTextFormat(Qt::PlainText);
+  instructions.setWordWrap(true);
+  for (ui::TextBox* field : {&server, &userId, &password, &confirmedPassword}) {
     ui::SetWidth(*field, ui::kTextWidth);
     field->SelectOnEntry();
   }
   auto* rows = new ui::FieldRows;
-  rows->Row("SQL Server Name", {&Text1});
-  rows->addWidget(&chkTrusted, rows->rowCount(), 1);
-  rows->Row("User ID", {&Text2});
-  rows->Row("Password", {&Text3});
-  rows->Row("Confirm Password", {&Text4});
+  rows->Row("SQL Server Name", {&server});
+  rows->addWidget(&trusted, rows->rowCount(), 1);
+  rows->Row("User ID", {&userId});
+  rows->Row("Password", {&password});
+  rows->Row("Confirm Password", {&confirmedPassword});
 
   auto* all = new QVBoxLayout(this);
-  all->addWidget(&lblPrompts);
+  all->addWidget(&instructions);
   all->addSpacing(6);
   all->addLayout(rows);
   all->addStretch(1);
   all->addSpacing(6);
-  all->addLayout(ui::ButtonRow({&TestButton, &OKButton, &CancelButton}));
-  ui::TabOrder({&Text1, &chkTrusted, &Text2, &Text3, &Text4, &TestButton, &OKButton, &CancelButton});
-  SetDefault(&OKButton);
-  SetCancel(&CancelButton);
+  all->addLayout(ui::ButtonRow({&testButton, &okButton, &cancelButton}));
+  ui::TabOrder(
+      {&server, &trusted, &userId, &password, &confirmedPassword, &testButton, &okButton, &cancelButton});
+  SetDefault(&okButton);
+  SetCancel(&cancelButton);
 }
 
 void frmGetSQLInfo::OnActivate() {
   if (activated_) return;
   activated_ = true;
   const ServerLogin login = ReadServerLogin(AppID);
-  Text1.SetText(login.server);
-  chkTrusted.setChecked(login.trusted);
-  Text2.SetText(login.userId);
-  Text3.SetText(login.password);
-  Text4.SetText(login.confirmed);
+  server.SetText(login.server);
+  trusted.setChecked(login.trusted);
+  userId.SetText(login.userId);
+  password.SetText(login.password);
+  confirmedPassword.SetText(login.confirmed);
   EnableLogin();
-  Text1.setFocus();
+  server.setFocus();
 }
 
 ServerLogin frmGetSQLInfo::Login() const {
-  return {Text1.Text(), chkTrusted.isChecked(), Text2.Text(), Text3.Text(), Text4.Text()};
+  return {server.Text(), trusted.isChecked(), userId.Text(), password.Text(), confirmedPassword.Text()};
 }
 
 void frmGetSQLInfo::EnableLogin() {
-  for (ui::TextBox* field : {&Text2, &Text3, &Text4}) field->setEnabled(!chkTrusted.isChecked());
+  for (ui::TextBox* field : {&userId, &password, &confirmedPassword}) field->setEnabled(!trusted.isChecked());
 }
 
 bool frmGetSQLInfo::Validate() {
   ui::TextBox* faulty = nullptr;
   switch (CheckServerLogin(Login())) {
     case LoginFault::UserId:
-      faulty = &Text2;
+      faulty = &userId;
       break;
     case LoginFault::Password:
-      faulty = &Text3;
+      faulty = &password;
       break;
     case LoginFault::None:
       return true;

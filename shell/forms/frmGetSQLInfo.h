@@ -19,13 +19,13 @@ class frmGetSQLInfo : public ui::Form {
   std::string AppID;  ///< the application code of the settings
   std::string SQLDB;  ///< the database that the test opens
 
-  ui::TextBox Text1{"Text1"};  ///< the server
-  QCheckBox chkTrusted;
-  ui::TextBox Text2{"Text2"};  ///< the user
-  ui::TextBox Text3{"Text3"};  ///< the password
-  ui::TextBox Text4{"Text4"};  ///< the password again
-  QPushButton TestButton, OKButton, CancelButton;
-  QLabel lblPrompts;
+  ui::TextBox server{"Text1"};  ///< the server
+  QCheckBox trusted;
+  ui::TextBox userId{"Text2"};             ///< the user
+  ui::TextBox password{"Text3"};           ///< the password
+  ui::TextBox confirmedPassword{"Text4"};  ///< the password again
+  QPushButton testButton, okButton, cancelButton;
+  QLabel instructions;
 
  protected:
   void OnActivate() override;

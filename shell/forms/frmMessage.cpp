@@ -17,25 +17,25 @@ constexpr int kPictureSize = 48;
 }  // namespace
 
 frmMessage::frmMessage() : Form("frmMessage") {
-  Image1.setObjectName("Image1");
-  Image1.setPixmap(ApplicationIcon().pixmap(QSize(kPictureSize, kPictureSize), devicePixelRatioF()));
-  lblMessage.setObjectName("lblMessage");
-  lblMessage.setTextFormat(Qt::PlainText);
-  lblMessage.setWordWrap(true);
-  lblMessage.setMinimumWidth(fontMetrics().averageCharWidth() * 50);
-  lblMessage.setMinimumHeight(fontMetrics().height() * 3);
-  stsBar.setObjectName("stsBar");
-  stsBar.setSizeGripEnabled(false);
+  picture.setObjectName("Image1");
+  picture.setPixmap(ApplicationIcon().pixmap(QSize(kPictureSize, kPictureSize), devicePixelRatioF()));
+  message.setObjectName("lblMessage");
+  message.setTextFormat(Qt::PlainText);
+  message.setWordWrap(true);
+  message.setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+  message.setMinimumHeight(fontMetrics().height() * 3);
+  statusBar.setObjectName("stsBar");
+  statusBar.setSizeGripEnabled(false);
 
   auto* row = new QHBoxLayout;
   row->setContentsMargins(16, 14, 16, 10);
   row->setSpacing(16);
-  row->addWidget(&Image1, 0, Qt::AlignTop);
-  row->addWidget(&lblMessage, 1);
+  row->addWidget(&picture, 0, Qt::AlignTop);
+  row->addWidget(&message, 1);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->addLayout(row, 1);
-  column->addWidget(&stsBar);
+  column->addWidget(&statusBar);
   // The notice closes by itself when the step is done.
   RemoveCloseCommand();
 }
@@ -55,7 +55,7 @@ void frmMessage::Refresh() {
 void ShowMessageForm(const std::string& title, const std::string& text) {
   auto& form = ui::The<frmMessage>();
   form.setWindowTitle(QString::fromStdString(title));
-  form.lblMessage.setText(QString::fromStdString(text));
+  form.message.setText(QString::fromStdString(text));
   form.ShowForm();
   form.Refresh();
 }

@@ -13,9 +13,9 @@ class frmMessage : public ui::Form {
  public:
   frmMessage();
 
-  QLabel Image1;
-  QLabel lblMessage;
-  QStatusBar stsBar;
+  QLabel picture;
+  QLabel message;
+  QStatusBar statusBar;
 
   /// Draws the window now, because the program will be busy next.
   void Refresh();

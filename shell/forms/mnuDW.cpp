@@ -48,13 +48,13 @@ mnuDW::mnuDW() : Form("mnuDW"), menuStyle_(new MenuStyle), picture_(new MenuPict
   setWindowTitle("Drovewright");
   menuBar.setObjectName("menuBar");
   menuBar.setNativeMenuBar(false);
-  stsBar.setObjectName("stsBar");
+  statusBar.setObjectName("stsBar");
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   column->setMenuBar(&menuBar);
   column->addWidget(picture_, 1);
-  column->addWidget(&stsBar);
+  column->addWidget(&statusBar);
   BuildMenu();
   // At its smallest the window still shows the whole menu.
   resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 26);
@@ -87,8 +87,8 @@ QMenu* mnuDW::AddMenu(QMenu* parent, const MenuEntry& entry) {
   menu->setStyle(menuStyle_.get());
   menu->menuAction()->setObjectName(entry.name);
   menu->menuAction()->setStatusTip(entry.tip);
-  connect(menu, &QMenu::hovered, this, [this](QAction* item) { stsBar.showMessage(item->statusTip()); });
-  connect(menu, &QMenu::aboutToHide, this, [this] { stsBar.clearMessage(); });
+  connect(menu, &QMenu::hovered, this, [this](QAction* item) { statusBar.showMessage(item->statusTip()); });
+  connect(menu, &QMenu::aboutToHide, this, [this] { statusBar.clearMessage(); });
   return menu;
 }
 
@@ -149,7 +149,7 @@ void mnuDW::OnLoad() {
     SetUpHelp();
     HelpReady = true;
   }
-  if (!Minimised()) {
+  if (!Minimized()) {
     // The size after a restore, which fits the screen as well.
     resize(size().expandedTo(ui::RoomFor(*this) * kRestored));
     move(screen()->availableGeometry().topLeft() + QPoint(1, 1));

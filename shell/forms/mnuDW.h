@@ -26,7 +26,7 @@ class mnuDW : public ui::Form {
   ~mnuDW() override;
 
   QMenuBar menuBar;
-  QStatusBar stsBar;
+  QStatusBar statusBar;
 
  protected:
   void OnLoad() override;

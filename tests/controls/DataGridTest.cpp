@@ -336,29 +336,28 @@ TEST_F(DataGridTest, CopiesAndSavesRows) {
 
 TEST_F(DataGridTest, KeepsItsPlaceAroundAChange) {
   Open(300);
-  bool armed = false;
-  long topRow = 0;
+  ui::GridPlace place;
   grid->SetRow(150);
-  AdoRefreshGrid(*grid, rows, armed, topRow);
-  EXPECT_TRUE(armed);
-  EXPECT_EQ(topRow, 150);
+  AdoRefreshGrid(*grid, rows, place);
+  EXPECT_TRUE(place.armed);
+  EXPECT_EQ(place.topRow, 150);
   Change("DELETE FROM Assets WHERE ID = 10");
   grid->SetRow(0);
-  AdoRefreshGrid(*grid, rows, armed, topRow, true);
+  AdoRefreshGrid(*grid, rows, place, true);
   EXPECT_TRUE(grid->hasFocus());
   EXPECT_EQ(grid->CellText(1), "K152");
   const int top = grid->verticalScrollBar()->value();
   const int half = grid->VisibleRows() / 2;
   EXPECT_NEAR(top + half, 150, 2);
-  topRow = 5000;
-  AdoRefreshGrid(*grid, rows, armed, topRow);
+  place.topRow = 5000;
+  AdoRefreshGrid(*grid, rows, place);
   EXPECT_EQ(grid->Row(), 298);
-  EXPECT_EQ(topRow, 298);
-  topRow = -1;
-  AdoRefreshGrid(*grid, rows, armed, topRow);
+  EXPECT_EQ(place.topRow, 298);
+  place.topRow = -1;
+  AdoRefreshGrid(*grid, rows, place);
   EXPECT_EQ(grid->Row(), 0);
   Change("DELETE FROM Assets");
-  AdoRefreshGrid(*grid, rows, armed, topRow);
+  AdoRefreshGrid(*grid, rows, place);
   EXPECT_EQ(grid->Row(), -1);
 }
 

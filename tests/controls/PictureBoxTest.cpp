@@ -46,7 +46,7 @@ bool IsRed(QRgb pixel) { return qRed(pixel) > 200 && qGreen(pixel) < 60 && qBlue
 bool IsBlue(QRgb pixel) { return qBlue(pixel) > 200 && qGreen(pixel) < 60 && qRed(pixel) < 60; }
 
 /// The rectangle with the picture's colors in what a box shows.
-QRect ColouredPart(QWidget& box) {
+QRect ColoredPart(QWidget& box) {
   const QImage shown = box.grab().toImage();
   QRect part;
   for (int y = 0; y < shown.height(); ++y)
@@ -95,15 +95,15 @@ TEST_F(PictureBoxTest, KeepsTheBytesAsTheyCome) {
 
 TEST_F(PictureBoxTest, ShowsPicturesInProportionAndNeverLargerThanTheyAre) {
   box_.ShowValue(Bytes(Encoded(TwoHalves(100, 50), "bmp")));
-  EXPECT_EQ(ColouredPart(box_).size(), QSize(100, 50));
-  EXPECT_NEAR(ColouredPart(box_).center().x(), 150, 2);
+  EXPECT_EQ(ColoredPart(box_).size(), QSize(100, 50));
+  EXPECT_NEAR(ColoredPart(box_).center().x(), 150, 2);
   box_.ShowValue(Bytes(Encoded(TwoHalves(2000, 1000), "jpg")));
-  const QRect fitted = ColouredPart(box_);
+  const QRect fitted = ColoredPart(box_);
   EXPECT_NEAR(fitted.width(), 2 * fitted.height(), 6);
   EXPECT_GT(fitted.width(), 280);
   EXPECT_LT(fitted.width(), 300);
   box_.resize(1000, 1000);
-  EXPECT_GT(ColouredPart(box_).width(), 980) << "a larger window shows it larger";
+  EXPECT_GT(ColoredPart(box_).width(), 980) << "a larger window shows it larger";
   // The larger picture is sharp, too.
   const QImage shown = box_.grab().toImage();
   EXPECT_TRUE(IsRed(shown.pixel(496, 500)) && IsBlue(shown.pixel(504, 500)));

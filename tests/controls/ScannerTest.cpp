@@ -23,7 +23,7 @@ using Pixels = std::vector<std::uint8_t>;
 TEST(ScanRowsTest, RowsOfAllKindsBecomePixels) {
   sys::ScannedPicture lines;
   const std::uint8_t black[] = {0b01000000};
-  sys::AddRow({Samples::Grey, 1, 3, 1}, black, 0, lines);
+  sys::AddRow({Samples::Gray, 1, 3, 1}, black, 0, lines);
   EXPECT_EQ(lines.pixels, (Pixels{255, 255, 255, 0, 0, 0, 255, 255, 255}));
 
   sys::ScannedPicture deep;
@@ -33,12 +33,12 @@ TEST(ScanRowsTest, RowsOfAllKindsBecomePixels) {
 
   sys::ScannedPicture passes;
   const std::uint8_t row[] = {7, 8, 0};
-  for (const Samples colour : {Samples::Red, Samples::Green, Samples::Blue})
-    for (int y = 0; y < 2; ++y) sys::AddRow({colour, 8, 2, 3}, row, y, passes);
+  for (const Samples color : {Samples::Red, Samples::Green, Samples::Blue})
+    for (int y = 0; y < 2; ++y) sys::AddRow({color, 8, 2, 3}, row, y, passes);
   EXPECT_EQ(passes.height, 2);
   EXPECT_EQ(passes.pixels, (Pixels{7, 7, 7, 8, 8, 8, 7, 7, 7, 8, 8, 8}));
 
-  EXPECT_FALSE(sys::IsKnown({Samples::Grey, 8, 10, 9})) << "rows that are too short for their pixels";
+  EXPECT_FALSE(sys::IsKnown({Samples::Gray, 8, 10, 9})) << "rows that are too short for their pixels";
   EXPECT_FALSE(sys::IsKnown({Samples::RedGreenBlue, 1, 8, 3}));
 }
 

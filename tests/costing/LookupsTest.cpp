@@ -92,10 +92,8 @@ TEST(Lookups, PeriodsTakeBothTheirEndsAndTheFirstRowWins) {
                                {"End Date", DateTime(2026, 4, 30)}});
   fleet.Add("Fiscal Periods", {{"Start Date", DateTime(2026, 5, 1)}, {"End Date", DateTime(2026, 5, 31)}});
   const auto period = [](const DateTime& date) {
-    std::int16_t year = -1;
-    std::int16_t number = -1;
-    dw::GetFiscalPeriod(date, year, number);
-    return std::to_string(year) + "/" + std::to_string(number);
+    const dw::FiscalPeriod found = dw::GetFiscalPeriod(date);
+    return std::to_string(found.year) + "/" + std::to_string(found.period);
   };
   EXPECT_EQ(period(DateTime(2026, 2, 28)), "0/0");
   EXPECT_EQ(period(DateTime(2026, 3, 1)), "2026/3");

@@ -299,13 +299,8 @@ TEST_F(GenericADOTest, TablesAndFieldsAreFoundByTheirExactNames) {
   user_->Expect("Table 'Trailers' not found in database.", Icon::Information);
   EXPECT_FALSE(AdoFieldExists(connection, "Trailers", "ID"));
 
-  std::int16_t type = -1;
-  bool done = false;
-  AdoGetFieldType(FileConnect(path), "Vehicles", "Asset ID", type, done);
-  EXPECT_TRUE(done);
-  EXPECT_EQ(type, 202);
-  AdoGetFieldType(FileConnect(path), "Vehicles", "ASSET ID", type, done);
-  EXPECT_EQ(type, 0);
+  EXPECT_EQ(AdoGetFieldType(FileConnect(path), "Vehicles", "Asset ID"), 202);
+  EXPECT_EQ(AdoGetFieldType(FileConnect(path), "Vehicles", "ASSET ID"), 0);
 
   EXPECT_TRUE(AdoIgnoreDataError(3661));
   EXPECT_TRUE(AdoIgnoreDataError(16389));

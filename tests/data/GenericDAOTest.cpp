@@ -62,9 +62,7 @@ TEST_F(GenericDAOTest, EditWaitsForATransaction) {
   LetGoAfter(23);
   int events = 0;
   user_->onEvents = [&] { ++events; };
-  std::int16_t error = -1;
-  DaoEditRecord(vehicle, error);
-  EXPECT_EQ(error, 0);
+  EXPECT_EQ(DaoEditRecord(vehicle), 0);
   EXPECT_TRUE(vehicle.Editing());
   EXPECT_EQ(events, 23);
   CheckWaited(23);
@@ -75,9 +73,7 @@ TEST_F(GenericDAOTest, EditDoesNotWaitForAWindow) {
   other_.Keep(path, OtherWorkstation::Keeps::Record);
   dao::Recordset& vehicle = OpenVehicle(path);
   user_->ExpectPart("Unknown error #3218 during record edit.", Icon::Critical);
-  std::int16_t error = 0;
-  DaoEditRecord(vehicle, error);
-  EXPECT_EQ(error, 3218);
+  EXPECT_EQ(DaoEditRecord(vehicle), 3218);
   EXPECT_EQ(user_->SleepCount(), 0);
   EXPECT_FALSE(vehicle.Editing());
   EXPECT_TRUE(user_->Shown().front().text.ends_with(
@@ -116,10 +112,8 @@ TEST_F(GenericDAOTest, AHoldOfThisProgramIsNotWaitedFor) {
   window->BeginTrans();
   window->Execute("UPDATE [Vehicles] SET [Odometer] = 200 WHERE [ID] = 1");
   dao::Recordset& vehicle = OpenVehicle(path);
-  std::int16_t error = 0;
   user_->Expect(kOwnWindow, Icon::Exclamation);
-  DaoEditRecord(vehicle, error);
-  EXPECT_EQ(error, store::kRecordLocked);
+  EXPECT_EQ(DaoEditRecord(vehicle), store::kRecordLocked);
   user_->Expect(kOwnWindow, Icon::Exclamation);
   DaoDeleteRecord(vehicle);
   dao::Recordset& later = OpenVehicleOptimistically(path);
@@ -139,9 +133,7 @@ TEST_F(GenericDAOTest, ADeadWorkstationKeepsNobodyWaiting) {
   other_.Keep(path, OtherWorkstation::Keeps::RecordInTransaction);
   dao::Recordset& vehicle = OpenVehicle(path);
   user_->onSleep = [&](int) { other_.Die(); };
-  std::int16_t error = -1;
-  DaoEditRecord(vehicle, error);
-  EXPECT_EQ(error, 0);
+  EXPECT_EQ(DaoEditRecord(vehicle), 0);
   EXPECT_EQ(user_->SleepCount(), 1);
   EXPECT_EQ(vehicle.Get("Odometer"), rt::Value(100)) << "the uncommitted work of the dead process is gone";
 }
@@ -168,17 +160,13 @@ TEST_F(GenericDAOTest, GettingALockedRecordIsToldOnce) {
     other_.Keep(path, keeps);
     dao::Recordset& vehicle = OpenVehicle(path);
     user_->Expect("Record is currently locked elsewhere.", Icon::Information);
-    int error = 0;
-    DaoGetRecord(vehicle, error);
-    EXPECT_EQ(error, number);
+    EXPECT_EQ(DaoGetRecord(vehicle), number);
     EXPECT_EQ(vehicle.Get("Asset ID"), rt::Value("TRUCK 1")) << "it is shown all the same";
     CloseAll(recordset_, database_, workspace_);
     other_.LetGo();
   }
   dao::Recordset& vehicle = OpenVehicle(path);
-  int error = -1;
-  DaoGetRecord(vehicle, error);
-  EXPECT_EQ(error, 0);
+  EXPECT_EQ(DaoGetRecord(vehicle), 0);
   EXPECT_TRUE(vehicle.Editing());
 }
 
@@ -196,9 +184,7 @@ TEST_F(GenericDAOTest, OtherFailuresAskForAnotherTry) {
     user_->ExpectPart("Error #", Icon::Critical);
     user_->Expect("Try again to get record?", Icon::Exclamation, Buttons::RetryCancel, answer);
   }
-  int error = 0;
-  DaoGetRecord(*recordset_, error);
-  EXPECT_NE(error, 0);
+  EXPECT_NE(DaoGetRecord(*recordset_), 0);
 }
 
 TEST_F(GenericDAOTest, AddedRecordsAreStored) {

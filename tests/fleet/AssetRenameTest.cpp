@@ -60,7 +60,7 @@ TEST_F(AssetRenameTest, RenamesInAllTablesWithApostrophes) {
 TEST_F(AssetRenameTest, AnEmptyReplyAndACodeInUseChangeNothing) {
   screen_->ExpectInput("Enter New Asset ID:", "");
   screen_->Expect("Rename cancelled. No new ID given.", screen::Icon::Information);
-  EXPECT_EQ(dw::RenameAsset("V1"), dw::RenameResult::Cancelled);
+  EXPECT_EQ(dw::RenameAsset("V1"), dw::RenameResult::Canceled);
   for (const char* taken : {"V2", "V1", "v1"}) {
     screen_->Expect("The new Asset ID is already in use.", screen::Icon::Information);
     EXPECT_EQ(dw::RenameAssetTo("V1", taken), dw::RenameResult::InUse);

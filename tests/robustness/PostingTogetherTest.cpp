@@ -91,7 +91,7 @@ std::string EditBesideOthers(const std::string& directory, Shared& shared) {
       faults.Add("row " + std::to_string(id) + " is gone");
       break;
     }
-    dw::DaoGetRecord(*rows, error);
+    error = dw::DaoGetRecord(*rows);
     if (error == store::kEditLocked || error == store::kRecordLocked) continue;
     const std::string before = edits.contains(id) ? std::to_string(edits[id]) : std::string();
     if (edits.contains(id)) faults.Equal(rows->Get("Work Order Number").Shown(), before, "edits so far");

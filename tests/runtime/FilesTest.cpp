@@ -133,7 +133,7 @@ TEST(Files, TheShellCopyAsksBeforeItReplaces) {
   EXPECT_EQ(ShellCopy(from, to), kShellDone);
   EXPECT_EQ(asked, 0) << "nothing to replace, nothing to ask";
   Write(from, "2");
-  EXPECT_EQ(ShellCopy(from, to), kShellCancelled);
+  EXPECT_EQ(ShellCopy(from, to), kShellCanceled);
   EXPECT_EQ(Content(to), "1");
   allow = true;
   EXPECT_EQ(ShellCopy(from, to), kShellDone);

@@ -40,11 +40,7 @@ class DataLocationTest : public testing::Test {
     for (const char* file : files) std::ofstream(path + '/' + file);
     return path;
   }
-  static bool Locate() {
-    bool ok = false;
-    dw::LocateData(ok);
-    return ok;
-  }
+  static bool Locate() { return dw::LocateData(); }
 
   test::TempDirectory directory_;
   test::ScreenScript user_;

@@ -84,7 +84,7 @@ TEST_F(PatternTest, AnAddedRecordIsThereAtOnceAndStaysWithItsCreator) {
   EXPECT_EQ(ui::ActiveForm(), &list);
 }
 
-TEST_F(PatternTest, ACancelledAddLeavesNothingAndABlankCodeKeepsTheWindow) {
+TEST_F(PatternTest, ACanceledAddLeavesNothingAndABlankCodeKeepsTheWindow) {
   auto& window = OpenNew();
   screen_->Expect("Division Code cannot be blank.", Icon::Question);
   test::Click(window, "OKButton");
@@ -143,7 +143,7 @@ TEST_F(PatternTest, ARecordHeldElsewhereIsForReading) {
       Icon::Exclamation);
   {
     auto& window = OpenFirst();
-    EXPECT_FALSE(window.OkButton->isEnabled());
+    EXPECT_FALSE(window.okButton->isEnabled());
     EXPECT_EQ(window.description.Text(), "North");
     test::Type(window, "Text3", "Mine");
     test::Press(window.description, Qt::Key_Return);
@@ -154,7 +154,7 @@ TEST_F(PatternTest, ARecordHeldElsewhereIsForReading) {
   other_.Leave();  // the other user still had its record
   EXPECT_EQ(Ask("Description", id), "North");
   auto& window = OpenFirst();
-  EXPECT_TRUE(window.OkButton->isEnabled());
+  EXPECT_TRUE(window.okButton->isEnabled());
 }
 
 TEST_F(PatternTest, AVanishedRecordOpensNoWindow) {
@@ -281,7 +281,7 @@ TEST_F(PatternTest, TheInnerGridFollowsTheStoredCodeAndOtherWindows) {
   EXPECT_EQ(assets.RecordCount(), 2);
 }
 
-TEST_F(PatternTest, AMinimisedListIsNotReadAndAClosedOneComesBackFresh) {
+TEST_F(PatternTest, AMinimizedListIsNotReadAndAClosedOneComesBackFresh) {
   Division("N", "North");
   auto& list = List();
   auto& window = OpenFirst();

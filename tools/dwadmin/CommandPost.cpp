@@ -118,9 +118,7 @@ int Unpost(const SignOnRequest& signOn, const CommandScreen& screen, std::int32_
     if (!file.IsOpen()) return 1;
     const DaoRecordsetPtr row = file.Database().OpenRecordset(query);
     if (row->AtEnd()) throw NotDone("There is no transaction " + number + ".");
-    int error = 0;
-    DaoGetRecord(*row, error);
-    if (error != 0) return 1;
+    if (DaoGetRecord(*row) != 0) return 1;
     const EndOfEdit end(*row);
     if (row->Get("When Posted").IsNull()) throw NotDone("Transaction " + number + " is not posted.");
     UnpostHeldTransaction(row);

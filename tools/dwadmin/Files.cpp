@@ -16,14 +16,10 @@ void InstallConsoleLocator() {
 
 void UseDataDirectory(const std::string& directory) {
   SetDataPath(directory);
-  DataFile = FindFile(DataPath, "DW.MDB");
-  DataConnect = MainFileConnect(DataFile);
-  UsersFile = FindFile(DataPath, "DW_USERS.MDB");
-  UsersConnect = FileConnect(UsersFile);
-  ListsFile = FindFile(DataPath, "DW_LISTS.MDB");
-  ListsConnect = FileConnect(ListsFile);
-  SandsFile = FindFile(DataPath, "DW_SANDS.MDB");
-  SandsConnect = FileConnect(SandsFile);
+  SetDataFile(DataKind::Main, FindFile(DataPath, "DW.MDB"));
+  SetDataFile(DataKind::Users, FindFile(DataPath, "DW_USERS.MDB"));
+  SetDataFile(DataKind::Lists, FindFile(DataPath, "DW_LISTS.MDB"));
+  SetDataFile(DataKind::SelectAndSort, FindFile(DataPath, "DW_SANDS.MDB"));
 }
 
 std::string RequireFile(const std::string& file) {

@@ -153,6 +153,6 @@ inline constexpr CodeFacts kDivisions[] = {
     {"TRANSIT", "Public Transport"},   {"WATER", "Water and Sewer"},
 };
 inline constexpr const char* kLocations[] = {"CITY HALL", "EAST YARD", "NORTH YARD", "DEPOT", "PLANT 2"};
-inline constexpr const char* kColours[] = {"White", "Silver", "Blue", "Green", "Yellow", "Black"};
+inline constexpr const char* kColors[] = {"White", "Silver", "Blue", "Green", "Yellow", "Black"};
 
 }  // namespace dw::sample

@@ -169,7 +169,7 @@ std::vector<SampleAsset> WriteAssets(dao::Database& database, Batch& batch, cons
     const rt::DateTime bought = span.Day(asset.purchaseDay);
     const bool retired = asset.lastDay < span.Days() - 1;
     std::string description = dice.Pick(group.assets);
-    description += std::string(", ") + dice.Pick(kColours);
+    description += std::string(", ") + dice.Pick(kColors);
     const rt::Currency price = rt::Currency::FromWhole(group.price / 100 * dice.Between(85, 118));
     const rt::Value unknown;
     vehicles.Add({asset.code, description, SerialNumber(dice),

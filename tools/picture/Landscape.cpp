@@ -37,10 +37,10 @@ void DrawRidge(QPainter& painter, const Ridge& ridge) {
   for (int x = 0; x <= kWidth; x += 4) path.lineTo(x, RidgeAt(ridge, x));
   path.lineTo(kWidth, kHeight);
   path.closeSubpath();
-  QLinearGradient colour(0, ridge.height - ridge.swing, 0, ridge.height + 130);
-  colour.setColorAt(0, ridge.top);
-  colour.setColorAt(1, ridge.bottom);
-  painter.fillPath(path, colour);
+  QLinearGradient color(0, ridge.height - ridge.swing, 0, ridge.height + 130);
+  color.setColorAt(0, ridge.top);
+  color.setColorAt(1, ridge.bottom);
+  painter.fillPath(path, color);
 }
 
 void DrawCloud(QPainter& painter, double x, double y, double size) {
@@ -57,7 +57,7 @@ void DrawCloud(QPainter& painter, double x, double y, double size) {
   painter.restore();
 }
 
-void DrawPoplar(QPainter& painter, double x, double ground, double height, const QColor& colour) {
+void DrawPoplar(QPainter& painter, double x, double ground, double height, const QColor& color) {
   const double width = height * 0.24;
   painter.fillRect(QRectF(x - 2, ground - height * 0.18, 4, height * 0.18), QColor(74, 62, 54));
   QPainterPath crown(QPointF(x, ground - height));
@@ -65,19 +65,19 @@ void DrawPoplar(QPainter& painter, double x, double ground, double height, const
                 ground - height * 0.1);
   crown.cubicTo(x - width * 0.6, ground - height * 0.12, x - width * 0.75, ground - height * 0.7, x,
                 ground - height);
-  painter.fillPath(crown, colour);
+  painter.fillPath(crown, color);
   painter.setClipRect(QRectF(x, ground - height, width, height));
-  painter.fillPath(crown, colour.darker(114));
+  painter.fillPath(crown, color.darker(114));
   painter.setClipping(false);
 }
 
-void DrawRoundTree(QPainter& painter, double x, double ground, double height, const QColor& colour) {
+void DrawRoundTree(QPainter& painter, double x, double ground, double height, const QColor& color) {
   painter.fillRect(QRectF(x - 3, ground - height * 0.4, 6, height * 0.4), QColor(74, 62, 54));
-  painter.setBrush(colour.darker(112));
+  painter.setBrush(color.darker(112));
   painter.drawEllipse(QPointF(x + height * 0.1, ground - height * 0.58), height * 0.3, height * 0.28);
-  painter.setBrush(colour);
+  painter.setBrush(color);
   painter.drawEllipse(QPointF(x - height * 0.1, ground - height * 0.62), height * 0.3, height * 0.3);
-  painter.setBrush(colour.lighter(110));
+  painter.setBrush(color.lighter(110));
   painter.drawEllipse(QPointF(x - height * 0.16, ground - height * 0.7), height * 0.16, height * 0.14);
 }
 

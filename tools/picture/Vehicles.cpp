@@ -15,14 +15,14 @@ const QColor kDark(54, 58, 64);
 const QColor kHeadlight(255, 240, 190);
 const QColor kTaillight(196, 62, 48);
 
-void Polygon(QPainter& painter, const QColor& colour, std::initializer_list<QPointF> points) {
-  painter.setBrush(colour);
+void Polygon(QPainter& painter, const QColor& color, std::initializer_list<QPointF> points) {
+  painter.setBrush(color);
   painter.drawPolygon(QPolygonF(QList<QPointF>(points)));
 }
 
-void Box(QPainter& painter, const QColor& colour, double x, double top, double width, double height,
+void Box(QPainter& painter, const QColor& color, double x, double top, double width, double height,
          double radius = 0) {
-  painter.setBrush(colour);
+  painter.setBrush(color);
   painter.drawRoundedRect(QRectF(x, top, width, height), radius, radius);
 }
 
@@ -63,17 +63,17 @@ void Glass(QPainter& painter, double x, double top, double width, double height)
 }
 
 /// The lower part of a body in a darker shade.
-void Shade(QPainter& painter, const QPainterPath& body, const QColor& colour, double from) {
+void Shade(QPainter& painter, const QPainterPath& body, const QColor& color, double from) {
   painter.save();
   painter.setClipRect(QRectF(-50, from, 1000, 300), Qt::IntersectClip);
-  painter.fillPath(body, colour.darker(118));
+  painter.fillPath(body, color.darker(118));
   painter.restore();
 }
 
 }  // namespace
 
 void DrawPickup(QPainter& painter) {
-  const QColor colour(170, 76, 56);
+  const QColor color(170, 76, 56);
   QPainterPath body(QPointF(2, -34));
   body.lineTo(0, -80);
   body.lineTo(122, -82);
@@ -86,14 +86,14 @@ void DrawPickup(QPainter& painter) {
   body.quadTo(324, -74, 326, -60);
   body.lineTo(327, -34);
   body.closeSubpath();
-  painter.fillPath(body, colour);
-  Shade(painter, body, colour, -56);
-  Box(painter, colour.darker(130), 0, -83, 124, 5, 2);
+  painter.fillPath(body, color);
+  Shade(painter, body, color, -56);
+  Box(painter, color.darker(130), 0, -83, 124, 5, 2);
   Glass(painter, QPolygonF({{136, -88}, {148, -119}, {178, -119}, {178, -88}}));
   Glass(painter, QPolygonF({{184, -88}, {184, -119}, {208, -119}, {236, -88}}));
-  painter.fillRect(QRectF(180, -84, 1.6, 44), colour.darker(150));
-  painter.fillRect(QRectF(126, -84, 1.6, 44), colour.darker(150));
-  painter.fillRect(QRectF(188, -76, 14, 3.4), colour.darker(160));
+  painter.fillRect(QRectF(180, -84, 1.6, 44), color.darker(150));
+  painter.fillRect(QRectF(126, -84, 1.6, 44), color.darker(150));
+  painter.fillRect(QRectF(188, -76, 14, 3.4), color.darker(160));
   Box(painter, kDark, -5, -42, 12, 12, 3);
   Box(painter, kDark, 318, -42, 14, 12, 3);
   Box(painter, kTaillight, 0, -72, 7, 18, 2);
@@ -145,7 +145,7 @@ void DrawSemitrailer(QPainter& painter) {
 }
 
 void DrawGrader(QPainter& painter) {
-  const QColor colour(218, 158, 48);
+  const QColor color(218, 158, 48);
   // The blade and what carries it.
   painter.setPen(QPen(kDark, 8, Qt::SolidLine, Qt::RoundCap));
   painter.drawLine(QPointF(300, -124), QPointF(338, -52));
@@ -153,7 +153,7 @@ void DrawGrader(QPainter& painter) {
   painter.setPen(QPen(QColor(150, 156, 158), 5, Qt::SolidLine, Qt::RoundCap));
   painter.drawLine(QPointF(322, -150), QPointF(346, -60));
   painter.setPen(Qt::NoPen);
-  Box(painter, colour.darker(125), 306, -66, 92, 12, 6);
+  Box(painter, color.darker(125), 306, -66, 92, 12, 6);
   QPainterPath blade(QPointF(322, -60));
   blade.quadTo(302, -34, 328, -6);
   blade.lineTo(384, -6);
@@ -172,7 +172,7 @@ void DrawGrader(QPainter& painter) {
   frame.quadTo(440, -130, 372, -140);
   frame.quadTo(310, -144, 262, -88);
   frame.closeSubpath();
-  painter.fillPath(frame, colour);
+  painter.fillPath(frame, color);
   // The engine.
   QPainterPath engine(QPointF(8, -72));
   engine.lineTo(4, -126);
@@ -180,18 +180,18 @@ void DrawGrader(QPainter& painter) {
   engine.lineTo(176, -156);
   engine.lineTo(184, -72);
   engine.closeSubpath();
-  painter.fillPath(engine, colour);
-  Shade(painter, engine, colour, -96);
-  for (int i = 0; i < 6; ++i) painter.fillRect(QRectF(22 + i * 11, -132, 5, 30), colour.darker(150));
+  painter.fillPath(engine, color);
+  Shade(painter, engine, color, -96);
+  for (int i = 0; i < 6; ++i) painter.fillRect(QRectF(22 + i * 11, -132, 5, 30), color.darker(150));
   Box(painter, kDark, 92, -186, 9, 38, 3);
   // The cab.
-  Box(painter, colour.darker(115), 172, -118, 96, 50, 4);
+  Box(painter, color.darker(115), 172, -118, 96, 50, 4);
   Box(painter, kDark, 170, -234, 96, 10, 4);
-  Box(painter, colour.darker(108), 176, -226, 7, 112);
-  Box(painter, colour.darker(108), 254, -226, 7, 112);
+  Box(painter, color.darker(108), 176, -226, 7, 112);
+  Box(painter, color.darker(108), 254, -226, 7, 112);
   Glass(painter, 184, -224, 32, 92);
   Glass(painter, 221, -224, 32, 106);
-  painter.fillRect(QRectF(217, -224, 3.4, 106), colour.darker(140));
+  painter.fillRect(QRectF(217, -224, 3.4, 106), color.darker(140));
   Box(painter, QColor(240, 150, 50), 206, -246, 14, 12, 4);
   Box(painter, kDark, 20, -76, 220, 16, 6);
   Box(painter, kHeadlight, 500, -106, 10, 12, 3);
@@ -200,7 +200,7 @@ void DrawGrader(QPainter& painter) {
 }
 
 void DrawBus(QPainter& painter) {
-  const QColor colour(226, 174, 62);
+  const QColor color(226, 174, 62);
   QPainterPath body(QPointF(0, -40));
   body.lineTo(0, -182);
   body.quadTo(2, -200, 20, -202);
@@ -211,8 +211,8 @@ void DrawBus(QPainter& painter) {
   body.quadTo(514, -108, 516, -88);
   body.lineTo(516, -40);
   body.closeSubpath();
-  painter.fillPath(body, colour);
-  Shade(painter, body, colour, -70);
+  painter.fillPath(body, color);
+  Shade(painter, body, color, -70);
   for (const double y : {-112.0, -86.0}) painter.fillRect(QRectF(0, y, 440, 4), kDark);
   for (int i = 0; i < 8; ++i) Glass(painter, 16 + i * 44.0, -180, 36, 48);
   Glass(painter, QPolygonF({{404, -126}, {404, -184}, {420, -184}, {434, -126}}));
@@ -230,7 +230,7 @@ void DrawBus(QPainter& painter) {
 }
 
 void DrawVan(QPainter& painter) {
-  const QColor colour(222, 226, 222);
+  const QColor color(222, 226, 222);
   QPainterPath body(QPointF(0, -36));
   body.lineTo(0, -150);
   body.quadTo(2, -164, 16, -166);
@@ -241,11 +241,11 @@ void DrawVan(QPainter& painter) {
   body.quadTo(298, -86, 298, -72);
   body.lineTo(298, -36);
   body.closeSubpath();
-  painter.fillPath(body, colour);
-  Shade(painter, body, colour, -60);
+  painter.fillPath(body, color);
+  Shade(painter, body, color, -60);
   painter.fillRect(QRectF(0, -104, 150, 16), QColor(44, 106, 120));
   Glass(painter, QPolygonF({{166, -104}, {166, -150}, {200, -150}, {232, -104}}));
-  painter.fillRect(QRectF(156, -156, 1.6, 112), colour.darker(135));
+  painter.fillRect(QRectF(156, -156, 1.6, 112), color.darker(135));
   Box(painter, kHeadlight, 287, -76, 10, 12, 3);
   Box(painter, kTaillight, 0, -84, 6, 16, 2);
   Box(painter, kDark, 290, -46, 12, 12, 3);

@@ -132,7 +132,7 @@ void TakeTransactions(Album& album) {
   album.Take(list, list.Name());
   auto& window = OpenTransaction();
   album.Take(window, window.Name());
-  window.grdTasks.SetRow(0);
+  window.taskGrid.SetRow(0);
   window.ShowTask();
   TakeFront(album);
   Leave(window);
@@ -155,11 +155,11 @@ void TakeAssets(Album& album) {
   }
   window.showMaximized();
   window.pages.setCurrentIndex(0);
-  album.Take(window, window.Name() + "-maximised");
+  album.Take(window, window.Name() + "-maximized");
   window.showNormal();
   window.pages.setCurrentIndex(2);
   Settle();
-  PressSpace(window.grdSchedule);
+  PressSpace(window.scheduleGrid);
   TakeFront(album);
   dw::OpenGetPicture(window, window);
   TakeFront(album);
@@ -234,7 +234,7 @@ void TakeShell(Album& album) {
   TakeAlone<dw::TechSupport>(album);
   auto& notice = ui::The<dw::frmMessage>();
   notice.setWindowTitle("Drovewright");
-  notice.lblMessage.setText("Please wait...");
+  notice.message.setText("Please wait...");
   TakeAlone<dw::frmMessage>(album);
   auto& about = ui::The<dw::Startup>();
   about.ShowForm();

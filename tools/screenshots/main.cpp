@@ -22,7 +22,7 @@
 namespace {
 
 QPalette Dark() {
-  const QColor window(45, 45, 48), base(30, 30, 32), text(225, 225, 225), grey(130, 130, 130);
+  const QColor window(45, 45, 48), base(30, 30, 32), text(225, 225, 225), gray(130, 130, 130);
   QPalette palette(window);
   palette.setColor(QPalette::Window, window);
   palette.setColor(QPalette::WindowText, text);
@@ -31,14 +31,14 @@ QPalette Dark() {
   palette.setColor(QPalette::Text, text);
   palette.setColor(QPalette::Button, QColor(60, 60, 64));
   palette.setColor(QPalette::ButtonText, text);
-  palette.setColor(QPalette::PlaceholderText, grey);
+  palette.setColor(QPalette::PlaceholderText, gray);
   palette.setColor(QPalette::ToolTipBase, base);
   palette.setColor(QPalette::ToolTipText, text);
   palette.setColor(QPalette::Highlight, QColor(38, 110, 180));
   palette.setColor(QPalette::HighlightedText, Qt::white);
   palette.setColor(QPalette::Link, QColor(110, 170, 240));
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-    palette.setColor(QPalette::Disabled, role, grey);
+    palette.setColor(QPalette::Disabled, role, gray);
   return palette;
 }
 
@@ -49,12 +49,13 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "screenshots <folder> [dark] [12pt]\n");
     return 2;
   }
-  ui::Application application(argc, argv);
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
   const auto given = [&](const char* option) {
     return std::any_of(argv + 2, argv + argc, [&](const char* one) { return std::strcmp(one, option) == 0; });
   };
+  // As on a dark desktop, where the program finds the colors when it starts.
   if (given("dark")) QApplication::setPalette(Dark());
+  ui::Application application(argc, argv);
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
   if (given("12pt")) {
     QFont font = QApplication::font();
     font.setPointSize(12);

@@ -30,13 +30,13 @@ TEST_F(RePost, ShowsItsProgressAndIsNotClosedMeanwhile) {
   auto& list = List();
   auto& form = Shown();
   EXPECT_EQ(form.windowTitle(), "Post Transactions ");
-  EXPECT_FALSE(form.pnlProgress->isVisible() || form.chkClear->isChecked());
-  form.chkClear->setChecked(true);
+  EXPECT_FALSE(form.progress->isVisible() || form.clearFirst->isChecked());
+  form.clearFirst->setChecked(true);
   std::set<int> percents;
   screen_->onEvents = [&] {
-    EXPECT_TRUE(form.pnlProgress->isVisible());
-    EXPECT_FALSE(form.cmdProceed->isEnabled() || form.cmdCancel->isEnabled());
-    EXPECT_EQ(form.lblStatus->text(), "Posting. Please stand by...");
+    EXPECT_TRUE(form.progress->isVisible());
+    EXPECT_FALSE(form.proceedButton->isEnabled() || form.cancelButton->isEnabled());
+    EXPECT_EQ(form.status->text(), "Posting. Please stand by...");
     form.close();
     QTest::keyClick(&form, Qt::Key_Escape);
     if (percents.empty()) {
@@ -45,7 +45,7 @@ TEST_F(RePost, ShowsItsProgressAndIsNotClosedMeanwhile) {
       fleet_.Run("UPDATE [Vehicles] SET [Description] = 'saved meanwhile'");
       list.Unload();
     }
-    percents.insert(form.pnlProgress->value());
+    percents.insert(form.progress->value());
     QCoreApplication::processEvents();
   };
   Expect("Posting is Complete.", Icon::Information);
@@ -84,7 +84,7 @@ TEST_F(RePost, ARunOnAnEmptyTableEndsWithTheEnginesError) {
   EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
   EXPECT_NO_THROW(store::Connection::Open({.path = dw::DataFile, .share = store::Share::Exclusive}))
       << "nothing is kept";
-  EXPECT_TRUE(form.cmdCancel->isEnabled());
+  EXPECT_TRUE(form.cancelButton->isEnabled());
   test::Press(form, Qt::Key_Escape);
   EXPECT_FALSE(IsOpen("frmRePost"));
 }
@@ -100,7 +100,7 @@ TEST_F(RePost, AClearingBesideAnOpenTransactionEndsTheRunAlone) {
   List();
   auto& window = OpenFirst();
   auto& form = Shown();
-  form.chkClear->setChecked(true);
+  form.clearFirst->setChecked(true);
   screen_->ExpectPart("Maintenance Transactions, record 1: user ", Icon::Critical);
   test::Click(form, "cmdProceed");
   EXPECT_FALSE(IsOpen("frmRePost"));

@@ -28,7 +28,7 @@ class TransactionRoad : public test::TransactionTest {
   void Post(bool clearFirst) {
     auto& form = ui::The<dw::frmRePost>();
     form.ShowForm();
-    form.chkClear->setChecked(clearFirst);
+    form.clearFirst->setChecked(clearFirst);
     Expect("Posting is Complete.", Icon::Information);
     test::Click(form, "cmdProceed");
     EXPECT_FALSE(IsOpen("frmRePost"));
@@ -55,7 +55,7 @@ TEST_F(TransactionRoad, FromTheKeysIntoTheCostTablesAndOutAgain) {
     id = window.DataID;
     EXPECT_EQ(fleet_.OfTransaction(id, "Transaction Date"), "3/5/2026") << "the empty row is there";
     EXPECT_EQ(fleet_.OfTransaction(id, "Time"), "Null");
-    EXPECT_FALSE(window.cmdUnpost->isEnabled());
+    EXPECT_FALSE(window.unpostButton->isEnabled());
     test::Type(window, "txtAssetID", "trk-1");
     test::Type(window, "Text8", "3/6/2026");
     test::Type(window, "Text9", "WO 7");
@@ -194,7 +194,7 @@ TEST_F(TransactionRoad, AWaitForCostsLeavesTheWindowAlone) {
   };
   test::Click(window, "cmdUnpost");
   ASSERT_TRUE(IsOpen("frmTransactionMaint"));
-  EXPECT_TRUE(window.OkButton->isEnabled() && window.isEnabled());
+  EXPECT_TRUE(window.okButton->isEnabled() && window.isEnabled());
   EXPECT_EQ(OutsideSum(), "0") << "subtracts once, and from the asset that got the costs";
   EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
   EXPECT_EQ(fleet_.OfTransaction(id, "Asset ID"), "TRK-2");
@@ -206,11 +206,11 @@ TEST_F(TransactionRoad, ATaskNeedsATransactionOnFile) {
   auto& window = OpenNew();
   const auto id = window.DataID;
   Expect("You must specify an Asset ID");
-  QTest::mouseDClick(window.grdTasks.viewport(), Qt::LeftButton, {}, QPoint(30, 30));
+  QTest::mouseDClick(window.taskGrid.viewport(), Qt::LeftButton, {}, QPoint(30, 30));
   EXPECT_FALSE(IsOpen("frmMaintTaskMaint"));
   test::Type(window, "txtAssetID", "TRK-1");
   test::Enter(window, "grdTasks");
-  QTest::mouseDClick(window.grdTasks.viewport(), Qt::LeftButton, {}, QPoint(30, 30));
+  QTest::mouseDClick(window.taskGrid.viewport(), Qt::LeftButton, {}, QPoint(30, 30));
   test::Settle();
   {
     auto& task = Task();
@@ -228,35 +228,35 @@ TEST_F(TransactionRoad, ATaskNeedsATransactionOnFile) {
   EXPECT_EQ(fleet_.Everything("Maintenance_Performed"), "1|" + std::to_string(id) + "|" +
                                                             std::to_string(second) +
                                                             "|0|Null|3/5/2026 2:05:09 PM|Clerk|Null||\n");
-  EXPECT_EQ(window.adoSchedule.RecordCount(), 1);
-  EXPECT_TRUE(window.grdTasks.hasFocus());
-  EXPECT_EQ(window.grdTasks.CellText(2), "Brakes");
+  EXPECT_EQ(window.taskRows.RecordCount(), 1);
+  EXPECT_TRUE(window.taskGrid.hasFocus());
+  EXPECT_EQ(window.taskGrid.CellText(2), "Brakes");
   EXPECT_FALSE(window.AddMode);
 
-  test::Press(window.grdTasks, Qt::Key_Space);
+  test::Press(window.taskGrid, Qt::Key_Space);
   test::Type(Task(), "mskCost", "12.5");
   test::Click(Task(), "OKButton");
-  EXPECT_EQ(window.grdTasks.CellText(3), "$12.50");
+  EXPECT_EQ(window.taskGrid.CellText(3), "$12.50");
   EXPECT_EQ(fleet_.Ask("SELECT [Updated_By] FROM [Maintenance_Performed]"), "Clerk");
 
   screen_->Expect("Are you sure you want to delete this record?", Icon::Question, Buttons::YesNo,
                   Answer::Yes);
-  test::Press(window.grdTasks, Qt::Key_Delete);
-  EXPECT_EQ(window.adoSchedule.RecordCount(), 0);
+  test::Press(window.taskGrid, Qt::Key_Delete);
+  EXPECT_EQ(window.taskRows.RecordCount(), 0);
   // Without a task to show, the window takes its record again and goes on.
   screen_->Expect(kNoRecords, Icon::None);
-  test::Press(window.grdTasks, Qt::Key_Delete);
+  test::Press(window.taskGrid, Qt::Key_Delete);
   screen_->Expect(kNoRecords, Icon::None);
-  test::Press(window.grdTasks, Qt::Key_Space);
+  test::Press(window.taskGrid, Qt::Key_Space);
   EXPECT_TRUE(window.Data().Recordset()->Editing());
 
   // Only one window of tasks at a time. Canceling a task removes its row; canceling the transaction's window
   // leaves the transaction as it was.
-  test::Press(window.grdTasks, Qt::Key_Insert);
+  test::Press(window.taskGrid, Qt::Key_Insert);
   window.ShowForm();
   test::Settle();
   Expect("That window is already open with another record.", Icon::Information);
-  test::Press(window.grdTasks, Qt::Key_Insert);
+  test::Press(window.taskGrid, Qt::Key_Insert);
   EXPECT_TRUE(window.Data().Recordset()->Editing());
   Task().Cancel();
   test::Settle();
@@ -271,17 +271,17 @@ TEST_F(TransactionRoad, AHeldTransactionIsForReadingAndTheRunPassesItOver) {
   Expect("Record is currently locked elsewhere.", Icon::Information);
   Expect(kHeldElsewhere, Icon::Exclamation);
   auto& window = OpenFirst();
-  EXPECT_FALSE(window.OkButton->isEnabled());
+  EXPECT_FALSE(window.okButton->isEnabled());
   Expect(kHeldElsewhere, Icon::Exclamation);
   test::Click(window, "cmdUnpost");
   EXPECT_EQ(OutsideSum(), "7") << "subtracts nothing from a transaction that it cannot mark";
   // The task window opens over a record that is read-only; when it closes, the record is free and the window
   // takes it.
-  test::Press(window.grdTasks, Qt::Key_Insert);
+  test::Press(window.taskGrid, Qt::Key_Insert);
   other_.Leave();
   Task().Cancel();
   test::Settle();
-  EXPECT_TRUE(window.OkButton->isEnabled());
+  EXPECT_TRUE(window.okButton->isEnabled());
   test::Click(window, "cmdUnpost");
   EXPECT_EQ(fleet_.OfTransaction(id, "When Posted"), "Null");
   EXPECT_EQ(OutsideSum(), "0");
@@ -313,11 +313,11 @@ TEST_F(TransactionRoad, AKilledProgramHoldsNothing) {
   ASSERT_TRUE(victim->WaitForError("holds it"));
   Expect("Record is currently locked elsewhere.", Icon::Information);
   Expect(kHeldElsewhere, Icon::Exclamation);
-  EXPECT_FALSE(OpenFirst().OkButton->isEnabled());
+  EXPECT_FALSE(OpenFirst().okButton->isEnabled());
   test::Click(Window(), "CancelButton");
   victim->Signal(SIGKILL);
   EXPECT_EQ(victim->Join().code, -SIGKILL);
-  EXPECT_TRUE(OpenFirst().OkButton->isEnabled());
+  EXPECT_TRUE(OpenFirst().okButton->isEnabled());
 }
 
 }  // namespace

@@ -121,7 +121,7 @@ TEST_F(TransactionRules, DatesAreCheckedAndFillTheFiscalPeriod) {
       EXPECT_TRUE(window.fiscalYear.isEnabled() && window.fiscalPeriod.isEnabled());
       // OK cannot leave the window either.
       Expect(words, c.icon);
-      window.OkButton->click();
+      window.okButton->click();
       EXPECT_TRUE(window.transactionDate.hasFocus());
     }
     test::Click(window, "CancelButton");
@@ -218,24 +218,24 @@ TEST_F(TransactionRules, WhatEnteringAndTypingDoes) {
   for (const auto& [asset, serial] : serials) {
     test::Type(window, "txtAssetID", asset);
     test::Enter(window, "Text9");
-    EXPECT_EQ(window.lblAssetSerial->text().toStdString(), serial);
+    EXPECT_EQ(window.assetSerial->text().toStdString(), serial);
   }
   // Enter makes a new line in the notes.
   test::Enter(window, "Text2");
   EXPECT_EQ(window.Default(), nullptr);
   test::Enter(window, "Text9");
-  EXPECT_EQ(window.Default(), window.OkButton);
+  EXPECT_EQ(window.Default(), window.okButton);
 }
 
 TEST_F(TransactionRules, WithoutFuelOfItsOwnTheInternalSideIsGone) {
   const auto id = fleet_.AddTransaction("TRK-1", 2026, 3, {{"Parts Cost", test::Money(9)}});
-  const int left = OpenFirst().fraTab[1]->x();
+  const int left = OpenFirst().costGroups[1]->x();
   test::Click(Window(), "CancelButton");
   fleet_.Run("UPDATE [Parameters] SET [Internal_Fuel_Available] = FALSE");
   auto& window = OpenFirst();
   test::Settle();
-  EXPECT_FALSE(window.fraTab[1]->isVisible());
-  EXPECT_EQ(window.fraTab[0]->x(), left);
+  EXPECT_FALSE(window.costGroups[1]->isVisible());
+  EXPECT_EQ(window.costGroups[0]->x(), left);
   EXPECT_EQ(test::Find(window, "Frame1").x(), left);
   test::Click(window, "OkButton");
   EXPECT_EQ(fleet_.OfTransaction(id, "Parts Cost"), "9");

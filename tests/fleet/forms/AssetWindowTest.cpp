@@ -85,8 +85,8 @@ TEST_F(AssetWindowTest, AnAddedAssetIsStoredWithItsDatesAndCodes) {
   EXPECT_EQ(window.windowTitle(), "Detail for New Asset");
   const std::int32_t id = window.DataID;
   EXPECT_EQ(Ask("Asset ID", id), "Null");
-  EXPECT_EQ(window.txtUsage.Text(), "0");
-  EXPECT_EQ(window.txtDueBy.Text(), "3/15/2026");
+  EXPECT_EQ(window.dueUsage.Text(), "0");
+  EXPECT_EQ(window.dueBy.Text(), "3/15/2026");
 
   screen_->Expect(kNoCode, Icon::Information);
   test::Click(window, "OKButton");
@@ -113,7 +113,7 @@ TEST_F(AssetWindowTest, AnAddedAssetIsStoredWithItsDatesAndCodes) {
   EXPECT_TRUE(Free(id));
 }
 
-TEST_F(AssetWindowTest, ACancelledAddLeavesNothing) {
+TEST_F(AssetWindowTest, ACanceledAddLeavesNothing) {
   auto& window = OpenNew();
   EXPECT_FALSE(Free(window.DataID));
   test::Type(window, "AssetText", "TRK-9");
@@ -145,13 +145,13 @@ TEST_F(AssetWindowTest, ABlankCodeGetsNoChildren) {
   const std::string words = "You cannot add maintenance items until you assign an Asset ID.";
   screen_->Expect(words, Icon::Exclamation);
   ShowPage(window, 1);
-  test::Press(window.grdMaintenance, Qt::Key_Insert);
+  test::Press(window.transactionGrid, Qt::Key_Insert);
   screen_->Expect(words, Icon::Exclamation);
   ShowPage(window, 4);
-  test::Press(window.grdOdometer, Qt::Key_Insert);
+  test::Press(window.readingGrid, Qt::Key_Insert);
   screen_->Expect(kNoCode, Icon::Information);
   ShowPage(window, 2);
-  test::Press(window.grdSchedule, Qt::Key_Insert);
+  test::Press(window.scheduleGrid, Qt::Key_Insert);
   EXPECT_EQ(ui::Forms().size(), 1U);
 }
 
@@ -162,7 +162,7 @@ TEST_F(AssetWindowTest, AChildSavesTheAssetAndCancelUndoesOnlyWhatCameLater) {
   EXPECT_FALSE(window.assetCode.isEnabled());
   test::Type(window, "Text9", "Saved");
   ShowPage(window, 4);
-  test::Press(window.grdOdometer, Qt::Key_Insert);
+  test::Press(window.readingGrid, Qt::Key_Insert);
   auto& reading = test::Open("frmOdometerMaint");
   EXPECT_EQ(Ask("Description", id), "Saved");
   EXPECT_EQ(Ask("Updated By", id), "Clerk");
@@ -171,9 +171,9 @@ TEST_F(AssetWindowTest, AChildSavesTheAssetAndCancelUndoesOnlyWhatCameLater) {
   test::Type(reading, "MaskedEdit1", "1200");
   test::Click(reading, "OKButton");
   ASSERT_EQ(ui::ActiveForm(), &window);
-  EXPECT_EQ(window.grdOdometer.RecordCount(), 1);
+  EXPECT_EQ(window.readingGrid.RecordCount(), 1);
   EXPECT_EQ(window.location.Text(), "X") << "shows the changes that the other user has made meanwhile";
-  EXPECT_NE(window.txtDue.Text().find("Latest mileage on file is 1200 on 3/1/2026"), std::string::npos);
+  EXPECT_NE(window.due.Text().find("Latest mileage on file is 1200 on 3/1/2026"), std::string::npos);
   EXPECT_FALSE(Free(id));
   test::Type(window, "Text9", "Never kept");
   test::Press(window.description, Qt::Key_Escape);
@@ -191,12 +191,12 @@ TEST_F(AssetWindowTest, AnAssetHeldElsewhereIsForReading) {
       Icon::Information);
   screen_->ExpectPart("Current Computers In Use:", Icon::Information);
   auto& window = Open(id);
-  EXPECT_FALSE(window.OkButton->isEnabled());
+  EXPECT_FALSE(window.okButton->isEnabled());
   EXPECT_FALSE(window.description.isEnabled());
   EXPECT_FALSE(window.assetClass.isEnabled());
-  EXPECT_FALSE(window.cmdRename->isEnabled());
+  EXPECT_FALSE(window.renameButton->isEnabled());
   EXPECT_TRUE(window.focusWidget() && window.focusWidget()->isEnabled());
-  EXPECT_TRUE(window.grdMaintenance.isEnabled());
+  EXPECT_TRUE(window.transactionGrid.isEnabled());
   test::Click(window, "CancelButton");
   other_.Leave();
 }
@@ -211,11 +211,11 @@ TEST_F(AssetWindowTest, PostedCostsHoldTheFuelTypeAndUnpostTakesTheWholeTable) {
   const std::int32_t others = fleet_.AddTransaction("TRK-2", 2026, 3, {{"When Posted", posted}});
   auto& window = Open(id);
   EXPECT_FALSE(window.fuelType.isEnabled());
-  EXPECT_TRUE(window.cmdUnpost->isEnabled());
-  EXPECT_EQ(window.grdMaintenance.RecordCount(), 2);
+  EXPECT_TRUE(window.unpostButton->isEnabled());
+  EXPECT_EQ(window.transactionGrid.RecordCount(), 2);
   ShowPage(window, 1);
   test::Click(window, "chkNonFuelOnly");
-  EXPECT_EQ(window.grdMaintenance.RecordCount(), 1);
+  EXPECT_EQ(window.transactionGrid.RecordCount(), 1);
   test::Click(window, "chkNonFuelOnly");
   for (int row = 0; row < 2; ++row)
     for (const char* words :
@@ -223,14 +223,14 @@ TEST_F(AssetWindowTest, PostedCostsHoldTheFuelTypeAndUnpostTakesTheWholeTable) {
           "Could not find Asset Lifetime Cost record.", "Could not find Fuel Annual Cost record.",
           "Could not find Fuel Annual Cost record."})
       screen_->Expect(words, Icon::Critical);
-  EXPECT_FALSE(window.cmdUnpost->focusPolicy() & Qt::TabFocus) << "one Tab too many does not lead to it";
-  EXPECT_NE(window.cmdUnpost->toolTip().indexOf("all assets"), -1);
-  EXPECT_NE(window.cmdUnpost->accessibleDescription().indexOf("all assets"), -1);
+  EXPECT_FALSE(window.unpostButton->focusPolicy() & Qt::TabFocus) << "one Tab too many does not lead to it";
+  EXPECT_NE(window.unpostButton->toolTip().indexOf("all assets"), -1);
+  EXPECT_NE(window.unpostButton->accessibleDescription().indexOf("all assets"), -1);
   EXPECT_TRUE(screen_->Notices().empty());
   test::Click(window, "cmdUnpost");
   EXPECT_FALSE(screen_->Notices().empty());
   EXPECT_EQ(fleet_.OfTransaction(others, "When Posted"), "Null");
-  EXPECT_FALSE(window.cmdUnpost->isEnabled());
+  EXPECT_FALSE(window.unpostButton->isEnabled());
   EXPECT_TRUE(window.fuelType.isEnabled());
 }
 
@@ -250,7 +250,7 @@ TEST_F(AssetWindowTest, ARenameReachesTheReadingsAndTakesTheRecordAgain) {
   test::Click(window, "cmdRename");
   EXPECT_EQ(window.assetCode.Text(), "TRK-9");
   EXPECT_EQ(window.windowTitle(), "Detail for Asset ID TRK-9");
-  EXPECT_EQ(window.grdOdometer.RecordCount(), 1);
+  EXPECT_EQ(window.readingGrid.RecordCount(), 1);
   EXPECT_FALSE(Free(id));
 }
 
@@ -289,22 +289,22 @@ TEST_F(AssetWindowTest, AllPagesAreReachedByKeys) {
     return window.focusWidget();
   };
   test::Enter(window, "Text9");
-  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.grdMaintenance);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.transactionGrid);
   EXPECT_EQ(window.pages.currentIndex(), 1);
-  EXPECT_EQ(press(Qt::Key_Tab, {}), window.OkButton) << "not into the pages behind";
+  EXPECT_EQ(press(Qt::Key_Tab, {}), window.okButton) << "not into the pages behind";
   test::Enter(window, "grdMaintenance");
-  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.grdSchedule);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.scheduleGrid);
   EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), &window.notes);
-  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.grdOdometer);
-  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.txtDue);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.readingGrid);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.due);
   EXPECT_EQ(window.pages.currentIndex(), 0);
-  EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), &window.grdOdometer);
+  EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), &window.readingGrid);
 
   // Turning a page leaves a field as the Tab key does.
   press(Qt::Key_Tab, Qt::ControlModifier);
   test::Type(window, "txtDueBy", "soon");
   screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
-  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.txtDueBy);
+  EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), &window.dueBy);
   EXPECT_EQ(window.pages.currentIndex(), 0);
 }
 
@@ -314,20 +314,20 @@ TEST_F(AssetWindowTest, GridsAndNotesKeepTheirPlace) {
     fleet_.Add("Odometer Entries", {{"Asset ID", "TRK-1"}, {"Mileage", static_cast<float>(mile)}});
   auto& window = Open(id);
   ShowPage(window, 4);
-  window.grdOdometer.SetRow(6);
-  test::Press(window.grdOdometer, Qt::Key_Space);
+  window.readingGrid.SetRow(6);
+  test::Press(window.readingGrid, Qt::Key_Space);
   test::Click(test::Open("frmOdometerMaint"), "CancelButton");
   ASSERT_EQ(ui::ActiveForm(), &window);
-  EXPECT_EQ(window.grdOdometer.Row(), 6);
+  EXPECT_EQ(window.readingGrid.Row(), 6);
   EXPECT_EQ(window.pages.currentIndex(), 0);
   ShowPage(window, 4);
   screen_->Expect("Are you sure you want to remove this entry?", Icon::Question, Buttons::YesNo, Answer::Yes);
-  test::Press(window.grdOdometer, Qt::Key_Delete);
-  EXPECT_EQ(window.grdOdometer.CellText(1), "2.0");
+  test::Press(window.readingGrid, Qt::Key_Delete);
+  EXPECT_EQ(window.readingGrid.CellText(1), "2.0");
   ShowPage(window, 3);
   test::Enter(window, "Text8");
   screen_->ExpectInput("Enter New Asset ID:", "TRK-9");
-  window.cmdRename->click();
+  window.renameButton->click();
   test::Settle();
   EXPECT_TRUE(window.notes.hasFocus());
 }
@@ -376,15 +376,15 @@ TEST_F(AssetWindowTest, APictureComesInAndGoesOut) {
   truck.fill(Qt::red);
   ASSERT_TRUE(truck.save(QString::fromStdString(path)));
   auto& window = Open(id);
-  EXPECT_EQ(window.cmdPicture[1]->text(), "&Add Photo");
-  EXPECT_FALSE(window.cmdPicture[0]->isEnabled());
+  EXPECT_EQ(window.pictureButtons[1]->text(), "&Add Photo");
+  EXPECT_FALSE(window.pictureButtons[0]->isEnabled());
 
   test::Click(window, "cmdPicture(1)");
   auto& picker = test::Open("frmGetPictureFile");
   window.SetPhoto(path);
   picker.Unload();
   test::Settle();
-  EXPECT_EQ(window.cmdPicture[1]->text(), "&Update Photo");
+  EXPECT_EQ(window.pictureButtons[1]->text(), "&Update Photo");
   EXPECT_EQ(Pictures(), "1") << "stored at once, with the record";
   EXPECT_EQ(window.Photo(), "");
   test::Click(window, "cmdPicture(0)");
@@ -394,7 +394,7 @@ TEST_F(AssetWindowTest, APictureComesInAndGoesOut) {
   test::Click(window, "cmdPicture(1)");
   test::Open("frmGetPictureFile").Unload();
   test::Settle();
-  EXPECT_EQ(window.cmdPicture[1]->text(), "&Add Photo");
+  EXPECT_EQ(window.pictureButtons[1]->text(), "&Add Photo");
   EXPECT_EQ(Pictures(), "1") << "until OK";
   test::Click(window, "OKButton");
   EXPECT_EQ(Pictures(), "0");
@@ -427,15 +427,15 @@ TEST_F(AssetWindowTest, TheKeyOfPrintAndUnpostPressesNeither) {
   fleet_.AddTransaction("TRK-1", 2026, 3);
   Post();
   auto& window = Open(id);
-  ASSERT_TRUE(window.cmdUnpost->isEnabled());
-  ASSERT_TRUE(window.cmdPrint->text().contains("&P") && window.cmdUnpost->text().contains("&p"));
+  ASSERT_TRUE(window.unpostButton->isEnabled());
+  ASSERT_TRUE(window.printButton->text().contains("&P") && window.unpostButton->text().contains("&p"));
   for (int i = 0; i < 2; ++i) {
     QTest::keyClick(&window, Qt::Key_P, Qt::AltModifier);
     test::Settle();
-    EXPECT_EQ(window.focusWidget(), window.cmdPrint) << "its page comes forward";
+    EXPECT_EQ(window.focusWidget(), window.printButton) << "its page comes forward";
     QTest::keyClick(&window, Qt::Key_P, Qt::AltModifier);
     test::Settle();
-    EXPECT_EQ(window.focusWidget(), window.cmdUnpost);
+    EXPECT_EQ(window.focusWidget(), window.unpostButton);
   }
   EXPECT_FALSE(ui::FindForm("frmRptDWR006"));
   EXPECT_EQ(fleet_.Ask("SELECT COUNT(*) FROM [Maintenance Transactions] WHERE [When Posted] IS NULL"), "0");

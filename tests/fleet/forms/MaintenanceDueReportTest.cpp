@@ -63,15 +63,15 @@ TEST_F(MaintenanceDueReport, IsWrittenAndShownOrToldWhyNot) {
   fleet_.Asset("V1", "#2/1/2025#");
   fleet_.Line("V1", "1", "12", "100");
   auto& form = Shown();
-  EXPECT_EQ(form.txtUsage.Text(), "500");
-  EXPECT_EQ(form.Text1.Text(), "3/29/2026");
-  EXPECT_EQ(form.Text1.selectedText(), "3/29/2026") << "marked when the focus comes in";
+  EXPECT_EQ(form.usage.Text(), "500");
+  EXPECT_EQ(form.dueBy.Text(), "3/29/2026");
+  EXPECT_EQ(form.dueBy.selectedText(), "3/29/2026") << "marked when the focus comes in";
   test::Type(form, "Text1", "");
   test::Type(form, "txtUsage", "-7x.5");
-  EXPECT_EQ(form.txtUsage.Text(), "7.5");
+  EXPECT_EQ(form.usage.Text(), "7.5");
   test::Enter(form, "Text1");
-  EXPECT_EQ(form.Text1.selectedText(), "3/15/2026") << "an empty one is today";
-  test::Press(form.Text1, Qt::Key_Return);
+  EXPECT_EQ(form.dueBy.selectedText(), "3/15/2026") << "an empty one is today";
+  test::Press(form.dueBy, Qt::Key_Return);
   EXPECT_FALSE(IsOpen());
   EXPECT_NE(Content(log_).find("Items due in the next 7.5 mile(s) or by 3/15/2026\r\n"), std::string::npos);
   EXPECT_NE(Content(log_).find("Inspection due on 2/1/2026\r\n"), std::string::npos);
@@ -98,7 +98,7 @@ TEST_F(MaintenanceDueReport, IsWrittenAndShownOrToldWhyNot) {
     screen_->ExpectPart("No maintenance report was written.", Icon::Critical);
     test::Click(again, "cmdProceed");
     ASSERT_TRUE(IsOpen()) << date << usage;
-    EXPECT_TRUE(again.cmdProceed->isEnabled() && again.cmdCancel->isEnabled());
+    EXPECT_TRUE(again.proceedButton->isEnabled() && again.cancelButton->isEnabled());
     EXPECT_EQ(Content(log_), earlier) << "only a finished report replaces it";
   }
   test::Press(again, Qt::Key_Escape);

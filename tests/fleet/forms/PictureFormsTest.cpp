@@ -26,9 +26,9 @@ namespace {
 namespace fs = std::filesystem;
 using screen::Icon;
 
-QByteArray Picture(Qt::GlobalColor colour, const char* format) {
+QByteArray Picture(Qt::GlobalColor color, const char* format) {
   QImage image(40, 30, QImage::Format_RGB32);
-  image.fill(colour);
+  image.fill(color);
   QByteArray bytes;
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::WriteOnly);
@@ -61,15 +61,16 @@ class PictureFormsTest : public testing::Test {
     caller_->ShowForm();
     dw::OpenGetPicture(*caller_, *caller_);
     auto& form = dynamic_cast<dw::frmGetPictureFile&>(test::Open("frmGetPictureFile"));
-    form.Dir1.SetPath(directory_.Path("Photos"));
+    form.directories.SetPath(directory_.Path("Photos"));
     form.TemporaryFilepath = Path("Scans");
     test::Settle();
     return form;
   }
   static void ClickFile(dw::frmGetPictureFile& form, const char* name) {
-    QListWidgetItem* item = form.File1.findItems(name, Qt::MatchExactly).value(0);
+    QListWidgetItem* item = form.fileList.findItems(name, Qt::MatchExactly).value(0);
     ASSERT_NE(item, nullptr) << name;
-    QTest::mouseClick(form.File1.viewport(), Qt::LeftButton, {}, form.File1.visualItemRect(item).center());
+    QTest::mouseClick(form.fileList.viewport(), Qt::LeftButton, {},
+                      form.fileList.visualItemRect(item).center());
     test::Settle();
   }
   static bool IsOpen() { return ui::FindForm("frmGetPictureFile") != nullptr; }
@@ -111,26 +112,26 @@ TEST_F(PictureFormsTest, TabGoesThroughTheWindowAndStopsAtTheChosenScanSizeAlone
   const std::vector<std::string> inOrder = {"Drive1",   "Dir1",      "File1",     "optPage",  "chkPreview",
                                             "chkTrace", "cmdSelect", "cmdRemove", "cmdCancel"};
   EXPECT_EQ(stops, inOrder);
-  EXPECT_TRUE(form.Drive1.hasFocus()) << "and round again";
+  EXPECT_TRUE(form.drives.hasFocus()) << "and round again";
 }
 
 TEST_F(PictureFormsTest, AFileIsHandedOverByItsClickAlready) {
   auto& form = OpenGet();
   EXPECT_EQ(form.windowTitle(), "Get Picture File");
-  EXPECT_EQ(form.File1.count(), 3) << "pictures only, whatever the case of their endings";
-  EXPECT_FALSE(form.cmdScan.isEnabled());
-  EXPECT_FALSE(form.ImgEdit1.isVisible());
+  EXPECT_EQ(form.fileList.count(), 3) << "pictures only, whatever the case of their endings";
+  EXPECT_FALSE(form.scanButton.isEnabled());
+  EXPECT_FALSE(form.scanImage.isVisible());
 
   test::Enter(form, "File1");
   screen_->Expect("Select a file name before clicking the Select button.", Icon::Information);
-  test::Press(form.File1, Qt::Key_Return);
-  EXPECT_TRUE(form.File1.hasFocus());
+  test::Press(form.fileList, Qt::Key_Return);
+  EXPECT_TRUE(form.fileList.hasFocus());
   EXPECT_EQ(caller_->Photo(), "") << "the focus alone does not choose";
 
   ClickFile(form, "truck.jpg");
   EXPECT_EQ(caller_->Photo(), Path("truck.jpg"));
-  EXPECT_TRUE(form.imgPreview.HasPicture());
-  test::Press(form.File1, Qt::Key_Down);
+  EXPECT_TRUE(form.preview.HasPicture());
+  test::Press(form.fileList, Qt::Key_Down);
   EXPECT_EQ(caller_->Photo(), Path("van.BMP"));
   test::Click(form, "cmdSelect");
   EXPECT_FALSE(IsOpen());
@@ -147,13 +148,13 @@ TEST_F(PictureFormsTest, AFileIsHandedOverByItsClickAlready) {
 TEST_F(PictureFormsTest, AFileThatIsNoPictureKeepsTheWindowUntilItsCallerGoes) {
   auto& form = OpenGet();
   ClickFile(form, "broken.wmf");
-  EXPECT_FALSE(form.imgPreview.HasPicture());
-  EXPECT_TRUE(form.imgPreview.accessibleDescription().startsWith("This file cannot be used as a picture: "));
+  EXPECT_FALSE(form.preview.HasPicture());
+  EXPECT_TRUE(form.preview.accessibleDescription().startsWith("This file cannot be used as a picture: "));
   screen_->ExpectPart("broken.wmf' cannot be used as a picture: ", Icon::Exclamation);
   test::Click(form, "cmdSelect");
   EXPECT_TRUE(IsOpen());
-  form.Dir1.SetPath(Path("Scans"));
-  EXPECT_EQ(form.imgPreview.accessibleDescription().toStdString(), "No picture");
+  form.directories.SetPath(Path("Scans"));
+  EXPECT_EQ(form.preview.accessibleDescription().toStdString(), "No picture");
   caller_->Unload();
   test::Settle();
   EXPECT_FALSE(IsOpen());
@@ -184,9 +185,9 @@ TEST_F(PictureFormsTest, AScanIsHandedOverWithATraceOfItsSteps) {
   const test::TestScanner device;
   if (!device.Installed()) GTEST_SKIP() << "no test device on this machine";
   auto* form = &OpenGet();
-  EXPECT_TRUE(form->ImgEdit1.isVisible());
+  EXPECT_TRUE(form->scanImage.isVisible());
   form->TemporaryFilename = "Truck7";
-  form->chkTrace.setChecked(true);
+  form->makeTrace.setChecked(true);
   test::Click(*form, "cmdScan");
   EXPECT_FALSE(IsOpen());
   const std::string bmp = Path("Scans/truck7.bmp"), jpeg = Path("Scans/truck7.jpg");
@@ -206,7 +207,7 @@ TEST_F(PictureFormsTest, AScanIsHandedOverWithATraceOfItsSteps) {
   form = &OpenGet();
   form->TemporaryFilename = "Truck7";
   form->ReturnJPG = true;
-  form->chkTrace.setChecked(true);
+  form->makeTrace.setChecked(true);
   test::Click(*form, "cmdScan");
   EXPECT_EQ(caller_->Photo(), jpeg);
   EXPECT_FALSE(fs::exists(bmp));
@@ -224,15 +225,16 @@ TEST_F(PictureFormsTest, AScanThatIsNotMadeKeepsTheWindow) {
   if (!device.Installed()) GTEST_SKIP() << "no test device on this machine";
   auto* form = &OpenGet();
   test::Click(*form, "optCam");
-  EXPECT_TRUE(form->chkPreview.isChecked());
+  EXPECT_TRUE(form->setUpBeforeScan.isChecked());
   test::Click(*form, "optPage");
-  EXPECT_FALSE(form->chkPreview.isChecked());
-  form->chkPreview.setChecked(true);
+  EXPECT_FALSE(form->setUpBeforeScan.isChecked());
+  form->setUpBeforeScan.setChecked(true);
   AnswerSetup("CancelButton");
   test::Click(*form, "cmdScan");
   ASSERT_TRUE(IsOpen());
   EXPECT_EQ(caller_->Photo(), "");
-  EXPECT_TRUE(form->cmdScan.isEnabled() && form->cmdCancel.isEnabled() && form->cmdSelect.isEnabled());
+  EXPECT_TRUE(form->scanButton.isEnabled() && form->cancelButton.isEnabled() &&
+              form->selectButton.isEnabled());
   AnswerSetup("OKButton");
   test::Click(*form, "cmdScan");
   EXPECT_FALSE(IsOpen());
@@ -243,7 +245,7 @@ TEST_F(PictureFormsTest, AScanThatIsNotMadeKeepsTheWindow) {
   caller_->SetPhoto("");
   const test::TestScanner jammed("read-status-code \"SANE_STATUS_JAMMED\"\n");
   form = &OpenGet();
-  form->chkTrace.setChecked(true);
+  form->makeTrace.setChecked(true);
   screen_->Expect("Unable to scan the picture.\rDocument feeder jammed.", Icon::Critical);
   test::Click(*form, "cmdScan");
   ASSERT_TRUE(IsOpen());
@@ -259,8 +261,8 @@ TEST_F(PictureFormsTest, AScanThatIsNotMadeKeepsTheWindow) {
 }
 
 TEST_F(PictureFormsTest, TheStoredPictureIsShown) {
-  const auto stored = [&](Qt::GlobalColor colour) {
-    const QByteArray bytes = Picture(colour, "bmp");
+  const auto stored = [&](Qt::GlobalColor color) {
+    const QByteArray bytes = Picture(color, "bmp");
     return rt::Value(rt::Binary(bytes.begin(), bytes.end()));
   };
   const std::int32_t none = fleet_.AddAsset("NONE");

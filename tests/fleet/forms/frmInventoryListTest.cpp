@@ -162,7 +162,7 @@ TEST_F(frmInventoryListTest, AnAssetWithItsWindowOpenElsewhereGoesWhenTheWindowD
 TEST_F(frmInventoryListTest, AWindowMissesItsAssetWhenItComesBackFromAChild) {
   auto& window = Show<dw::frmInventoryMaint, frmInventoryList>();
   window.pages.setCurrentIndex(4);
-  test::Press(window.grdOdometer, Qt::Key_Insert);
+  test::Press(window.readingGrid, Qt::Key_Insert);
   fleet_.Run("DELETE * FROM [Vehicles] WHERE [ID] = " + std::to_string(id_));
   screen_->Expect("Internal Error. Unable to re-read Inventory #" + std::to_string(id_) + "'s record.",
                   Icon::None);

@@ -227,7 +227,7 @@ TEST_F(Criteria, WhatSomebodyElseHoldsIsForReading) {
   screen_->Expect(kHeld, Icon::Information);
   screen_->ExpectPart("Current Computers In Use:", Icon::Information);
   auto& form = OpenFirst();
-  EXPECT_FALSE(form.OkButton->isEnabled());
+  EXPECT_FALSE(form.okButton->isEnabled());
   EXPECT_FALSE(form.Text1.isEnabled());
   EXPECT_EQ(form.SelectGrid().RecordCount(), 1);
   test::Click(form, "CancelButton");
@@ -235,7 +235,7 @@ TEST_F(Criteria, WhatSomebodyElseHoldsIsForReading) {
   other_.Leave();
 
   auto& mine = OpenFirst();
-  EXPECT_TRUE(mine.OkButton->isEnabled());
+  EXPECT_TRUE(mine.okButton->isEnabled());
   EXPECT_THROW(fleet_.Run("UPDATE [Select and Sort Queries] SET [Description] = 'x'", kSands),
                store::StoreError)
       << "held until OK or Cancel";

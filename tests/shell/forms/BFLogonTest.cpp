@@ -42,36 +42,36 @@ TEST_F(BFLogonTest, TriesAgainUntilNameAndPasswordFitAndWritesTheLog) {
   NameWorkstation("Front Desk");
   dw::BFLogon& form = Show();
   EXPECT_EQ(form.windowTitle(), "Brackenfel for Windows Logon");
-  EXPECT_EQ(form.WorkstationLabel.text(), "Front Desk");
+  EXPECT_EQ(form.workstation.text(), "Front Desk");
   EXPECT_EQ(dw::WorkstationName, "Front Desk");
   EXPECT_FALSE(dw::FirstRunPending);
   EXPECT_EQ(sys::GetSetting("DW", "Control", "Initialized"), "Yes");
-  EXPECT_TRUE(form.Text1.hasFocus());
+  EXPECT_TRUE(form.userName.hasFocus());
 
   // While the box is open, the user cannot click anything a second time.
   screen_->onBox = [&](const screen::Box&) {
-    EXPECT_FALSE(form.Text1.isEnabled() || form.Text2.isEnabled() || form.OKButton.isEnabled() ||
-                 form.Cancel.isEnabled());
+    EXPECT_FALSE(form.userName.isEnabled() || form.password.isEnabled() || form.okButton.isEnabled() ||
+                 form.cancelButton.isEnabled());
   };
   screen_->Expect(kIncorrect, Icon::Critical);
   test::Type(form, "Text1", "nobody");
-  test::Press(form.Text1, Qt::Key_Return);
-  EXPECT_TRUE(form.OKButton.isEnabled() && form.Text2.isEnabled() && form.Cancel.isEnabled());
-  EXPECT_TRUE(form.Text1.hasFocus());
-  EXPECT_EQ(form.Text1.selectedText(), "nobody");
-  QTest::keyClicks(&form.Text1, "mcarthur");
-  EXPECT_EQ(form.Text1.Text(), "mcarthur");
+  test::Press(form.userName, Qt::Key_Return);
+  EXPECT_TRUE(form.okButton.isEnabled() && form.password.isEnabled() && form.cancelButton.isEnabled());
+  EXPECT_TRUE(form.userName.hasFocus());
+  EXPECT_EQ(form.userName.selectedText(), "nobody");
+  QTest::keyClicks(&form.userName, "mcarthur");
+  EXPECT_EQ(form.userName.Text(), "mcarthur");
 
   screen_->Expect(kNotAuthorized, Icon::Critical);
   test::Type(form, "Text2", "wrong");
-  EXPECT_EQ(form.Text2.displayText(), "*****");
+  EXPECT_EQ(form.password.displayText(), "*****");
   test::Click(form, "OKButton");
   EXPECT_EQ(form.Attempts, 2);
   test::Enter(form, "Text2");
-  EXPECT_TRUE(form.Text2.hasSelectedText());
+  EXPECT_TRUE(form.password.hasSelectedText());
 
   test::Type(form, "Text2", "sECRET");
-  test::Press(form.Text2, Qt::Key_Return);
+  test::Press(form.password, Qt::Key_Return);
   EXPECT_EQ(ui::FindForm("BFLogon"), nullptr);
   EXPECT_EQ(dw::CurrentUserName, "McArthur");
   EXPECT_EQ(Ask("SELECT [Computer ID] FROM [Access Log] WHERE [User ID] = 3 AND [Time Out] IS NULL"), "11");
@@ -95,7 +95,7 @@ TEST_F(BFLogonTest, ARefusalOrCancelEndsTheProgram) {
   test::Click(unknown, "OKButton");
   ExpectOver();
 
-  test::Press(Show().Text1, Qt::Key_Escape);
+  test::Press(Show().userName, Qt::Key_Escape);
   ExpectOver();
 }
 
@@ -106,7 +106,7 @@ TEST_F(BFLogonTest, AsksForTheNameOfTheWorkstation) {
                   Icon::Information);
   screen_->ExpectInput(kNamePrompt, longest);
   dw::BFLogon& named = Show();
-  EXPECT_EQ(named.WorkstationLabel.text().toStdString(), longest);
+  EXPECT_EQ(named.workstation.text().toStdString(), longest);
   EXPECT_EQ(sys::GetSetting("Brackenfel Software", "Settings", "Workstation Name"), longest);
   // The workstation has a name, but no administrator has entered it yet: nobody gets in.
   screen_->Expect(kNotAllowed, Icon::Critical);
@@ -133,8 +133,8 @@ TEST_F(BFLogonTest, WhoFindsTheDataAfterACancelSignsOnAnew) {
     ui::Later(*qApp, [this] {
       auto& again = static_cast<dw::GetDataPath&>(test::Open("GetDataPath"));
       EXPECT_EQ(ui::Forms().size(), 1U) << "the sign-on window has been closed";
-      again.Dir1.SetPath(files_.Path({}));
-      again.cmdOK.click();
+      again.directories.SetPath(files_.Path({}));
+      again.okButton.click();
     });
     test::Find<QPushButton>(test::Open("GetDataPath"), "cmdCancel").click();
   });

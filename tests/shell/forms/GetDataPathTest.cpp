@@ -77,24 +77,24 @@ class GetDataPathTest : public testing::Test {
 TEST_F(GetDataPathTest, TheListsLeadToADirectoryThatHoldsTheFile) {
   auto& form = Open();
   EXPECT_EQ(form.windowTitle(), "Get DW.MDB Database Location");
-  EXPECT_TRUE(form.Label1.text().startsWith("The DW.MDB file name will appear below when"));
-  EXPECT_EQ(form.Dir1.Path(), other_);
-  EXPECT_FALSE(form.cmdOK.isEnabled());
-  form.Drive1.SetDrive(office_);
-  form.Dir1.SetPath(fleet_);
-  EXPECT_EQ(form.txtDataPath.Text(), fleet_);
+  EXPECT_TRUE(form.instructions.text().startsWith("The DW.MDB file name will appear below when"));
+  EXPECT_EQ(form.directories.Path(), other_);
+  EXPECT_FALSE(form.okButton.isEnabled());
+  form.drives.SetDrive(office_);
+  form.directories.SetPath(fleet_);
+  EXPECT_EQ(form.dataPath.Text(), fleet_);
   user_->ExpectPart("Device unavailable\r\r" + directory_.Path("cd"), Icon::Critical);
-  form.Drive1.SetDrive(directory_.Path("cd"));
-  EXPECT_EQ(form.Drive1.Drive(), office_) << "the old place stays";
-  EXPECT_EQ(form.Dir1.Path(), fleet_);
-  form.Drive1.SetDrive(other_);
-  EXPECT_EQ(form.txtDataPath.Text(), "");
+  form.drives.SetDrive(directory_.Path("cd"));
+  EXPECT_EQ(form.drives.Drive(), office_) << "the old place stays";
+  EXPECT_EQ(form.directories.Path(), fleet_);
+  form.drives.SetDrive(other_);
+  EXPECT_EQ(form.dataPath.Text(), "");
 
   // The user can type a path, too; the window accepts it only if the file is there.
   for (const std::string& typed : {other_, office_, fleet_ + '/'}) {
     EXPECT_EQ(Kept(), "/gone/");
     test::Type(form, "txtDataPath", typed);
-    test::Press(form.txtDataPath, Qt::Key_Return);
+    test::Press(form.dataPath, Qt::Key_Return);
   }
   EXPECT_FALSE(IsOpen());
   EXPECT_EQ(dw::DataFile, fleet_ + "/dw.mdb");
@@ -103,14 +103,14 @@ TEST_F(GetDataPathTest, TheListsLeadToADirectoryThatHoldsTheFile) {
 
 TEST_F(GetDataPathTest, TheSearchFillsInTheAcceptedCopy) {
   auto& form = Open();
-  user_->onEvents = [&] { EXPECT_FALSE(form.cmdCancel.isEnabled() || form.cmdLocate.isEnabled()); };
+  user_->onEvents = [&] { EXPECT_FALSE(form.cancelButton.isEnabled() || form.locateButton.isEnabled()); };
   user_->Expect("Found one copy at " + fleet_ + " on drive " + office_ + ".\r\rUse this database location?",
                 Icon::None, Buttons::YesNo, Answer::Yes);
   test::Click(form, "cmdLocate");
-  EXPECT_EQ(form.Drive1.Drive() + form.Dir1.Path(), office_ + fleet_);
-  EXPECT_TRUE(form.cmdOK.hasFocus());
-  EXPECT_TRUE(form.cmdCancel.isEnabled());
-  test::Press(form.cmdOK, Qt::Key_Return);
+  EXPECT_EQ(form.drives.Drive() + form.directories.Path(), office_ + fleet_);
+  EXPECT_TRUE(form.okButton.hasFocus());
+  EXPECT_TRUE(form.cancelButton.isEnabled());
+  test::Press(form.okButton, Qt::Key_Return);
   EXPECT_EQ(Kept(), fleet_ + '/');
 
   // Closing the window ends a search at once.
@@ -132,20 +132,19 @@ TEST_F(GetDataPathTest, AFailedInstallationLeavesTheWindowOpen) {
       Icon::None, Buttons::OkCancel, Answer::Ok);
   user_->Expect("Drovewright Release CD was not found. No files copied.", Icon::Critical);
   test::Click(form, "cmdCDInstall");
-  EXPECT_TRUE(form.cmdCDInstall.isEnabled());
+  EXPECT_TRUE(form.installButton.isEnabled());
   // A search without drives leaves the buttons as they are.
   drives_.clear();
   user_->Expect("No Drives were found!", Icon::Critical);
   test::Click(form, "cmdLocate");
-  EXPECT_FALSE(form.cmdCancel.isEnabled());
+  EXPECT_FALSE(form.cancelButton.isEnabled());
 }
 
 TEST_F(GetDataPathTest, TheWindowComesAgainUntilTheDataIsFound) {
-  bool ok = false;
   const auto cancel = [this](dw::GetDataPath& form) {
     user_->Expect("This must be set up before you may use the application.", Icon::Critical, Buttons::Ok,
                   Answer::Ok, "Brackenfel Software Solutions Setup");
-    test::Press(form.Dir1, Qt::Key_Escape);
+    test::Press(form.directories, Qt::Key_Escape);
   };
   WhenOpen([&](dw::GetDataPath& form) {
     cancel(form);
@@ -154,28 +153,25 @@ TEST_F(GetDataPathTest, TheWindowComesAgainUntilTheDataIsFound) {
       WhenOpen([&](dw::GetDataPath& third) {
         EXPECT_EQ(ended_, 2) << "every other form is closed each time";
         EXPECT_EQ(third.FileName, "DW.MDB");
-        third.Dir1.SetPath(fleet_);
-        third.cmdOK.click();
+        third.directories.SetPath(fleet_);
+        third.okButton.click();
       });
     });
   });
-  dw::LocateData(ok);
-  EXPECT_TRUE(ok);
+  EXPECT_TRUE(dw::LocateData());
   EXPECT_EQ(dw::DataFile, fleet_ + "/dw.mdb");
 
   // Closing the window changes nothing either.
-  ok = false;
   sys::SaveSetting("DW", "Data", "DW Data Path", "/gone/");
   WhenOpen([&](dw::GetDataPath& form) {
     form.close();
     WhenOpen([&](dw::GetDataPath& next) {
       EXPECT_TRUE(next.isModal());
-      next.Dir1.SetPath(fleet_);
-      next.cmdOK.click();
+      next.directories.SetPath(fleet_);
+      next.okButton.click();
     });
   });
-  dw::LocateData(ok);
-  EXPECT_TRUE(ok);
+  EXPECT_TRUE(dw::LocateData());
   EXPECT_EQ(dw::SandsFile, fleet_ + "/dw_sands.mdb");
 }
 
@@ -185,8 +181,8 @@ TEST_F(GetDataPathTest, AFileThatVanishesLaterIsOpenedWhereItIsFound) {
   WhenOpen([&](dw::GetDataPath& form) {
     EXPECT_EQ(form.FileName, "DW_SANDS.MDB");
     EXPECT_EQ(user_->CurrentPointer(), screen::Pointer::Normal);
-    form.Dir1.SetPath(fleet_);
-    form.cmdOK.click();
+    form.directories.SetPath(fleet_);
+    form.okButton.click();
   });
   dw::AdoConnectionPtr connection;
   EXPECT_TRUE(dw::AdoOpenConnection(connection, dw::SandsConnect, false));
@@ -231,10 +227,10 @@ TEST_F(GetDataPathTest, AWindowThatIsClosedUnderItsMissingFileGoesNoFurther) {
     WhenOpen([&](dw::GetDataPath& again) {
       asked = true;
       EXPECT_EQ(ui::FindForm("NeedsFile"), nullptr);
-      again.Dir1.SetPath(fleet_);
-      again.cmdOK.click();
+      again.directories.SetPath(fleet_);
+      again.okButton.click();
     });
-    form.cmdCancel.click();
+    form.cancelButton.click();
   });
   auto& form = *new NeedsFile;
   form.ShowForm();

@@ -26,8 +26,8 @@ namespace {
 /// A form with one field.
 class SomeForm : public ui::Form {
  public:
-  explicit SomeForm(const char* name) : Form(name) { (new QVBoxLayout(this))->addWidget(&Text1); }
-  QLineEdit Text1;
+  explicit SomeForm(const char* name) : Form(name) { (new QVBoxLayout(this))->addWidget(&field); }
+  QLineEdit field;
 };
 
 class HelpWindowTest : public testing::Test {
@@ -47,10 +47,10 @@ class HelpWindowTest : public testing::Test {
     return nullptr;
   }
   static std::string Page() {
-    return Window() == nullptr ? "no window" : Window()->txtPage->source().fileName().toStdString();
+    return Window() == nullptr ? "no window" : Window()->pageView->source().fileName().toStdString();
   }
   static std::string Chosen() {
-    const auto* item = Window()->treContents->currentItem();
+    const auto* item = Window()->contentsTree->currentItem();
     return item == nullptr ? "" : item->text(0).toStdString();
   }
 
@@ -72,7 +72,7 @@ TEST_F(HelpWindowTest, EachPageCanBeReadOnDarkAndLightGrounds) {
     int looked = 0;
     for (const auto& page : QDir(HELP_PAGES).entryList({"*.html"})) {
       Window()->ShowPage(page.toStdString());
-      const QTextDocument& document = *Window()->txtPage->document();
+      const QTextDocument& document = *Window()->pageView->document();
       for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
         for (auto part = block.begin(); !part.atEnd(); ++part) {
           const QTextCharFormat format = part.fragment().charFormat();
@@ -94,25 +94,25 @@ TEST_F(HelpWindowTest, F1ExplainsTheWindowInFront) {
   auto* detail = new SomeForm("frmDivisionMaint");
   list->ShowForm();
   detail->ShowForm();
-  test::Press(detail->Text1, Qt::Key_F1);
+  test::Press(detail->field, Qt::Key_F1);
   EXPECT_EQ(Page(), "frmDivisionList.html");
-  EXPECT_EQ(Window()->txtPage->source().fragment(), "frmDivisionMaint");
+  EXPECT_EQ(Window()->pageView->source().fragment(), "frmDivisionMaint");
   EXPECT_TRUE(Window()->isVisible());
   EXPECT_TRUE(Window()->windowTitle().startsWith("Divisions"));
   EXPECT_EQ(ui::Forms().size(), 2U);  // the help is not one of the forms
 
-  test::Press(list->Text1, Qt::Key_F1);
-  EXPECT_EQ(Window()->txtPage->source().fragment(), "");
-  test::Press(*Window()->txtPage, Qt::Key_F1);
+  test::Press(list->field, Qt::Key_F1);
+  EXPECT_EQ(Window()->pageView->source().fragment(), "");
+  test::Press(*Window()->pageView, Qt::Key_F1);
   EXPECT_EQ(Page(), "HelpWindow.html");
 
   auto* unknown = new SomeForm("frmWithoutPage");
   unknown->ShowForm();
-  test::Press(unknown->Text1, Qt::Key_F1);
+  test::Press(unknown->field, Qt::Key_F1);
   EXPECT_EQ(Page(), "contents.html");
-  QTest::keyClick(&list->Text1, Qt::Key_F1, Qt::ShiftModifier);
+  QTest::keyClick(&list->field, Qt::Key_F1, Qt::ShiftModifier);
   EXPECT_EQ(Page(), "contents.html");
-  test::Press(*Window()->txtPage, Qt::Key_Escape);
+  test::Press(*Window()->pageView, Qt::Key_Escape);
   EXPECT_EQ(Window(), nullptr);
 }
 
@@ -159,29 +159,29 @@ TEST_F(HelpWindowTest, AModalWindowBelowAnotherOneKeepsTheHelp) {
 TEST_F(HelpWindowTest, SearchShowsPagesAndMarksWords) {
   dw::ShowHelpSearch();
   dw::HelpWindow& help = *Window();
-  EXPECT_EQ(help.focusWidget(), help.txtSearch);
-  QTest::keyClicks(help.txtSearch, "Posting is complete");
-  ASSERT_GT(help.lstResults->Found(), 0);
-  EXPECT_TRUE(help.lstResults->isVisible());
-  EXPECT_FALSE(help.treContents->isVisible());
-  test::Press(*help.txtSearch, Qt::Key_Down);
-  EXPECT_EQ(help.focusWidget(), help.lstResults);
+  EXPECT_EQ(help.focusWidget(), help.searchField);
+  QTest::keyClicks(help.searchField, "Posting is complete");
+  ASSERT_GT(help.results->Found(), 0);
+  EXPECT_TRUE(help.results->isVisible());
+  EXPECT_FALSE(help.contentsTree->isVisible());
+  test::Press(*help.searchField, Qt::Key_Down);
+  EXPECT_EQ(help.focusWidget(), help.results);
   EXPECT_EQ(Page(), "frmRePost.html");
-  EXPECT_FALSE(help.txtPage->extraSelections().isEmpty());
-  EXPECT_GT(help.txtPage->textCursor().position(), 0);
+  EXPECT_FALSE(help.pageView->extraSelections().isEmpty());
+  EXPECT_GT(help.pageView->textCursor().position(), 0);
 
   help.EnterSearch();
-  QTest::keyClicks(help.txtSearch, "zzz");
-  EXPECT_EQ(help.lstResults->Found(), 0);
-  EXPECT_EQ(help.lstResults->count(), 1);
-  test::Press(*help.txtSearch, Qt::Key_Return);  // nothing to open
+  QTest::keyClicks(help.searchField, "zzz");
+  EXPECT_EQ(help.results->Found(), 0);
+  EXPECT_EQ(help.results->count(), 1);
+  test::Press(*help.searchField, Qt::Key_Return);  // nothing to open
   EXPECT_EQ(Page(), "frmRePost.html");
-  test::Press(*help.txtSearch, Qt::Key_Escape);
-  EXPECT_TRUE(help.treContents->isVisible());
-  EXPECT_TRUE(help.txtPage->extraSelections().isEmpty());
+  test::Press(*help.searchField, Qt::Key_Escape);
+  EXPECT_TRUE(help.contentsTree->isVisible());
+  EXPECT_TRUE(help.pageView->extraSelections().isEmpty());
 
-  QTest::keyClicks(help.txtSearch, "fiscal year");
-  test::Press(*help.txtSearch, Qt::Key_Return);
+  QTest::keyClicks(help.searchField, "fiscal year");
+  test::Press(*help.searchField, Qt::Key_Return);
   EXPECT_EQ(Page(), "frmFiscalYearSetup.html");
 }
 
@@ -190,15 +190,15 @@ TEST_F(HelpWindowTest, ContentsBackAndForward) {
   dw::HelpWindow& help = *Window();
   EXPECT_EQ(Page(), "contents.html");
   EXPECT_EQ(Chosen(), "");
-  auto* topics = help.treContents->topLevelItem(0);
-  help.treContents->setCurrentItem(topics->child(1));
+  auto* topics = help.contentsTree->topLevelItem(0);
+  help.contentsTree->setCurrentItem(topics->child(1));
   EXPECT_EQ(Page(), "costs.html");
   help.ShowPage("frmRePost.html");
   EXPECT_EQ(Chosen(), "Post Transactions");
-  EXPECT_FALSE(help.cmdForward->isEnabled());
+  EXPECT_FALSE(help.forwardButton->isEnabled());
   test::Click(help, "cmdBack");
   EXPECT_EQ(Page(), "costs.html");
-  QTest::keyClick(help.txtPage, Qt::Key_Right, Qt::AltModifier);
+  QTest::keyClick(help.pageView, Qt::Key_Right, Qt::AltModifier);
   EXPECT_EQ(Page(), "frmRePost.html");
   test::Click(help, "cmdContents");
   EXPECT_EQ(Page(), "contents.html");

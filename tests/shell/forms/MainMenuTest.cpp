@@ -67,9 +67,9 @@ TEST_F(MainMenuTest, TheAboutBoxFillsItselfAndLeadsToTheMenu) {
   auto& startup = ui::The<dw::Startup>();
   startup.ShowForm();
   EXPECT_EQ(startup.windowTitle(), "About Drovewright");
-  EXPECT_EQ(startup.Label12.text(), "3/15/2026");
-  EXPECT_EQ(startup.VersionLabel.text(), "Version 2.12.4");
-  EXPECT_EQ(startup.lblCurrentUser.text(), "McArthur");
+  EXPECT_EQ(startup.dateInstalled.text(), "3/15/2026");
+  EXPECT_EQ(startup.version.text(), "Version 2.12.4");
+  EXPECT_EQ(startup.currentUser.text(), "McArthur");
   EXPECT_EQ(files_.Ask("SELECT [Date Installed] FROM [Parameters] WHERE [ID] = 1"), "3/15/2026");
   EXPECT_EQ(files_.Ask("SELECT [Organization Name] FROM [Parameters]"), "");
   files_.Run("UPDATE [Parameters] SET [Organization Name] = 'Marlow Bend', [Address Line 3] = 'Bend'");
@@ -90,10 +90,10 @@ TEST_F(MainMenuTest, TheAboutBoxFillsItselfAndLeadsToTheMenu) {
   // The About box reads the parameters again; the question does not come again.
   Choose(menu, "DW_About");
   auto& again = static_cast<dw::Startup&>(test::Open("Startup"));
-  EXPECT_EQ(again.lblOrganisation[0].text(), "Marlow Bend");
-  EXPECT_EQ(again.lblOrganisation[3].text(), "Bend");
+  EXPECT_EQ(again.organization[0].text(), "Marlow Bend");
+  EXPECT_EQ(again.organization[3].text(), "Bend");
   EXPECT_EQ(dw::OrganisationName, "Marlow Bend");
-  test::Press(again.OKButton, Qt::Key_Return);
+  test::Press(again.okButton, Qt::Key_Return);
   EXPECT_EQ(ui::ActiveForm(), &menu);
   EXPECT_EQ(ui::Forms().size(), 1U);
 }
@@ -134,7 +134,7 @@ TEST_F(MainMenuTest, EntriesOpenWindowsOrSayWhyNot) {
   EXPECT_TRUE(test::Open("frmDivisionList").isVisible());
   EXPECT_TRUE(menu.isVisible());
   Choose(menu, "DW_TechSupport");
-  test::Press(static_cast<dw::TechSupport&>(test::Open("TechSupport")).OKButton, Qt::Key_Return);
+  test::Press(static_cast<dw::TechSupport&>(test::Open("TechSupport")).okButton, Qt::Key_Return);
   EXPECT_EQ(ui::FindForm("TechSupport"), nullptr);
 
   // No entry is there twice, and each has a text in the status bar that says what it is for.

@@ -42,14 +42,14 @@ TEST_F(GetSQLInfoTest, ALoginIsCheckedAndKept) {
   test::Enter(form, "Text2");
   ExpectBox("You cannot have a blank user name. Please try again.");
   test::Enter(form, "Text3");
-  EXPECT_TRUE(form.Text2.hasFocus());
+  EXPECT_TRUE(form.userId.hasFocus());
   test::Type(form, "Text2", "anna");
   test::Type(form, "Text3", "secret");
   // The passwords are compared exactly.
   test::Type(form, "Text4", "Secret");
   ExpectBox("Passwords do not match. Please try again.");
-  test::Press(form.Text4, Qt::Key_Return);
-  EXPECT_TRUE(form.Text3.hasFocus());
+  test::Press(form.confirmedPassword, Qt::Key_Return);
+  EXPECT_TRUE(form.password.hasFocus());
   test::Type(form, "Text3", "Secret");
   user_->ExpectPart("trying to open connection.", Icon::Critical);
   ExpectBox("Test Failed. Verify name and password and test again.");
@@ -60,9 +60,9 @@ TEST_F(GetSQLInfoTest, ALoginIsCheckedAndKept) {
 
   // A trusted connection removes the login.
   auto& again = Open();
-  EXPECT_EQ(again.Text4.Text(), "Secret");
+  EXPECT_EQ(again.confirmedPassword.Text(), "Secret");
   test::Click(again, "chkTrusted");
-  EXPECT_FALSE(again.Text2.isEnabled() || again.Text3.isEnabled() || again.Text4.isEnabled());
+  EXPECT_FALSE(again.userId.isEnabled() || again.password.isEnabled() || again.confirmedPassword.isEnabled());
   test::Click(again, "OKButton");
   EXPECT_EQ(Kept(), "HAULER Yes - - ");
 }
