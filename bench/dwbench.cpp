@@ -1,5 +1,5 @@
-// Measures the system on fleets that it makes itself: dwbench posting|list|due|statements|rows [size], dwbench
-// walk [seconds], dwbench micro [benchmark options].
+// Measures the system on fleets that it makes itself: dwbench posting|list|due|statements|rows [size],
+// dwbench walk [seconds], dwbench micro [benchmark options].
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
