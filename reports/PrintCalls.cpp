@@ -22,12 +22,10 @@ std::shared_ptr<PrintCalls> InstallPrintCalls(std::shared_ptr<PrintCalls> calls)
   return std::exchange(Installed(), std::move(calls));
 }
 
-std::shared_ptr<PrintCalls> SharedEngine() {
-  static const auto none = std::make_shared<PrintCalls>();
-  return Installed() ? Installed() : none;
+PrintCalls& Engine() {
+  static PrintCalls none;
+  return Installed() ? *Installed() : none;
 }
-
-PrintCalls& Engine() { return *SharedEngine(); }
 
 std::string GetEngineErrorText(int job) {
   int handle = 0, length = 0;

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +11,12 @@
 #include "platform/print/job/PrintEngine.h"
 
 namespace dw {
+
+/// A count of rows.
+struct RowCount {
+  std::int64_t rows = 0;
+  bool all = true;  ///< false: there may be more
+};
 
 /// Every call fails; an engine overrides them all.
 class PrintCalls {
@@ -62,22 +67,17 @@ class PrintCalls {
 
   /// Why the engine would not take this selection for a definition file; empty if it would.
   virtual std::string SelectionFault(const std::string&, const std::string&) { return {}; }
-  /// How many rows of the main file a definition file has with this selection, but no more than kMostCounted:
-  /// kMostCounted + 1 stands for more. Nothing if `goOn`, called now and then, returns false, or if no engine
-  /// is there. Any thread may call it. Throws print::PrintError.
-  virtual std::optional<std::int64_t> CountRows(const std::string&, const std::string&,
-                                                const std::function<bool()>&) {
-    return std::nullopt;
-  }
-  static constexpr std::int64_t kMostCounted = 100000;
+  /// How many rows of the main file a definition file has with this selection. Counts for about
+  /// kCountMilliseconds, because others cannot write meanwhile. Nothing if no engine is there. Throws
+  /// print::PrintError.
+  virtual std::optional<RowCount> CountRows(const std::string&, const std::string&) { return std::nullopt; }
+  static constexpr int kCountMilliseconds = 40;
 };
 
 /// Returns what was installed before. Without an engine, no report can be opened.
 std::shared_ptr<PrintCalls> InstallPrintCalls(std::shared_ptr<PrintCalls> calls);
 /// The installed engine, or one whose calls fail.
 PrintCalls& Engine();
-/// The same for work that may outlive an installation.
-std::shared_ptr<PrintCalls> SharedEngine();
 
 /// The text of a job's last failure, of the engine's for job 0; empty if there is none to be had.
 std::string GetEngineErrorText(int job);

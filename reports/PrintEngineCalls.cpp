@@ -1,5 +1,6 @@
 #include "reports/PrintEngineCalls.h"
 
+#include <chrono>
 #include <vector>
 
 #include "data/BrackenfelGlobals.h"
@@ -95,20 +96,18 @@ class EngineCalls : public PrintCalls {
       return error.what();
     }
   }
-  std::optional<std::int64_t> CountRows(const string& file, const string& selection,
-                                        const std::function<bool()>& goOn) override {
+  std::optional<RowCount> CountRows(const string& file, const string& selection) override {
+    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kCountMilliseconds);
     std::vector<string> warnings;
-    bool more = false;
+    std::int64_t seen = 0;
     const auto rows = print::ReadReportRows(
         *print::ReadDefinition(file, DataFile), {.dataFile = DataFile, .selection = selection, .sort = {}},
         [&](std::int64_t read) {
-          more = read > kMostCounted;
-          return goOn() && !more;
+          seen = read;
+          return std::chrono::steady_clock::now() < until;
         },
         &warnings);
-    if (more) return kMostCounted + 1;
-    if (!rows) return std::nullopt;
-    return rows->rows.Count();
+    return rows ? RowCount{rows->rows.Count(), true} : RowCount{seen, false};
   }
 };
 

@@ -4,6 +4,7 @@
 #include <QWindow>
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include "platform/controls/Form.h"
 #include "platform/screen/Screen.h"
@@ -14,7 +15,7 @@ namespace dw {
 /// form does too. A window of this class that is open already comes forward and keeps its record. `hand` sets
 /// what else the form must know.
 template <class F>
-void OpenCriteriaForm(ui::Form& opener, bool add, std::int32_t id, const std::function<void(F&)>& hand) {
+void OpenBelonging(ui::Form& opener, bool add, std::int32_t id, const std::function<void(F&)>& hand) {
   const screen::Hourglass hourglass;
   F& form = ui::The<F>();
   if (!form.Loaded()) {
@@ -28,6 +29,22 @@ void OpenCriteriaForm(ui::Form& opener, bool add, std::int32_t id, const std::fu
     form.windowHandle()->setTransientParent(opener.windowHandle());
   }
   form.ShowForm();
+}
+
+/// Opens a definition of the report's primary table.
+template <class F>
+void OpenReportCriteriaForm(ui::Form& opener, bool add, std::int32_t id, const std::string& reportID) {
+  OpenBelonging<F>(opener, add, id, [&](F& form) { form.ReportID = reportID; });
+}
+
+/// Opens a line of the definition `queryID`.
+template <class F>
+void OpenReportQueryLineForm(ui::Form& opener, bool add, std::int32_t id, std::int32_t queryID,
+                             const std::string& reportID) {
+  OpenBelonging<F>(opener, add, id, [&](F& form) {
+    form.QueryID = queryID;
+    form.ReportID = reportID;
+  });
 }
 
 }  // namespace dw

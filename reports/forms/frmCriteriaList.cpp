@@ -45,8 +45,7 @@ std::string frmCriteriaList::Query() const {
 
 void frmCriteriaList::OpenDetail(bool add, std::int32_t id) {
   CurrentRow = Grid().Row();
-  OpenCriteriaForm<frmCriteriaMaint>(*this, add, id,
-                                     [this](frmCriteriaMaint& form) { form.ReportID = ReportID; });
+  OpenReportCriteriaForm<frmCriteriaMaint>(*this, add, id, ReportID);
 }
 
 void frmCriteriaList::DeleteItem() {

@@ -1,16 +1,14 @@
 #include "reports/forms/frmCriteriaMaint.h"
 
-#include <QCoreApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLocale>
-#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <thread>
 
 #include "data/GenericTools.h"
+#include "platform/controls/Later.h"
 #include "platform/controls/Layout.h"
 #include "platform/runtime/Error.h"
 #include "reports/DWGlobals.h"
@@ -65,11 +63,11 @@ std::vector<ui::GridColumn> SortColumns() {
           {.field = "Ascending or Descending", .caption = "Order"}};
 }
 
-QString InWords(std::int64_t count) {
-  const QLocale american(QLocale::English, QLocale::UnitedStates);
-  if (count > PrintCalls::kMostCounted)
-    return "More than " + american.toString(qlonglong{PrintCalls::kMostCounted}) + " records match now.";
-  return count == 1 ? "1 record matches now." : american.toString(qlonglong{count}) + " records match now.";
+/// Empty if nothing can be said.
+QString InWords(const RowCount& count) {
+  const QString number = QLocale(QLocale::English, QLocale::UnitedStates).toString(qlonglong{count.rows});
+  if (count.all) return count.rows == 1 ? "1 record matches now." : number + " records match now.";
+  return count.rows == 0 ? QString() : "More than " + number + " records match now.";
 }
 
 QLabel* Note(const char* name) {
@@ -103,10 +101,6 @@ frmCriteriaMaint::frmCriteriaMaint()
   sort_.grid.onAdd = [this] { OpenSort(true, -1); };
   sort_.grid.onDetail = [this] { UpdateSort(); };
   sort_.grid.onDelete = [this] { RemoveItSort(); };
-}
-
-frmCriteriaMaint::~frmCriteriaMaint() {
-  if (counting_) *counting_ = false;
 }
 
 void frmCriteriaMaint::LayOutAll() {
@@ -153,17 +147,11 @@ bool frmCriteriaMaint::Refreshed() {
 }
 
 void frmCriteriaMaint::OpenSelect(bool add, std::int32_t id) {
-  OpenCriteriaForm<frmSelectMaint>(*this, add, id, [this](frmSelectMaint& form) {
-    form.QueryID = DataID;
-    form.ReportID = ReportID;
-  });
+  OpenReportQueryLineForm<frmSelectMaint>(*this, add, id, DataID, ReportID);
 }
 
 void frmCriteriaMaint::OpenSort(bool add, std::int32_t id) {
-  OpenCriteriaForm<frmSortMaint>(*this, add, id, [this](frmSortMaint& form) {
-    form.QueryID = DataID;
-    form.ReportID = ReportID;
-  });
+  OpenReportQueryLineForm<frmSortMaint>(*this, add, id, DataID, ReportID);
 }
 
 void frmCriteriaMaint::Update(InnerGrid& lines, void (frmCriteriaMaint::*open)(bool, std::int32_t)) {
@@ -200,48 +188,34 @@ void frmCriteriaMaint::ShowMeaning() {
   lblWords->setText(QString::fromStdString(words));
 
   const std::string fault =
-      SharedEngine()->SelectionFault(RptFile, SelectionFormula(WithSampleValues(lines, primary), primary));
+      Engine().SelectionFault(RptFile, SelectionFormula(WithSampleValues(lines, primary), primary));
   lblFault->setVisible(!fault.empty());
   lblFault->setText(QString::fromStdString("The report would refuse this selection: " + fault));
   const bool asks = std::ranges::any_of(lines, &SelectionLine::askAtRuntime);
-  if (counting_) *counting_ = false;
+  ++counts_;
   lblCount->setVisible(fault.empty());
   if (!fault.empty()) return;
   if (asks)
     lblCount->setText("How many records match depends on the answers.");
   else
-    StartCounting(SelectionFormula(lines, primary));
+    CountLater(SelectionFormula(lines, primary));
 }
 
-/// Counts in a thread of its own, so that nobody waits for the count of a large fleet.
-void frmCriteriaMaint::StartCounting(const std::string& formula) {
+/// Counts once the window shows the rest.
+void frmCriteriaMaint::CountLater(const std::string& formula) {
   lblCount->setText("Counting the records that match...");
-  const auto goOn = std::make_shared<std::atomic<bool>>(true);
-  counting_ = goOn;
-  const QPointer<frmCriteriaMaint> form(this);
-  std::thread([goOn, form, formula, file = RptFile, engine = SharedEngine()] {
+  ui::Later(*lblCount, [this, formula, number = ++counts_] {
+    // The definition has changed meanwhile.
+    if (number != counts_) return;
     QString text;
     try {
-      const auto count = engine->CountRows(file, formula, [&] { return goOn->load(); });
-      if (count) text = InWords(*count);
+      if (const auto count = Engine().CountRows(RptFile, formula)) text = InWords(*count);
     } catch (const rt::Error& error) {
       text = QString::fromUtf8(error.what());
     }
-    if (!*goOn) return;
-    // The form may be gone by then; its own thread finds out.
-    QMetaObject::invokeMethod(
-        qApp,
-        [goOn, form, text] {
-          if (!*goOn || !form) return;
-          form->lblCount->setText(text);
-          form->lblCount->setVisible(!text.isEmpty());
-        },
-        Qt::QueuedConnection);
-  }).detach();
-}
-
-void frmCriteriaMaint::OnUnload() {
-  if (counting_) *counting_ = false;
+    lblCount->setText(text);
+    lblCount->setVisible(!text.isEmpty());
+  });
 }
 
 }  // namespace dw

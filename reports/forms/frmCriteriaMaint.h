@@ -1,9 +1,7 @@
 // One select and sort definition: its name, its conditions and its order.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include "platform/controls/CheckBox.h"
@@ -19,7 +17,6 @@ class frmCriteriaMaint : public RecordForm {
  public:
   static constexpr const char* kName = "frmCriteriaMaint";
   frmCriteriaMaint();
-  ~frmCriteriaMaint() override;
 
   std::string ReportID;  ///< the primary table of the report
 
@@ -43,7 +40,6 @@ class frmCriteriaMaint : public RecordForm {
   void ReportVanished() override;
   bool StaysUnheld() const override { return true; }
   bool Refreshed() override;
-  void OnUnload() override;
 
  private:
   void LayOutAll();
@@ -52,11 +48,11 @@ class frmCriteriaMaint : public RecordForm {
   void Update(InnerGrid& lines, void (frmCriteriaMaint::*open)(bool, std::int32_t));
   void Remove(InnerGrid& lines, const char* table);
   void ShowMeaning();
-  void StartCounting(const std::string& formula);
+  void CountLater(const std::string& formula);
 
   InnerGrid& select_;
   InnerGrid& sort_;
-  std::shared_ptr<std::atomic<bool>> counting_;  ///< false ends the count that runs
+  int counts_ = 0;  ///< how many counts were begun; only the latest one is done
 };
 
 }  // namespace dw

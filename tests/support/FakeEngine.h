@@ -24,7 +24,7 @@ class FakeEngine : public dw::PrintCalls {
   std::map<int, int> subreports;  ///< how many stand in a section
   int looks = 0;                  ///< how often a preview is still open when the run looks
   std::string fault;              ///< what the engine has against any selection
-  std::int64_t rows = 0;          ///< what CountRows gives
+  dw::RowCount rows;              ///< what CountRows gives
 
   /// The calls from `first` on whose names begin with `part`, without the part; all calls without one.
   std::string Joined(const std::string& part = {}) const {
@@ -127,10 +127,7 @@ class FakeEngine : public dw::PrintCalls {
     asked.push_back(selection);
     return fault;
   }
-  std::optional<std::int64_t> CountRows(const std::string&, const std::string&,
-                                        const std::function<bool()>&) override {
-    return rows;
-  }
+  std::optional<dw::RowCount> CountRows(const std::string&, const std::string&) override { return rows; }
 
   std::set<int> hidden;            ///< sections that are not visible
   std::vector<std::string> asked;  ///< the selections that SelectionFault was asked about

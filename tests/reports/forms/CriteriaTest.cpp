@@ -119,7 +119,7 @@ TEST_F(Criteria, AConditionIsEnteredChecksItsFieldsAndStoresItsLiteral) {
                     {"Comparison Operator", "="},
                     {"Value", "'TRK'"},
                     {"Connector", "AND"}});
-  engine_->rows = 1234;
+  engine_->rows = {1234, true};
   auto& form = OpenFirst();
   ASSERT_TRUE(QTest::qWaitFor([&] { return Shown(form.lblCount) == "1,234 records match now."; }, 5000))
       << Shown(form.lblCount);
@@ -176,6 +176,7 @@ TEST_F(Criteria, AConditionIsEnteredChecksItsFieldsAndStoresItsLiteral) {
   test::Click(again, "CancelButton");
   EXPECT_EQ(Shown(form.lblFault),
             "The report would refuse this selection: Selection formula, column 60: ')' is missing.");
+  engine_->rows = {4096, false};
   EXPECT_EQ(engine_->asked.back(),
             "{Vehicles.Class ID} = 'TRK' AND ({Vehicles.Purchase Date} >= Date(1999,1,2)  ");
   EXPECT_FALSE(form.lblCount->isVisible());
@@ -185,6 +186,7 @@ TEST_F(Criteria, AConditionIsEnteredChecksItsFieldsAndStoresItsLiteral) {
   form.SelectGrid().SetRow(1);
   test::Press(form.SelectGrid(), Qt::Key_Delete);
   EXPECT_EQ(Shown(form.lblWords), "Class ID is TRK and (nothing)");
+  EXPECT_EQ(Shown(form.lblCount), "More than 4,096 records match now.");
   EXPECT_EQ(Sands("SELECT COUNT(*) FROM [Selection Criteria]"), "1");
 }
 
