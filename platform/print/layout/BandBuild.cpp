@@ -102,6 +102,9 @@ BuiltBand Composer::Build(const BandPlan& plan, BandValues& values, const Totals
     above.push_back({item.item->top + expected, top + height - (item.item->top + expected)});
     bottom = std::max(bottom, top + height);
   }
+  // Where a text grew beyond the height of the band, as much space stays below it as stands above the first.
+  if (plan.band->minimumHeight > 0 && bottom > plan.band->minimumHeight && !plan.items.empty())
+    bottom += plan.items.front().item->top;
   band.height = bottom;
   for (PlacedBand& part : band.parts)
     for (Rule& rule : part.rules)
