@@ -64,6 +64,7 @@ int Lists(int transactions);
 int Due(int assets);
 int Statements(int assets);
 int Walk(int seconds);
+int Reports(int transactions);
 int ReportRows(int transactions);
 int Micro(int argc, char** argv);
 

@@ -1,5 +1,5 @@
-// Measures the system on fleets that it makes itself: dwbench posting|list|due|statements|rows [size],
-// dwbench walk [seconds], dwbench micro [benchmark options].
+// Measures the system on fleets that it makes itself: dwbench posting|list|due|statements|rows|reports
+// [size], dwbench walk [seconds], dwbench micro [benchmark options].
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
     if (what == "due") return bench::Due(size > 0 ? size : 10000);
     if (what == "statements") return bench::Statements(size > 0 ? size : 835);
     if (what == "rows") return bench::ReportRows(size > 0 ? size : 1000000);
+    if (what == "reports") return bench::Reports(size > 0 ? size : 50000);
 #ifdef DWBENCH_WALK
     if (what == "walk") return bench::Walk(size > 0 ? size : 10);
 #endif
@@ -25,8 +26,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "dwbench: %s\n", error.what());
     return 1;
   }
-  std::fprintf(stderr,
-               "usage: dwbench posting|list|due|statements|rows [size]\n       dwbench walk [seconds]\n"
-               "       dwbench micro [benchmark options]\n");
+  std::fprintf(
+      stderr,
+      "usage: dwbench posting|list|due|statements|rows|reports [size]\n       dwbench walk [seconds]\n"
+      "       dwbench micro [benchmark options]\n");
   return 2;
 }
