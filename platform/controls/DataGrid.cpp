@@ -28,14 +28,19 @@ class HeadingStyle : public QProxyStyle {
  public:
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                    const QWidget* widget) const override {
-    const auto* header = qstyleoption_cast<const QStyleOptionHeaderV2*>(option);
+    const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option);
     if (element != CE_HeaderLabel || !header)
       return QProxyStyle::drawControl(element, option, painter, widget);
     const int inCells = pixelMetric(PM_FocusFrameHMargin, option, widget) + 1;
-    const int more = inCells + 1 - pixelMetric(PM_HeaderMargin, option, widget);
-    QStyleOptionHeaderV2 narrower(*header);
-    if (more > 0) narrower.rect.adjust(more, 0, -more, 0);
-    QProxyStyle::drawControl(element, &narrower, painter, widget);
+    const int more = std::max(0, inCells + 1 - pixelMetric(PM_HeaderMargin, option, widget));
+    const auto draw = [&](auto narrower) {
+      narrower.rect.adjust(more, 0, -more, 0);
+      QProxyStyle::drawControl(element, &narrower, painter, widget);
+    };
+    if (const auto* newer = qstyleoption_cast<const QStyleOptionHeaderV2*>(option))
+      draw(*newer);
+    else
+      draw(*header);
   }
 };
 
