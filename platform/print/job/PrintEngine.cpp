@@ -354,7 +354,7 @@ bool PEShowPrintControls(int job, bool show) {
 
 bool PEPrintControlsShowing(int job, bool* showing) {
   return OnJob(job, [&](PrintJob& print) {
-    const std::shared_ptr<Viewer> viewer = CurrentViewer();
+    const std::shared_ptr<Viewer>& viewer = CurrentViewer();
     *showing = print.controlsShown && print.window != 0 && viewer && viewer->IsOpen(print.window);
   });
 }
@@ -362,7 +362,7 @@ bool PEPrintControlsShowing(int job, bool* showing) {
 std::uintptr_t PEGetWindowHandle(int job) {
   std::uintptr_t window = 0;
   OnJob(job, [&](PrintJob& print) {
-    const std::shared_ptr<Viewer> viewer = CurrentViewer();
+    const std::shared_ptr<Viewer>& viewer = CurrentViewer();
     if (print.window != 0 && viewer && viewer->IsOpen(print.window)) window = print.window;
   });
   return window;

@@ -25,7 +25,7 @@ PrintJob* FindJob(int job) {
 }
 
 void CloseWindow(PrintJob& job) {
-  const std::shared_ptr<Viewer> viewer = CurrentViewer();
+  const std::shared_ptr<Viewer>& viewer = CurrentViewer();
   if (job.window != 0 && viewer) viewer->Close(job.window);
   job.window = 0;
 }

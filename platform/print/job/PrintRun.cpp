@@ -157,7 +157,7 @@ void RemoveOldMail(const files::path& directory) {
 }
 
 void Mail(const ReportRun& run) {
-  const std::shared_ptr<Mailer> mailer = CurrentMailer();
+  const std::shared_ptr<Mailer>& mailer = CurrentMailer();
   if (!mailer) throw PrintError("This program has no way to a mail program.");
   const files::path temporary = files::temp_directory_path();
   RemoveOldMail(temporary);
@@ -202,7 +202,7 @@ void StartRun(PrintJob& job) {
   const bool toWindow = job.destination == PrintJob::Destination::Window ||
                         (job.destination == PrintJob::Destination::None && CurrentViewer());
   if (toWindow) {
-    const std::shared_ptr<Viewer> viewer = CurrentViewer();
+    const std::shared_ptr<Viewer>& viewer = CurrentViewer();
     if (!viewer) throw PrintError("This program cannot show a report in a window.");
     job.run->WaitForFirstPage();
     if (job.run->Pages().PageCount() == 0 && !job.run->Failure().empty())

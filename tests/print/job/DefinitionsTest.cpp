@@ -127,7 +127,6 @@ class Fleet : public ::test::SmallFleet {
 class Definitions : public EngineTest {
  protected:
   static void SetUpTestSuite() {
-    setenv("TZ", "UTC", 1);
     fleet_ = new Fleet();
     bare_ = new ::test::SmallFleet();
     bare_->Run("DELETE FROM [Parameters]");
