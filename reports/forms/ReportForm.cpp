@@ -160,7 +160,10 @@ ReportOptions ReportForm::Options() const {
 void ReportForm::Proceed() {
   if (running_) return;
   running_ = true;
-  for (QPushButton* button : {SelectButton, ProceedButton}) button->setEnabled(false);
+  for (QPushButton* button : {SelectButton, ProceedButton}) {
+    button->setEnabled(false);
+    button->setToolTip("A report is being made or shown. Close its preview to make another one.");
+  }
   starting_ = std::make_unique<screen::Hourglass>();
   const QPointer<ReportForm> form(this);
   ReportOptions options = Options();

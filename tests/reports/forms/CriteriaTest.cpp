@@ -244,6 +244,26 @@ TEST_F(Criteria, WhatSomebodyElseHoldsIsForReading) {
   mine.Unload();
 }
 
+TEST_F(Criteria, ADefinitionThatIsOpenHereIsNotDeleted) {
+  const std::int32_t query = Definition("Trucks", true);
+  Condition(query, {{"Line Number", 1}});
+  auto& form = OpenFirst();
+  auto& list = *ui::Existing<dw::frmCriteriaList>();
+  list.activateWindow();
+  test::Settle();
+  ExpectSure(Answer::Yes);
+  screen_->Expect("This record is open in another window of this program. Close that window and try again.",
+                  Icon::Exclamation);
+  test::Press(list.Grid(), Qt::Key_Delete);
+  EXPECT_EQ(Queries() + Sands("SELECT COUNT(*) FROM [Selection Criteria]"), "11")
+      << "its lines are there, too";
+  // The definition is used as it is stored, and its window stays.
+  test::Click(list, "UseButton");
+  EXPECT_EQ(dw::RptQueryID, query);
+  EXPECT_TRUE(IsOpen("frmCriteriaMaint"));
+  test::Click(form, "OkButton");
+}
+
 TEST_F(Criteria, AVanishedDefinitionAndAVanishedLineAreTold) {
   const std::int32_t query = Definition("Trucks", true);
   const std::int32_t id = Condition(query, {{"Line Number", 1}});
