@@ -82,6 +82,9 @@ class Connection::Impl {
   /// See store::Reading.
   void StartReading();
   void EndReading() { file_.EndLooking(); }
+  /// See Session. Only outside a transaction, a group and a Reading.
+  bool ReadCopy(const std::function<bool()>& goOn) { return session_->ReadCopy(goOn); }
+  void SetEnd(std::function<bool()> over) { session_->SetEnd(std::move(over)); }
   enum class CachedRows { Store, Keep };
   /// Makes everything that waits visible to a reading of this table.
   void BeforeRead(int table, CachedRows cached = CachedRows::Store);

@@ -1,6 +1,7 @@
 #include "platform/store/QueryScan.h"
 
 #include <string>
+#include <utility>
 
 #include "platform/store/ConnectionImpl.h"
 #include "platform/store/QueryPlan.h"
@@ -35,5 +36,16 @@ bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view s
   }
   return true;
 }
+
+bool ReadFromCopy(const std::shared_ptr<Connection>& connection, const std::function<bool()>& goOn) {
+  return connection->Internals().ReadCopy(goOn);
+}
+
+ReadingEnd::ReadingEnd(std::shared_ptr<Connection> connection, std::function<bool()> over)
+    : connection_(std::move(connection)) {
+  connection_->Internals().SetEnd(std::move(over));
+}
+
+ReadingEnd::~ReadingEnd() { connection_->Internals().SetEnd(nullptr); }
 
 }  // namespace store

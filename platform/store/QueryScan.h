@@ -46,4 +46,26 @@ enum class Ties {
 bool ReadQuery(const std::shared_ptr<Connection>& connection, std::string_view sql, Ties ties,
                const std::function<bool(const QueriedRow&)>& look);
 
+/// Makes the connection, which must be read-only and have no Reading, read a private copy of the file, which
+/// is of one moment and keeps nobody from anything. `goOn` is asked every few milliseconds. False, with the
+/// connection as it was, if it says no or if the temporary directory ($TMPDIR, otherwise /tmp) cannot take
+/// the copy.
+///
+/// While the copy is made others can commit: each waits for a look of about 8 ms at the most. If somebody
+/// did, one longer look follows, in which the file is compared with the copy.
+bool ReadFromCopy(const std::shared_ptr<Connection>& connection, const std::function<bool()>& goOn);
+
+/// Ends readings of a connection with a StoreError as soon as `over` says so, also those that have not found
+/// a row yet. It is asked every few tenths of a millisecond.
+class ReadingEnd {
+ public:
+  ReadingEnd(std::shared_ptr<Connection> connection, std::function<bool()> over);
+  ~ReadingEnd();
+  ReadingEnd(const ReadingEnd&) = delete;
+  ReadingEnd& operator=(const ReadingEnd&) = delete;
+
+ private:
+  std::shared_ptr<Connection> connection_;
+};
+
 }  // namespace store

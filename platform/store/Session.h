@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -110,6 +111,11 @@ class Session {
   /// All readings see the same until EndReading; others cannot commit meanwhile.
   virtual void StartReading() = 0;
   virtual void EndReading() = 0;
+  /// From here on the session reads a copy of its own, of the file at one moment, and can write no more.
+  /// False, and nothing has changed, where `goOn` says no or the copy cannot be kept. Only without a reading.
+  virtual bool ReadCopy(const std::function<bool()>& goOn) = 0;
+  /// Asks now and then within a statement, and ends it with an error if the answer is true; null for never.
+  virtual void SetEnd(std::function<bool()> over) = 0;
   /// Changes with every commit of somebody else.
   virtual std::int64_t Version() = 0;
 

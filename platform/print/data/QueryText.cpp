@@ -13,7 +13,7 @@ std::string InBrackets(const std::string& name) { return "[" + name + "]"; }
 
 QuerySource::QuerySource(const ReportDefinition& report, const store::Schema& schema,
                          const std::string& dataFile)
-    : report_(report), schema_(schema), fields_(report.fields) {
+    : report_(report), schema_(schema), fields_(report.fields), held_(report.tables.size()) {
   if (report.tables.empty()) throw PrintError("The report '" + report.name + "' has no tables.");
   for (const auto& table : report.tables) {
     if (!schema.Find(table.name))
@@ -49,18 +49,30 @@ const store::ColumnInfo* QuerySource::Find(int table, const std::string& column)
 std::optional<int> QuerySource::PlaceOf(std::string_view name) {
   const auto dot = name.find('.');
   if (dot == std::string_view::npos) return std::nullopt;
-  FieldDefinition field;
-  field.table = FindTable(report_.tables, name.substr(0, dot));
-  const auto* info = Find(field.table, std::string(name.substr(dot + 1)));
+  return PlaceOf(FindTable(report_.tables, name.substr(0, dot)), std::string(name.substr(dot + 1)));
+}
+
+std::optional<int> QuerySource::PlaceOfJoin(const JoinDefinition& join) {
+  return PlaceOf(FindTable(report_.tables, join.otherTable), join.otherField);
+}
+
+std::optional<int> QuerySource::PlaceOf(int table, const std::string& column) {
+  const auto* info = Find(table, column);
   if (!info) return std::nullopt;
   for (std::size_t i = 0; i < fields_.size(); ++i)
-    if (fields_[i].table == field.table && rt::EqualNoCase(fields_[i].column, info->name))
+    if (fields_[i].table == table && rt::EqualNoCase(fields_[i].column, info->name))
       return static_cast<int>(i);
+  FieldDefinition field;
+  field.table = table;
   field.column = info->name;
   field.type = TypeOfColumn(info->type);
   fields_.push_back(std::move(field));
   types_.push_back(info->type);
   return static_cast<int>(fields_.size()) - 1;
+}
+
+store::ColumnType QuerySource::TypeOf(int table, const std::string& column) const {
+  return Find(table, column)->type;
 }
 
 std::string QuerySource::ColumnName(int table, const std::string& column) const {
@@ -77,10 +89,16 @@ std::string QuerySource::ShownName(int field) const {
   return Table(known.table).alias + "." + known.column;
 }
 
+std::vector<int> QuerySource::QueriedFields() const {
+  std::vector<int> queried;
+  for (std::size_t i = 0; i < fields_.size(); ++i)
+    if (!IsHeld(fields_[i].table)) queried.push_back(static_cast<int>(i));
+  return queried;
+}
+
 std::string QuerySource::ColumnList() const {
   std::string list;
-  for (std::size_t i = 0; i < fields_.size(); ++i)
-    list += (i == 0 ? "" : ", ") + ColumnOf(static_cast<int>(i)).name;
+  for (const int field : QueriedFields()) list += (list.empty() ? "" : ", ") + ColumnOf(field).name;
   // A report may show words and totals alone.
   return list.empty() ? "1" : list;
 }
@@ -89,9 +107,10 @@ std::string QuerySource::OneTable(int table) const {
   return InBrackets(Table(table).name) + " AS " + InBrackets(Table(table).alias);
 }
 
-std::string QuerySource::JoinCondition(int table) const {
+std::string QuerySource::JoinCondition(int table, Joins which) const {
   std::string condition;
   for (const auto& join : Table(table).joins) {
+    if (which == Joins::ToConstants && !join.otherTable.empty()) continue;
     if (!condition.empty()) condition += " AND ";
     condition += ColumnName(table, join.field) + " = ";
     if (join.otherTable.empty())
@@ -103,14 +122,13 @@ std::string QuerySource::JoinCondition(int table) const {
 }
 
 std::string QuerySource::From() const {
-  std::string from;
-  for (int i = 0; i < static_cast<int>(report_.tables.size()); ++i) {
-    if (i == 0) {
-      from = OneTable(i);
-      continue;
-    }
-    if (i > 1) from = "(" + from + ")";
+  std::string from = OneTable(0);
+  bool joined = false;
+  for (int i = 1; i < static_cast<int>(report_.tables.size()); ++i) {
+    if (IsHeld(i)) continue;
+    if (joined) from = "(" + from + ")";
     from += " LEFT JOIN " + OneTable(i) + " ON " + JoinCondition(i);
+    joined = true;
   }
   return from;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,27 +21,39 @@ class QuerySource {
 
   /// The place of "Table.Field"; a new place for a field that is in the file and not yet among the fields.
   std::optional<int> PlaceOf(std::string_view name);
+  /// The same for the field of another table that a join compares with.
+  std::optional<int> PlaceOfJoin(const JoinDefinition& join);
   const std::vector<FieldDefinition>& Fields() const { return fields_; }
   QueryColumn ColumnOf(int field) const;
-  /// "[A].[x], [B].[y]".
+  std::string ColumnName(int table, const std::string& column) const;
+  store::ColumnType TypeOf(int table, const std::string& column) const;
+
+  /// A table that is held in memory, or no longer: its fields are no columns of the query.
+  void Hold(int table, bool held) { held_[static_cast<std::size_t>(table)] = held; }
+  bool IsHeld(int table) const { return held_[static_cast<std::size_t>(table)]; }
+  /// The fields that are columns of the query, in their order there.
+  std::vector<int> QueriedFields() const;
+  /// "[A].[x], [B].[y]": the columns of QueriedFields.
   std::string ColumnList() const;
-  /// Tables and left joins.
+  /// Tables and left joins, without the tables that are held.
   std::string From() const;
   /// One table alone, and what joins it.
   std::string OneTable(int table) const;
-  std::string JoinCondition(int table) const;
+  enum class Joins { All, ToConstants };
+  std::string JoinCondition(int table, Joins which = Joins::All) const;
   /// A field of the file's own for messages: "Vehicles.Model Year".
   std::string ShownName(int field) const;
   const TableDefinition& Table(int table) const { return report_.tables[static_cast<std::size_t>(table)]; }
 
  private:
-  std::string ColumnName(int table, const std::string& column) const;
+  std::optional<int> PlaceOf(int table, const std::string& column);
   const store::ColumnInfo* Find(int table, const std::string& column) const;
 
   const ReportDefinition& report_;
   const store::Schema& schema_;
   std::vector<FieldDefinition> fields_;
   std::vector<store::ColumnType> types_;
+  std::vector<bool> held_;  ///< by table
 };
 
 }  // namespace print

@@ -1,10 +1,12 @@
 #include "platform/print/data/ReportQuery.h"
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <utility>
 
 #include "platform/print/PrintError.h"
+#include "platform/print/data/Lookups.h"
 #include "platform/print/data/QueryText.h"
 #include "platform/print/data/RowCollector.h"
 #include "platform/print/formula/FormulaParser.h"
@@ -12,6 +14,7 @@
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Text.h"
 #include "platform/store/Connection.h"
+#include "platform/store/QueryScan.h"
 #include "platform/store/StoreError.h"
 
 namespace print {
@@ -60,18 +63,6 @@ auto OfFile(const std::string& path, Work work) {
   }
 }
 
-/// Whether a row finds at most one partner in the table.
-bool FindsOne(const TableDefinition& table, const store::Schema& schema) {
-  const auto* info = schema.Find(table.name);
-  return std::any_of(info->indexes.begin(), info->indexes.end(), [&](const store::IndexInfo& index) {
-    if (!(index.unique || index.primary) || index.exceptEmpty) return false;
-    return std::all_of(index.columns.begin(), index.columns.end(), [&](const std::string& column) {
-      return std::any_of(table.joins.begin(), table.joins.end(),
-                         [&](const JoinDefinition& join) { return rt::EqualNoCase(join.field, column); });
-    });
-  });
-}
-
 /// The rows of a subreport by the values that link them.
 struct LinkedRows {
   rt::Value value;
@@ -79,7 +70,10 @@ struct LinkedRows {
   std::int64_t count = 0;
 };
 
-/// One look at the data file, in which all rows of a run are read.
+/// Others wait for a short report for as long as this; a longer one is read from a copy.
+constexpr std::chrono::milliseconds kShortLook{20};
+
+/// One look at the data, in which all rows of a run are read.
 class RunReader {
  public:
   RunReader(const RunRequest& request, const ReadProgress& progress, std::vector<std::string>* warnings)
@@ -87,11 +81,35 @@ class RunReader {
         progress_(progress),
         warnings_(warnings),
         now_(rt::Now()),
-        connection_(store::Connection::Open({request.dataFile, store::Share::Shared, true})),
-        look_(std::in_place, connection_),
-        schema_(connection_->Tables()) {}
+        connection_(store::Connection::Open({request.dataFile, store::Share::Shared, true})) {}
 
   std::unique_ptr<ReportRows> Read(const ReportDefinition& report) {
+    bool over = false;
+    try {
+      Look();
+      const auto end = std::chrono::steady_clock::now() + kShortLook;
+      const store::ReadingEnd limit(connection_,
+                                    [&, end] { return over = std::chrono::steady_clock::now() > end; });
+      return ReadNow(report);
+    } catch (const store::StoreError&) {
+      if (!over) throw;
+    }
+    look_.reset();
+    bool goOn = true;
+    const auto ask = [&] { return goOn = !progress_ || progress_(0); };
+    // Where there is no place for a copy, others wait.
+    if (!store::ReadFromCopy(connection_, ask) && !goOn) return nullptr;
+    Look();
+    return ReadNow(report);
+  }
+
+ private:
+  void Look() {
+    look_.emplace(connection_);
+    schema_ = connection_->Tables();
+  }
+
+  std::unique_ptr<ReportRows> ReadNow(const ReportDefinition& report) {
     QuerySource source(report, *schema_, request_.dataFile);
     const SelectionScope scope(report, source);
     Formula selection;
@@ -106,7 +124,9 @@ class RunReader {
     } else {
       for (const auto& sort : request_.sort) keys.push_back(KeyOfSort(sort, source));
     }
+    auto lookups = HoldSmallTables(connection_, report, *schema_, source);
     RowCollector collector(source, report.fields.size(), now_);
+    collector.LookInto(std::move(lookups));
     for (const auto& subreport : report.subreports) collector.Collect(subreport.outerField);
     Prepare(report, collector, std::move(keys));
     if (!selection.Empty()) collector.AddTest(&selection);
@@ -115,13 +135,11 @@ class RunReader {
     Row blank = BlankRow(report, source);
     std::vector<std::unique_ptr<InnerReading>> inner;
     for (std::size_t i = 0; i < report.subreports.size(); ++i) {
-      inner.push_back(
-          std::make_unique<InnerReading>(*report.subreports[i].report, *schema_, request_.dataFile, now_));
+      inner.push_back(std::make_unique<InnerReading>(*this, *report.subreports[i].report));
       if (!ReadInner(report.subreports[i], collector.Collected(i), *inner.back())) return nullptr;
     }
     // Ordering takes its time, in which others may write.
     look_.reset();
-    connection_.reset();
     collector.Report(warnings_);
     auto rows = collector.Finish();
     rows->blank = std::move(blank);
@@ -135,13 +153,16 @@ class RunReader {
     return rows;
   }
 
- private:
   /// The rows of a subreport until they are in order.
   struct InnerReading {
-    InnerReading(const ReportDefinition& report, const store::Schema& schema, const std::string& dataFile,
-                 rt::DateTime now)
-        : source(report, schema, dataFile), collector(source, report.fields.size(), now) {}
+    InnerReading(const RunReader& reader, const ReportDefinition& report)
+        : source(report, *reader.schema_, reader.request_.dataFile),
+          lookups(HoldSmallTables(reader.connection_, report, *reader.schema_, source)),
+          collector(source, report.fields.size(), reader.now_) {
+      collector.LookInto(std::move(lookups));
+    }
     QuerySource source;
+    std::vector<Lookup> lookups;
     RowCollector collector;
   };
 
@@ -192,7 +213,15 @@ class RunReader {
   std::string Pushed(const Formula& selection, const QuerySource& source) const {
     if (selection.Empty()) return {};
     return PushedCondition(
-        *selection.Root(), [&](int field) { return source.ColumnOf(field); }, RowValues(now_));
+        *selection.Root(),
+        [&](int field) {
+          QueryColumn column = source.ColumnOf(field);
+          // The query does not have it, so that nothing can be said of it there.
+          if (source.IsHeld(source.Fields()[static_cast<std::size_t>(field)].table))
+            column.type = store::ColumnType::LongBinary;
+          return column;
+        },
+        RowValues(now_));
   }
 
   static std::string Joined(const std::string& a, const std::string& b) {

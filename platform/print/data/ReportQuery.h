@@ -29,8 +29,11 @@ using ReadProgress = std::function<bool(std::int64_t rows)>;
 
 /// Reads all rows of the report, at one moment of the data: what of the selection the engine can say goes
 /// into the query with bound values, the rest is tested row by row. Tables are joined so that a row of the
-/// primary table is never lost. The file is open for the duration of the call only, and keeps nobody from
-/// writing for longer than that. A row that a formula cannot test is left out and reported in `warnings`.
+/// primary table is never lost. The file is open for the duration of the call only. A row that a formula
+/// cannot test is left out and reported in `warnings`.
+///
+/// While rows are read from the file itself nobody can commit: for 20 ms. What takes longer begins again on a
+/// copy of the file; see store::ReadFromCopy for how long others wait then. `progress` counts from 0 again.
 /// Throws PrintError, which names the file, table, field or place in the selection. Nothing is returned if
 /// the progress was answered with false.
 std::unique_ptr<ReportRows> ReadReportRows(const ReportDefinition& report, const RunRequest& request,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "platform/print/formula/ValueRules.h"
 #include "platform/runtime/Letters.h"
@@ -35,23 +36,52 @@ std::string RowCollector::ShownRow(std::int64_t key) const {
 }
 
 rt::Value RowCollector::Checked(const store::QueriedRow& read, int column, int field) {
-  const auto place = static_cast<std::size_t>(field);
-  const ValueKind kind = KindOf(source_.Fields()[place].type);
   rt::Value value;
   try {
     value = read.Value(column);
   } catch (const rt::Error&) {
-    Note(oddities_[place], "beyond the range in " + ShownRow(read.Key()));
+    Note(oddities_[static_cast<std::size_t>(field)], "beyond the range in " + ShownRow(read.Key()));
     return rt::Null{};
   }
+  return Fitting(std::move(value), field, read.Key());
+}
+
+rt::Value RowCollector::Fitting(rt::Value value, int field, std::int64_t key) {
   if (value.IsNull()) return value;
+  const auto place = static_cast<std::size_t>(field);
+  const ValueKind kind = KindOf(source_.Fields()[place].type);
   // Of a picture a report only knows that there is one.
   if (kind == ValueKind::Binary) return rt::Binary{};
   if (Fits(value, kind)) return value;
   const bool number = KindOf(value.Type()) == ValueKind::Number;
   if (kind == ValueKind::Text && number) return value.AsText();
-  Note(oddities_[place], Beginning(value) + " in " + ShownRow(read.Key()));
+  Note(oddities_[place], Beginning(value) + " in " + ShownRow(key));
   return rt::Null{};
+}
+
+void RowCollector::TakePartner(std::size_t lookup, std::int64_t key) {
+  const Lookup& held = lookups_[lookup];
+  const HeldCell* cells =
+      held.Find(held.KeyField() < 0 ? rt::Value() : row_[static_cast<std::size_t>(held.KeyField())]);
+  if (cells && cells == partners_[lookup]) return;
+  bool odd = false;
+  for (std::size_t i = 0; i < held.Fields().size(); ++i) {
+    const int field = held.Fields()[i];
+    auto& value = row_[static_cast<std::size_t>(field)];
+    if (!cells) {
+      value = rt::Null{};
+      continue;
+    }
+    if (cells[i].beyond) {
+      Note(oddities_[static_cast<std::size_t>(field)], "beyond the range in " + ShownRow(key));
+      value = rt::Null{};
+    } else {
+      value = Fitting(cells[i].value, field, key);
+    }
+    odd = odd || cells[i].beyond || value != cells[i].value;
+  }
+  // What is odd counts for each row.
+  partners_[lookup] = odd ? nullptr : cells;
 }
 
 bool RowCollector::SeenBefore(std::int64_t key) {
@@ -91,9 +121,9 @@ void RowCollector::AddKeys(std::int64_t row) {
 }
 
 void RowCollector::Take(const store::QueriedRow& read) {
-  const std::size_t fields = source_.Fields().size();
-  row_.resize(fields);
-  for (std::size_t i = 0; i < fields; ++i) row_[i] = Checked(read, static_cast<int>(i), static_cast<int>(i));
+  for (std::size_t i = 0; i < queried_.size(); ++i)
+    row_[static_cast<std::size_t>(queried_[i])] = Checked(read, static_cast<int>(i), queried_[i]);
+  for (std::size_t i = 0; i < lookups_.size(); ++i) TakePartner(i, read.Key());
   values_.SetRow(row_);
   if (!Passes(read.Key())) return;
   if (once_ && SeenBefore(read.Key())) return Note(doubled_, ShownRow(read.Key()));
@@ -105,8 +135,7 @@ void RowCollector::Take(const store::QueriedRow& read) {
     constexpr std::size_t kFew = 10'000;
     if (collection.values.size() > collection.sorted * 2 + kFew) SortOut(collection);
   }
-  row_.resize(width_);
-  spool_->Append(row_);
+  spool_->Append(std::span(row_).first(width_));
 }
 
 void RowCollector::SortOut(Collection& collection) {

@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "platform/print/data/Lookups.h"
 #include "platform/print/data/QueryText.h"
 #include "platform/print/data/Rows.h"
 #include "platform/print/data/SortKeys.h"
@@ -56,9 +57,20 @@ struct Oddity {
 /// Checks, tests, spools and orders rows.
 class RowCollector {
  public:
+  /// `width` is the number of fields that are kept of each row.
   RowCollector(const QuerySource& source, std::size_t width, rt::DateTime now)
-      : source_(source), width_(width), values_(now), oddities_(source.Fields().size()) {}
+      : source_(source),
+        width_(width),
+        values_(now),
+        queried_(source.QueriedFields()),
+        row_(source.Fields().size()),
+        oddities_(source.Fields().size()) {}
 
+  /// Where each row finds what the query does not have, in this order.
+  void LookInto(std::vector<Lookup> lookups) {
+    lookups_ = std::move(lookups);
+    partners_.assign(lookups_.size(), nullptr);
+  }
   void AddTest(const Formula* test) { tests_.push_back(test); }
   /// The order of the rows; what it leaves equal goes by the key of the primary table.
   void OrderBy(std::vector<RowKey> keys) { keys_ = std::move(keys); }
@@ -86,6 +98,8 @@ class RowCollector {
     std::vector<rt::Value> values;
     std::size_t sorted;
   };
+  rt::Value Fitting(rt::Value value, int field, std::int64_t key);
+  void TakePartner(std::size_t lookup, std::int64_t key);
   bool SeenBefore(std::int64_t key);
   bool Passes(std::int64_t key);
   void AddKeys(std::int64_t row);
@@ -95,6 +109,10 @@ class RowCollector {
   const QuerySource& source_;
   std::size_t width_;
   RowValues values_;
+  std::vector<int> queried_;
+  std::vector<Lookup> lookups_;
+  /// By lookup: the partner whose values the row has, as they are in the file; null where that is not so.
+  std::vector<const HeldCell*> partners_;
   std::vector<const Formula*> tests_;
   std::vector<RowKey> keys_;
   SortKeys sortKeys_;

@@ -193,7 +193,7 @@ std::uint64_t NextNumber() {
 
 class RowSpool::Impl {
  public:
-  void Append(const Row& row) {
+  void Append(std::span<const Value> row) {
     if (blocks_.empty() || blocks_.back().bytes.size() >= kBlockBytes) BeginBlock();
     Block& block = blocks_.back();
     const std::size_t before = block.bytes.size();
@@ -317,7 +317,7 @@ class RowSpool::Impl {
 
 RowSpool::RowSpool() : impl_(std::make_unique<Impl>()) {}
 RowSpool::~RowSpool() = default;
-void RowSpool::Append(const Row& row) { impl_->Append(row); }
+void RowSpool::Append(std::span<const rt::Value> row) { impl_->Append(row); }
 std::int64_t RowSpool::Count() const { return impl_->Count(); }
 void RowSpool::Arrange(std::vector<std::uint32_t> order) { impl_->Arrange(std::move(order)); }
 void RowSpool::Read(std::int64_t place, Row& row) const { impl_->Read(place, row); }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,7 +25,8 @@ class RowSpool {
   RowSpool& operator=(const RowSpool&) = delete;
 
   /// Throws PrintError if the temporary disk is full.
-  void Append(const Row& row);
+  void Append(std::span<const rt::Value> row);
+  void Append(const Row& row) { Append(std::span(row)); }
   std::int64_t Count() const;
   /// Puts the rows in another order: `order` has, for each place, the row that belongs there. Only after the
   /// last row. Throws PrintError if the temporary disk is full.

@@ -109,12 +109,9 @@ std::unique_ptr<Handle> Handle::FindOrOpen(const std::string& path, bool readOnl
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const int code = sqlite3_open_v2(path.c_str(), &handle->db_, flags, FileLayer());
   if (code != SQLITE_OK) handle->Fail(code);
-  sqlite3* db = handle->db_;
   CheckHeader(*handle);
-  sqlite3_busy_handler(db, Nap, handle.get());
-  AddFunctions(db, handle->refused_);
-  handle->Run("PRAGMA temp_store = MEMORY");
-  handle->Run("PRAGMA cache_size = -16000");
+  sqlite3_busy_handler(handle->db_, Nap, handle.get());
+  handle->SetUp();
   CheckFormat(*handle);
   if (readOnly) {
     handle->Run("PRAGMA query_only = ON");
@@ -122,6 +119,32 @@ std::unique_ptr<Handle> Handle::FindOrOpen(const std::string& path, bool readOnl
     handle->Run("PRAGMA journal_mode = TRUNCATE");
     handle->Run("PRAGMA synchronous = FULL");
   }
+  return handle;
+}
+
+void Handle::SetUp() {
+  AddFunctions(db_, refused_);
+  Run("PRAGMA temp_store = MEMORY");
+  Run("PRAGMA cache_size = -16000");
+}
+
+std::unique_ptr<Handle> Handle::OpenCopy(const std::string& copy, const Handle& of) {
+  std::unique_ptr<Handle> handle(new Handle);
+  handle->path_ = of.path_;
+  handle->readOnly_ = true;
+  handle->copy_ = true;
+  std::string uri = "file:";
+  for (const char c : copy) {
+    static constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const auto byte = static_cast<unsigned char>(c);
+    uri += {'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
+  }
+  // Nobody else has it, so that neither locks nor a journal are looked for.
+  const int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_URI;
+  const int code = sqlite3_open_v2((uri + "?immutable=1").c_str(), &handle->db_, flags, FileLayer());
+  if (code != SQLITE_OK) handle->Fail(code);
+  handle->SetUp();
+  CheckFormat(*handle);
   return handle;
 }
 
@@ -141,6 +164,7 @@ bool Handle::IsReplaced() const {
 }
 
 void Handle::Park(std::unique_ptr<Handle> handle) {
+  if (handle->copy_) return;
   // A long list or a large picture fills the memory of a handle with pages that nobody may want again.
   int pages = 0;
   int most = 0;

@@ -28,6 +28,9 @@ class Handle {
   /// Throws StoreError as Connection::Open.
   static std::unique_ptr<Handle> Acquire(const std::string& path, bool readOnly);
   static void Park(std::unique_ptr<Handle> handle);
+  /// Opens a copy of the file's bytes that nobody writes any more, for reading. The path may go once it is
+  /// open. Errors name the file that it is a copy of.
+  static std::unique_ptr<Handle> OpenCopy(const std::string& copy, const Handle& of);
   /// Closes the handles that wait, so that a file can be replaced.
   static void DropParked(const std::string& path);
   ~Handle();
@@ -57,6 +60,8 @@ class Handle {
   friend class PreparedStatement;
   Handle();
   static std::unique_ptr<Handle> FindOrOpen(const std::string& path, bool readOnly);
+  /// What holds for every database before its format is known.
+  void SetUp();
   static int Nap(void* self, int tries);
   std::chrono::milliseconds patience_{15000};
   std::chrono::steady_clock::time_point waitingSince_;
@@ -65,6 +70,7 @@ class Handle {
   bool waiting_ = false;
   std::string path_;
   bool readOnly_ = false;
+  bool copy_ = false;  ///< never parked: the next open wants the file itself
   dev_t device_ = 0;
   ino_t inode_ = 0;
   sqlite3* db_ = nullptr;

@@ -1,6 +1,9 @@
 #include "platform/store/sqlite/SqliteSession.h"
 
+#include <utility>
+
 #include "platform/store/RowList.h"
+#include "platform/store/sqlite/PrivateCopy.h"
 
 namespace store {
 
@@ -9,9 +12,27 @@ SqliteSession::SqliteSession(std::unique_ptr<Handle> handle, Holds& sign) : hand
 }
 
 SqliteSession::~SqliteSession() {
+  SetEnd(nullptr);
   Rollback();
   handle_->SetWaitingSign(nullptr);
   Handle::Park(std::move(handle_));
+}
+
+bool SqliteSession::ReadCopy(const std::function<bool()>& goOn) {
+  auto copy = CopyPrivately(*handle_, goOn);
+  if (!copy) return false;
+  SetEnd(nullptr);
+  handle_->SetWaitingSign(nullptr);
+  Handle::Park(std::exchange(handle_, std::move(copy)));
+  return true;
+}
+
+void SqliteSession::SetEnd(std::function<bool()> over) {
+  over_ = std::move(over);
+  constexpr int kStepsBetween = 5'000;  // some tenths of a millisecond
+  sqlite3_progress_handler(
+      handle_->Db(), over_ ? kStepsBetween : 0,
+      [](void* session) { return static_cast<SqliteSession*>(session)->over_() ? 1 : 0; }, this);
 }
 
 void SqliteSession::Do(std::string_view sql) {

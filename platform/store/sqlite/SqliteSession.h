@@ -21,6 +21,8 @@ class SqliteSession : public Session {
   Prepared& Prepare(std::string_view sql) override { return handle_->Prepare(sql); }
   void StartReading() override { Do("BEGIN"); }
   void EndReading() override { Do("COMMIT"); }
+  bool ReadCopy(const std::function<bool()>& goOn) override;
+  void SetEnd(std::function<bool()> over) override;
   std::int64_t Version() override { return handle_->Number("PRAGMA data_version"); }
 
   void SetPatience(std::chrono::milliseconds patience) override { handle_->SetPatience(patience); }
@@ -50,6 +52,7 @@ class SqliteSession : public Session {
   void Do(std::string_view sql);
 
   std::unique_ptr<Handle> handle_;
+  std::function<bool()> over_;
 };
 
 }  // namespace store
