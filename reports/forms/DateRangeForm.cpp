@@ -15,44 +15,44 @@ namespace dw {
 
 DateRangeForm::DateRangeForm(const char* name)
     : Form(name),
-      cmdProceed(new QPushButton("Proceed")),
-      cmdCancel(new QPushButton("Cancel")),
-      lblNote(new QLabel) {
+      proceedButton(new QPushButton("Proceed")),
+      cancelButton(new QPushButton("Cancel")),
+      note(new QLabel) {
   setWindowTitle(DateRangeOf(name).caption);
-  cmdProceed->setObjectName("cmdProceed");
-  cmdCancel->setObjectName("cmdCancel");
-  lblNote->setObjectName("lblNote");
-  lblNote->setTextFormat(Qt::PlainText);
-  lblNote->hide();
+  proceedButton->setObjectName("cmdProceed");
+  cancelButton->setObjectName("cmdCancel");
+  note->setObjectName("lblNote");
+  note->setTextFormat(Qt::PlainText);
+  note->hide();
   auto* rows = new ui::FieldRows;
-  rows->Row("Start Date", {&txtStartDate});
-  rows->Row("End Date", {&txtEndDate});
-  for (ui::TextBox* date : {&txtStartDate, &txtEndDate}) {
+  rows->Row("Start Date", {&startDate});
+  rows->Row("End Date", {&endDate});
+  for (ui::TextBox* date : {&startDate, &endDate}) {
     ui::SetWidth(*date, ui::kDateWidth);
     date->SelectOnEntry();
     date->onLeave = [this, date] { return CancelPressed() || ValidDate(date->Text(), true); };
   }
   auto* column = new QVBoxLayout(this);
-  column->addWidget(lblNote);
+  column->addWidget(note);
   column->addLayout(rows);
   column->addStretch(1);
-  column->addLayout(ui::ButtonRow({cmdProceed, cmdCancel}));
+  column->addLayout(ui::ButtonRow({proceedButton, cancelButton}));
   // The title fits beside the buttons of the frame.
   setMinimumWidth(fontMetrics().averageCharWidth() * 76);
 
-  ui::OnClick(*cmdProceed, [this] { Proceed(); });
-  ui::OnClick(*cmdCancel, [this] { Unload(); });
-  SetDefault(cmdProceed);
-  SetCancel(cmdCancel);
+  ui::OnClick(*proceedButton, [this] { Proceed(); });
+  ui::OnClick(*cancelButton, [this] { Unload(); });
+  SetDefault(proceedButton);
+  SetCancel(cancelButton);
 }
 
 void DateRangeForm::OnLoad() {
-  txtEndDate.SetText(rt::ShortDate(rt::Today()));
-  txtStartDate.SetText(rt::ShortDate(DefaultStart(DateRangeOf(Name()))));
+  endDate.SetText(rt::ShortDate(rt::Today()));
+  startDate.SetText(rt::ShortDate(DefaultStart(DateRangeOf(Name()))));
 }
 
 bool DateRangeForm::ValidDates() {
-  for (ui::TextBox* date : {&txtStartDate, &txtEndDate})
+  for (ui::TextBox* date : {&startDate, &endDate})
     if (!ValidDate(date->Text(), true)) {
       date->setFocus();
       return false;
@@ -63,15 +63,15 @@ bool DateRangeForm::ValidDates() {
 void DateRangeForm::Proceed() {
   if (!ValidDates()) return;
   const screen::Hourglass hourglass;
-  const rt::DateTime start = *rt::ParseDate(txtStartDate.Text());
-  const rt::DateTime end = *rt::ParseDate(txtEndDate.Text());
+  const rt::DateTime start = *rt::ParseDate(startDate.Text());
+  const rt::DateTime end = *rt::ParseDate(endDate.Text());
   Launch(ReportOf(Name()), DateRangeSelection(DateRangeOf(Name()), start, end, OnlyAsset()));
 }
 
 void frmRptDWR006::OnActivate() {
-  lblNote->setText(
+  note->setText(
       QString::fromStdString("Asset " + AssetID + " only. For all assets, close this window first."));
-  lblNote->setVisible(!AssetID.empty());
+  note->setVisible(!AssetID.empty());
   layout()->activate();
   resize(size().expandedTo(minimumSizeHint()));
 }

@@ -17,17 +17,17 @@ class DateRangeForm : public ui::Form {
  public:
   explicit DateRangeForm(const char* name);
 
-  ui::TextBox txtStartDate{"txtStartDate"};
-  ui::TextBox txtEndDate{"txtEndDate"};
-  QPushButton* cmdProceed;
-  QPushButton* cmdCancel;
+  ui::TextBox startDate{"txtStartDate"};
+  ui::TextBox endDate{"txtEndDate"};
+  QPushButton* proceedButton;
+  QPushButton* cancelButton;
 
  protected:
   void OnLoad() override;
   /// The code of the only asset of the report; empty for all.
   virtual std::string OnlyAsset() const { return {}; }
   /// Says something above the dates.
-  QLabel* lblNote;
+  QLabel* note;
 
  private:
   bool ValidDates();

@@ -38,20 +38,20 @@ void SetUp(Button& button, const char* name, const char* caption) {
 
 ReportForm::ReportForm()
     : Form(kName),
-      SelectButton(new QPushButton("&Select and Sort")),
-      ProceedButton(new QPushButton("&Proceed")),
-      CancelButton(new QPushButton("Cancel")) {
+      selectButton(new QPushButton("&Select and Sort")),
+      proceedButton(new QPushButton("&Proceed")),
+      cancelButton(new QPushButton("Cancel")) {
   RptQueryID = 0;
   setWindowTitle("Report Parameters");
-  for (const char* name : {"Text1(0)", "Text1(1)", "Text1(2)", "Text1(3)"}) Text1.emplace_back(name);
-  SetUp(Option1, "Option1", "Screen");
-  SetUp(Option2, "Option2", "Printer");
-  SetUp(Option3, "Option3", "e-mail");
-  SetUp(Check1, "Check1", "Summary Only");
-  SelectButton->setObjectName("SelectButton");
-  ProceedButton->setObjectName("ProceedButton");
-  CancelButton->setObjectName("CancelButton");
-  Option1.setChecked(true);
+  for (const char* name : {"Text1(0)", "Text1(1)", "Text1(2)", "Text1(3)"}) titleLines.emplace_back(name);
+  SetUp(toScreen, "Option1", "Screen");
+  SetUp(toPrinter, "Option2", "Printer");
+  SetUp(byMail, "Option3", "e-mail");
+  SetUp(summaryOnly, "Check1", "Summary Only");
+  selectButton->setObjectName("SelectButton");
+  proceedButton->setObjectName("ProceedButton");
+  cancelButton->setObjectName("CancelButton");
+  toScreen.setChecked(true);
 
   QGroupBox* titles = ui::Group("Report Title Lines", LayOutTitles());
   titles->setObjectName("Frame1");
@@ -60,21 +60,21 @@ ReportForm::ReportForm()
   auto* column = new QVBoxLayout(this);
   column->addWidget(titles);
   column->addWidget(output);
-  column->addWidget(&Check1);
+  column->addWidget(&summaryOnly);
   column->addStretch(1);
-  column->addLayout(ui::ButtonRow({SelectButton, ProceedButton, CancelButton}));
+  column->addLayout(ui::ButtonRow({selectButton, proceedButton, cancelButton}));
 
-  ui::OnClick(*SelectButton, [this] { Select(); });
-  ui::OnClick(*ProceedButton, [this] { Proceed(); });
-  ui::OnClick(*CancelButton, [this] { Cancel(); });
-  SetDefault(ProceedButton);
-  SetCancel(CancelButton);
+  ui::OnClick(*selectButton, [this] { Select(); });
+  ui::OnClick(*proceedButton, [this] { Proceed(); });
+  ui::OnClick(*cancelButton, [this] { Cancel(); });
+  SetDefault(proceedButton);
+  SetCancel(cancelButton);
 }
 
 QLayout* ReportForm::LayOutTitles() {
   auto* rows = new QVBoxLayout;
   int line = 0;
-  for (ui::TextBox& title : Text1) {
+  for (ui::TextBox& title : titleLines) {
     title.setAccessibleName("Title Line " + QString::number(++line));
     title.setMinimumWidth(fontMetrics().averageCharWidth() * kTitleWidth);
     rows->addWidget(&title);
@@ -84,7 +84,7 @@ QLayout* ReportForm::LayOutTitles() {
 
 QLayout* ReportForm::LayOutOutput() {
   auto* row = new QHBoxLayout;
-  for (QRadioButton* option : {&Option1, &Option2, &Option3}) row->addWidget(option);
+  for (QRadioButton* option : {&toScreen, &toPrinter, &byMail}) row->addWidget(option);
   row->addStretch(1);
   return row;
 }
@@ -100,8 +100,8 @@ void ReportForm::OnLoad() {
     Unload();
     return;
   }
-  if (RptQueryID != 0 && Text1[2].Text().empty())
-    if (const auto description = DescriptionOf(RptQueryID)) Text1[2].SetText(*description);
+  if (RptQueryID != 0 && titleLines[2].Text().empty())
+    if (const auto description = DescriptionOf(RptQueryID)) titleLines[2].SetText(*description);
 }
 
 bool ReportForm::TitlesFromAddress() {
@@ -111,8 +111,8 @@ bool ReportForm::TitlesFromAddress() {
   const bool found = row && !row->AtEnd();
   if (found) {
     const char* const columns[] = {"Organization Name", "Address Line 1", "Address Line 2", "Contact Phone"};
-    for (std::size_t i = 0; i < Text1.size(); ++i)
-      if (const rt::Value text = row->Get(columns[i]); !text.IsNull()) Text1[i].SetText(text.AsText());
+    for (std::size_t i = 0; i < titleLines.size(); ++i)
+      if (const rt::Value text = row->Get(columns[i]); !text.IsNull()) titleLines[i].SetText(text.AsText());
   }
   CloseObject(row);
   CloseObject(connection);
@@ -121,8 +121,8 @@ bool ReportForm::TitlesFromAddress() {
 
 void ReportForm::PresetTitles() {
   const std::string* const titles[] = {&Title1, &Title2, &Title3, &Title4};
-  for (std::size_t i = 0; i < Text1.size(); ++i)
-    Text1[i].SetText(!titles[i]->empty() ? *titles[i] : i == 0 ? RptTitle : std::string());
+  for (std::size_t i = 0; i < titleLines.size(); ++i)
+    titleLines[i].SetText(!titles[i]->empty() ? *titles[i] : i == 0 ? RptTitle : std::string());
 }
 
 void ReportForm::Select() {
@@ -141,13 +141,13 @@ void ReportForm::Select() {
 
 ReportOptions ReportForm::Options() const {
   ReportOptions options;
-  options.output = Option1.isChecked()   ? ReportOutput::Screen
-                   : Option2.isChecked() ? ReportOutput::Printer
-                   : Option3.isChecked() ? ReportOutput::Mail
-                                         : ReportOutput::None;
-  for (std::size_t i = 0; i < Text1.size(); ++i) options.titles[i] = Text1[i].Text();
+  options.output = toScreen.isChecked()    ? ReportOutput::Screen
+                   : toPrinter.isChecked() ? ReportOutput::Printer
+                   : byMail.isChecked()    ? ReportOutput::Mail
+                                           : ReportOutput::None;
+  for (std::size_t i = 0; i < titleLines.size(); ++i) options.titles[i] = titleLines[i].Text();
   options.aux = {Aux1, Aux2, Aux3, Aux4, Aux5, Aux6, Aux7};
-  options.summaryOnly = Check1.isChecked();
+  options.summaryOnly = summaryOnly.isChecked();
   options.sectionPageBreak = SectionPageBreak;
   options.a4 = ReportsOnA4();
   const QRect area = screen()->availableGeometry();
@@ -160,7 +160,7 @@ ReportOptions ReportForm::Options() const {
 void ReportForm::Proceed() {
   if (running_) return;
   running_ = true;
-  for (QPushButton* button : {SelectButton, ProceedButton}) {
+  for (QPushButton* button : {selectButton, proceedButton}) {
     button->setEnabled(false);
     button->setToolTip("A report is being made or shown. Close its preview to make another one.");
   }

@@ -30,14 +30,12 @@ class ReportForm : public ui::Form {
   std::string Title1, Title2, Title3, Title4;            ///< preset titles
   std::string Aux1, Aux2, Aux3, Aux4, Aux5, Aux6, Aux7;  ///< texts of RptAux1 to RptAux7
 
-  std::deque<ui::TextBox> Text1;  ///< the titles: "Text1(0)" to "Text1(3)"
-  QRadioButton Option1;           ///< screen
-  QRadioButton Option2;           ///< printer
-  QRadioButton Option3;           ///< e-mail
-  QCheckBox Check1;               ///< summary only
-  QPushButton* SelectButton;
-  QPushButton* ProceedButton;
-  QPushButton* CancelButton;
+  std::deque<ui::TextBox> titleLines;  ///< "Text1(0)" to "Text1(3)"
+  QRadioButton toScreen, toPrinter, byMail;
+  QCheckBox summaryOnly;
+  QPushButton* selectButton;
+  QPushButton* proceedButton;
+  QPushButton* cancelButton;
   ReportPrinterDialog ReportPrinter;
 
  protected:

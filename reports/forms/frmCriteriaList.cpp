@@ -26,11 +26,11 @@ frmCriteriaList::frmCriteriaList()
                             {"Last Updated"},
                             {"Updated By"}},
                 .file = &kDefinitionsFile}),
-      UseButton(new QPushButton("&Use")) {
-  UseButton->setObjectName("UseButton");
-  AddButton(*UseButton);
-  SetDefault(UseButton);
-  ui::OnClick(*UseButton, [this] { Use(); });
+      useButton(new QPushButton("&Use")) {
+  useButton->setObjectName("UseButton");
+  AddButton(*useButton);
+  SetDefault(useButton);
+  ui::OnClick(*useButton, [this] { Use(); });
 }
 
 void frmCriteriaList::OnLoad() {

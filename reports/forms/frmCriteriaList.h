@@ -13,7 +13,7 @@ class frmCriteriaList : public ListForm {
   frmCriteriaList();
 
   std::string ReportID;  ///< the primary table of the report, or a comma list of tables
-  QPushButton* UseButton;
+  QPushButton* useButton;
 
   void DeleteItem() override;
 

@@ -88,9 +88,9 @@ frmCriteriaMaint::frmCriteriaMaint()
                   .lockField = "Description",
                   .ok = "OkButton",
                   .file = &kDefinitionsFile}),
-      lblWords(Note("lblWords")),
-      lblCount(Note("lblCount")),
-      lblFault(Note("lblFault")),
+      meaning(Note("lblWords")),
+      matchCount(Note("lblCount")),
+      engineFault(Note("lblFault")),
       select_(AddInnerGrid("SelectGrid", "SelectData", SelectionColumns(), NoLines(kSelection),
                            LinesOf(kSelection))),
       sort_(AddInnerGrid("SortGrid", "SortData", SortColumns(), NoLines(kSort), LinesOf(kSort))) {
@@ -104,14 +104,14 @@ frmCriteriaMaint::frmCriteriaMaint()
 }
 
 void frmCriteriaMaint::LayOutAll() {
-  ShowNumber(Text2);
-  Bind(Text1, "Description", "Description");
-  Bind(Text2, "ID");
-  Bind(Check1, "Permanent");
+  ShowNumber(recordNumber);
+  Bind(description, "Description", "Description");
+  Bind(recordNumber, "ID");
+  Bind(permanent, "Permanent");
   auto* fields = new ui::FieldRows;
-  fields->Row("Description", {&Text1});
-  fields->Row("Database ID", {&Text2});
-  fields->addWidget(&Check1, fields->rowCount(), 1);
+  fields->Row("Description", {&description});
+  fields->Row("Database ID", {&recordNumber});
+  fields->addWidget(&permanent, fields->rowCount(), 1);
 
   const auto group = [](const char* title, ui::DataGrid& grid) {
     grid.setAccessibleName(title);
@@ -120,12 +120,12 @@ void frmCriteriaMaint::LayOutAll() {
     inside->addWidget(&grid);
     return ui::Group(title, inside);
   };
-  auto* meaning = new QVBoxLayout;
-  for (QLabel* label : {lblWords, lblCount, lblFault}) meaning->addWidget(label);
-  QFont bold = lblFault->font();
+  auto* notes = new QVBoxLayout;
+  for (QLabel* label : {meaning, matchCount, engineFault}) notes->addWidget(label);
+  QFont bold = engineFault->font();
   bold.setBold(true);
-  lblFault->setFont(bold);
-  QGroupBox* words = ui::Group("What Will Be Asked", meaning);
+  engineFault->setFont(bold);
+  QGroupBox* words = ui::Group("What Will Be Asked", notes);
   words->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
   auto* grids = new QWidget;
   auto* both = new QVBoxLayout(grids);
@@ -185,26 +185,26 @@ void frmCriteriaMaint::ShowMeaning() {
   std::string words = SelectionInWords(lines, primary);
   const std::string order = SortInWords(definition->sort, primary);
   if (!order.empty()) words += "\n" + order;
-  lblWords->setText(QString::fromStdString(words));
+  meaning->setText(QString::fromStdString(words));
 
   const std::string fault =
       Engine().SelectionFault(RptFile, SelectionFormula(WithSampleValues(lines, primary), primary));
-  lblFault->setVisible(!fault.empty());
-  lblFault->setText(QString::fromStdString("The report would refuse this selection: " + fault));
+  engineFault->setVisible(!fault.empty());
+  engineFault->setText(QString::fromStdString("The report would refuse this selection: " + fault));
   const bool asks = std::ranges::any_of(lines, &SelectionLine::askAtRuntime);
   ++counts_;
-  lblCount->setVisible(fault.empty());
+  matchCount->setVisible(fault.empty());
   if (!fault.empty()) return;
   if (asks)
-    lblCount->setText("How many records match depends on the answers.");
+    matchCount->setText("How many records match depends on the answers.");
   else
     CountLater(SelectionFormula(lines, primary));
 }
 
 /// Counts once the window shows the rest.
 void frmCriteriaMaint::CountLater(const std::string& formula) {
-  lblCount->setText("Counting the records that match...");
-  ui::Later(*lblCount, [this, formula, number = ++counts_] {
+  matchCount->setText("Counting the records that match...");
+  ui::Later(*matchCount, [this, formula, number = ++counts_] {
     // The definition has changed meanwhile.
     if (number != counts_) return;
     QString text;
@@ -213,8 +213,8 @@ void frmCriteriaMaint::CountLater(const std::string& formula) {
     } catch (const rt::Error& error) {
       text = QString::fromUtf8(error.what());
     }
-    lblCount->setText(text);
-    lblCount->setVisible(!text.isEmpty());
+    matchCount->setText(text);
+    matchCount->setVisible(!text.isEmpty());
   });
 }
 

@@ -20,12 +20,12 @@ class frmCriteriaMaint : public RecordForm {
 
   std::string ReportID;  ///< the primary table of the report
 
-  ui::TextBox Text1{"Text1"};  ///< `Description`
-  ui::TextBox Text2{"Text2"};  ///< `ID`
-  ui::CheckBox Check1{"Check1", "Keep this Query Permanently"};
-  QLabel* lblWords;  ///< the selection and the order in words
-  QLabel* lblCount;  ///< how many rows the report has with it
-  QLabel* lblFault;  ///< what the engine would say to it
+  ui::TextBox description{"Text1"};   ///< `Description`
+  ui::TextBox recordNumber{"Text2"};  ///< `ID`
+  ui::CheckBox permanent{"Check1", "Keep this Query Permanently"};
+  QLabel* meaning;      ///< the selection and the order in words
+  QLabel* matchCount;   ///< how many rows the report has with it
+  QLabel* engineFault;  ///< what the engine would say to it
 
   ui::DataGrid& SelectGrid() { return select_.grid; }
   ui::DataGrid& SortGrid() { return sort_.grid; }

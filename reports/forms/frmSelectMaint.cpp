@@ -31,34 +31,34 @@ frmSelectMaint::frmSelectMaint()
                   .lockField = "Field Name",
                   .ok = "OkButton",
                   .file = &kDefinitionsFile}) {
-  Combo2.SetItems({"<", "<=", "=", "<>", ">=", ">"});
-  Combo3.SetItems({"AND", "OR"});
-  Combo4.onChange = [this] { FillFields(); };
-  Combo4.onLeave = [this] { return TableLeft(); };
-  Combo1.onLeave = [this] { return FieldLeft(); };
-  Combo2.onLeave = [this] {
-    if (!CancelPressed() && Combo2.Text().empty())
+  comparison.SetItems({"<", "<=", "=", "<>", ">=", ">"});
+  connector.SetItems({"AND", "OR"});
+  tableName.onChange = [this] { FillFields(); };
+  tableName.onLeave = [this] { return TableLeft(); };
+  fieldName.onLeave = [this] { return FieldLeft(); };
+  comparison.onLeave = [this] {
+    if (!CancelPressed() && comparison.Text().empty())
       screen::MessageBox("You must select a comparison operator.", Icon::Critical);
     return true;
   };
-  Text1.onLeave = [this] {
+  value.onLeave = [this] {
     if (!CancelPressed()) FormatValue();
     return true;
   };
-  CapitalizeWords(Text5);
-  Combo5.setToolTip("Kept with the row; the selection does not use it");
-  Bind(Check1, "Get Value at Runtime");
-  Declare({{Text2, "Line Number", "Line Number", ui::kNumberWidth},
-           {Text3, "Open Parentheses", "Open Parenthesis", ui::kNumberWidth},
-           {Combo4, "Table Name", "Table Name"},
-           {Combo1, "Field Name", "Field Name"},
-           {Combo5, "Field Function", "Field Function"},
-           {Combo2, "Comparison Operator", "Compare with", ui::kNumberWidth},
-           {Text1, "Value", "Value"},
-           {Text4, "Close Parentheses", "Close Parenthesis", ui::kNumberWidth},
-           {Combo3, "Connector", "Connector", ui::kNumberWidth},
-           {Text5, "Runtime Value Prompt", "Runtime Prompt"}},
-          {&Check1});
+  CapitalizeWords(prompt);
+  fieldFunction.setToolTip("Kept with the row; the selection does not use it");
+  Bind(askAtRuntime, "Get Value at Runtime");
+  Declare({{lineNumber, "Line Number", "Line Number", ui::kNumberWidth},
+           {openParentheses, "Open Parentheses", "Open Parenthesis", ui::kNumberWidth},
+           {tableName, "Table Name", "Table Name"},
+           {fieldName, "Field Name", "Field Name"},
+           {fieldFunction, "Field Function", "Field Function"},
+           {comparison, "Comparison Operator", "Compare with", ui::kNumberWidth},
+           {value, "Value", "Value"},
+           {closeParentheses, "Close Parentheses", "Close Parenthesis", ui::kNumberWidth},
+           {connector, "Connector", "Connector", ui::kNumberWidth},
+           {prompt, "Runtime Value Prompt", "Runtime Prompt"}},
+          {&askAtRuntime});
 }
 
 void frmSelectMaint::FillPlaceholder() { Hold().Set("Line Number", NextLineNumber(kTable, QueryID)); }
@@ -66,42 +66,42 @@ void frmSelectMaint::FillPlaceholder() { Hold().Set("Line Number", NextLineNumbe
 void frmSelectMaint::ReportVanished() { ShowReReadError(DataID); }
 
 std::string frmSelectMaint::Table() const {
-  return Combo4.Text().empty() ? StripBrackets(ReportID) : Combo4.Text();
+  return tableName.Text().empty() ? StripBrackets(ReportID) : tableName.Text();
 }
 
 void frmSelectMaint::RecordLoaded() {
   if (AddMode) setWindowTitle("New Selection Row");
   std::vector<std::string> tables;
   GetCrystalTables(RptFile, tables, ReportID);
-  Combo4.SetItems(tables);
+  tableName.SetItems(tables);
   if (AddMode && !tables.empty())
-    Combo4.SetText(Combo4.HasItem(StripBrackets(ReportID)) ? StripBrackets(ReportID) : tables.front());
+    tableName.SetText(tableName.HasItem(StripBrackets(ReportID)) ? StripBrackets(ReportID) : tables.front());
   else
     FillFields();
 }
 
 void frmSelectMaint::FillFields() {
   // While a name is being typed there may be no such table yet.
-  if (!Combo4.Text().empty() && !Combo4.HasItem(Combo4.Text())) {
-    Combo1.SetItems({});
+  if (!tableName.Text().empty() && !tableName.HasItem(tableName.Text())) {
+    fieldName.SetItems({});
     return;
   }
-  Combo1.SetItems(LoadTableFields(Table()));
+  fieldName.SetItems(LoadTableFields(Table()));
 }
 
 bool frmSelectMaint::TableLeft() {
-  if (CancelPressed() || Combo4.Text().empty() || Combo4.HasItem(Combo4.Text())) return true;
+  if (CancelPressed() || tableName.Text().empty() || tableName.HasItem(tableName.Text())) return true;
   screen::MessageBox("You must enter a valid table from the list.");
   return false;
 }
 
 bool frmSelectMaint::FieldIsThere() {
-  if (Combo1.Text().empty()) {
+  if (fieldName.Text().empty()) {
     screen::MessageBox("You must select a field.", Icon::Critical);
     return false;
   }
   const MainConnection main;
-  if (!main.IsOpen() || AdoFieldExists(main.Connection(), Table(), Combo1.Text())) return true;
+  if (!main.IsOpen() || AdoFieldExists(main.Connection(), Table(), fieldName.Text())) return true;
   screen::MessageBox("The field name does not exist in the table. Select from the dropdown list.",
                      Icon::Information);
   return false;
@@ -109,24 +109,24 @@ bool frmSelectMaint::FieldIsThere() {
 
 bool frmSelectMaint::FieldLeft() {
   // Nothing brings the focus back to an empty field: the user may choose another table first.
-  return CancelPressed() || FieldIsThere() || Combo1.Text().empty();
+  return CancelPressed() || FieldIsThere() || fieldName.Text().empty();
 }
 
 void frmSelectMaint::FormatValue() {
-  const auto type = AdoGetFieldType(DataConnect, Table(), Combo1.Text());
+  const auto type = AdoGetFieldType(DataConnect, Table(), fieldName.Text());
   if (!type) return;
-  const std::string literal = FormatLiteral(Text1.Text(), *type);
-  if (literal != Text1.Text()) Text1.SetText(literal);
+  const std::string literal = FormatLiteral(value.Text(), *type);
+  if (literal != value.Text()) value.SetText(literal);
 }
 
 bool frmSelectMaint::ValidData() {
-  if (!Combo4.Text().empty() && !Combo4.HasItem(Combo4.Text()))
-    return Refuse(Combo4, "You must enter a valid table from the list.", Icon::None);
+  if (!tableName.Text().empty() && !tableName.HasItem(tableName.Text()))
+    return Refuse(tableName, "You must enter a valid table from the list.", Icon::None);
   if (!FieldIsThere()) {
-    Combo1.setFocus();
+    fieldName.setFocus();
     return false;
   }
-  if (Combo2.Text().empty()) return Refuse(Combo2, "You must select a comparison operator.");
+  if (comparison.Text().empty()) return Refuse(comparison, "You must select a comparison operator.");
   // Enter on the value stores it without leaving it.
   FormatValue();
   return true;

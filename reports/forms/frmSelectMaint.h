@@ -17,17 +17,17 @@ class frmSelectMaint : public RecordForm {
   std::int32_t QueryID = 0;  ///< the definition that the line belongs to
   std::string ReportID;      ///< the primary table of the report
 
-  ui::MaskEdBox Text2{"Text2", {}, ui::Keys::Digits};  ///< `Line Number`
-  ui::ComboBox Combo4{"Combo4"};                       ///< `Table Name`; empty: the primary table
-  ui::ComboBox Combo1{"Combo1"};                       ///< `Field Name`
-  ui::ComboBox Combo5{"Combo5"};                       ///< `Field Function`
-  ui::ComboBox Combo2{"Combo2"};                       ///< `Comparison Operator`
-  ui::TextBox Text1{"Text1"};                          ///< `Value`
-  ui::CheckBox Check1{"Check1", "Prompt?"};            ///< `Get Value at Runtime`
-  ui::TextBox Text5{"Text5"};                          ///< `Runtime Value Prompt`
-  ui::TextBox Text3{"Text3"};                          ///< `Open Parentheses`
-  ui::TextBox Text4{"Text4"};                          ///< `Close Parentheses`
-  ui::ComboBox Combo3{"Combo3"};                       ///< `Connector`
+  ui::MaskEdBox lineNumber{"Text2", {}, ui::Keys::Digits};  ///< `Line Number`
+  ui::ComboBox tableName{"Combo4"};                         ///< `Table Name`; empty: the primary table
+  ui::ComboBox fieldName{"Combo1"};                         ///< `Field Name`
+  ui::ComboBox fieldFunction{"Combo5"};                     ///< `Field Function`
+  ui::ComboBox comparison{"Combo2"};                        ///< `Comparison Operator`
+  ui::TextBox value{"Text1"};                               ///< `Value`
+  ui::CheckBox askAtRuntime{"Check1", "Prompt?"};           ///< `Get Value at Runtime`
+  ui::TextBox prompt{"Text5"};                              ///< `Runtime Value Prompt`
+  ui::TextBox openParentheses{"Text3"};                     ///< `Open Parentheses`
+  ui::TextBox closeParentheses{"Text4"};                    ///< `Close Parentheses`
+  ui::ComboBox connector{"Combo3"};                         ///< `Connector`
 
  protected:
   void FillPlaceholder() override;

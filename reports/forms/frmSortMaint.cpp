@@ -29,27 +29,27 @@ frmSortMaint::frmSortMaint()
                   .lockField = "Field Name",
                   .ok = "OkButton",
                   .file = &kDefinitionsFile}) {
-  Option1.setObjectName("Option1");
-  Option1.setText("Ascending");
-  Option2.setObjectName("Option2");
-  Option2.setText("Descending");
+  ascending.setObjectName("Option1");
+  ascending.setText("Ascending");
+  descending.setObjectName("Option2");
+  descending.setText("Descending");
   auto* order = new QHBoxLayout;
-  order->addWidget(&Option1);
-  order->addWidget(&Option2);
+  order->addWidget(&ascending);
+  order->addWidget(&descending);
   order->addStretch(1);
   QGroupBox* frame = ui::Group("Sort Order", order);
   frame->setObjectName("Frame1");
-  TableCombo.onChange = [this] { FillFields(); };
-  TableCombo.onLeave = [this] {
-    if (CancelPressed() || TableCombo.Text().empty() || TableCombo.HasItem(TableCombo.Text())) return true;
+  tableName.onChange = [this] { FillFields(); };
+  tableName.onLeave = [this] {
+    if (CancelPressed() || tableName.Text().empty() || tableName.HasItem(tableName.Text())) return true;
     screen::MessageBox("You must enter a valid table from the list.");
     return false;
   };
   // Nothing brings the focus back to an empty field: the user may choose another table first.
-  FieldCombo.onLeave = [this] { return CancelPressed() || FieldIsThere() || FieldCombo.Text().empty(); };
-  Declare({{Text1, "Line Number", "Line Number", ui::kNumberWidth},
-           {TableCombo, "Table Name", "Table Name"},
-           {FieldCombo, "Field Name", "Field Name"}},
+  fieldName.onLeave = [this] { return CancelPressed() || FieldIsThere() || fieldName.Text().empty(); };
+  Declare({{lineNumber, "Line Number", "Line Number", ui::kNumberWidth},
+           {tableName, "Table Name", "Table Name"},
+           {fieldName, "Field Name", "Field Name"}},
           {frame});
 }
 
@@ -58,55 +58,54 @@ void frmSortMaint::FillPlaceholder() { Hold().Set("Line Number", NextLineNumber(
 void frmSortMaint::ReportVanished() { ShowReReadError(DataID); }
 
 std::string frmSortMaint::Table() const {
-  return TableCombo.Text().empty() ? StripBrackets(ReportID) : TableCombo.Text();
+  return tableName.Text().empty() ? StripBrackets(ReportID) : tableName.Text();
 }
 
 void frmSortMaint::RecordLoaded() {
   if (AddMode) setWindowTitle("New Sort Row");
   const rt::Value order = Stored("Ascending or Descending");
-  const bool descending = !order.IsNull() && order.AsText() == "D";
-  (descending ? Option2 : Option1).setChecked(true);
+  const bool storedDescending = !order.IsNull() && order.AsText() == "D";
+  (storedDescending ? descending : ascending).setChecked(true);
   std::vector<std::string> tables;
   GetCrystalTables(RptFile, tables, ReportID);
-  TableCombo.SetItems(tables);
+  tableName.SetItems(tables);
   if (AddMode && !tables.empty())
-    TableCombo.SetText(TableCombo.HasItem(StripBrackets(ReportID)) ? StripBrackets(ReportID)
-                                                                   : tables.front());
+    tableName.SetText(tableName.HasItem(StripBrackets(ReportID)) ? StripBrackets(ReportID) : tables.front());
   else
     FillFields();
 }
 
 void frmSortMaint::FillFields() {
-  if (!TableCombo.Text().empty() && !TableCombo.HasItem(TableCombo.Text())) {
-    FieldCombo.SetItems({});
+  if (!tableName.Text().empty() && !tableName.HasItem(tableName.Text())) {
+    fieldName.SetItems({});
     return;
   }
-  FieldCombo.SetItems(LoadTableFields(Table()));
+  fieldName.SetItems(LoadTableFields(Table()));
 }
 
 bool frmSortMaint::FieldIsThere() {
-  if (FieldCombo.Text().empty()) {
+  if (fieldName.Text().empty()) {
     screen::MessageBox("You must select a field.", Icon::Critical);
     return false;
   }
   const MainConnection main;
-  if (!main.IsOpen() || AdoFieldExists(main.Connection(), Table(), FieldCombo.Text())) return true;
+  if (!main.IsOpen() || AdoFieldExists(main.Connection(), Table(), fieldName.Text())) return true;
   screen::MessageBox("The field name does not exist in the table. Select from the dropdown list.",
                      Icon::Information);
   return false;
 }
 
 bool frmSortMaint::ValidData() {
-  if (!TableCombo.Text().empty() && !TableCombo.HasItem(TableCombo.Text()))
-    return Refuse(TableCombo, "You must enter a valid table from the list.", Icon::None);
+  if (!tableName.Text().empty() && !tableName.HasItem(tableName.Text()))
+    return Refuse(tableName, "You must enter a valid table from the list.", Icon::None);
   if (FieldIsThere()) return true;
-  FieldCombo.setFocus();
+  fieldName.setFocus();
   return false;
 }
 
 bool frmSortMaint::StoreMore() {
   Hold().Set("Query ID", QueryID);
-  Hold().Set("Ascending or Descending", Option2.isChecked() ? "D" : "A");
+  Hold().Set("Ascending or Descending", descending.isChecked() ? "D" : "A");
   return true;
 }
 

@@ -17,11 +17,10 @@ class frmSortMaint : public RecordForm {
   std::int32_t QueryID = 0;  ///< the definition that the line belongs to
   std::string ReportID;      ///< the primary table of the report
 
-  ui::MaskEdBox Text1{"Text1", {}, ui::Keys::Digits};  ///< `Line Number`
-  ui::ComboBox TableCombo{"TableCombo"};               ///< `Table Name`; empty: the primary table
-  ui::ComboBox FieldCombo{"FieldCombo"};               ///< `Field Name`
-  QRadioButton Option1;                                ///< ascending
-  QRadioButton Option2;                                ///< descending
+  ui::MaskEdBox lineNumber{"Text1", {}, ui::Keys::Digits};  ///< `Line Number`
+  ui::ComboBox tableName{"TableCombo"};                     ///< `Table Name`; empty: the primary table
+  ui::ComboBox fieldName{"FieldCombo"};                     ///< `Field Name`
+  QRadioButton ascending, descending;
 
  protected:
   void FillPlaceholder() override;

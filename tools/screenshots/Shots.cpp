@@ -188,7 +188,7 @@ void TakeReports(Album& album) {
   PressSpace(list.Grid());
   Settle();
   auto& definition = dynamic_cast<dw::frmCriteriaMaint&>(*ui::ActiveForm());
-  while (definition.lblCount->text().startsWith("Counting")) Settle();
+  while (definition.matchCount->text().startsWith("Counting")) Settle();
   album.Take(definition, definition.Name());
   for (ui::DataGrid* grid : {&definition.SelectGrid(), &definition.SortGrid()}) {
     grid->SetRow(0);

@@ -89,8 +89,8 @@ TEST_F(Criteria, TheListHasTheDefinitionsOfItsTable) {
 TEST_F(Criteria, ANewDefinitionIsStoredAtOnceAndGoesWithCancel) {
   auto& form = Opened<dw::frmCriteriaMaint>(List().Grid(), Qt::Key_Insert);
   EXPECT_EQ(Sands("SELECT [Primary Table] FROM [Select and Sort Queries]"), "Vehicles");
-  EXPECT_EQ(form.Text2.Text(), std::to_string(form.DataID));
-  EXPECT_EQ(Shown(form.lblWords), "All records.");
+  EXPECT_EQ(form.recordNumber.Text(), std::to_string(form.DataID));
+  EXPECT_EQ(Shown(form.meaning), "All records.");
   ASSERT_TRUE(form.focusWidget());
   EXPECT_EQ(form.focusWidget()->objectName(), "Text1");
   test::Click(form, "CancelButton");
@@ -99,7 +99,7 @@ TEST_F(Criteria, ANewDefinitionIsStoredAtOnceAndGoesWithCancel) {
   auto& kept = Opened<dw::frmCriteriaMaint>(List().Grid(), Qt::Key_Insert);
   test::Type(kept, "Text1", "Old trucks");
   test::Click(kept, "Check1");
-  test::Press(kept.Text1, Qt::Key_Return);
+  test::Press(kept.description, Qt::Key_Return);
   EXPECT_EQ(
       Sands("SELECT [Description] & [Created By] FROM [Select and Sort Queries] WHERE [Permanent] = TRUE "
             "AND [Updated By] IS NULL"),
@@ -121,15 +121,15 @@ TEST_F(Criteria, AConditionIsEnteredChecksItsFieldsAndStoresItsLiteral) {
                     {"Connector", "AND"}});
   engine_->rows = {1234, true};
   auto& form = OpenFirst();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Shown(form.lblCount) == "1,234 records match now."; }, 5000))
-      << Shown(form.lblCount);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Shown(form.matchCount) == "1,234 records match now."; }, 5000))
+      << Shown(form.matchCount);
   auto& line = Opened<dw::frmSelectMaint>(form.SelectGrid(), Qt::Key_Insert);
   EXPECT_EQ(line.windowTitle(), "New Selection Row");
-  EXPECT_EQ(line.Text2.Text(), "5");
+  EXPECT_EQ(line.lineNumber.Text(), "5");
   EXPECT_EQ(OfLine("Query ID"), "Null") << "a run meanwhile does not see it";
-  EXPECT_EQ(line.Combo4.Text(), "Vehicles");
-  EXPECT_TRUE(line.Combo4.HasItem("Divisions"));
-  EXPECT_TRUE(line.Combo1.HasItem("Purchase Date"));
+  EXPECT_EQ(line.tableName.Text(), "Vehicles");
+  EXPECT_TRUE(line.tableName.HasItem("Divisions"));
+  EXPECT_TRUE(line.fieldName.HasItem("Purchase Date"));
 
   screen_->Expect("You must select a field.", Icon::Critical);
   test::Click(line, "OkButton");
@@ -137,31 +137,31 @@ TEST_F(Criteria, AConditionIsEnteredChecksItsFieldsAndStoresItsLiteral) {
   screen_->Expect("The field name does not exist in the table. Select from the dropdown list.",
                   Icon::Information);
   test::Enter(line, "Combo2");
-  EXPECT_TRUE(line.Combo1.hasFocus());
+  EXPECT_TRUE(line.fieldName.hasFocus());
   test::Enter(line, "Combo1");
-  line.Combo1.lineEdit()->selectAll();
-  QTest::keyClicks(&line.Combo1, "purchase d");
+  line.fieldName.lineEdit()->selectAll();
+  QTest::keyClicks(&line.fieldName, "purchase d");
   test::Enter(line, "Combo2");
-  EXPECT_EQ(line.Combo1.Text(), "Purchase Date") << "completed";
+  EXPECT_EQ(line.fieldName.Text(), "Purchase Date") << "completed";
   screen_->Expect("You must select a comparison operator.", Icon::Critical);
   test::Enter(line, "Text1");
   screen_->Expect("You must select a comparison operator.", Icon::Critical);
   test::Click(line, "OkButton");
-  line.Combo2.SetText(">=");
+  line.comparison.SetText(">=");
   test::Type(line, "Text1", "1/1/99");
   test::Enter(line, "Text3");
-  EXPECT_EQ(line.Text1.Text(), "Date(1999,1,1)");
+  EXPECT_EQ(line.value.Text(), "Date(1999,1,1)");
   test::Type(line, "Text3", "(");
   test::Type(line, "Text5", "since when");
-  EXPECT_EQ(line.Text5.Text(), "Since When");
+  EXPECT_EQ(line.prompt.Text(), "Since When");
   test::Type(line, "Text1", "1/2/1999");
-  test::Press(line.Text1, Qt::Key_Return);
+  test::Press(line.value, Qt::Key_Return);
   EXPECT_FALSE(IsOpen("frmSelectMaint"));
   EXPECT_EQ(OfLine("Field Name") + OfLine("Table Name") + OfLine("Value") + OfLine("Open Parentheses") +
                 OfLine("Comparison Operator") + OfLine("Runtime Value Prompt") + OfLine("Created By"),
             "Purchase DateVehiclesDate(1999,1,2)(>=Since WhenTESTER");
   EXPECT_EQ(OfLine("Query ID"), std::to_string(query));
-  EXPECT_EQ(Shown(form.lblWords), "Class ID is TRK and (Purchase Date is on or after 1/2/1999");
+  EXPECT_EQ(Shown(form.meaning), "Class ID is TRK and (Purchase Date is on or after 1/2/1999");
   EXPECT_EQ(form.SelectGrid().RecordCount(), 2);
 
   // The engine's fault is told where the definition is made.
@@ -172,21 +172,21 @@ TEST_F(Criteria, AConditionIsEnteredChecksItsFieldsAndStoresItsLiteral) {
   test::Type(again, "Combo4", "Nowhere");
   screen_->Expect("You must enter a valid table from the list.", Icon::None);
   test::Enter(again, "Text2");
-  EXPECT_TRUE(again.Combo4.hasFocus());
+  EXPECT_TRUE(again.tableName.hasFocus());
   test::Click(again, "CancelButton");
-  EXPECT_EQ(Shown(form.lblFault),
+  EXPECT_EQ(Shown(form.engineFault),
             "The report would refuse this selection: Selection formula, column 60: ')' is missing.");
   engine_->rows = {4096, false};
   EXPECT_EQ(engine_->asked.back(),
             "{Vehicles.Class ID} = 'TRK' AND ({Vehicles.Purchase Date} >= Date(1999,1,2)  ");
-  EXPECT_FALSE(form.lblCount->isVisible());
+  EXPECT_FALSE(form.matchCount->isVisible());
 
   engine_->fault.clear();
   ExpectSure(Answer::Yes);
   form.SelectGrid().SetRow(1);
   test::Press(form.SelectGrid(), Qt::Key_Delete);
-  EXPECT_EQ(Shown(form.lblWords), "Class ID is TRK and (nothing)");
-  EXPECT_EQ(Shown(form.lblCount), "More than 4,096 records match now.");
+  EXPECT_EQ(Shown(form.meaning), "Class ID is TRK and (nothing)");
+  EXPECT_EQ(Shown(form.matchCount), "More than 4,096 records match now.");
   EXPECT_EQ(Sands("SELECT COUNT(*) FROM [Selection Criteria]"), "1");
 }
 
@@ -197,24 +197,24 @@ TEST_F(Criteria, ASortFieldIsEnteredAndTurnedRound) {
   test::Press(form.SortGrid(), Qt::Key_Space);
   auto& line = Opened<dw::frmSortMaint>(form.SortGrid(), Qt::Key_Insert);
   EXPECT_EQ(line.windowTitle(), "New Sort Row");
-  EXPECT_TRUE(line.Option1.isChecked());
-  line.TableCombo.SetText("Divisions");
+  EXPECT_TRUE(line.ascending.isChecked());
+  line.tableName.SetText("Divisions");
   screen_->Expect("You must select a field.", Icon::Critical);
   test::Click(line, "OkButton");
   test::Type(line, "FieldCombo", "Class ID");
   screen_->Expect("The field name does not exist in the table. Select from the dropdown list.",
                   Icon::Information);
   test::Click(line, "OkButton");
-  EXPECT_TRUE(line.FieldCombo.hasFocus());
-  line.FieldCombo.SetText("Division ID");
+  EXPECT_TRUE(line.fieldName.hasFocus());
+  line.fieldName.SetText("Division ID");
   test::Click(line, "Option2");
   test::Click(line, "OkButton");
   EXPECT_EQ(OfLine("Field Name", "Sort Criteria") + OfLine("Ascending or Descending", "Sort Criteria") +
                 OfLine("Line Number", "Sort Criteria"),
             "Division IDD1");
-  EXPECT_EQ(Shown(form.lblWords), "All records.\nSorted by Division ID of Divisions (descending)");
+  EXPECT_EQ(Shown(form.meaning), "All records.\nSorted by Division ID of Divisions (descending)");
   auto& again = Opened<dw::frmSortMaint>(form.SortGrid(), Qt::Key_Space);
-  EXPECT_TRUE(again.Option2.isChecked());
+  EXPECT_TRUE(again.descending.isChecked());
   test::Click(again, "Option1");
   test::Click(again, "OkButton");
   EXPECT_EQ(OfLine("Ascending or Descending", "Sort Criteria") + OfLine("Updated By", "Sort Criteria"),
@@ -230,7 +230,7 @@ TEST_F(Criteria, WhatSomebodyElseHoldsIsForReading) {
   screen_->ExpectPart("Current Computers In Use:", Icon::Information);
   auto& form = OpenFirst();
   EXPECT_FALSE(form.okButton->isEnabled());
-  EXPECT_FALSE(form.Text1.isEnabled());
+  EXPECT_FALSE(form.description.isEnabled());
   EXPECT_EQ(form.SelectGrid().RecordCount(), 1);
   test::Click(form, "CancelButton");
   EXPECT_EQ(Queries(), "1");

@@ -14,7 +14,7 @@ using ReportWindow = test::ReportsTest;
 
 std::string Titles(dw::ReportForm& form) {
   std::string titles;
-  for (auto& line : form.Text1) titles += line.Text() + "|";
+  for (auto& line : form.titleLines) titles += line.Text() + "|";
   return titles;
 }
 
@@ -22,7 +22,7 @@ TEST_F(ReportWindow, TakesItsTitlesFromTheLaunch) {
   auto& form = LaunchReport("DW_RptInventory");
   EXPECT_EQ(form.windowTitle(), "Inventory Listing");
   EXPECT_EQ(Titles(form), "Inventory Listing||||");
-  EXPECT_TRUE(form.Option1.isChecked());
+  EXPECT_TRUE(form.toScreen.isChecked());
   EXPECT_EQ(engine_->Joined(), "PEOpenEngine");
   test::Click(form, "CancelButton");
   EXPECT_FALSE(IsOpen("ReportForm"));
@@ -113,8 +113,8 @@ TEST_F(ReportWindow, HandsItsFieldsToTheRun) {
   EXPECT_EQ(engine_->calls.back(), "PECloseEngine");
 
   auto& none = LaunchReport("DW_RptInventory");
-  none.Option1.setAutoExclusive(false);
-  none.Option1.setChecked(false);
+  none.toScreen.setAutoExclusive(false);
+  none.toScreen.setChecked(false);
   screen_->Expect("Invalid Option Box checked.", Icon::None);
   test::Click(none, "ProceedButton");
   EXPECT_FALSE(IsOpen("ReportForm"));
@@ -127,7 +127,7 @@ TEST_F(ReportWindow, StaysUntilThePreviewIsClosedAndEndsWithCancel) {
   QTimer::singleShot(20, [&] {
     looked = true;
     EXPECT_TRUE(form.isVisible());
-    EXPECT_FALSE(form.ProceedButton->isEnabled());
+    EXPECT_FALSE(form.proceedButton->isEnabled());
     EXPECT_EQ(screen_->CurrentPointer(), screen::Pointer::Normal);
     // Other windows go on working meanwhile.
     ui::The<dw::frmRptDWR004>().ShowForm();
@@ -200,24 +200,24 @@ TEST_F(ReportWindow, DateFormsCheckTheirDatesAndStayOpen) {
   form.ShowForm();
   test::Settle();
   EXPECT_EQ(form.windowTitle(), "Equipment Costs Listing Parameters");
-  EXPECT_EQ(form.txtStartDate.Text() + " " + form.txtEndDate.Text(), "2/15/2026 3/1/2026");
+  EXPECT_EQ(form.startDate.Text() + " " + form.endDate.Text(), "2/15/2026 3/1/2026");
   EXPECT_NE(test::Find<QLabel>(form, "lblNote").text().indexOf("O'BRIEN"), -1);
 
   screen_->Expect("A date is required for this field.", Icon::Critical);
   test::Type(form, "txtStartDate", "");
   test::Enter(form, "txtEndDate");
-  EXPECT_TRUE(form.txtStartDate.hasFocus());
+  EXPECT_TRUE(form.startDate.hasFocus());
   test::Type(form, "txtStartDate", "1/1/1799");
   screen_->Expect("Year cannot be less than 1800. Please try again.", Icon::Exclamation);
-  test::Press(form.txtStartDate, Qt::Key_Return);
+  test::Press(form.startDate, Qt::Key_Return);
   EXPECT_FALSE(IsOpen("ReportForm"));
   test::Type(form, "txtStartDate", "5/1/26");
   test::Type(form, "txtEndDate", "soon");
   screen_->Expect("That is not a valid date. Please try again.", Icon::Exclamation);
-  test::Press(form.txtEndDate, Qt::Key_Return);
+  test::Press(form.endDate, Qt::Key_Return);
   EXPECT_FALSE(IsOpen("ReportForm"));
   test::Type(form, "txtEndDate", "4/30/2026");
-  test::Press(form.txtEndDate, Qt::Key_Return);
+  test::Press(form.endDate, Qt::Key_Return);
   EXPECT_TRUE(IsOpen("ReportForm"));
   EXPECT_TRUE(IsOpen("frmRptDWR006"));
   EXPECT_EQ(dw::RptSelection,

@@ -114,8 +114,8 @@ TEST_F(WholeRun, AStoredSelectionIsCountedRefusedWhereItIsWrongAndUsed) {
   list.Grid().SetRow(0);
   test::Press(list.Grid(), Qt::Key_Space);
   auto& form = dynamic_cast<dw::frmCriteriaMaint&>(test::Open("frmCriteriaMaint"));
-  EXPECT_TRUE(form.lblFault->text().isEmpty() || !form.lblFault->isVisible())
-      << form.lblFault->text().toStdString();
+  EXPECT_TRUE(form.engineFault->text().isEmpty() || !form.engineFault->isVisible())
+      << form.engineFault->text().toStdString();
   const std::string expected = [] {
     const auto rows = store::Cursor::OpenQuery(
         store::Connection::Open({.path = dw::DataFile}),
@@ -124,15 +124,15 @@ TEST_F(WholeRun, AStoredSelectionIsCountedRefusedWhereItIsWrongAndUsed) {
     return rows->Get(0).AsText();
   }();
   EXPECT_TRUE(QTest::qWaitFor(
-      [&] { return form.lblCount->text().startsWith(QString::fromStdString(expected)); }, 10000))
-      << form.lblCount->text().toStdString() << " instead of " << expected;
+      [&] { return form.matchCount->text().startsWith(QString::fromStdString(expected)); }, 10000))
+      << form.matchCount->text().toStdString() << " instead of " << expected;
   test::Click(form, "CancelButton");
 
   sands->Execute("UPDATE [Selection Criteria] SET [Close Parentheses] = NULL");
   test::Press(list.Grid(), Qt::Key_Space);
   auto& wrong = dynamic_cast<dw::frmCriteriaMaint&>(test::Open("frmCriteriaMaint"));
-  EXPECT_TRUE(wrong.lblFault->isVisible());
-  EXPECT_TRUE(wrong.lblFault->text().startsWith("The report would refuse this selection: "));
+  EXPECT_TRUE(wrong.engineFault->isVisible());
+  EXPECT_TRUE(wrong.engineFault->text().startsWith("The report would refuse this selection: "));
   test::Click(wrong, "CancelButton");
 }
 
