@@ -15,8 +15,6 @@
 
 namespace {
 
-using screen::Icon;
-
 class WholeRun : public testing::Test {
  protected:
   WholeRun() {
