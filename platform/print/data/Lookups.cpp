@@ -22,10 +22,8 @@ bool IsWhole(store::ColumnType type) {
 }
 
 /// Whether the query need not join the table itself.
-bool CanBeHeld(const ReportDefinition& report, int table, const store::Schema& schema,
-               const QuerySource& source) {
+bool CanBeHeld(const ReportDefinition& report, int table, const QuerySource& source) {
   const auto& definition = report.tables[static_cast<std::size_t>(table)];
-  if (!FindsOne(definition, schema)) return false;
   const auto linking = std::count_if(definition.joins.begin(), definition.joins.end(),
                                      [](const JoinDefinition& join) { return !join.otherTable.empty(); });
   if (linking > 1) return false;
@@ -51,17 +49,6 @@ bool IsNeededByQuery(const ReportDefinition& report, int table, const QuerySourc
 }
 
 }  // namespace
-
-bool FindsOne(const TableDefinition& table, const store::Schema& schema) {
-  const auto* info = schema.Find(table.name);
-  return std::any_of(info->indexes.begin(), info->indexes.end(), [&](const store::IndexInfo& index) {
-    if (!(index.unique || index.primary) || index.exceptEmpty) return false;
-    return std::all_of(index.columns.begin(), index.columns.end(), [&](const std::string& column) {
-      return std::any_of(table.joins.begin(), table.joins.end(),
-                         [&](const JoinDefinition& join) { return rt::EqualNoCase(join.field, column); });
-    });
-  });
-}
 
 bool Lookup::MakeKey(const rt::Value& value, std::string& key) {
   switch (KindOf(value.Type())) {
@@ -103,7 +90,7 @@ bool Lookup::Load(const std::shared_ptr<store::Connection>& connection, QuerySou
                             std::string key;
                             if (first == 1 && !MakeKey(read.Value(0), key)) return true;
                             const std::size_t place = cells_.size();
-                            if (!places_.emplace(key, place).second) return true;
+                            if (!places_.emplace(key, place).second) return false;
                             for (std::size_t i = 0; i < fields_.size(); ++i) {
                               HeldCell cell;
                               try {
@@ -130,10 +117,9 @@ const HeldCell* Lookup::Find(const rt::Value& value) const {
 }
 
 std::vector<Lookup> HoldSmallTables(const std::shared_ptr<store::Connection>& connection,
-                                    const ReportDefinition& report, const store::Schema& schema,
-                                    QuerySource& source) {
+                                    const ReportDefinition& report, QuerySource& source) {
   const int tables = static_cast<int>(report.tables.size());
-  for (int i = 1; i < tables; ++i) source.Hold(i, CanBeHeld(report, i, schema, source));
+  for (int i = 1; i < tables; ++i) source.Hold(i, CanBeHeld(report, i, source));
   const auto letGo = [&] {
     for (int i = tables - 1; i > 0; --i)
       if (source.IsHeld(i) && IsNeededByQuery(report, i, source)) source.Hold(i, false);

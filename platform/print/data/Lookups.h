@@ -21,7 +21,8 @@ struct HeldCell {
 /// One small table. Each row of the report finds one partner in it at the most.
 class Lookup {
  public:
-  /// Reads the table, of which the source holds back the fields. False, if it is too large to be held.
+  /// Reads the table, of which the source holds back the fields. False if it is too large to be held,
+  /// or if a row could find two partners.
   bool Load(const std::shared_ptr<store::Connection>& connection, QuerySource& source, int table);
 
   /// The field whose value finds the partner; -1 if all rows have the same one.
@@ -43,12 +44,8 @@ class Lookup {
 };
 
 /// Takes those joined tables out of the query that can be held, which spares the engine a search for each
-/// row, and reads them: small ones, which have one row at the most for a row of the report.
+/// row, and reads them: small ones, in which a row finds one partner at the most.
 std::vector<Lookup> HoldSmallTables(const std::shared_ptr<store::Connection>& connection,
-                                    const ReportDefinition& report, const store::Schema& schema,
-                                    QuerySource& source);
-
-/// Whether a row finds at most one partner in the table.
-bool FindsOne(const TableDefinition& table, const store::Schema& schema);
+                                    const ReportDefinition& report, QuerySource& source);
 
 }  // namespace print

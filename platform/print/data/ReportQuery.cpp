@@ -63,6 +63,18 @@ auto OfFile(const std::string& path, Work work) {
   }
 }
 
+/// Whether a row finds at most one partner in the table.
+bool FindsOne(const TableDefinition& table, const store::Schema& schema) {
+  const auto* info = schema.Find(table.name);
+  return std::any_of(info->indexes.begin(), info->indexes.end(), [&](const store::IndexInfo& index) {
+    if (!(index.unique || index.primary) || index.exceptEmpty) return false;
+    return std::all_of(index.columns.begin(), index.columns.end(), [&](const std::string& column) {
+      return std::any_of(table.joins.begin(), table.joins.end(),
+                         [&](const JoinDefinition& join) { return rt::EqualNoCase(join.field, column); });
+    });
+  });
+}
+
 /// The rows of a subreport by the values that link them.
 struct LinkedRows {
   rt::Value value;
@@ -124,11 +136,11 @@ class RunReader {
     } else {
       for (const auto& sort : request_.sort) keys.push_back(KeyOfSort(sort, source));
     }
-    auto lookups = HoldSmallTables(connection_, report, *schema_, source);
+    auto lookups = HoldSmallTables(connection_, report, source);
     RowCollector collector(source, report.fields.size(), now_);
     collector.LookInto(std::move(lookups));
     for (const auto& subreport : report.subreports) collector.Collect(subreport.outerField);
-    Prepare(report, collector, std::move(keys));
+    Prepare(report, source, collector, std::move(keys));
     if (!selection.Empty()) collector.AddTest(&selection);
     const std::string condition = Joined(Pushed(report.rowTest, source), Pushed(selection, source));
     if (!ReadAll(source, condition, collector)) return nullptr;
@@ -157,7 +169,7 @@ class RunReader {
   struct InnerReading {
     InnerReading(const RunReader& reader, const ReportDefinition& report)
         : source(report, *reader.schema_, reader.request_.dataFile),
-          lookups(HoldSmallTables(reader.connection_, report, *reader.schema_, source)),
+          lookups(HoldSmallTables(reader.connection_, report, source)),
           collector(source, report.fields.size(), reader.now_) {
       collector.LookInto(std::move(lookups));
     }
@@ -203,11 +215,13 @@ class RunReader {
     return key;
   }
 
-  void Prepare(const ReportDefinition& report, RowCollector& collector, std::vector<RowKey> keys) const {
+  void Prepare(const ReportDefinition& report, const QuerySource& source, RowCollector& collector,
+               std::vector<RowKey> keys) const {
     if (!report.rowTest.Empty()) collector.AddTest(&report.rowTest);
     collector.OrderBy(std::move(keys));
     for (std::size_t i = 1; i < report.tables.size(); ++i)
-      if (!FindsOne(report.tables[i], *schema_)) collector.ShowEachOnce();
+      if (!source.IsHeld(static_cast<int>(i)) && !FindsOne(report.tables[i], *schema_))
+        collector.ShowEachOnce();
   }
 
   std::string Pushed(const Formula& selection, const QuerySource& source) const {
@@ -275,7 +289,7 @@ class RunReader {
     auto groups = GroupKeys(report);
     keys.insert(keys.end(), groups.begin(), groups.end());
     AddOrder(report, keys);
-    Prepare(report, reading.collector, std::move(keys));
+    Prepare(report, reading.source, reading.collector, std::move(keys));
     const std::string own = Pushed(report.rowTest, reading.source);
     const auto conditions = LinkConditions(reading.source.ColumnOf(subreport.innerField), values);
     return std::all_of(conditions.begin(), conditions.end(), [&](const std::string& condition) {
