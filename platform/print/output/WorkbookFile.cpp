@@ -119,7 +119,9 @@ void WorkbookFile::NewSheet() {
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     const double letters = std::max(static_cast<double>(columns_[i].width) / kPoint / kPointsOfLetter, 6.0);
     const auto column = static_cast<lxw_col_t>(i);
-    worksheet_set_column(sheet_, column, column, std::min(letters, 80.0), nullptr);
+    // Notes below a row run over the whole page there; here they may run over the cells beside them.
+    const double most = columns_[i].heading.empty() ? 30.0 : 80.0;
+    worksheet_set_column(sheet_, column, column, std::min(letters, most), nullptr);
   }
   worksheet_outline_settings(sheet_, LXW_TRUE, LXW_TRUE, LXW_TRUE, LXW_FALSE);
   if (facts_.pageWidth > facts_.pageHeight) worksheet_set_landscape(sheet_);
