@@ -339,7 +339,13 @@ class Worker {
           file_, "SELECT [Version], [Token] FROM [Walk] WHERE [ID] = " + std::to_string(row),
           store::Locking::ReadOnly);
       if (read->AtEnd()) return Gone(row);
-      change.version = read->Get(0).AsLong();
+      try {
+        change.version = read->Get(0).AsLong();
+      } catch (const StoreError& error) {
+        // Another process has deleted the row since the query found its key.
+        if (error.Number() == store::kRecordDeleted) return Gone(row);
+        throw;
+      }
       change.token = -1;
     }
     change.amount = 1 + Dice(9);
