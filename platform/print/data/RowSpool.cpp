@@ -1,15 +1,14 @@
 // Rows packed into blocks, in memory or in a temporary file.
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 #include "platform/print/PrintError.h"
+#include "platform/print/TemporaryFile.h"
 #include "platform/print/data/Rows.h"
 
 namespace print {
@@ -111,22 +110,12 @@ Value TakeValue(const char*& at) {
   return rt::Null{};
 }
 
-std::string TemporaryDirectory() {
-  const char* chosen = std::getenv("TMPDIR");
-  return chosen && *chosen ? chosen : "/tmp";
-}
-
 /// A file that is gone with its descriptor, however the program ends.
 class UnnamedFile {
  public:
   UnnamedFile() : directory_(TemporaryDirectory()) {
-    fd_ = open(directory_.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (fd_ >= 0) return;
-    // Some file systems know no unnamed files.
-    std::string name = directory_ + "/dwrowsXXXXXX";
-    fd_ = mkostemp(name.data(), O_CLOEXEC);
+    fd_ = OpenUnnamedFile(directory_);
     if (fd_ < 0) Fail("No temporary file for the rows of the report can be made in '");
-    unlink(name.c_str());
   }
   ~UnnamedFile() { close(fd_); }
   UnnamedFile(const UnnamedFile&) = delete;

@@ -6,12 +6,12 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 
 #include "platform/print/PrintError.h"
+#include "platform/print/TemporaryFile.h"
 
 namespace print {
 namespace {
@@ -95,8 +95,7 @@ OutputFile::OutputFile(const std::string& path) : shown_(path == "-" ? "standard
     beside = fs::path(target_).parent_path();
     if (beside.empty()) beside = ".";
   } else {
-    const char* chosen = std::getenv("TMPDIR");
-    beside = chosen != nullptr && *chosen != '\0' ? chosen : "/tmp";
+    beside = TemporaryDirectory();
   }
   temporary_ = (beside / ".dwoutXXXXXX").string();
   fd_ = mkostemp(temporary_.data(), O_CLOEXEC);

@@ -1,13 +1,13 @@
 #include "platform/print/output/Outputs.h"
 
 #include <array>
-#include <cctype>
 #include <filesystem>
 #include <utility>
 
 #include "platform/print/PrintError.h"
 #include "platform/print/output/OutputFile.h"
 #include "platform/print/output/Writers.h"
+#include "platform/runtime/Letters.h"
 
 namespace print {
 
@@ -20,10 +20,9 @@ std::optional<OutputFormat> FormatOfEnding(const std::string& path) {
        {".html", OutputFormat::Html},
        {".htm", OutputFormat::Html},
        {".txt", OutputFormat::Text}}};
-  std::string ending = std::filesystem::path(path).extension().string();
-  for (char& letter : ending) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+  const std::string ending = std::filesystem::path(path).extension().string();
   for (const auto& [known, format] : kEndings) {
-    if (ending == known) return format;
+    if (rt::EqualNoCase(ending, known)) return format;
   }
   return std::nullopt;
 }

@@ -12,6 +12,7 @@
 #include <ctime>
 
 #include "platform/print/PrintError.h"
+#include "platform/print/TemporaryFile.h"
 #include "platform/runtime/Clock.h"
 #include "platform/runtime/Letters.h"
 
@@ -86,8 +87,7 @@ void WorkbookFile::WorkbookEnd::operator()(lxw_workbook* workbook) const { lxw_w
 WorkbookFile::WorkbookFile(const ReportFacts& facts, const std::vector<TableColumn>& columns,
                            OutputFile& file)
     : facts_(facts), columns_(columns), file_(file) {
-  const char* chosen = std::getenv("TMPDIR");
-  temporaryDirectory_ = chosen != nullptr && *chosen != '\0' ? chosen : "/tmp";
+  temporaryDirectory_ = TemporaryDirectory();
   lxw_workbook_options options{};
   options.constant_memory = LXW_TRUE;
   options.tmpdir = temporaryDirectory_.data();

@@ -1,6 +1,5 @@
 #include "platform/print/pages/PageStore.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zstd.h>
@@ -8,13 +7,13 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <mutex>
 #include <utility>
 
 #include "platform/print/PrintError.h"
+#include "platform/print/TemporaryFile.h"
 #include "platform/print/pages/PagePacking.h"
 
 namespace print {
@@ -30,11 +29,6 @@ struct DecompressorEnd {
 /// The fastest level: a page shrinks to a third, and more effort gains little.
 constexpr int kLevel = 1;
 
-std::string TemporaryDirectory() {
-  const char* chosen = std::getenv("TMPDIR");
-  return chosen != nullptr && *chosen != '\0' ? chosen : "/tmp";
-}
-
 std::string Reason(int error) {
   if (error == ENOSPC || error == EDQUOT || error == EFBIG) return "the disk is full";
   if (error == EACCES || error == EPERM) return "permission denied";
@@ -43,22 +37,12 @@ std::string Reason(int error) {
   return std::strerror(error);
 }
 
-int OpenUnnamed(const std::string& directory) {
-  int fd = open(directory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (fd >= 0) return fd;
-  // Some file systems know no unnamed files.
-  std::string name = directory + "/dwpagesXXXXXX";
-  fd = mkostemp(name.data(), O_CLOEXEC);
-  if (fd >= 0) unlink(name.c_str());
-  return fd;
-}
-
 }  // namespace
 
 class PageStore::Impl {
  public:
   explicit Impl(ReportFacts facts) : facts_(std::move(facts)), directory_(TemporaryDirectory()) {
-    fd_ = OpenUnnamed(directory_);
+    fd_ = OpenUnnamedFile(directory_);
     if (fd_ < 0)
       throw PrintError("No temporary file for the pages can be made in '" + directory_ +
                        "': " + Reason(errno) + ".");
